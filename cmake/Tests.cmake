@@ -1,0 +1,41 @@
+# Unit tests lie beside what they test (src/<folder>/*_test.cpp): one program a folder. Tests of the whole library lie in
+# tests/ and see include/kesu only. Shared doubles lie in testing/.
+find_package(GTest REQUIRED)
+find_package(Threads REQUIRED)
+
+file(GLOB testing_sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/testing/*.cpp)
+add_library(kesu_testing STATIC ${testing_sources})
+target_link_libraries(kesu_testing PUBLIC kesu_build GTest::gtest OpenSSL::SSL OpenSSL::Crypto Threads::Threads)
+
+function(kesu_add_test name)
+  cmake_parse_arguments(arg "" "FOLDER;LABELS" "SOURCES" ${ARGN})
+  add_executable(${name} ${arg_SOURCES})
+  target_precompile_headers(${name} PRIVATE <gtest/gtest.h> <functional> <memory> <string> <vector>)
+  target_link_libraries(${name} PRIVATE kesu_testing GTest::gtest_main ${KESU_SYSTEM_LIBRARIES})
+  kesu_link_folder(${name} ${arg_FOLDER})
+  add_test(NAME ${name} COMMAND ${name})
+  set_tests_properties(${name} PROPERTIES TIMEOUT 300)
+  if(arg_LABELS)
+    set_tests_properties(${name} PROPERTIES LABELS "${arg_LABELS}")
+  endif()
+endfunction()
+
+# Folders whose tests run several threads: the TSan build runs these (label "concurrent").
+set(concurrent_folders platform platform/linux lifecycle delivery)
+
+foreach(folder IN LISTS KESU_FOLDERS)
+  file(GLOB test_sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/${folder}/*_test.cpp)
+  if(test_sources)
+    string(REPLACE "/" "_" name ${folder})
+    set(labels "")
+    if(folder IN_LIST concurrent_folders)
+      set(labels concurrent)
+    endif()
+    kesu_add_test(${name}_test FOLDER ${folder} LABELS "${labels}" SOURCES ${test_sources})
+  endif()
+endforeach()
+
+file(GLOB system_sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/*_test.cpp)
+if(system_sources)
+  kesu_add_test(system_test FOLDER facade LABELS concurrent SOURCES ${system_sources})
+endif()

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <functional>
+
+#include <kesu/Export.h>
+
+namespace kesu {
+
+/// The one serial low-priority worker. Tasks run in the order in which they were posted, one at a time.
+class KESU_API BackgroundQueue {
+ public:
+  using Task = std::function<void()>;
+
+  virtual ~BackgroundQueue() = default;
+
+  /// Queues a task. Any thread; never blocks.
+  virtual void post(Task task) = 0;
+
+  /// Waits until every task posted so far has run, at most `seconds`. Returns whether that is so. Called from the worker
+  /// itself it returns false at once.
+  virtual bool drain(double seconds) = 0;
+
+  /// Runs what is queued (at most `seconds`), ends the worker and joins it. Tasks posted afterwards run at once on the
+  /// posting thread, so that nothing is lost while the process ends.
+  virtual void shutdown(double seconds) = 0;
+};
+
+}  // namespace kesu

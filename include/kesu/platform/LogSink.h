@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string_view>
+
+#include <kesu/Export.h>
+
+namespace kesu {
+
+/// Where log lines go. Callable from any thread; must not call back into the library.
+class KESU_API LogSink {
+ public:
+  virtual ~LogSink() = default;
+
+  /// Writes one line. `level`: 0 always shown, 2 warning, 3 verbose. `text` has no line end.
+  virtual void write(int level, std::string_view text) = 0;
+};
+
+}  // namespace kesu

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <kesu/Export.h>
+#include <kesu/foundation/Mutex.h>
+#include <kesu/foundation/Value.h>
+
+namespace kesu {
+
+/// What an observer is told.
+struct Notification {
+  std::string name;
+  const void* object = nullptr;  ///< Who posted it; identity only, may be null.
+  Dictionary userInfo;
+};
+
+/// Hands notifications to their observers, on the posting thread, in the order in which they were added.
+///
+/// Any thread. Observers may add and remove observers while being told; one that was removed is not told any more, one
+/// that was added is told from the next notification on.
+class KESU_API NotificationCenter {
+ public:
+  using Observer = std::function<void(const Notification&)>;
+  using Token = std::uint64_t;
+
+  /// The notification centre of the installed platform.
+  static NotificationCenter& defaultCenter();
+
+  /// Calls `observer` for every notification called `name` from `object` (null: from anybody). Returns what
+  /// removeObserver() takes.
+  Token addObserver(std::string_view name, const void* object, Observer observer);
+
+  /// Ends an observation. Unknown tokens are ignored.
+  void removeObserver(Token token);
+
+  void post(std::string_view name, const void* object = nullptr, Dictionary userInfo = {});
+
+ private:
+  struct Entry {
+    Token token = 0;
+    std::string name;
+    const void* object = nullptr;
+    Observer observer;
+  };
+
+  bool isRegistered(Token token);
+
+  Mutex mutex_;
+  std::vector<Entry> entries_ KESU_GUARDED_BY(mutex_);
+  Token lastToken_ KESU_GUARDED_BY(mutex_) = 0;
+};
+
+}  // namespace kesu

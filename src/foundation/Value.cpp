@@ -1,0 +1,1 @@
+#include <kesu/foundation/Value.h>
