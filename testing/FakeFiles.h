@@ -1,0 +1,58 @@
+#pragma once
+
+#include <kesu/foundation/Mutex.h>
+#include <kesu/platform/Files.h>
+
+#include <vector>
+
+namespace kesu::testing {
+
+/// A file system in memory. Any thread.
+///
+/// Entries are listed in the order in which they were made; a file that is written again keeps its place. The
+/// directories are "/home/Documents", "/home/Library/Caches" and "/home/Library/Preferences" and do not exist until
+/// something is written into them.
+class FakeFiles final : public Files {
+ public:
+  std::string documentsDirectory() override { return "/home/Documents"; }
+  std::string cachesDirectory() override { return "/home/Library/Caches"; }
+  std::string preferencesDirectory() override { return "/home/Library/Preferences"; }
+
+  FileContent read(const std::string& path, std::size_t limit) override;
+  FileResult writeAtomically(const std::string& path, std::string_view bytes) override;
+  FileResult remove(const std::string& path) override;
+  FileResult createDirectories(const std::string& path) override;
+  void enumerate(const std::string& directory, const std::function<bool(const DirectoryEntry&)>& visit) override;
+
+  /// Makes an entry that is neither file nor directory: a link, FIFO or device. Missing directories are made.
+  void addSpecial(const std::string& path);
+
+  /// Paths of all regular files, hidden ones too, in the order in which they were made.
+  std::vector<std::string> paths();
+
+  /// How often read() was called for `path`.
+  int readCount(const std::string& path);
+
+ private:
+  enum class Kind { File, Directory, Special };
+
+  struct Node {
+    std::string path;
+    Kind kind;
+    std::string bytes;
+    int reads = 0;
+  };
+
+  using Nodes = std::vector<Node>;
+
+  Nodes::iterator find(std::string_view path) KESU_REQUIRES(mutex_);
+  bool makeDirectories(const std::string& path) KESU_REQUIRES(mutex_);
+  FileResult put(const std::string& path, Kind kind, std::string_view bytes) KESU_REQUIRES(mutex_);
+  std::vector<std::pair<DirectoryEntry, Kind>> children(const std::string& directory);
+  bool walk(const std::string& directory, const std::function<bool(const DirectoryEntry&)>& visit);
+
+  Mutex mutex_;
+  Nodes nodes_ KESU_GUARDED_BY(mutex_);
+};
+
+}  // namespace kesu::testing

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <kesu/foundation/Mutex.h>
+#include <kesu/platform/UserDefaults.h>
+
+#include <map>
+
+namespace kesu::testing {
+
+/// User defaults in memory, with a "disk" that a test can look at.
+///
+/// Only synchronize() hands values to the disk. A test simulates the death of the process, with the loss of what was
+/// not synchronized, by building a second fake from the first one's keptOnDisk(). Any thread.
+class FakeUserDefaults final : public UserDefaults {
+ public:
+  FakeUserDefaults() = default;
+
+  /// Starts as a new process would that finds `onDisk`.
+  explicit FakeUserDefaults(const Dictionary& onDisk);
+
+  std::optional<Value> get(std::string_view key) override;
+  bool set(std::string_view key, Value value) override;
+  void remove(std::string_view key) override;
+  void appendString(std::string_view key, std::string_view suffix) override;
+  std::optional<std::string> takeString(std::string_view key) override;
+  std::vector<std::string> keys() override;
+  bool synchronize() override;
+  void checkpoint() override;
+
+  /// What the last successful synchronize() handed over.
+  Dictionary keptOnDisk();
+
+  /// How often synchronize() was called, with success or without.
+  int synchronizeCount();
+
+  /// How often checkpoint() was called.
+  int checkpointCount();
+
+  /// From now on synchronize() fails and keeps nothing (true), or works again (false).
+  void refuseWrites(bool refuse);
+
+ private:
+  using Values = std::map<std::string, Value, std::less<>>;
+
+  Mutex mutex_;
+  Values values_ KESU_GUARDED_BY(mutex_);
+  Values onDisk_ KESU_GUARDED_BY(mutex_);
+  int synchronizeCount_ KESU_GUARDED_BY(mutex_) = 0;
+  int checkpointCount_ KESU_GUARDED_BY(mutex_) = 0;
+  bool refusesWrites_ KESU_GUARDED_BY(mutex_) = false;
+};
+
+}  // namespace kesu::testing
