@@ -1,0 +1,189 @@
+#pragma once
+
+#include <kesu/foundation/Mutex.h>
+#include <kesu/platform/HttpClient.h>
+#include <kesu/platform/MainLoop.h>
+
+#include <cstddef>
+#include <map>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace kesu::testing {
+
+/// An HttpClient that sends nothing: it keeps the requests in the order of their send() and the test answers them.
+///
+/// Without a main loop a completion runs inside the test's own call (answer(), failAll(), shutdown() ...), which
+/// therefore plays the main loop's part; with one it is posted there. Any thread may send; answering belongs to the
+/// test's thread.
+class FakeHttpClient final : public HttpClient {
+ public:
+  FakeHttpClient() = default;
+  explicit FakeHttpClient(MainLoop& loop) : loop_(&loop) {}
+
+  /// The reply to a request that was answered with this status.
+  static HttpReply reply(int status, std::string body = {}) {
+    HttpReply made;
+    made.status = status;
+    made.body = std::move(body);
+    return made;
+  }
+
+  /// The reply to a request that failed. `status` is for replies that broke off after the head.
+  static HttpReply failure(HttpError error, int status = 0) {
+    HttpReply made;
+    made.status = status;
+    made.error = error;
+    made.errorText = "failed by the test";
+    return made;
+  }
+
+  void send(HttpRequest request, Completion completion) override {
+    const MutexLock lock(mutex_);
+    if (down_) {
+      late_.push_back(std::move(completion));
+      postLate();
+      return;
+    }
+    pending_.emplace(requests_.size(), std::move(completion));
+    requests_.push_back(std::move(request));
+  }
+
+  std::size_t pendingCount() override {
+    const MutexLock lock(mutex_);
+    return pending_.size() + late_.size();
+  }
+
+  /// Fails everything that the test has not answered; the grace passes at once.
+  void shutdown(double) override {
+    {
+      const MutexLock lock(mutex_);
+      if (std::exchange(down_, true)) {
+        return;
+      }
+    }
+    failAll(HttpError::Cancelled);
+  }
+
+  void setConnectObserver(ConnectObserver observer) override { observer_ = std::move(observer); }
+
+  /// Everything that was sent before shutdown(), answered or not, in order.
+  std::vector<HttpRequest> requests() {
+    const MutexLock lock(mutex_);
+    return requests_;
+  }
+
+  std::size_t requestCount() {
+    const MutexLock lock(mutex_);
+    return requests_.size();
+  }
+
+  /// The `index`-th request sent; throws std::out_of_range when there are fewer.
+  HttpRequest request(std::size_t index) {
+    const MutexLock lock(mutex_);
+    return requests_.at(index);
+  }
+
+  bool isPending(std::size_t index) {
+    const MutexLock lock(mutex_);
+    return pending_.count(index) != 0;
+  }
+
+  /// Completes the `index`-th request. Returns false, and does nothing, when it is not pending.
+  bool answer(std::size_t index, HttpReply made) {
+    Completion completion;
+    {
+      const MutexLock lock(mutex_);
+      const auto found = pending_.find(index);
+      if (found == pending_.end()) {
+        return false;
+      }
+      completion = std::move(found->second);
+      pending_.erase(found);
+    }
+    complete(std::move(completion), std::move(made));
+    return true;
+  }
+
+  bool answer(std::size_t index, int status, std::string body = {}) {
+    return answer(index, reply(status, std::move(body)));
+  }
+  bool fail(std::size_t index, HttpError error) { return answer(index, failure(error)); }
+
+  /// Complete the requests that are pending now, oldest first; those that the completions send are left pending.
+  /// Return how many were completed.
+  std::size_t answerAll(int status, const std::string& body = {}) { return completeAll(reply(status, body)); }
+  std::size_t failAll(HttpError error) { return completeAll(failure(error)); }
+
+  /// Runs the completions of requests that were sent after shutdown() (nothing to do with a main loop).
+  void completeLate() {
+    std::vector<Completion> late;
+    {
+      const MutexLock lock(mutex_);
+      late.swap(late_);
+    }
+    for (Completion& completion : late) {
+      complete(std::move(completion), failure(HttpError::Cancelled));
+    }
+  }
+
+  /// Tells the observer about an attempt to connect.
+  void reportConnect(const std::string& host, int port, bool connected) {
+    const auto report = [this, host, port, connected] {
+      if (observer_) {
+        observer_(host, port, connected);
+      }
+    };
+    if (loop_ != nullptr) {
+      loop_->post(report);
+    } else {
+      report();
+    }
+  }
+
+ private:
+  std::size_t completeAll(const HttpReply& made) {
+    std::vector<std::size_t> indexes;
+    {
+      const MutexLock lock(mutex_);
+      for (const auto& entry : pending_) {
+        indexes.push_back(entry.first);
+      }
+    }
+    std::size_t completed = 0;
+    for (const std::size_t index : indexes) {
+      completed += answer(index, made) ? 1U : 0U;
+    }
+    return completed;
+  }
+
+  void complete(Completion completion, HttpReply made) {
+    if (loop_ == nullptr) {
+      completion(std::move(made));
+      return;
+    }
+    loop_->post(
+        [completion = std::move(completion), made = std::move(made)]() mutable { completion(std::move(made)); });
+  }
+
+  /// A loop delivers late completions by itself; without one they wait for completeLate(), because no completion may
+  /// run inside send().
+  void postLate() KESU_REQUIRES(mutex_) {
+    if (loop_ != nullptr) {
+      loop_->post([completion = std::move(late_.back())] { completion(failure(HttpError::Cancelled)); });
+      late_.pop_back();
+    }
+  }
+
+  MainLoop* loop_ = nullptr;
+  ConnectObserver observer_;
+  Mutex mutex_;
+  bool down_ KESU_GUARDED_BY(mutex_) = false;
+  std::vector<HttpRequest> requests_ KESU_GUARDED_BY(mutex_);
+  std::map<std::size_t, Completion> pending_ KESU_GUARDED_BY(mutex_);
+  std::vector<Completion> late_ KESU_GUARDED_BY(mutex_);
+};
+
+}  // namespace kesu::testing
