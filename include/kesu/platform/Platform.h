@@ -42,7 +42,7 @@ struct Platform {
   NotificationCenter& notifications;
 
   /// The installed platform. Before any was installed it installs the one named by setDefaultInstaller(), which the
-  /// library sets to installLinuxPlatform() with no options.
+  /// library sets to installLinuxPlatform() with no options; without that either, the process is ended by abort().
   KESU_API static Platform& current();
 
   /// Makes `platform` the current one, or none for null. Main thread, before the first call into the library.

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <kesu/platform/Platform.h>
+
+#include "testing/FakeBundle.h"
+#include "testing/FakeDeviceFacts.h"
+#include "testing/FakeFiles.h"
+#include "testing/FakeHttpClient.h"
+#include "testing/FakeLocale.h"
+#include "testing/FakeReachabilitySource.h"
+#include "testing/FakeUserDefaults.h"
+#include "testing/ManualBackgroundQueue.h"
+#include "testing/ManualClock.h"
+#include "testing/ManualMainLoop.h"
+#include "testing/RecordingLog.h"
+#include "testing/RecordingUrlOpener.h"
+#include "testing/SequentialRandom.h"
+
+namespace kesu::testing {
+
+/// A whole platform of doubles, installed for as long as this lives. One at a time, on the test's thread.
+class ScopedPlatform {
+ public:
+  ScopedPlatform() { Platform::install(&platform); }
+  ~ScopedPlatform() { Platform::install(nullptr); }
+
+  ScopedPlatform(const ScopedPlatform&) = delete;
+  ScopedPlatform& operator=(const ScopedPlatform&) = delete;
+
+  /// Runs background tasks, then main-loop tasks and due timers, until both are empty; no time passes.
+  void settle() {
+    do {
+      background.runAll();
+      mainLoop.runAll();
+    } while (background.count() > 0);
+  }
+
+  ManualClock clock;
+  SequentialRandom random;
+  FakeFiles files;
+  FakeUserDefaults defaults;
+  ManualMainLoop mainLoop{clock};
+  FakeHttpClient http{mainLoop};
+  ManualBackgroundQueue background;
+  FakeLocale locale;
+  FakeBundle bundle;
+  FakeReachabilitySource reachability{mainLoop};
+  FakeDeviceFacts device;
+  RecordingLog log;
+  RecordingUrlOpener urlOpener;
+  NotificationCenter notifications;
+  Platform platform{clock,  random, files,        defaults, http, mainLoop,  background,
+                    locale, bundle, reachability, device,   log,  urlOpener, notifications};
+};
+
+}  // namespace kesu::testing
