@@ -1,0 +1,16 @@
+#pragma once
+
+/// Everything a host needs. Link kesu::kesu.
+#include <kesu/Kesu.h>
+#include <kesu/Version.h>
+#include <kesu/events/KesuCustomEvent.h>
+#include <kesu/events/KesuEvent.h>
+#include <kesu/events/KesuExplicitActivation.h>
+#include <kesu/foundation/Exception.h>
+#include <kesu/foundation/Value.h>
+#include <kesu/platform/ApplicationNotifications.h>
+#include <kesu/platform/MainLoop.h>
+#include <kesu/platform/NotificationCenter.h>
+#include <kesu/platform/Platform.h>
+#include <kesu/support/CollectionHelpers.h>
+#include <kesu/ui/Application.h>

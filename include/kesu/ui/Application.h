@@ -1,0 +1,37 @@
+#pragma once
+
+#include <kesu/Export.h>
+
+namespace kesu {
+
+/// The host's life cycle, as the host reports it. Main thread; nothing here waits for the network.
+///
+/// Each operation posts its notification (kesu/platform/ApplicationNotifications.h), which the library turns into
+/// records.
+class KESU_API Application {
+ public:
+  static Application& shared();
+
+  /// Once, after Kesu::initialize, when the application is ready: posts the installation record on the first launch and
+  /// starts to watch the network.
+  void didFinishLaunching();
+
+  /// The application is no longer visible. What is stored so far is also moved into its final place on disk.
+  void didEnterBackground();
+
+  /// The application is about to be visible again.
+  void willEnterForeground();
+
+  /// The process is about to end. Returns within 50 ms whatever the network does; every record is then delivered or on
+  /// disk (where thousands are pending, writing them down takes what it takes). An exit handler does the same for hosts
+  /// that just return from main().
+  void willTerminate();
+
+  /// Locale, languages or time zone of the device have changed.
+  void localeDidChange();
+
+  /// The system is short of memory.
+  void didReceiveMemoryWarning();
+};
+
+}  // namespace kesu

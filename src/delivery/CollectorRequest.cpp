@@ -1,0 +1,117 @@
+#include "delivery/CollectorRequest.h"
+
+#include <utility>
+
+#include "foundation/Describe.h"
+#include "foundation/Json.h"
+#include "foundation/NumberText.h"
+#include "records/DefaultsKeys.h"
+#include "records/RecordKeys.h"
+#include "records/Versions.h"
+#include "support/KesuPriorityLogger.h"
+
+namespace kesu {
+namespace {
+
+bool isSendable(const Value& value) {
+  switch (value.kind()) {
+    case Value::Kind::Null:
+    case Value::Kind::Bool:
+    case Value::Kind::Integer:
+    case Value::Kind::Real:
+    case Value::Kind::Text:
+    case Value::Kind::Array:
+    case Value::Kind::Dictionary:
+      return true;
+    case Value::Kind::Data:
+    case Value::Kind::Date:
+      return false;
+  }
+  return false;
+}
+
+Value describedUnlessSendable(const Value& value) {
+  if (isSendable(value)) {
+    return value;
+  }
+  std::string description = describe(value);
+  KESU_LOG(0, "Unsupported class being passed to NSDictionary, and which is %s", description.c_str());
+  return description;
+}
+
+void logRefusal(const char* reason) {
+  KESU_LOG(0, "JSON serialization exception: %s and the reason %s", "NSInvalidArgumentException", reason);
+}
+
+bool serialise(const Dictionary& body, std::string& text) {
+  switch (writeJson(body, text)) {
+    case JsonStatus::Ok:
+      return !text.empty();
+    case JsonStatus::NotValid:
+      return false;
+    case JsonStatus::TooDeep:
+      logRefusal("the record is nested too deeply");
+      return false;
+    case JsonStatus::BadText:
+      logRefusal("a text of the record is not valid UTF-8");
+      return false;
+  }
+  return false;
+}
+
+}  // namespace
+
+void optimizeDictionary(Dictionary& record) {
+  record.removeIf([](const Dictionary::Entry& entry) { return entry.value.isNull(); });
+}
+
+Dictionary collectorBody(const Dictionary& record, double sentAt) {
+  Dictionary body;
+  body.reserve(record.size() + 1);
+  for (const auto& [key, value] : record) {
+    if (key != k_destinationKeyInDictionary && key != k_keyFilename) {
+      body.set(key, describedUnlessSendable(value));
+    }
+  }
+  body.set(k_AgentSentEpoch, milliseconds(sentAt));
+  return body;
+}
+
+void stampInterruptedRun(Dictionary& body, UserDefaults& defaults) {
+  const std::string* interruptedAt = body.findText(k_CrashedOrForcedQuitTimestamp);
+  if (interruptedAt == nullptr || interruptedAt->empty()) {
+    return;
+  }
+  body.set(k_AgentCollectionEpoch, std::string(*interruptedAt));
+  defaults.set(k_CrashedOrForcedQuitTimestamp, "");
+  const std::pair<std::string_view, std::string_view> versions[] = {
+      {kFlowOsVersionDefault, k_OsVersion},
+      {kFlowShortVersionDefault, k_CFBundleShortVersionString},
+      {kFlowBundleVersionDefault, k_CFBundleVersion}};
+  for (const auto& [source, column] : versions) {
+    // Kept: an empty text counts as a version and is copied, too.
+    if (auto version = defaults.get(source)) {
+      body.set(column, std::move(*version));
+      defaults.set(source, "");
+    }
+  }
+  defaults.synchronize();
+}
+
+std::optional<HttpRequest> collectorRequest(const Dictionary& body, const std::string& destination,
+                                            const std::string& url) {
+  HttpRequest request;
+  if (!serialise(body, request.body)) {
+    return std::nullopt;
+  }
+  request.method = "POST";
+  request.url = url;
+  request.headers = {{std::string(k_TableName), destination},
+                     {std::string(k_FullVersionKeyForHeader), fullVersionText()},
+                     {"Content-Type", "application/json"},
+                     {"Accept-Encoding", "gzip"},
+                     {"Content-Length", std::to_string(request.body.size())}};
+  return request;
+}
+
+}  // namespace kesu

@@ -1,0 +1,126 @@
+#include "delivery/KesuStore.h"
+
+#include <cinttypes>
+
+#include "delivery/StoreFileName.h"
+#include "foundation/PropertyList.h"
+#include "foundation/Text.h"
+#include "records/DefaultsKeys.h"
+#include "records/RecordKeys.h"
+#include "support/KesuPriorityLogger.h"
+
+namespace kesu {
+namespace {
+
+constexpr std::int64_t kMostFiles = 5000;
+
+/// A record is a few hundred bytes; whatever is larger than this was not written by us.
+constexpr std::size_t kLargestFile = 64U * 1024U * 1024U;
+
+constexpr const char* kSource = "KesuStore";
+
+}  // namespace
+
+std::string KesuStore::newFileName() {
+  return documentsDirectory() + "/" + storeFileName(clock_.now());
+}
+
+bool KesuStore::add(const Dictionary& record) {
+  const std::int64_t count = defaults_.integer(kNumberOfFilesDefault);
+  if (count == kMostFiles) {
+    deleteFirstFile();
+  }
+  const auto bytes = documentsDirectory().empty() ? std::nullopt : writePropertyList(record);
+  const bool written = bytes && files_.writeAtomically(newFileName(), *bytes).ok();
+  defaults_.set(kNumberOfFilesDefault, count + 1);
+  defaults_.synchronize();
+  return written;
+}
+
+std::vector<std::string> KesuStore::storedFiles() {
+  std::vector<std::string> paths;
+  files_.enumerate(documentsDirectory(), [&paths](const DirectoryEntry& entry) {
+    if (entry.isRegularFile && isStoreFile(entry.name)) {
+      paths.push_back(entry.path);
+    }
+    return true;
+  });
+  return paths;
+}
+
+std::optional<Dictionary> KesuStore::recordToRepost(const std::string& path) {
+  const FileContent content = files_.read(path, kLargestFile);
+  auto value = content.ok() ? parsePropertyList(content.bytes) : std::nullopt;
+  Dictionary* record = value ? value->dictionary() : nullptr;
+  if (record == nullptr) {
+    KESU_LOG(2, "No record can be read from %s", path.c_str());
+    return std::nullopt;
+  }
+  record->set(k_keyFilename, std::string(lastPathComponent(path)));
+  return std::move(*record);
+}
+
+std::vector<Dictionary> KesuStore::dictionariesToRepost() {
+  std::vector<Dictionary> records;
+  for (const std::string& path : storedFiles()) {
+    if (auto record = recordToRepost(path)) {
+      records.push_back(std::move(*record));
+    }
+  }
+  return records;
+}
+
+bool KesuStore::deleteFile(const std::string& name) {
+  if (!isStoreFile(name)) {
+    return false;
+  }
+  const std::string path = documentsDirectory() + "/" + name;
+  KESU_LOG_AT(3, kSource, 114, "fullpath %s", path.c_str());
+  if (files_.remove(path).ok()) {
+    return true;
+  }
+  const FileResult secondTry = files_.remove(path);
+  if (!secondTry.ok()) {
+    KESU_LOG_AT(3, kSource, 129, "FAILED removing %s %s", name.c_str(), secondTry.reason.c_str());
+  }
+  return secondTry.ok();
+}
+
+void KesuStore::deleteFirstFile() {
+  const std::int64_t count = defaults_.integer(kNumberOfFilesDefault);
+  std::string name;
+  files_.enumerate(documentsDirectory(), [&name](const DirectoryEntry& entry) {
+    if (isStoreFile(entry.name)) {
+      name = entry.name;
+    }
+    return name.empty();
+  });
+  long deleted = 0;
+  if (!name.empty()) {
+    deleted = deleteFile(name) ? 1 : 0;
+    defaults_.set(kNumberOfFilesDefault, count - 1);
+    defaults_.synchronize();
+  }
+  // Kept: the number printed counts the files that did go, whatever the words say.
+  KESU_LOG_AT(3, kSource, 193, "Deleted %s successfully and %ld unsuccessfully", name.c_str(), deleted);
+}
+
+void KesuStore::deleteAllFiles() {
+  long deleted = 0;
+  long failed = 0;
+  for (const std::string& path : storedFiles()) {
+    ++(deleteFile(std::string(lastPathComponent(path))) ? deleted : failed);
+  }
+  KESU_LOG_AT(3, kSource, 169, "Deleted %ld successfully and %ld unsuccessfully", deleted, failed);
+}
+
+void KesuStore::ls() {
+  long count = 0;
+  for (const std::string& path : storedFiles()) {
+    ++count;
+    KESU_LOG_AT(3, kSource, 145, "ls %ld - %s", count, path.c_str());
+  }
+  KESU_LOG_AT(3, kSource, 148, "%ld files listed", count);
+}
+
+}  // namespace kesu

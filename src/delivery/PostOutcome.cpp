@@ -1,0 +1,31 @@
+#include "delivery/PostOutcome.h"
+
+namespace kesu {
+namespace {
+
+constexpr int kBadRequest = 400;
+constexpr int kForbidden = 403;
+
+bool isSuccess(int status) {
+  return status >= 200 && status <= 299;
+}
+
+bool isRefusedForGood(int status) {
+  return status == kBadRequest || status == kForbidden;
+}
+
+}  // namespace
+
+PostAction actionAfter(PostKind kind, const HttpReply& reply) {
+  switch (kind) {
+    case PostKind::First: {
+      const bool failed = reply.error != HttpError::None || !isSuccess(reply.status);
+      return failed && !isRefusedForGood(reply.status) ? PostAction::StoreRecord : PostAction::None;
+    }
+    case PostKind::Resend:
+      return reply.body.has_value() && isSuccess(reply.status) ? PostAction::DeleteFile : PostAction::None;
+  }
+  return PostAction::None;
+}
+
+}  // namespace kesu

@@ -1,0 +1,44 @@
+#include "delivery/ResendPass.h"
+
+#include <utility>
+
+#include "support/KesuPriorityLogger.h"
+
+namespace kesu {
+namespace {
+
+constexpr double kSliceSeconds = 0.002;
+constexpr const char* kSource = "KesuManager";
+
+}  // namespace
+
+void ResendPass::start(NetworkStatus status) {
+  switch (status) {
+    case NetworkStatus::ReachableCell:
+      KESU_LOG_AT(3, kSource, 1955, "**** cell ****");
+      break;
+    case NetworkStatus::Reachable:
+      KESU_LOG_AT(3, kSource, 1953, "**** wifi ****");
+      break;
+    case NetworkStatus::NotReachable:
+      KESU_LOG_AT(3, kSource, 1951, "**** Not Reachable ****");
+      return;
+  }
+  sendSlice(store_.storedFiles(), 0);
+}
+
+void ResendPass::sendSlice(std::vector<std::string> paths, std::size_t next) {
+  const double end = clock_.monotonic() + kSliceSeconds;
+  while (next < paths.size()) {
+    if (auto record = store_.recordToRepost(paths[next])) {
+      post_.repost(std::move(*record));
+    }
+    ++next;
+    if (clock_.monotonic() >= end && next < paths.size()) {
+      mainLoop_.post([this, paths = std::move(paths), next]() mutable { sendSlice(std::move(paths), next); });
+      return;
+    }
+  }
+}
+
+}  // namespace kesu

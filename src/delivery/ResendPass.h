@@ -1,0 +1,37 @@
+#pragma once
+
+#include <kesu/platform/Clock.h>
+#include <kesu/platform/MainLoop.h>
+
+#include <string>
+#include <vector>
+
+#include "delivery/KesuPost.h"
+#include "delivery/KesuStore.h"
+#include "network/KesuServiceReachability.h"
+
+namespace kesu {
+
+/// Sends every stored record again. Main thread.
+///
+/// A pass waits for no reply and knows no limit, and it does not ask whether an earlier one is still on its way:
+/// records that are still stored go out again. Reading and sending is cut into slices of a few milliseconds, each its
+/// own task of the main loop, so that thousands of records never hold up a frame.
+class ResendPass {
+ public:
+  ResendPass(KesuStore& store, KesuPost& post, MainLoop& mainLoop, Clock& clock)
+      : store_(store), post_(post), mainLoop_(mainLoop), clock_(clock) {}
+
+  /// Starts a pass if `status` says that the collector can be reached; logs the status at level 3.
+  void start(NetworkStatus status);
+
+ private:
+  void sendSlice(std::vector<std::string> paths, std::size_t next);
+
+  KesuStore& store_;
+  KesuPost& post_;
+  MainLoop& mainLoop_;
+  Clock& clock_;
+};
+
+}  // namespace kesu

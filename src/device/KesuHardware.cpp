@@ -1,0 +1,132 @@
+#include "device/KesuHardware.h"
+
+#include <algorithm>
+#include <limits>
+#include <ranges>
+
+#include "foundation/NumberText.h"
+#include "network/KesuServiceReachability.h"
+
+namespace kesu {
+namespace {
+
+constexpr std::int64_t kHertzAMegahertz = 1'000'000;
+
+ProbeText decimalOrNothing(std::optional<std::int64_t> number) {
+  return number ? ProbeText(decimal(*number)) : std::nullopt;
+}
+
+ProbeText megahertz(std::optional<std::int64_t> hertz) {
+  return hertz && *hertz >= 1 ? ProbeText(decimal(*hertz / kHertzAMegahertz)) : std::nullopt;
+}
+
+std::string lowerHex(std::uint32_t number) {
+  std::string digits;
+  do {
+    digits.insert(digits.begin(), "0123456789abcdef"[number % 16]);
+    number /= 16;
+  } while (number != 0);
+  return digits;
+}
+
+}  // namespace
+
+Value KesuHardware::nonNil(const ProbeText& text) {
+  return text ? Value(*text) : Value(Null{});
+}
+
+ProbeText KesuHardware::systemUptime() {
+  const auto boot = facts_.bootTime();
+  return boot ? ProbeText(decimal(boot->seconds * 1000 + boot->microseconds)) : std::nullopt;
+}
+
+std::pair<double, double> KesuHardware::deviceResolution() {
+  const ScreenFacts screen = facts_.screen().value_or(ScreenFacts{});
+  return {screen.width * screen.scale, screen.height * screen.scale};
+}
+
+std::string KesuHardware::screenHeight() {
+  return generalReal(deviceResolution().second);
+}
+
+std::string KesuHardware::screenWidth() {
+  return generalReal(deviceResolution().first);
+}
+
+Value KesuHardware::memorySize() {
+  return nonNil(std::to_string(facts_.memoryBytes().value_or(0)));
+}
+
+Value KesuHardware::userMemorySize() {
+  // Kept: the collector expects a signed 32-bit number; larger memories read as its maximum.
+  constexpr std::int64_t kLargest = std::numeric_limits<std::int32_t>::max();
+  return nonNil(decimal(std::clamp<std::int64_t>(facts_.userMemoryBytes().value_or(0), 0, kLargest)));
+}
+
+ProbeText KesuHardware::numberOfProcessors() {
+  return decimalOrNothing(facts_.processors());
+}
+
+ProbeText KesuHardware::numberOfActiveProcessors() {
+  return decimalOrNothing(facts_.activeProcessors());
+}
+
+ProbeText KesuHardware::processorSpeed() {
+  return megahertz(facts_.processorHertz());
+}
+
+ProbeText KesuHardware::processorBusSpeed() {
+  return megahertz(facts_.busHertz());
+}
+
+Dictionary KesuHardware::describeProcess(const ProcessFacts& process) {
+  return {{"ProcessID", decimal(process.processId)},
+          {"ProcessName", process.name},
+          {"priority", decimal(process.priority)},
+          {"launchSec", decimal(process.startSeconds)},
+          {"processStartDate", Date{static_cast<double>(process.startSeconds)}},
+          {"processParentID", decimal(parentPIDForProcess(process.processId))},
+          {"processStatus", decimal(process.status)},
+          // Kept: a literal 0 in front of the hexadecimal digits, without the usual x.
+          {"processFlags", "0" + lowerHex(process.flags)}};
+}
+
+std::optional<Array> KesuHardware::systemProcesses() {
+  const auto processes = facts_.processes();
+  if (!processes || processes->empty()) {
+    return std::nullopt;
+  }
+  Array described;
+  described.reserve(processes->size());
+  for (const ProcessFacts& process : *processes | std::views::reverse) {
+    described.emplace_back(describeProcess(process));
+  }
+  return described;
+}
+
+std::string KesuHardware::localIP() {
+  return facts_.ipv4Address("en0").value_or("");
+}
+
+int KesuHardware::reachability() {
+  const auto flags = reachability_.internetFlags();
+  return flags ? static_cast<int>(KesuServiceReachability::networkStatusForFlags(*flags)) : 0;
+}
+
+void KesuHardware::currentWiFi(std::string& bssid, std::string& currentWiFiSSID_p) {
+  const WifiFacts wifi = facts_.wifi().value_or(WifiFacts{});
+  bssid = wifi.bssid;
+  currentWiFiSSID_p = wifi.ssid;
+}
+
+std::int32_t KesuHardware::parentPIDForProcess(std::int32_t processId) {
+  const std::int32_t parent = facts_.parentProcess(processId).value_or(0);
+  return parent > 0 ? parent : -1;
+}
+
+ProbeText KesuHardware::rebootTime() {
+  facts_.bootTime();
+  return std::nullopt;
+}
+
+}  // namespace kesu

@@ -1,0 +1,49 @@
+#include <kesu/Kesu.h>
+#include <kesu/foundation/Exception.h>
+
+#include <string>
+
+#include "facade/Wiring.h"
+#include "records/ExceptionTexts.h"
+#include "records/TimeReference.h"
+#include "support/KesuPriorityLogger.h"
+
+namespace kesu {
+
+Kesu::Kesu() {
+  throw InternalInconsistencyException(std::string(k_KesuLibraryInitializationException));
+}
+
+Kesu& Kesu::sharedKesu() {
+  static Kesu shared{Shared{}};
+  wiring();
+  return shared;
+}
+
+void Kesu::initialize(const Object& key) {
+  initialize(key, 0);
+}
+
+void Kesu::initialize(const Object& key, std::int64_t logThrottling) {
+  Kesu::logThrottling(logThrottling);
+  const std::string* text = key ? key->text() : nullptr;
+  wiring().manager.initializeWithKey(text != nullptr ? *text : "");
+}
+
+void Kesu::logThrottling(std::int64_t level) {
+  KesuPriorityLogger::sharedLogger().setLogLevel(static_cast<std::uint64_t>(level));
+}
+
+bool Kesu::isSDKInitialized() {
+  return wiring().manager.isSDKInitialized();
+}
+
+double Kesu::timerReference() {
+  return timerReferenceAt(Platform::current().clock.now());
+}
+
+bool Kesu::IsProductionMode() {
+  return wiring().settings.isProductionMode();
+}
+
+}  // namespace kesu

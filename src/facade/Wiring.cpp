@@ -1,0 +1,33 @@
+#include "facade/Wiring.h"
+
+#include <memory>
+
+#include "events/EventPoster.h"
+#include "foundation/SharedInstance.h"
+#include "platform/ServiceLog.h"
+#include "support/KesuPriorityLogger.h"
+
+namespace kesu {
+namespace {
+
+void writeServiceLine(int level, const std::string& text) {
+  KESU_LOG(level, "%s", text.c_str());
+}
+
+/// Before main() starts: a host may ask for any service, or post, before it has called Kesu.
+[[maybe_unused]] const bool connected = [] {
+  Platform::setDefaultInstaller([] { installLinuxPlatform(); });
+  EventPoster::setProvider([]() -> EventPoster& { return wiring().manager; });
+  setServiceLogHandler(&writeServiceLine);
+  return true;
+}();
+
+}  // namespace
+
+Wiring::Wiring(Platform& installed) : platform(installed) {}
+
+Wiring& wiring() {
+  return SharedInstance<Wiring>::get([] { return std::make_unique<Wiring>(Platform::current()); });
+}
+
+}  // namespace kesu

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <kesu/platform/Platform.h>
+
+#include "delivery/KesuPost.h"
+#include "delivery/KesuStore.h"
+#include "delivery/ResendPass.h"
+#include "device/KesuMetrics.h"
+#include "lifecycle/KesuManager.h"
+#include "records/DeploymentSettings.h"
+
+namespace kesu {
+
+/// Every object of the library and who knows whom: created in this order, on the installed platform, at the first call.
+struct Wiring {
+  explicit Wiring(Platform& installed);
+
+  Platform& platform;
+  DeploymentSettings settings{platform.bundle};
+  KesuMetrics metrics{platform.device, platform.reachability, platform.locale, settings};
+  KesuStore store{platform.files, platform.defaults, platform.clock};
+  KesuPost post{platform.http, platform.defaults, platform.clock, settings, store};
+  ResendPass resendPass{store, post, platform.mainLoop, platform.clock};
+  KesuManager manager{platform, settings, metrics, post, resendPass};
+};
+
+/// The objects of this process, made at the first call. Never destroyed.
+Wiring& wiring();
+
+}  // namespace kesu

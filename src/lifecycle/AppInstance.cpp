@@ -1,0 +1,74 @@
+#include "lifecycle/AppInstance.h"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+#include "records/DefaultsKeys.h"
+#include "records/MessageIdentifier.h"
+
+namespace kesu {
+
+bool AppInstance::setAppKey(const std::string& key) {
+  const MutexLock lock(mutex_);
+  if (appKey_) {
+    return false;
+  }
+  appKey_ = key;
+  return true;
+}
+
+bool AppInstance::hasAppKey() const {
+  const MutexLock lock(mutex_);
+  return appKey_.has_value();
+}
+
+void AppInstance::load() {
+  const MutexLock lock(mutex_);
+  const std::string key = appKey_.value_or("");
+  const auto storedKey = defaults_.get(kAppKeyDefault);
+  firstLaunch_ = !defaults_.get(kInstanceIdDefault) || !defaults_.get(kInstanceId2Default);
+  if (storedKey && *storedKey != Value(key)) {
+    firstLaunch_ = true;
+    clearKesuPreference();
+  }
+  defaults_.set(kAppKeyDefault, key);
+  defaults_.synchronize();
+  if (firstLaunch_) {
+    defaults_.set(kInstanceIdDefault, newBase64Uuid(random_));
+    defaults_.set(kInstanceId2Default, newBase64Uuid(random_));
+    defaults_.synchronize();
+  }
+  id_ = defaults_.text(kInstanceIdDefault);
+  id2_ = defaults_.text(kInstanceId2Default);
+  appLaunchCount_ = defaults_.integer(kLaunchCountDefault) + 1;
+  defaults_.set(kLaunchCountDefault, appLaunchCount_);
+  defaults_.synchronize();
+}
+
+AppInstance::Identity AppInstance::identity() const {
+  const MutexLock lock(mutex_);
+  return {appKey_.value_or(""), id_, id2_};
+}
+
+bool AppInstance::firstLaunch() const {
+  const MutexLock lock(mutex_);
+  return firstLaunch_;
+}
+
+std::int64_t AppInstance::appLaunchCount() const {
+  const MutexLock lock(mutex_);
+  return appLaunchCount_;
+}
+
+void AppInstance::clearKesuPreference() {
+  const std::vector<std::string> present = defaults_.keys();
+  for (const std::string_view key : kKeysClearedWithAppKey) {
+    if (std::ranges::find(present, key) != present.end()) {
+      defaults_.remove(key);
+    }
+  }
+  defaults_.synchronize();
+}
+
+}  // namespace kesu

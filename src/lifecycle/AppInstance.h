@@ -1,0 +1,59 @@
+#pragma once
+
+#include <kesu/foundation/Mutex.h>
+#include <kesu/platform/Random.h>
+#include <kesu/platform/UserDefaults.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace kesu {
+
+/// Who this installation is: the application key, the two instance identifiers and the launch count.
+///
+/// Set up once on the main thread, read from any.
+class AppInstance {
+ public:
+  /// What records carry. `id` is empty until the library is initialised.
+  struct Identity {
+    std::string appKey;
+    std::string id;   ///< "kaid": 22 characters.
+    std::string id2;  ///< "kaid2": 22 characters.
+  };
+
+  AppInstance(UserDefaults& defaults, Random& random) : defaults_(defaults), random_(random) {}
+
+  /// Keeps the key. False when there is one already; the first key stays.
+  bool setAppKey(const std::string& key);
+
+  bool hasAppKey() const;
+
+  /// Loads or makes the identifiers and counts the launch. Another key than last time makes this a first launch: what
+  /// belongs to the old key is cleared and both identifiers are made anew.
+  void load();
+
+  Identity identity() const;
+
+  /// True when this run is the first of the installation, or the first under another key.
+  bool firstLaunch() const;
+
+  /// How often the library was initialised in this installation, this time included.
+  std::int64_t appLaunchCount() const;
+
+  /// Removes what belongs to an application key from the user defaults.
+  void clearKesuPreference();
+
+ private:
+  UserDefaults& defaults_;
+  Random& random_;
+
+  mutable Mutex mutex_;
+  std::optional<std::string> appKey_ KESU_GUARDED_BY(mutex_);
+  std::string id_ KESU_GUARDED_BY(mutex_);
+  std::string id2_ KESU_GUARDED_BY(mutex_);
+  bool firstLaunch_ KESU_GUARDED_BY(mutex_) = false;
+  std::int64_t appLaunchCount_ KESU_GUARDED_BY(mutex_) = 0;
+};
+
+}  // namespace kesu

@@ -1,0 +1,88 @@
+#include "lifecycle/Provisioning.h"
+
+#include <string_view>
+
+#include "foundation/PropertyList.h"
+#include "support/KesuPriorityLogger.h"
+
+namespace kesu {
+namespace {
+
+/// Profiles are some ten kilobytes; a larger file is none.
+constexpr std::size_t kLargestProfile = 4U * 1024U * 1024U;
+
+constexpr std::string_view kBegin = "<plist";
+constexpr std::string_view kEnd = "</plist>";
+constexpr const char* kSource = "KesuManager";
+
+/// The property list as UTF-8; profiles are read byte by byte as ISO Latin 1.
+std::string utf8OfLatin1(std::string_view latin1) {
+  std::string utf8;
+  utf8.reserve(latin1.size());
+  for (const char character : latin1) {
+    const auto byte = static_cast<unsigned char>(character);
+    if (byte < 0x80) {
+      utf8 += character;
+    } else {
+      utf8 += static_cast<char>(0xC0 | (byte >> 6));
+      utf8 += static_cast<char>(0x80 | (byte & 0x3F));
+    }
+  }
+  return utf8;
+}
+
+bool mayBeDebugged(const Dictionary& profile) {
+  const Value* entitlements = profile.find("Entitlements");
+  const Dictionary* entries = entitlements != nullptr ? entitlements->dictionary() : nullptr;
+  const Value* allowed = entries != nullptr ? entries->find("get-task-allow") : nullptr;
+  return allowed != nullptr && allowed->integerValue() != 0;
+}
+
+bool namesDevices(const Dictionary& profile) {
+  const Value* devices = profile.find("ProvisionedDevices");
+  return devices != nullptr && devices->array() != nullptr && !devices->array()->empty();
+}
+
+}  // namespace
+
+std::optional<Value> parseDataIntoDictionary(const Data& data) {
+  const std::string_view text(reinterpret_cast<const char*>(data.data()), data.size());
+  const std::size_t begin = text.find(kBegin);
+  if (begin == 0 || text.empty()) {
+    // Kept: a profile that begins with its property list has nothing in front to skip, and counts as broken.
+    KESU_LOG_AT(3, kSource, 629, "unable to find beginning of plist");
+    return std::nullopt;
+  }
+  const std::string_view rest = begin == std::string_view::npos ? std::string_view() : text.substr(begin);
+  const std::size_t end = rest.find(kEnd);
+  if (end == std::string_view::npos) {
+    KESU_LOG_AT(3, kSource, 632, "unable to find end of plist");
+    return std::nullopt;
+  }
+  return parsePropertyList(utf8OfLatin1(rest.substr(0, end + kEnd.size())));
+}
+
+std::string releaseModeFromData(const std::optional<Data>& data) {
+  const auto parsed = data ? parseDataIntoDictionary(*data) : std::nullopt;
+  const Dictionary* profile = parsed ? parsed->dictionary() : nullptr;
+  if (profile == nullptr) {
+    return "Unknown";
+  }
+  if (profile->contains("ProvisionsAllDevices")) {
+    return "Enterprise";
+  }
+  if (namesDevices(*profile)) {
+    return mayBeDebugged(*profile) ? "Developer" : "Ad hoc";
+  }
+  return "App Store";
+}
+
+std::string provisioningMode(Bundle& bundle) {
+  return releaseModeFromData(bundle.resource("embedded", "mobileprovision", kLargestProfile));
+}
+
+bool provisionedFromAppStore() {
+  return false;
+}
+
+}  // namespace kesu

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <array>
+#include <string_view>
+
+/// Names of the entries in the user defaults. docs/disk.md tells who writes and reads each.
+namespace kesu {
+
+inline constexpr std::string_view kAppKeyDefault = "kesuSDKAPIKey";
+inline constexpr std::string_view kInstanceIdDefault = "localKaid";
+inline constexpr std::string_view kInstanceId2Default = "localKaid2";
+inline constexpr std::string_view kLaunchCountDefault = "alc";
+
+inline constexpr std::string_view kIdentityKey = "kesuIdentity";
+inline constexpr std::string_view kAppSpecificUserId = "appSpecificUserId";
+
+// Push notifications: the last device token and the identifiers of the last notification.
+inline constexpr std::string_view k_DeviceTokenIdentifier = "deviceToken";
+inline constexpr std::string_view k_PushMidKey = "push_mid_key";
+inline constexpr std::string_view k_PushCidKey = "push_cid_key";
+inline constexpr std::string_view kPushIdentifierDefault = "kesupushIdentifier";
+
+inline constexpr std::string_view kNumberOfFilesDefault = "~numberOfFiles";
+inline constexpr std::string_view kSaveTimeSuffix = "-secondsSince1970";
+
+// Versions under which an unsent screen flow was gathered; the poster stamps them on the record that reports it.
+inline constexpr std::string_view kFlowOsVersionDefault = "~sfosVersion";
+inline constexpr std::string_view kFlowShortVersionDefault = "~sfappbundleShortVersion";
+inline constexpr std::string_view kFlowBundleVersionDefault = "~sfappbundleVersion";
+
+/// What a change of the application key clears, in this order.
+/// Kept: "launchTimeCummulativeDataPoints" is spelled as installations in the field have it.
+inline constexpr std::array<std::string_view, 36> kKeysClearedWithAppKey = {"alc",
+                                                                            "localKaid",
+                                                                            "localKaid2",
+                                                                            "lrc",
+                                                                            "launchTimeDataPoints",
+                                                                            "rv",
+                                                                            "av",
+                                                                            "ov",
+                                                                            "launchTimeCummulativeDataPoints",
+                                                                            "appExceeds3dayUsage",
+                                                                            "appExceeds5dayUsage",
+                                                                            "appExceeds7dayUsage",
+                                                                            "~a:u15m",
+                                                                            "~a:u30m",
+                                                                            "~a:u60m",
+                                                                            "asst",
+                                                                            "~a:u5mo3D",
+                                                                            "~a:u10mo3D",
+                                                                            "~a:u15mo3D",
+                                                                            "~a:u30mo3D",
+                                                                            "~a:u5mo5D",
+                                                                            "~a:u10mo5D",
+                                                                            "~a:u15mo5D",
+                                                                            "~a:u30mo5D",
+                                                                            "~a:u5mo7D",
+                                                                            "~a:u10mo7D",
+                                                                            "~a:u15mo7D",
+                                                                            "~a:u30mo7D",
+                                                                            "AppActivationUsage",
+                                                                            "~a:3UD",
+                                                                            "~a:5UD",
+                                                                            "~a:7UD",
+                                                                            "~a:2DL7",
+                                                                            "~a:3DL7",
+                                                                            "sevenDays",
+                                                                            "lastSeen"};
+
+}  // namespace kesu

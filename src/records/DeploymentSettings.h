@@ -1,0 +1,49 @@
+#pragma once
+
+#include <kesu/platform/Bundle.h>
+
+#include <string>
+
+namespace kesu {
+
+/// A host and the port on it.
+struct HostAndPort {
+  std::string host;
+  int port = 443;
+};
+
+/// The host and port that an absolute http(s) URL names; an empty host when it is none. The default port follows the
+/// scheme. Square brackets around an IPv6 address are taken off.
+HostAndPort hostAndPortOfUrl(const std::string& url);
+
+/// The host and port that "host[:port]" or "[v6]:port" names; an empty host when the text is none.
+HostAndPort hostAndPortOfAuthority(const std::string& authority, int defaultPort);
+
+/// Where the services are. Answers come from the bundle's information dictionary (over which the environment and the
+/// host's options are laid), else from what was built in. Any thread.
+class DeploymentSettings {
+ public:
+  explicit DeploymentSettings(Bundle& bundle) : bundle_(bundle) {}
+
+  /// "KesuOverrideServer" of the information dictionary, "" when there is none.
+  std::string collectorOverride();
+
+  /// The collector's whole URL: the override, else the built-in one.
+  std::string collectorUrl();
+
+  /// The host that reachability watches: "KesuReachabilityHost", else the host of the collector.
+  HostAndPort reachabilityHost();
+
+  /// host[:port] of the messaging service.
+  std::string messagingHost();
+
+  /// False exactly when "devmode" is "true" in any letter case: messages then come from the development paths.
+  bool isProductionMode();
+
+ private:
+  std::string textOr(std::string_view key, const char* builtIn);
+
+  Bundle& bundle_;
+};
+
+}  // namespace kesu

@@ -1,0 +1,78 @@
+#pragma once
+
+#include <string_view>
+
+/// Names that travel in records: keys of the body and of what is taken out of it before sending. They are the wire
+/// contract with the collector; a misspelling here is part of it.
+namespace kesu {
+
+// Taken out by the poster, never sent in the body.
+inline constexpr std::string_view k_destinationKeyInDictionary = "dest";
+inline constexpr std::string_view k_keyFilename = "fnk";
+
+// Headers of a collector request.
+inline constexpr std::string_view k_TableName = "t";
+inline constexpr std::string_view k_FullVersionKeyForHeader = "v";
+
+// Common columns.
+inline constexpr std::string_view k_KesuAppKey = "kak";
+inline constexpr std::string_view k_FullVersionKeyForBody = "~v";
+inline constexpr std::string_view k_KesuAppInstanceId = "kaid";
+inline constexpr std::string_view k_KesuAppInstanceId2 = "kaid2";
+inline constexpr std::string_view k_AgentCollectionEpoch = "ace";
+inline constexpr std::string_view k_AgentSentEpoch = "ase";
+inline constexpr std::string_view k_CommonMsgId = "msg_id";
+inline constexpr std::string_view k_DeviceProduct = "prd";
+inline constexpr std::string_view kUserIdentifierKey = "~uid";
+inline constexpr std::string_view k_LocalDeviceTime = "ldt";
+inline constexpr std::string_view k_CFBundleVersion = "rv";
+inline constexpr std::string_view k_CFBundleShortVersionString = "av";
+inline constexpr std::string_view k_OsVersion = "ov";
+inline constexpr std::string_view kLongitudeKey = "long";
+inline constexpr std::string_view kLatitudeKey = "lat";
+inline constexpr std::string_view kAltitudeKey = "alt";
+
+// The installation record.
+inline constexpr std::string_view kVendorIdentifierKey = "idv";
+inline constexpr std::string_view kDeviceNameKey = "dn";
+inline constexpr std::string_view kApplicationNameKey = "an";
+inline constexpr std::string_view kPackageKey = "pkg";
+inline constexpr std::string_view k_CarrierName = "cn";
+inline constexpr std::string_view kScreenWidthKey = "sw";
+inline constexpr std::string_view kScreenHeightKey = "sh";
+inline constexpr std::string_view kMemoryKey = "mem";
+inline constexpr std::string_view kProcessorsKey = "np";
+inline constexpr std::string_view kActiveProcessorsKey = "nap";
+inline constexpr std::string_view kProcessorSpeedKey = "pspd";
+inline constexpr std::string_view kBusSpeedKey = "bspd";
+
+// The trait block.
+inline constexpr std::string_view k_RepairProcessing = "~x";
+inline constexpr std::string_view k_KesuPushNotificationKey = "pn";
+inline constexpr std::string_view k_CarrierIsoCountryCode = "ccc";
+inline constexpr std::string_view k_CarrierMccMnc = "cmm";
+inline constexpr std::string_view k_LocaleRegion = "lrg";
+inline constexpr std::string_view k_LocaleCountry = "lco";
+inline constexpr std::string_view k_LocaleLanguage = "lan";
+inline constexpr std::string_view k_AppLanguage = "al";
+inline constexpr std::string_view k_LocalePreferredLanguage = "lpl";
+inline constexpr std::string_view k_LocaleCalendar = "lca";
+inline constexpr std::string_view k_IsRooted = "jb";
+inline constexpr std::string_view k_ProvisioningMode = "pm";
+inline constexpr std::string_view k_ProvisionedFromAppStore = "pas";
+inline constexpr std::string_view k_FullTrait = "~ft";
+
+/// Stands where a carrier would be named.
+inline constexpr std::string_view kNoCarrier = "N/A for tvOS";
+
+// Events, state changes and flows.
+inline constexpr std::string_view k_KesuEventName = "~e";
+inline constexpr std::string_view k_KesuEventGroup = "group";
+inline constexpr std::string_view kLevelAttributeKey = "Level";
+inline constexpr std::string_view kElapsedSecondsKey = "elapsedSeconds";
+inline constexpr std::string_view kExplicitActivationKey = "~a:Activation";
+inline constexpr std::string_view k_Reachability = "~r";
+inline constexpr std::string_view k_EventFlow = "~ef";
+inline constexpr std::string_view k_CrashedOrForcedQuitTimestamp = "~cfqt";
+
+}  // namespace kesu

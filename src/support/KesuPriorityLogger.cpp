@@ -1,0 +1,58 @@
+#include "support/KesuPriorityLogger.h"
+
+#include <kesu/platform/Platform.h>
+
+#include <array>
+#include <cstdarg>
+#include <cstdio>
+#include <string>
+#include <string_view>
+
+namespace kesu {
+namespace {
+
+[[gnu::format(printf, 1, 0)]] std::string formatted(const char* format, std::va_list arguments) {
+  std::array<char, 512> shortText;
+  std::va_list again;
+  va_copy(again, arguments);
+  const int length = std::vsnprintf(shortText.data(), shortText.size(), format, arguments);
+  std::string text;
+  if (length >= 0 && static_cast<std::size_t>(length) < shortText.size()) {
+    text.assign(shortText.data(), static_cast<std::size_t>(length));
+  } else if (length > 0) {
+    text.resize(static_cast<std::size_t>(length) + 1);
+    std::vsnprintf(text.data(), text.size(), format, again);
+    text.pop_back();
+  }
+  va_end(again);
+  return text;
+}
+
+}  // namespace
+
+void KesuPriorityLogger::logWithLevel(std::int32_t level, const char* format, ...) {
+  if (!shows(level)) {
+    return;
+  }
+  std::va_list arguments;
+  va_start(arguments, format);
+  const std::string text = formatted(format, arguments);
+  va_end(arguments);
+  Platform::current().log.write(level, text);
+}
+
+void KesuPriorityLogger::logWithLevel(std::int32_t level, const char* filePath, unsigned long lineNo,
+                                      const char* format, ...) {
+  if (!shows(level)) {
+    return;
+  }
+  std::va_list arguments;
+  va_start(arguments, format);
+  const std::string text = formatted(format, arguments);
+  va_end(arguments);
+  const std::string_view path = filePath;
+  const std::string_view file = path.substr(path.rfind('/') + 1);
+  Platform::current().log.write(level, "[" + std::string(file) + ":" + std::to_string(lineNo) + "]" + text);
+}
+
+}  // namespace kesu

@@ -1,0 +1,50 @@
+#include <kesu/platform/ApplicationNotifications.h>
+#include <kesu/platform/Platform.h>
+#include <kesu/ui/Application.h>
+
+#include <string_view>
+
+#include "platform/OrderlyEnd.h"
+
+namespace kesu {
+namespace {
+
+void post(std::string_view name) {
+  Platform::current().notifications.post(name, &Application::shared());
+}
+
+}  // namespace
+
+Application& Application::shared() {
+  static Application application;
+  return application;
+}
+
+void Application::didFinishLaunching() {
+  post(kApplicationDidFinishLaunchingNotification);
+}
+
+void Application::didEnterBackground() {
+  post(kApplicationDidEnterBackgroundNotification);
+  Platform& platform = Platform::current();
+  platform.background.post([&platform] { platform.defaults.checkpoint(); });
+}
+
+void Application::willEnterForeground() {
+  post(kApplicationWillEnterForegroundNotification);
+}
+
+void Application::willTerminate() {
+  post(kApplicationWillTerminateNotification);
+  endOrderly(Platform::current());
+}
+
+void Application::localeDidChange() {
+  post(kCurrentLocaleDidChangeNotification);
+}
+
+void Application::didReceiveMemoryWarning() {
+  post(kApplicationDidReceiveMemoryWarningNotification);
+}
+
+}  // namespace kesu
