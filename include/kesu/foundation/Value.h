@@ -1,22 +1,24 @@
 #pragma once
 
+#include <kesu/Export.h>
+
+#include <concepts>
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <type_traits>
-#include <unordered_map>
 #include <utility>
 #include <variant>
 #include <vector>
 
-#include <kesu/Export.h>
-
 namespace kesu {
 
 class Value;
+
+/// What a value is. Use it as Value::Kind. (Declared ahead of the types of the same names, which it would shadow.)
+enum class ValueKind { Null, Bool, Integer, Real, Text, Data, Date, Array, Dictionary };
 
 /// The null object: a value that is there and says "nothing". Not the same as an absent value (kesu::nil).
 struct Null {
@@ -35,7 +37,8 @@ using Array = std::vector<Value>;
 /// Text-keyed collection of values that keeps the order in which its keys were first set.
 ///
 /// A record is a Dictionary. Lookups are linear while it is small (a record has some 25 keys) and go through an index
-/// once it is large, so that a host's 10,000 attributes stay cheap. Not thread-safe; copies are deep.
+/// once it is large, so that a host's 10,000 attributes stay cheap. Not thread-safe; copies are deep. Two dictionaries
+/// are equal when they hold the same keys with equal values; the order does not count.
 class KESU_API Dictionary {
  public:
   struct Entry;
@@ -43,6 +46,8 @@ class KESU_API Dictionary {
   using const_iterator = Storage::const_iterator;
 
   Dictionary();
+
+  /// Sets the entries one after the other: of equal keys the last value wins and keeps the first one's place.
   Dictionary(std::initializer_list<Entry> entries);
   Dictionary(const Dictionary& other);
   Dictionary(Dictionary&& other) noexcept;
@@ -80,33 +85,50 @@ class KESU_API Dictionary {
   KESU_API friend bool operator==(const Dictionary& left, const Dictionary& right);
 
  private:
+  friend class Value;
+
   std::size_t position(std::string_view key) const;
+  void addToIndex(std::size_t position);
   void rebuildIndex();
 
   Storage entries_;
-  std::unordered_map<std::string, std::size_t> index_;  // Empty while the dictionary is small.
+  std::vector<std::uint32_t> index_;  // Hash slots: position + 1, or 0 when free. Empty while there are few entries.
 };
 
+template <typename Number>
+concept UnsignedNumber = std::unsigned_integral<Number> && !std::same_as<Number, bool>;
+
 /// One value of a record, a property list or a JSON text: the null object, bool, integer, real, text, data, date,
-/// array or dictionary. Copies are deep. Two values are equal when kind and content are.
+/// array or dictionary. Copies are deep. Two values are equal when kind and content are: the integer 4 is not the real
+/// 4.0. Nesting may go as deep as memory allows: copying, comparing and destroying do not recurse. A moved-from value
+/// may be destroyed or assigned to.
 class KESU_API Value {
  public:
-  enum class Kind { Null, Bool, Integer, Real, Text, Data, Date, Array, Dictionary };
+  using Kind = ValueKind;
 
   Value() : content_(Null{}) {}
   Value(Null) : content_(Null{}) {}
-  Value(bool flag) : content_(flag) {}
-  Value(double number) : content_(number) {}
-  template <typename Integer>
-    requires(std::is_integral_v<Integer> && !std::is_same_v<Integer, bool>)
-  Value(Integer number) : content_(static_cast<std::int64_t>(number)) {}
+  Value(std::same_as<bool> auto flag) : content_(flag) {}  // Constrained, so that no pointer turns into a bool.
+  Value(std::signed_integral auto number) : content_(static_cast<std::int64_t>(number)) {}
+  Value(UnsignedNumber auto number) : content_(ofUnsigned(number)) {}  // Beyond the signed 64 bits it becomes a real.
+  Value(std::floating_point auto number) : content_(static_cast<double>(number)) {}
   Value(std::string text) : content_(std::move(text)) {}
   Value(std::string_view text) : content_(std::string(text)) {}
-  Value(const char* text) : content_(std::string(text)) {}
+  Value(const char* text);  // A null pointer gives the null object.
   Value(kesu::Data data) : content_(std::move(data)) {}
   Value(kesu::Date date) : content_(date) {}
   Value(kesu::Array array) : content_(std::move(array)) {}
   Value(kesu::Dictionary dictionary) : content_(std::move(dictionary)) {}
+
+  Value(const Value& other);
+  Value(Value&& other) noexcept = default;
+  Value& operator=(const Value& other);
+  Value& operator=(Value&& other) noexcept;
+  ~Value() {
+    if (isContainer()) {
+      dismantle();
+    }
+  }
 
   Kind kind() const { return static_cast<Kind>(content_.index()); }
   bool isNull() const { return kind() == Kind::Null; }
@@ -123,18 +145,27 @@ class KESU_API Value {
   const kesu::Dictionary* dictionary() const { return std::get_if<kesu::Dictionary>(&content_); }
   kesu::Dictionary* dictionary() { return std::get_if<kesu::Dictionary>(&content_); }
 
-  /// The number as an integer: a real is truncated toward zero and held inside the range, a text is read up to its
-  /// first character that is no digit, everything else counts 0.
+  /// The number as an integer: a real is truncated toward zero and held inside the range, a bool is 1 or 0, a text is
+  /// read (after white space and a sign) up to its first character that is no digit and held inside the range.
+  /// Everything else counts 0, not-a-number too.
   std::int64_t integerValue() const;
 
-  /// The number as a real, by the same rules.
+  /// The number as a real, by the same rules; a text may have a fraction and an exponent. A text whose number a double
+  /// cannot hold counts 0.
   double realValue() const;
 
   KESU_API friend bool operator==(const Value& left, const Value& right);
 
  private:
-  std::variant<Null, bool, std::int64_t, double, std::string, kesu::Data, kesu::Date, kesu::Array, kesu::Dictionary>
-      content_;
+  struct Tree;  // The walks over nested values. They keep a list of what is left to do instead of recursing.
+  using Content = std::variant<Null, bool, std::int64_t, double, std::string, kesu::Data, kesu::Date, kesu::Array,
+                               kesu::Dictionary>;
+
+  static Content ofUnsigned(std::uint64_t number);
+  bool isContainer() const { return kind() >= Kind::Array; }
+  void dismantle();
+
+  Content content_;
 };
 
 struct Dictionary::Entry {
@@ -142,10 +173,12 @@ struct Dictionary::Entry {
   Value value;
 };
 
-/// A host's nullable object argument: absent (kesu::nil) or any value.
+/// A host's nullable object argument: absent (kesu::nil) or any value. A null text pointer counts as absent.
 class Object : public std::optional<Value> {
  public:
   using std::optional<Value>::optional;
+  Object() = default;
+  Object(std::optional<Value> value) : std::optional<Value>(std::move(value)) {}
   Object(const char* text) : std::optional<Value>(text != nullptr ? std::optional<Value>(Value(text)) : std::nullopt) {}
 };
 

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <kesu/foundation/Value.h>
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace kesu {
+
+/// The bytes as base64 (RFC 4648 alphabet, padded, without line breaks). Any thread.
+std::string base64Encode(std::span<const std::uint8_t> bytes);
+
+/// The bytes behind a base64 text, or nothing when it is not one. ASCII white space may stand anywhere; padding may be
+/// left out. Any thread.
+std::optional<Data> base64Decode(std::string_view text);
+
+}  // namespace kesu

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <kesu/foundation/Value.h>
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace kesu {
+
+/// How many arrays and dictionaries may lie inside one another in a JSON text, written or read.
+inline constexpr std::size_t kJsonDepthLimit = 512;
+
+/// What became of a value that was to be written as JSON.
+enum class JsonStatus {
+  Ok,        ///< The text is complete.
+  NotValid,  ///< Somewhere in it is what JSON does not know: a date, data, NaN or an infinity.
+  TooDeep,   ///< More than kJsonDepthLimit arrays and dictionaries lie inside one another.
+  BadText,   ///< A text or a key is not valid UTF-8.
+};
+
+/// Writes a dictionary as compact JSON: UTF-8, keys in insertion order, no white space.
+///
+/// `out` is replaced, and is empty after any status but Ok. Its capacity is used again, so a caller that writes many
+/// records keeps one string. The status doubles as the test "is this a valid JSON object?". A real without fraction is
+/// written as the integer it equals ("4"), therefore it is read back as one. Any thread.
+JsonStatus writeJson(const Dictionary& dictionary, std::string& out);
+
+/// The same for any value; a text or a number alone is a JSON text too.
+JsonStatus writeJson(const Value& value, std::string& out);
+
+/// Reads one JSON text (UTF-8, with or without byte order mark).
+///
+/// Returns nothing for anything malformed: invalid UTF-8, half of a surrogate pair, a NUL byte, nesting beyond
+/// kJsonDepthLimit, text after the value, a number beyond the range of a double. Of equal keys the last value wins and
+/// keeps the first one's place. Integers outside 64 bits with sign become reals; "4.0" is a real. Any thread.
+std::optional<Value> parseJson(std::string_view text);
+
+}  // namespace kesu

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace kesu {
+
+// Numbers as text by the rules of printf in the C locale: the host's setlocale() never shows in a record.
+// Not-a-number is "nan", the infinities are "inf" and "-inf". Any thread.
+
+/// "%lld".
+std::string decimal(std::int64_t number);
+
+/// "%.Nf" with `digits` digits after the point; negative `digits` count as 0.
+std::string fixed(double number, int digits);
+
+/// "%g": six significant digits.
+std::string generalReal(double number);
+
+/// The shortest text that reads back as the same number: "4" for 4.0, "4.5", "0.1", "1e+30", "1e-05". The exponent form
+/// is taken below 0.0001 and from 1e16 on, so that milliseconds since 1970 never take it.
+std::string shortestReal(double number);
+
+/// Seconds since 1970 as whole milliseconds: "%lld" of seconds * 1000.0, truncated toward zero. Times outside the range
+/// are held at its ends; not-a-number is "0".
+std::string milliseconds(double secondsSince1970);
+
+/// Appends decimal(number) without a temporary.
+void appendDecimal(std::string& out, std::int64_t number);
+
+/// Appends shortestReal(number) without a temporary.
+void appendShortestReal(std::string& out, double number);
+
+}  // namespace kesu

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <kesu/foundation/Mutex.h>
+
+#include <atomic>
+#include <memory>
+
+namespace kesu {
+
+/// Destroys every shared instance in the reverse order of creation, so that the next get() of each makes a fresh one.
+/// For tests: no other thread may be using a shared instance, and references got before are dead afterwards. An
+/// instance that a destructor makes on the way is destroyed as well.
+void resetSharedInstances();
+
+/// Registers how to destroy an instance that was just made. Only SharedInstance calls it.
+void rememberSharedInstance(void (*destroy)());
+
+/// The one object of class T in the process, made by the first get().
+///
+/// It is never destroyed when the process ends: exit handlers and threads that are still running may use it. Creation
+/// happens once even when several threads ask at the same time; the others wait. A factory may get() shared instances
+/// of other classes (they then count as created before), never its own class: that would wait for itself. Once made,
+/// get() costs one atomic load.
+template <class T>
+class SharedInstance {
+ public:
+  /// The instance; `make()` returns it as std::unique_ptr<T>, never null, and is called only when there is none.
+  template <class Factory>
+  static T& get(Factory make) {
+    T* instance = instance_.load(std::memory_order_acquire);
+    return instance != nullptr ? *instance : create(make);
+  }
+
+  /// The same for a class whose constructor needs nothing.
+  static T& get() {
+    return get([] { return std::make_unique<T>(); });
+  }
+
+  /// The instance when there is one, else null. Makes none.
+  static T* existing() { return instance_.load(std::memory_order_acquire); }
+
+ private:
+  template <class Factory>
+  static T& create(Factory& make) {
+    const MutexLock lock(creation_);
+    T* instance = instance_.load(std::memory_order_relaxed);
+    if (instance == nullptr) {
+      instance = make().release();
+      rememberSharedInstance(&destroy);
+      instance_.store(instance, std::memory_order_release);
+    }
+    return *instance;
+  }
+
+  // The pointer is cleared last: what the destructor calls still finds the instance instead of making another.
+  static void destroy() {
+    std::unique_ptr<T> instance(instance_.load(std::memory_order_acquire));
+    instance.reset();
+    instance_.store(nullptr, std::memory_order_release);
+  }
+
+  static inline std::atomic<T*> instance_{nullptr};
+  static inline Mutex creation_;
+};
+
+}  // namespace kesu
