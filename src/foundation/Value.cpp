@@ -307,6 +307,8 @@ Value::Value(const Value& other) : content_(other.isContainer() ? Content(Null{}
   }
 }
 
+Value::Value(Value&& other) noexcept = default;
+
 // Both assignments take the other's content out first: it may be nested in what is about to be destroyed.
 Value& Value::operator=(const Value& other) {
   return *this = Value(other);

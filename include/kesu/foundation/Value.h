@@ -121,7 +121,7 @@ class KESU_API Value {
   Value(kesu::Dictionary dictionary) : content_(std::move(dictionary)) {}
 
   Value(const Value& other);
-  Value(Value&& other) noexcept = default;
+  Value(Value&& other) noexcept;
   Value& operator=(const Value& other);
   Value& operator=(Value&& other) noexcept;
   ~Value() {
