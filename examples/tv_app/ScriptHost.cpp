@@ -1,0 +1,113 @@
+#include "ScriptHost.h"
+
+#include <kesu/kesu.h>
+#include <poll.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+
+namespace tv {
+namespace {
+
+constexpr double kDefaultPumpSeconds = 0.1;
+constexpr double kLongestSleepSeconds = 0.05;
+
+double secondsNow() {
+  return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
+}
+
+void initialise(const ScriptLine& line) {
+  kesu::Kesu::initialize(line.word(0), static_cast<std::int64_t>(line.number(1).value_or(0)));
+}
+
+void postSms(const ScriptLine& line) {
+  kesu::KesuEvent event;
+  event.name = line.word(0);
+  event.attributes = line.attributes;
+  event.postEventForTableM();
+}
+
+}  // namespace
+
+ScriptHost::ScriptHost() {
+  kesu::Application& application = kesu::Application::shared();
+  table_["init"] = initialise;
+  table_["loglevel"] = [](const ScriptLine& line) {
+    kesu::Kesu::logThrottling(static_cast<std::int64_t>(line.number(0).value_or(0)));
+  };
+  table_["launch"] = [&application](const ScriptLine&) { application.didFinishLaunching(); };
+  table_["background"] = [&application](const ScriptLine&) { application.didEnterBackground(); };
+  table_["foreground"] = [&application](const ScriptLine&) { application.willEnterForeground(); };
+  table_["terminate"] = [&application](const ScriptLine&) { application.willTerminate(); };
+  table_["event"] = [](const ScriptLine& line) {
+    kesu::KesuCustomEvent::postWithEventName(line.word(0), line.attributes);
+  };
+  table_["start"] = [this](const ScriptLine& line) { timers_[line.word(0)] = kesu::Kesu::timerReference(); };
+  table_["timed"] = [this](const ScriptLine& line) {
+    kesu::KesuCustomEvent::postTimedWithEventName(line.word(0), timers_[line.word(0)], line.attributes);
+  };
+  table_["sms"] = postSms;
+  table_["activation"] = [](const ScriptLine& line) { kesu::KesuExplicitActivation::post(line.attributes); };
+  table_["burst"] = [](const ScriptLine& line) {
+    for (int i = 1; i <= static_cast<int>(line.number(1).value_or(0)); ++i) {
+      kesu::KesuCustomEvent::postWithEventName(line.word(0), {{"number", i}});
+    }
+  };
+  table_["pump"] = [](const ScriptLine& line) { pumpFor(line.number(0).value_or(kDefaultPumpSeconds)); };
+  table_["say"] = [](const ScriptLine& line) {
+    std::printf("tv_app: %s\n", line.word(0).c_str());
+    std::fflush(stdout);
+  };
+  table_["quit"] = [this](const ScriptLine&) { hasQuit_ = true; };
+}
+
+const char* ScriptHost::commands() {
+  return "  init KEY [LOGLEVEL]   initialise the library\n"
+         "  loglevel N            change the log threshold\n"
+         "  launch                report the finished launch\n"
+         "  background            report that the application went to the background\n"
+         "  foreground            report that it comes back\n"
+         "  terminate             report the end of the process\n"
+         "  event NAME k=v ...    post an event\n"
+         "  start NAME            take a timer reference\n"
+         "  timed NAME k=v ...    post an event with the seconds since \"start NAME\"\n"
+         "  sms NAME k=v ...      post a record to the table of SMS records\n"
+         "  activation k=v ...    report an activation of the host's own\n"
+         "  burst NAME COUNT      post COUNT events at once\n"
+         "  pump SECONDS          run the main loop for so long\n"
+         "  say TEXT              print a line\n"
+         "  quit                  end without further word, as a plain return from main() does\n";
+}
+
+bool ScriptHost::perform(const ScriptLine& line) {
+  if (line.command.empty()) {
+    return true;
+  }
+  const auto found = table_.find(line.command);
+  if (found == table_.end()) {
+    error_ = "unknown command \"" + line.command + "\"";
+    return false;
+  }
+  try {
+    found->second(line);
+  } catch (const kesu::InternalInconsistencyException& exception) {
+    error_ = std::string(exception.name()) + ": " + exception.what();
+    return false;
+  }
+  kesu::MainLoop::shared().pump();
+  return true;
+}
+
+void ScriptHost::pumpFor(double seconds) {
+  kesu::MainLoop& loop = kesu::MainLoop::shared();
+  const double end = secondsNow() + seconds;
+  for (double left = seconds; left > 0.0; left = end - secondsNow()) {
+    const double sleep = std::min({left, loop.nextDue().value_or(left), kLongestSleepSeconds});
+    pollfd due{.fd = loop.fd(), .events = POLLIN, .revents = 0};
+    ::poll(&due, 1, static_cast<int>(sleep * 1000.0) + 1);
+    loop.pump();
+  }
+}
+
+}  // namespace tv

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <functional>
+#include <map>
+#include <string>
+
+#include "ScriptLine.h"
+
+namespace tv {
+
+/// A host without a screen: does what the lines of a script say, on the main thread, with the library's main loop
+/// pumped in between.
+class ScriptHost {
+ public:
+  ScriptHost();
+
+  /// Does one line. False, with a reason in error(), for an unknown command or misuse of the library.
+  bool perform(const ScriptLine& line);
+
+  /// Whether the script has said "quit".
+  bool hasQuit() const { return hasQuit_; }
+
+  const std::string& error() const { return error_; }
+
+  /// Runs the main loop for so many seconds, sleeping while there is nothing to do.
+  static void pumpFor(double seconds);
+
+  /// A line a command, for --help.
+  static const char* commands();
+
+ private:
+  using Command = std::function<void(const ScriptLine&)>;
+
+  std::map<std::string, Command> table_;
+  std::map<std::string, double> timers_;  // Name -> timer reference.
+  bool hasQuit_ = false;
+  std::string error_;
+};
+
+}  // namespace tv

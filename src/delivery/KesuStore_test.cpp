@@ -1,0 +1,139 @@
+#include "delivery/KesuStore.h"
+
+#include <gtest/gtest.h>
+
+#include "delivery/StoreFileName.h"
+#include "foundation/PropertyList.h"
+#include "support/KesuPriorityLogger.h"
+#include "testing/FaultyFiles.h"
+#include "testing/ScopedPlatform.h"
+
+namespace kesu {
+namespace {
+
+constexpr const char* kDocuments = "/home/Documents/";
+
+class StoreTest : public ::testing::Test {
+ protected:
+  StoreTest() { KesuPriorityLogger::sharedLogger().setLogLevel(3); }
+  ~StoreTest() override { KesuPriorityLogger::sharedLogger().setLogLevel(0); }
+
+  bool addNumbered(int number) {
+    platform.clock.advance(0.001);
+    return store.add({{"dest", "e"}, {"n", number}});
+  }
+
+  std::vector<std::string> lines() {
+    std::vector<std::string> texts;
+    for (const auto& line : platform.log.takeLines()) {
+      texts.push_back(line.text);
+    }
+    return texts;
+  }
+
+  std::int64_t counter() { return platform.defaults.integer("~numberOfFiles"); }
+
+  testing::ScopedPlatform platform;
+  KesuStore store{platform.files, platform.defaults, platform.clock};
+};
+
+TEST(StoreFileName, CountsMicrosecondsAndSortsByTime) {
+  EXPECT_EQ(storeFileName(1489579320.0), "c01959121-20000000.kesuCache");  // 2017-03-15 12:02:00 UTC
+  EXPECT_LT(storeFileName(1489579320.0), storeFileName(1489579320.000002));
+  EXPECT_TRUE(isStoreFile(storeFileName(0.0)));
+  for (const char* foreign : {"kesuCache", ".kesuCache", "a.kesuCache.txt", "a.KESUCACHE", "a.plist", ""}) {
+    EXPECT_FALSE(isStoreFile(foreign)) << foreign;
+  }
+}
+
+TEST_F(StoreTest, GivesBackWhatItStored) {
+  const Dictionary record = {{"dest", "e"}, {"~e", "Start"}, {"n", 3}, {"r", 4.5}, {"list", Array{"a", true}}};
+  EXPECT_TRUE(store.add(record));
+  const auto records = store.dictionariesToRepost();
+  ASSERT_EQ(records.size(), 1U);
+  Dictionary wanted = record;
+  wanted.set("fnk", storeFileName(platform.clock.now()));
+  EXPECT_EQ(records[0], wanted);
+  EXPECT_EQ(counter(), 1);
+}
+
+TEST_F(StoreTest, CountsFailedWritesToo) {
+  EXPECT_FALSE(store.add({{"n", Array{Null{}}}}));
+  EXPECT_EQ(counter(), 1);
+  EXPECT_TRUE(platform.files.paths().empty());
+}
+
+TEST_F(StoreTest, ReplacesTheFileOfTheSameMicrosecond) {
+  store.add({{"n", 1}});
+  store.add({{"n", 2}});
+  ASSERT_EQ(store.dictionariesToRepost().size(), 1U);
+  EXPECT_EQ(*store.dictionariesToRepost()[0].find("n"), Value(2));
+}
+
+TEST_F(StoreTest, ActsOnItsLimitOnce) {
+  addNumbered(1);
+  addNumbered(2);
+  for (const auto& [before, after, files] : {std::tuple{4999, 5000, 3U}, {5000, 5001, 3U}, {5001, 5002, 4U}}) {
+    platform.defaults.set("~numberOfFiles", before);
+    EXPECT_TRUE(addNumbered(before));
+    EXPECT_EQ(counter(), after);
+    EXPECT_EQ(store.storedFiles().size(), files);
+  }
+  EXPECT_EQ(*store.dictionariesToRepost()[0].find("n"), Value(2)) << "the first file goes";
+}
+
+TEST_F(StoreTest, NeverOpensWhatIsNotItsOwn) {
+  platform.files.writeAtomically(std::string(kDocuments) + "film.mkv", "huge");
+  platform.files.writeAtomically(std::string(kDocuments) + ".hidden.kesuCache", "temporary");
+  platform.files.writeAtomically(std::string(kDocuments) + "bad.kesuCache", "no property list");
+  platform.files.writeAtomically(std::string(kDocuments) + "list.kesuCache", *writePropertyList(Array{1}));
+  platform.files.addSpecial(std::string(kDocuments) + "pipe.kesuCache");
+  addNumbered(1);
+  EXPECT_EQ(store.dictionariesToRepost().size(), 1U);
+  EXPECT_EQ(platform.files.readCount(std::string(kDocuments) + "film.mkv"), 0);
+  EXPECT_EQ(platform.files.readCount(std::string(kDocuments) + "pipe.kesuCache"), 0);
+  const std::vector<std::string> wanted = {"No record can be read from /home/Documents/bad.kesuCache",
+                                           "No record can be read from /home/Documents/list.kesuCache"};
+  EXPECT_EQ(lines(), wanted);
+}
+
+TEST_F(StoreTest, FindsFilesInSubdirectoriesButCannotDeleteThem) {
+  platform.files.writeAtomically(std::string(kDocuments) + "sub/a.kesuCache", *writePropertyList(Dictionary{{"n", 1}}));
+  const auto records = store.dictionariesToRepost();
+  ASSERT_EQ(records.size(), 1U);
+  EXPECT_EQ(*records[0].find("fnk"), Value("a.kesuCache"));
+  EXPECT_FALSE(store.deleteFile("a.kesuCache"));
+  const auto logged = lines();
+  ASSERT_EQ(logged.size(), 2U);
+  EXPECT_EQ(logged[0], "[KesuStore:114]fullpath /home/Documents/a.kesuCache");
+  EXPECT_TRUE(logged[1].starts_with("[KesuStore:129]FAILED removing a.kesuCache "));
+}
+
+TEST_F(StoreTest, DeletesListsAndLogs) {
+  EXPECT_FALSE(store.deleteFile("letter.txt"));
+  store.deleteFirstFile();
+  EXPECT_EQ(counter(), 0);
+  EXPECT_EQ(lines(), std::vector<std::string>{"[KesuStore:193]Deleted  successfully and 0 unsuccessfully"});
+  addNumbered(1);
+  addNumbered(2);
+  const std::string first = store.storedFiles()[0];
+  const std::string second = store.storedFiles()[1];
+  store.ls();
+  store.deleteFirstFile();
+  EXPECT_EQ(counter(), 1);
+  store.deleteAllFiles();
+  EXPECT_EQ(counter(), 1);
+  const std::string name = first.substr(std::string(kDocuments).size());
+  const std::vector<std::string> wanted = {"[KesuStore:145]ls 1 - " + first,
+                                           "[KesuStore:145]ls 2 - " + second,
+                                           "[KesuStore:148]2 files listed",
+                                           "[KesuStore:114]fullpath " + first,
+                                           "[KesuStore:193]Deleted " + name + " successfully and 1 unsuccessfully",
+                                           "[KesuStore:114]fullpath " + second,
+                                           "[KesuStore:169]Deleted 1 successfully and 0 unsuccessfully"};
+  EXPECT_EQ(lines(), wanted);
+  EXPECT_TRUE(store.storedFiles().empty());
+}
+
+}  // namespace
+}  // namespace kesu

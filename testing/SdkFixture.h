@@ -1,0 +1,81 @@
+#pragma once
+
+#include <gtest/gtest.h>
+#include <kesu/kesu.h>
+
+#include <string>
+#include <vector>
+
+#include "foundation/Json.h"
+#include "foundation/SharedInstance.h"
+#include "testing/ScopedPlatform.h"
+
+namespace kesu::testing {
+
+/// The whole library on a platform of doubles, driven as a host does. A line of level 0 or 2 that the test did not take
+/// is a failure.
+class SdkFixture : public ::testing::Test {
+ protected:
+  SdkFixture() {
+    platform.clock.set(1489579320.0);  // 2017-03-15 12:02:00 UTC
+    platform.bundle.dictionary = {{"CFBundleIdentifier", "tv.example.app"},
+                                  {"CFBundleDisplayName", "Example"},
+                                  {"CFBundleVersion", "42"},
+                                  {"CFBundleShortVersionString", "1.0"}};
+  }
+
+  ~SdkFixture() override {
+    endProcess();
+    for (const auto& line : platform.log.takeLines()) {
+      EXPECT_GE(line.level, 3) << line.text;
+    }
+  }
+
+  /// Initialises the library and reports the launch, as a fresh process does. The banner is taken.
+  void launch(const char* key = "key", std::int64_t logLevel = 2) {
+    Kesu::initialize(key, logLevel);
+    platform.log.takeLines();
+    Application::shared().didFinishLaunching();
+    platform.settle();
+  }
+
+  /// Forgets the library's objects, as the end of the process does. Disk and defaults stay.
+  void endProcess() {
+    resetSharedInstances();
+    Kesu::logThrottling(0);
+  }
+
+  void relaunch(const char* key = "key") {
+    endProcess();
+    launch(key);
+  }
+
+  /// Answers every open request and lets the consequences happen.
+  void answerAll(int status) {
+    platform.settle();
+    platform.http.answerAll(status);
+    platform.settle();
+  }
+
+  /// The destinations of all requests so far, one letter each, in order.
+  std::string destinations() {
+    std::string letters;
+    for (const HttpRequest& request : platform.http.requests()) {
+      letters += request.headers.front().second;
+    }
+    return letters;
+  }
+
+  /// The body of the i-th request.
+  Dictionary body(std::size_t i) { return *parseJson(platform.http.request(i).body)->dictionary(); }
+  Dictionary lastBody() { return body(platform.http.requestCount() - 1); }
+
+  std::string text(const Dictionary& record, const char* key) {
+    const std::string* found = record.findText(key);
+    return found != nullptr ? *found : "<absent>";
+  }
+
+  ScopedPlatform platform;
+};
+
+}  // namespace kesu::testing

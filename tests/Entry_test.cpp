@@ -1,0 +1,99 @@
+#include "testing/SdkFixture.h"
+
+namespace kesu {
+namespace {
+
+using EntryTest = testing::SdkFixture;
+
+std::string reasonOf(const std::function<void()>& call) {
+  try {
+    call();
+  } catch (const InternalInconsistencyException& exception) {
+    return exception.what();
+  }
+  return "no exception";
+}
+
+TEST_F(EntryTest, RefusesMisuseWithFixedReasons) {
+  const std::string missing =
+      "KesuAppKey needs to be set via initializeWithKey: method. Log on to console.kesu.example to get it.";
+  for (const Object& key : {Object(nil), Object(""), Object(" \t\n"), Object(Value(Null{}))}) {
+    EXPECT_EQ(reasonOf([&key] { Kesu::initialize(key); }), missing);
+  }
+  EXPECT_EQ(reasonOf([] { KesuCustomEvent::postWithEventName("early"); }), missing);
+  EXPECT_FALSE(Kesu::isSDKInitialized());
+  Kesu::initialize("a b");
+  EXPECT_TRUE(Kesu::isSDKInitialized());
+  EXPECT_EQ(reasonOf([] { Kesu::initialize("other"); }), "KesuAppKey is already set and Kesu is initialized!");
+  EXPECT_TRUE(reasonOf([] { Kesu(); }).starts_with("-init is not a valid initializer for Kesu."));
+  EXPECT_EQ(platform.defaults.text("kesuSDKAPIKey"), "a b") << "the key as given, blanks and all";
+  platform.log.takeLines();
+}
+
+TEST_F(EntryTest, ShowsTheBanner) {
+  platform.locale.zoneAbbreviation = "CET";
+  Kesu::initialize("key", 3);
+  std::vector<std::string> lines;
+  for (const auto& line : platform.log.takeLines()) {
+    lines.push_back(line.text);
+  }
+  ASSERT_EQ(lines.size(), 4U);
+  EXPECT_NE(lines[0].find("10-i-3.2.3"), std::string::npos);
+  EXPECT_EQ(lines[1], "[KesuManager:150]App key:key Build:  Mar 15 2017 12:02:00 CET");
+  EXPECT_TRUE(lines[2].ends_with(" 2017"));
+  EXPECT_EQ(lines[3], " ");
+}
+
+TEST_F(EntryTest, PostsTheInstallationRecordOnFirstLaunchesOnly) {
+  launch();
+  ASSERT_EQ(destinations(), "i");
+  const Dictionary record = body(0);
+  const std::pair<const char*, const char*> wanted[] = {{"kak", "key"},
+                                                        {"~v", "10-i-3.2.3"},
+                                                        {"pkg", "tv.example.app"},
+                                                        {"an", "Example"},
+                                                        {"prd", "x86_64"},
+                                                        {"cn", "Simulated"},
+                                                        {"sw", "1920"},
+                                                        {"sh", "1080"},
+                                                        {"mem", "2147483648"},
+                                                        {"np", "4"},
+                                                        {"nap", "4"},
+                                                        {"pspd", "1800"},
+                                                        {"rv", "42"},
+                                                        {"av", "1.0"},
+                                                        {"~ft", "1"},
+                                                        {"~r", "w"},
+                                                        {"ace", "1489579320000"},
+                                                        {"bspd", "<absent>"}};
+  for (const auto& [key, value] : wanted) {
+    EXPECT_EQ(text(record, key), value) << key;
+  }
+  EXPECT_EQ(text(record, "dn").size(), 64U);
+  EXPECT_EQ(text(record, "idv").size(), 64U);
+  EXPECT_NE(text(record, "kaid"), text(record, "kaid2"));
+  relaunch();
+  EXPECT_EQ(destinations(), "i");
+  relaunch("another key");
+  EXPECT_EQ(destinations(), "ii");
+}
+
+TEST_F(EntryTest, LaunchesAtOnceInsideAnExtension) {
+  platform.bundle.bundlePath = "/apps/Example.appex";
+  Kesu::initialize("key");
+  EXPECT_EQ(destinations(), "i");
+  EXPECT_EQ(platform.reachability.startedCount(), 1);
+  platform.log.takeLines();
+}
+
+TEST_F(EntryTest, WatchesTheCollectorsHost) {
+  platform.bundle.dictionary.set("KesuOverrideServer", "http://127.0.0.1:8470/collect");
+  launch();
+  ASSERT_EQ(platform.reachability.targets().size(), 1U);
+  EXPECT_EQ(platform.reachability.targets()[0].hostName, "127.0.0.1");
+  EXPECT_EQ(platform.reachability.targets()[0].port, 8470);
+  EXPECT_DOUBLE_EQ(Kesu::timerReference(), 1489579320.0 - 1453881200.0);
+}
+
+}  // namespace
+}  // namespace kesu

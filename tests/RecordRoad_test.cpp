@@ -1,0 +1,116 @@
+#include "testing/SdkFixture.h"
+
+namespace kesu {
+namespace {
+
+class RecordRoadTest : public testing::SdkFixture {
+ protected:
+  RecordRoadTest() {
+    launch();
+    answerAll(200);
+  }
+
+  void reachabilityChanges(std::uint32_t flags) {
+    platform.reachability.setFlags(flags);
+    platform.reachability.announceChange();
+    platform.settle();
+  }
+};
+
+TEST_F(RecordRoadTest, CarriesAnEventFromTheHostToTheCollector) {
+  KesuCustomEvent::postWithEventName("Started", {{"level", "3"}, {"kak", "forged"}});
+  EXPECT_EQ(platform.http.requestCount(), 1U) << "nothing is sent on the caller's thread";
+  platform.settle();
+  ASSERT_EQ(destinations(), "ie");
+  const Dictionary record = lastBody();
+  const std::pair<const char*, const char*> wanted[] = {{"~e", "Started"}, {"level", "3"},       {"kak", "key"},
+                                                        {"~r", "w"},       {"dest", "<absent>"}, {"prd", "<absent>"}};
+  for (const auto& [key, value] : wanted) {
+    EXPECT_EQ(text(record, key), value) << key;
+  }
+  EXPECT_EQ(platform.defaults.real("e-secondsSince1970"), 1489579320.0);
+  EXPECT_EQ(platform.defaults.text("~ef"), "$$Started~~0");
+}
+
+TEST_F(RecordRoadTest, KeepsTheOrderOfTheCalls) {
+  for (const char* name : {"a", "b", "c"}) {
+    KesuCustomEvent::postWithEventName(name);
+  }
+  platform.settle();
+  EXPECT_EQ(text(body(1), "~e") + text(body(2), "~e") + text(body(3), "~e"), "abc");
+  EXPECT_EQ(platform.defaults.text("~ef"), "$$a~~0$$b~~0$$c~~0");
+}
+
+TEST_F(RecordRoadTest, PostsExplicitActivationsAsTraits) {
+  platform.defaults.set("push_mid_key", "m1");
+  KesuExplicitActivation::post({{"how", "remote"}});
+  platform.settle();
+  ASSERT_EQ(destinations(), "it");
+  const Dictionary record = lastBody();
+  EXPECT_EQ(text(record, "~a:Activation"), "1");
+  EXPECT_EQ(text(record, "mid"), "m1");
+  EXPECT_EQ(text(record, "prd"), "x86_64");
+  EXPECT_EQ(text(record, "lrg"), "<absent>");
+  EXPECT_EQ(platform.defaults.real("t-secondsSince1970"), 1489579320.0);
+}
+
+TEST_F(RecordRoadTest, KeepsUndeliveredRecordsUntilTheCollectorIsBack) {
+  for (const char* name : {"a", "b"}) {
+    platform.clock.advance(0.01);
+    KesuCustomEvent::postWithEventName(name);
+  }
+  platform.settle();
+  platform.http.failAll(HttpError::CannotConnect);
+  platform.clock.advance(0.01);
+  platform.settle();
+  relaunch();  // The records live on disk.
+  EXPECT_EQ(destinations(), "ieee")
+      << "two first attempts in one microsecond share a file; the callback after start re-sends";
+  reachabilityChanges(0);
+  EXPECT_EQ(destinations(), "ieee");
+  platform.clock.advance(5.0);
+  reachabilityChanges(kFlagReachable);
+  ASSERT_EQ(destinations(), "ieeee");
+  EXPECT_EQ(text(lastBody(), "~e"), "b");
+  EXPECT_EQ(text(lastBody(), "fnk"), "<absent>");
+  EXPECT_EQ(text(lastBody(), "ase"), "1489579325030");
+  answerAll(200);
+  EXPECT_TRUE(platform.files.paths().empty());
+  reachabilityChanges(kFlagReachable);
+  EXPECT_EQ(destinations(), "ieeee");
+}
+
+TEST_F(RecordRoadTest, LosesNothingWhenItEndsInOrder) {
+  for (int i = 0; i < 1000; ++i) {
+    KesuCustomEvent::postWithEventName("event " + std::to_string(i), {{"i", i}});
+  }
+  Application::shared().willTerminate();
+  EXPECT_EQ(platform.http.requestCount(), 1001U);
+  EXPECT_EQ(platform.defaults.integer("~numberOfFiles"), 1000);
+  KesuCustomEvent::postWithEventName("late");
+  Application::shared().willTerminate();
+  EXPECT_EQ(platform.defaults.integer("~numberOfFiles"), 1001) << "records posted after the end are kept, too";
+}
+
+TEST_F(RecordRoadTest, SurvivesHostileAttributes) {
+  Attributes many;
+  for (int i = 0; i < 10'000; ++i) {
+    many.set("key " + std::to_string(i), i);
+  }
+  KesuCustomEvent::postWithEventName("many", many);
+  KesuCustomEvent::postWithEventName("large", {{"text", std::string(1'000'000, 'x')}});
+  KesuCustomEvent::postWithEventName(std::string("nul\0name", 8), {{"nul\r\n", std::string("\0\r\n", 3)}});
+  KesuCustomEvent::postWithEventName("\xff not text");
+  KesuCustomEvent::postWithEventName("good");
+  platform.settle();
+  EXPECT_EQ(destinations(), "ieeee");
+  EXPECT_EQ(body(1).size(), 10'000U + 12U);
+  EXPECT_EQ(text(body(3), "nul\r\n"), std::string("\0\r\n", 3));
+  EXPECT_EQ(platform.defaults.text("~ef"), std::string("$$many~~0$$large~~0$$nul\0name~~0$$good~~0", 42));
+  const auto lines = platform.log.takeLines();
+  ASSERT_EQ(lines.size(), 1U);
+  EXPECT_TRUE(lines[0].text.starts_with("JSON serialization exception: NSInvalidArgumentException and the reason "));
+}
+
+}  // namespace
+}  // namespace kesu
