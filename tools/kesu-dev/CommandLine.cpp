@@ -1,0 +1,206 @@
+#include "CommandLine.h"
+
+#include <algorithm>
+#include <functional>
+#include <iterator>
+#include <optional>
+#include <string_view>
+
+#include "Text.h"
+
+namespace kesu::dev {
+namespace {
+
+constexpr std::size_t kNarrowest = 40;
+
+// Takes the option's value in; returns what is wrong with it. Switches get an empty value.
+using Apply = std::string (*)(CommandLine&, const std::string& value);
+
+struct Option {
+  std::string_view name;
+  std::string_view commands;  // Letters of the commands that know it: s serve, r run, t tail, w show.
+  bool takesValue;
+  Apply apply;
+};
+
+std::string setPort(CommandLine& line, const std::string& value) {
+  const auto port = parseDecimal(value);
+  if (!port || *port > 65535) {
+    return "a port is a number from 0 to 65535, not " + value;
+  }
+  line.services.port = static_cast<int>(*port);
+  return {};
+}
+
+std::string setFormat(CommandLine& line, const std::string& value) {
+  if (value != "human" && value != "json") {
+    return "the format is human or json, not " + value;
+  }
+  line.format = value == "json" ? OutputFormat::Json : OutputFormat::Human;
+  return {};
+}
+
+std::string setWidth(CommandLine& line, const std::string& value) {
+  const auto width = parseDecimal(value);
+  if (!width || *width < static_cast<std::int64_t>(kNarrowest) || *width > 1000) {
+    return "the width is a number from 40 to 1000, not " + value;
+  }
+  line.width = static_cast<std::size_t>(*width);
+  return {};
+}
+
+template <auto Member>
+std::string setText(CommandLine& line, const std::string& value) {
+  line.*Member = value;
+  return {};
+}
+
+std::string setServedDatabase(CommandLine& line, const std::string& value) {
+  line.services.database = value;
+  return {};
+}
+
+std::string setStrict(CommandLine& line, const std::string&) {
+  line.services.strict = true;
+  return {};
+}
+
+std::string setOnce(CommandLine& line, const std::string&) {
+  line.command = Command::Show;
+  return {};
+}
+
+std::string setAll(CommandLine& line, const std::string&) {
+  line.fromStart = true;
+  return {};
+}
+
+constexpr Option kOptions[] = {
+    {"--port", "sr", true, setPort},
+    {"--db", "sr", true, setServedDatabase},
+    {"--db", "w", true, setText<&CommandLine::database>},
+    {"--ready-file", "sr", true, setText<&CommandLine::readyFile>},
+    {"--strict", "sr", false, setStrict},
+    {"--home", "r", true, setText<&CommandLine::home>},
+    {"--url", "tw", true, setText<&CommandLine::url>},
+    {"--format", "tw", true, setFormat},
+    {"-f", "tw", true, setFormat},
+    {"--all", "t", false, setAll},
+    {"--once", "t", false, setOnce},
+    {"--width", "w", true, setWidth},
+};
+
+struct CommandName {
+  std::string_view name;
+  Command command;
+  char letter;
+};
+
+constexpr CommandName kCommands[] = {
+    {"help", Command::Help, 'h'},       {"--help", Command::Help, 'h'},       {"-h", Command::Help, 'h'},
+    {"version", Command::Version, 'v'}, {"--version", Command::Version, 'v'}, {"serve", Command::Serve, 's'},
+    {"run", Command::Run, 'r'},         {"tail", Command::Tail, 't'},         {"show", Command::Show, 'w'},
+};
+
+const Option* findOption(std::string_view name, char letter) {
+  const auto* found = std::find_if(std::begin(kOptions), std::end(kOptions), [&](const Option& option) {
+    return option.name == name && option.commands.find(letter) != std::string_view::npos;
+  });
+  return found == std::end(kOptions) ? nullptr : found;
+}
+
+// Reads the options of a command up to the end or to "--"; the index of what follows is left in `next`.
+std::string readOptions(const std::vector<std::string>& arguments, char letter, CommandLine& line, std::size_t& next) {
+  while (next < arguments.size() && arguments[next] != "--") {
+    std::string name = arguments[next++];
+    std::optional<std::string> value;
+    if (const std::size_t equals = name.find('='); name.starts_with("--") && equals != std::string::npos) {
+      value = name.substr(equals + 1);
+      name.resize(equals);
+    }
+    const Option* option = findOption(name, letter);
+    if (option == nullptr) {
+      return "unknown option " + name + (letter == 'r' ? " (the program to run follows behind --)" : "");
+    }
+    if (option->takesValue && !value && next < arguments.size()) {
+      value = arguments[next++];
+    }
+    if (option->takesValue != value.has_value()) {
+      return name + (option->takesValue ? " needs a value" : " takes no value");
+    }
+    if (std::string fault = option->apply(line, value.value_or("")); !fault.empty()) {
+      return fault;
+    }
+  }
+  return {};
+}
+
+void readChild(const std::vector<std::string>& arguments, std::size_t next, CommandLine& line) {
+  if (next < arguments.size()) {
+    line.child.assign(arguments.begin() + static_cast<std::ptrdiff_t>(next) + 1, arguments.end());
+  }
+  if (line.command == Command::Run && line.child.empty()) {
+    line.error = "run needs a program: kesu-dev run -- PROGRAM ARGUMENTS";
+  } else if (line.command != Command::Run && next < arguments.size()) {
+    line.error = "only run takes a program behind --";
+  }
+}
+
+}  // namespace
+
+CommandLine parseCommandLine(const std::vector<std::string>& arguments) {
+  CommandLine line;
+  line.url = "http://127.0.0.1:" + std::to_string(Services::kDefaultPort);
+  if (arguments.empty()) {
+    line.error = "which command?";
+    return line;
+  }
+  const auto* found = std::find_if(std::begin(kCommands), std::end(kCommands),
+                                   [&](const CommandName& row) { return row.name == arguments.front(); });
+  if (found == std::end(kCommands)) {
+    line.error = "unknown command " + arguments.front();
+    return line;
+  }
+  line.command = found->command;
+  std::size_t next = 1;
+  line.error = readOptions(arguments, found->letter, line, next);
+  if (line.error.empty()) {
+    readChild(arguments, next, line);
+  }
+  return line;
+}
+
+std::string usageText() {
+  return R"(kesu-dev: a collector on this machine, for integrating and testing the Kesu library.
+
+  kesu-dev serve [OPTIONS]            collect until Ctrl-C
+  kesu-dev run [OPTIONS] -- PROGRAM ARGUMENTS...
+                                      run a program against a collector of its own; ends with the program's status and
+                                      a summary of what it sent
+  kesu-dev tail [OPTIONS]             one line for each record as it arrives at a running collector
+  kesu-dev show [OPTIONS]             a table of all records so far (also: kesu-dev tail --once)
+  kesu-dev help | version
+
+serve and run:
+  --port N           port on 127.0.0.1; 0 = any free one. Not given: 8470, or the next that is free
+  --db FILE          keep the records in this SQLite file (default: in memory)
+  --ready-file FILE  write the addresses there once the collector answers, as shell assignments; removed at the end
+  --strict           answer bad records with 400 instead of 200 (the library then drops them)
+
+run also:
+  --home DIR         home directory of the library in the program. Not given: KESU_HOME when you have set it, else an
+                     empty directory that is removed afterwards, so that every run is a first launch
+
+tail and show:
+  --url URL          the collector (default http://127.0.0.1:8470)
+  -f, --format F     human (default) or json: one JSON object a line
+  --all              tail: begin with the records that are there
+  --db FILE          show: read this file instead of asking a collector
+  --width N          show: columns of the table (default: those of the terminal, else 120)
+
+run sets KESU_OVERRIDE_SERVER, KESU_REACHABILITY_HOST and KESU_HOME for the program. The collector explains itself at
+its own address (GET /): records good and bad with what is wrong, a stream of events, faults to switch on.
+)";
+}
+
+}  // namespace kesu::dev

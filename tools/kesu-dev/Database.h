@@ -1,0 +1,73 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+namespace kesu::dev {
+
+/// One prepared SQL statement, used again and again. Parameters count from 1, columns from 0. Not thread-safe.
+class Statement {
+ public:
+  Statement(sqlite3& database, std::string_view sql);
+
+  Statement& bind(int parameter, std::int64_t value);
+
+  /// The text must stay alive until the statement has run.
+  Statement& bind(int parameter, std::string_view text);
+  Statement& bindNull(int parameter);
+
+  /// Moves to the next row. False after the last one and when the statement fails; failed() tells which.
+  bool nextRow();
+
+  /// Runs a statement without rows and makes it ready again. Returns whether it succeeded.
+  bool run();
+
+  std::int64_t integer(int column) const;
+  std::string text(int column) const;
+
+  bool failed() const { return failed_; }
+
+  /// Makes the statement ready for the next use.
+  void reset();
+
+ private:
+  struct Finalizer {
+    void operator()(sqlite3_stmt* statement) const;
+  };
+
+  std::unique_ptr<sqlite3_stmt, Finalizer> statement_;
+  bool failed_ = false;
+};
+
+/// One SQLite connection. Not thread-safe: the owner guards it.
+class Database {
+ public:
+  struct Closer {
+    void operator()(sqlite3* handle) const;
+  };
+
+  /// Takes over an open connection.
+  explicit Database(std::unique_ptr<sqlite3, Closer> handle) : handle_(std::move(handle)) {}
+
+  /// Opens or makes a database file; an empty name means one in memory. Returns null and says why on failure.
+  static std::unique_ptr<Database> open(const std::string& file, std::string& error);
+
+  Statement prepare(std::string_view sql) { return Statement(*handle_, sql); }
+
+  /// Runs statements that return nothing. False when one failed; lastError() says why.
+  bool execute(const char* sql);
+
+  std::string lastError() const;
+  std::int64_t lastInsertedId() const;
+
+ private:
+  std::unique_ptr<sqlite3, Closer> handle_;
+};
+
+}  // namespace kesu::dev

@@ -1,0 +1,83 @@
+#pragma once
+
+#include <kesu/foundation/Mutex.h>
+#include <kesu/foundation/Value.h>
+
+#include <chrono>
+#include <condition_variable>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kesu::dev {
+
+/// What goes wrong on purpose, once the delay is over.
+enum class FaultKind {
+  Delay,        // Nothing but the delay: the request then succeeds.
+  Status,       // Answered with `status`; a 2xx accepts the record, everything else drops it.
+  Hang,         // Never answered, until the sender goes, the fault is removed or the server stops.
+  CloseBefore,  // Connection closed before the body is read.
+  CloseAfter,   // Connection closed after the body was read; the record is dropped.
+  LostReply,    // The record is accepted, then the connection is closed without a reply.
+  Garbage,      // The record is accepted (with a 2xx status) and the reply is no JSON.
+  Redirect,     // Sent on to another URL; the record is dropped.
+};
+
+/// One fault, as a developer or a test asks for it.
+struct Fault {
+  std::string route;  // Path it applies to; "*" at the end stands for any rest.
+  FaultKind kind = FaultKind::Delay;
+  int status = 200;
+  std::chrono::milliseconds delay{0};
+  std::string location;               // For Redirect.
+  std::optional<std::int64_t> times;  // How many requests it still hits; nothing = until it is removed.
+  std::int64_t hits = 0;              // How many it has hit.
+};
+
+/// Reads a fault from its JSON form. Returns nothing and one sentence in `error` when it makes no sense.
+std::optional<Fault> faultFromJson(const Value& value, std::string& error);
+
+/// The JSON form, with "hits".
+Dictionary describeFault(const Fault& fault);
+
+/// Whether a fault for `route` applies to `path`.
+bool routeMatches(std::string_view route, std::string_view path);
+
+/// The faults that are switched on. Any thread.
+class FaultTable {
+ public:
+  /// Adds a fault behind those that are there: of several for one path the oldest that has hits left is used.
+  void add(Fault fault);
+
+  /// Removes the faults of a route (exactly this text), or all. Requests that wait for one go on at once.
+  void remove(std::string_view route);
+  void clear();
+
+  /// A fault at work on one request.
+  struct Hit {
+    Fault fault;
+    std::int64_t removals = 0;  // Removals before this hit; only waitForRemoval looks at it.
+  };
+
+  /// The fault that hits a request to `path`, counted as used; nothing when none applies.
+  std::optional<Hit> take(std::string_view path);
+
+  std::vector<Fault> all() const;
+
+  /// How many requests were hit since the start.
+  std::int64_t hits() const;
+
+  /// Waits until the time is up or any fault has been removed since the hit. True when one has.
+  bool waitForRemoval(const Hit& hit, std::chrono::milliseconds patience) const;
+
+ private:
+  mutable Mutex mutex_;
+  mutable std::condition_variable_any removed_;
+  std::vector<Fault> faults_ KESU_GUARDED_BY(mutex_);
+  std::int64_t hits_ KESU_GUARDED_BY(mutex_) = 0;
+  std::int64_t removals_ KESU_GUARDED_BY(mutex_) = 0;
+};
+
+}  // namespace kesu::dev

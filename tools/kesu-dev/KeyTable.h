@@ -1,0 +1,73 @@
+#pragma once
+
+#include <kesu/foundation/Value.h>
+
+#include <span>
+#include <string_view>
+
+namespace kesu::dev {
+
+/// What a key belongs to. Readers of a record fold the Common ones away.
+enum class KeyGroup {
+  Common,        // The columns that every record carries.
+  Location,      // Where the device is, on platforms that tell.
+  Installation,  // The device, told once by the installation record.
+  State,         // State changes of the application.
+  Flow,          // Screens, events and scenes of a session in one compact text.
+  Trait,         // The installation as it is now: locale, push, integrity.
+  Period,        // First sign of life in an hour, day, week, month or quarter.
+  Activation,    // Milestones that are told once.
+  Event,         // Named by the host.
+  Message,       // Receipts and button presses of in-app messages.
+};
+
+/// What a value must look like.
+enum class KeyForm {
+  Any,
+  Text,          // A text, which may be empty.
+  FilledText,    // A text that is not empty.
+  Milliseconds,  // A text of decimal digits: milliseconds since 1970.
+  MessageId,     // 22 characters of base64: 16 random bytes without padding.
+};
+
+/// One short key of the wire format. This table is the only place that explains it: the validation, the terminal views
+/// and `GET /keys` all read it.
+struct KeyInfo {
+  std::string_view key;
+  KeyGroup group;
+  KeyForm form;
+  std::string_view requiredFor;  // Destination letters whose records must carry it.
+  std::string_view allowedFor;   // Destination letters that may carry it; empty = all.
+  std::string_view meaning;
+};
+
+/// A destination: the collector's table that a record is meant for, as the header "t" names it.
+struct DestinationInfo {
+  std::string_view code;
+  std::string_view name;
+  std::string_view meaning;
+};
+
+/// A state of the application, as the key "~ns" names it.
+struct StateInfo {
+  std::string_view code;
+  std::string_view meaning;
+};
+
+/// What the header "t" holds when the sender knew no destination.
+inline constexpr std::string_view kUnknownDestination = "UnknownDestination";
+
+std::span<const KeyInfo> allKeys();
+std::span<const DestinationInfo> allDestinations();
+
+/// The row for a key, destination code or state letter; nullptr when there is none.
+const KeyInfo* findKey(std::string_view key);
+const DestinationInfo* findDestination(std::string_view code);
+const StateInfo* findState(std::string_view code);
+
+std::string_view groupName(KeyGroup group);
+
+/// All three tables, as `GET /keys` answers them.
+Dictionary describeKeys();
+
+}  // namespace kesu::dev

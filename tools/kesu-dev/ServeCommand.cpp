@@ -1,0 +1,51 @@
+#include "ServeCommand.h"
+
+#include <cstdio>
+
+#include "ReadyFile.h"
+#include "RecordText.h"
+#include "Services.h"
+#include "Signals.h"
+
+namespace kesu::dev {
+namespace {
+
+void printAddresses(const Services& services) {
+  const std::string url = services.url();
+  std::printf(
+      "kesu-dev collects at %s\n"
+      "\n"
+      "  export KESU_OVERRIDE_SERVER=%s\n"
+      "  export KESU_REACHABILITY_HOST=%s\n"
+      "\n"
+      "  kesu-dev tail --url %s     records as they arrive\n"
+      "  kesu-dev show --url %s     all records so far\n"
+      "  %s/bad                     bad records, with what is wrong\n"
+      "\n"
+      "Ctrl-C ends it.\n",
+      url.c_str(), services.recordUrl().c_str(), services.hostAndPort().c_str(), url.c_str(), url.c_str(), url.c_str());
+  std::fflush(stdout);
+}
+
+}  // namespace
+
+int runServe(const CommandLine& line) {
+  const BlockedSignals signals;
+  std::string error;
+  const std::unique_ptr<Services> services = Services::start(line.services, error);
+  ReadyFile readyFile;
+  if (services == nullptr || !readyFile.write(line.readyFile, *services)) {
+    std::fprintf(stderr, "kesu-dev: %s\n", error.empty() ? "cannot write the ready file" : error.c_str());
+    return 1;
+  }
+  printAddresses(*services);
+  int signal = SIGCHLD;
+  while (signal == SIGCHLD) {
+    signal = signals.wait().si_signo;
+  }
+  services->stop();
+  std::printf("\n%s", summaryTable(services->store().counts(), 100).c_str());
+  return 0;
+}
+
+}  // namespace kesu::dev

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <kesu/foundation/Value.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace kesu::dev {
+
+/// One record as the collector keeps it and as `/good`, `/bad` and `/events` hand it out.
+struct StoredRecord {
+  std::int64_t id = 0;               // Counts from 1 and never goes back, not even over a reset.
+  std::int64_t arrivedMs = 0;        // Milliseconds since 1970.
+  std::string path;                  // Path it was posted to.
+  std::string destination;           // Header "t", empty when there was none.
+  std::string headers;               // All request headers, as one JSON object.
+  std::string body;                  // Exactly as received.
+  bool bodyIsObject = false;         // Whether the body is a JSON object.
+  std::string messageId;             // "msg_id", empty when there is none.
+  std::vector<std::string> reasons;  // What is wrong with it; none = good.
+  std::int64_t duplicateOf = 0;      // The first record with the same "msg_id"; 0 = none.
+  bool wasStored = false;            // Probably waited in the sender's offline store.
+
+  bool good() const { return reasons.empty(); }
+};
+
+/// Appends the record as one JSON object on one line. The body is embedded byte for byte under "record" when it is a
+/// JSON object (numbers keep their spelling), else it stands as a text under "body".
+void appendJson(const StoredRecord& record, std::string& out);
+
+/// Reads what appendJson wrote; the body is then written anew by our own JSON writer. Nothing when `value` is no such
+/// object.
+std::optional<StoredRecord> storedRecordFromJson(const Value& value);
+
+/// The body as a dictionary; empty when it is no JSON object.
+Dictionary bodyOf(const StoredRecord& record);
+
+/// JSON text of a dictionary. Its texts must have gone through validUtf8 before; what cannot be written gives "{}".
+std::string jsonText(const Dictionary& dictionary);
+
+}  // namespace kesu::dev

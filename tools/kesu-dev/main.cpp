@@ -1,0 +1,45 @@
+#include <kesu/Version.h>
+
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "CommandLine.h"
+#include "RunCommand.h"
+#include "ServeCommand.h"
+#include "WatchCommand.h"
+
+namespace {
+
+constexpr int kUsageError = 2;
+
+int execute(const kesu::dev::CommandLine& line) {
+  switch (line.command) {
+    case kesu::dev::Command::Help:
+      std::fputs(kesu::dev::usageText().c_str(), stdout);
+      return 0;
+    case kesu::dev::Command::Version:
+      std::puts("kesu-dev " KESU_VERSION);
+      return 0;
+    case kesu::dev::Command::Serve:
+      return kesu::dev::runServe(line);
+    case kesu::dev::Command::Run:
+      return kesu::dev::runProgram(line);
+    case kesu::dev::Command::Tail:
+      return kesu::dev::runTail(line);
+    case kesu::dev::Command::Show:
+      return kesu::dev::runShow(line);
+  }
+  return kUsageError;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const kesu::dev::CommandLine line = kesu::dev::parseCommandLine({argv + 1, argv + argc});
+  if (!line.error.empty()) {
+    std::fprintf(stderr, "kesu-dev: %s (kesu-dev help explains)\n", line.error.c_str());
+    return kUsageError;
+  }
+  return execute(line);
+}
