@@ -1,0 +1,588 @@
+#include "platform/linux/DefaultsStore.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <limits>
+#include <optional>
+#include <system_error>
+
+#include "foundation/PropertyList.h"
+#include "platform/linux/LinuxFiles.h"
+
+namespace kesu {
+namespace {
+
+constexpr int kOpenFlags = SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_NOFOLLOW | SQLITE_OPEN_EXRESCODE;
+constexpr int kPageBytes = 1024;
+constexpr int kFrameBytes = kPageBytes + 24;
+
+// Small pages, because every synchronize() writes at least one of them whole. Checkpoints run on another connection.
+constexpr char kConfigure[] =
+    "PRAGMA synchronous=OFF; PRAGMA page_size=1024; PRAGMA journal_mode=WAL; PRAGMA wal_autocheckpoint=0;"
+    "PRAGMA temp_store=MEMORY; PRAGMA secure_delete=OFF; PRAGMA trusted_schema=OFF; PRAGMA cell_size_check=ON;"
+    "PRAGMA cache_size=-512";
+
+constexpr char kMakeTables[] =
+    "BEGIN IMMEDIATE;"
+    "CREATE TABLE IF NOT EXISTS entry(number INTEGER PRIMARY KEY, key TEXT NOT NULL UNIQUE, kind INTEGER NOT NULL,"
+    " value);"
+    "CREATE TABLE IF NOT EXISTS suffix(id INTEGER PRIMARY KEY, text TEXT NOT NULL);"
+    "PRAGMA user_version=1;"
+    "COMMIT";
+
+// The suffix rows of the entry with number n have the ids from n << 32 on.
+constexpr int kNumberShift = 32;
+constexpr std::int64_t kLastNumber = std::int64_t{1} << 30;
+constexpr std::int64_t kSuffixesPerEntry = std::int64_t{1} << kNumberShift;
+
+// The column "kind". Written to disk: never renumber.
+enum class StoredKind : int { Bool = 1, Integer = 2, Real = 3, Text = 4, Data = 5, Date = 6, PropertyList = 7 };
+
+StoredKind storedKind(const Value& value) {
+  switch (value.kind()) {
+    case Value::Kind::Bool:
+      return StoredKind::Bool;
+    case Value::Kind::Integer:
+      return StoredKind::Integer;
+    case Value::Kind::Real:
+      return StoredKind::Real;
+    case Value::Kind::Text:
+      return StoredKind::Text;
+    case Value::Kind::Data:
+      return StoredKind::Data;
+    case Value::Kind::Date:
+      return StoredKind::Date;
+    case Value::Kind::Null:
+    case Value::Kind::Array:
+    case Value::Kind::Dictionary:
+      break;
+  }
+  return StoredKind::PropertyList;
+}
+
+void bindText(sqlite3_stmt* statement, int position, std::string_view text) {
+  // A null pointer would be stored as NULL, also for an empty text.
+  const char* bytes = text.data() != nullptr ? text.data() : "";
+  sqlite3_bind_text64(statement, position, bytes, text.size(), SQLITE_STATIC, SQLITE_UTF8);
+}
+
+void bindValue(sqlite3_stmt* statement, int position, const Value& value, const std::string& listText) {
+  if (const bool* flag = value.boolean()) {
+    sqlite3_bind_int(statement, position, *flag ? 1 : 0);
+  } else if (const std::int64_t* integer = value.integer()) {
+    sqlite3_bind_int64(statement, position, *integer);
+  } else if (const double* real = value.real()) {
+    sqlite3_bind_double(statement, position, *real);  // NaN becomes NULL.
+  } else if (const Date* date = value.date()) {
+    sqlite3_bind_double(statement, position, date->secondsSince1970);
+  } else if (const Data* data = value.data()) {
+    sqlite3_bind_blob64(statement, position, data->data(), data->size(), SQLITE_STATIC);  // Empty becomes NULL.
+  } else {
+    bindText(statement, position, value.text() != nullptr ? *value.text() : listText);
+  }
+}
+
+std::string_view columnBytes(sqlite3_stmt* row, int column) {
+  const void* bytes = sqlite3_column_blob(row, column);
+  return {static_cast<const char*>(bytes),
+          bytes != nullptr ? static_cast<std::size_t>(sqlite3_column_bytes(row, column)) : 0};
+}
+
+// NULL stands for NaN.
+double columnReal(sqlite3_stmt* row, int column) {
+  return sqlite3_column_type(row, column) == SQLITE_NULL ? std::numeric_limits<double>::quiet_NaN()
+                                                         : sqlite3_column_double(row, column);
+}
+
+std::optional<Value> columnValue(sqlite3_stmt* row, int kindColumn, int column) {
+  // Bytes are asked for only where bytes are stored: asking turns a number into text, in place.
+  switch (static_cast<StoredKind>(sqlite3_column_int(row, kindColumn))) {
+    case StoredKind::Bool:
+      return Value(sqlite3_column_int(row, column) != 0);
+    case StoredKind::Integer:
+      return Value(std::int64_t{sqlite3_column_int64(row, column)});
+    case StoredKind::Real:
+      return Value(columnReal(row, column));
+    case StoredKind::Text:
+      return Value(columnBytes(row, column));
+    case StoredKind::Data: {
+      const std::string_view bytes = columnBytes(row, column);
+      return Value(Data(bytes.begin(), bytes.end()));
+    }
+    case StoredKind::Date:
+      return Value(Date{columnReal(row, column)});
+    case StoredKind::PropertyList:
+      return parsePropertyList(columnBytes(row, column));
+  }
+  return std::nullopt;
+}
+
+// A path as part of a "file:" name, where "?", "#" and "%" have a meaning.
+std::string escaped(const std::string& path) {
+  std::string name;
+  for (const char c : path) {
+    name += c == '?' ? "%3f" : c == '#' ? "%23" : c == '%' ? "%25" : std::string(1, c);
+  }
+  return name;
+}
+
+// Whether nothing or a regular file is at `path`.
+bool isHarmless(const std::string& path) {
+  struct stat info {};
+  return ::lstat(path.c_str(), &info) == 0 ? S_ISREG(info.st_mode) : errno == ENOENT;
+}
+
+}  // namespace
+
+DefaultsStore::DefaultsStore(std::string directory, std::string fileName)
+    : directory_(std::move(directory)), fileName_(std::move(fileName)) {}
+
+DefaultsStore::~DefaultsStore() {
+  close();
+}
+
+StoreStatus DefaultsStore::open(const Loaded& loaded) {
+  unreadableCount_ = 0;
+  LoadedEntries entries;
+  StoreStatus status = prepareFile();
+  if (status == StoreStatus::Ok) {
+    status = openWritable(entries);
+  }
+  if (status == StoreStatus::Failed && !path_.empty()) {
+    close();
+    entries.clear();
+    status = openReadOnly(entries);
+  }
+  if (status != StoreStatus::Ok) {
+    close();
+  }
+  if (status == StoreStatus::Ok || status == StoreStatus::ReadOnly) {
+    for (LoadedEntry& entry : entries) {
+      loaded(std::move(entry.key), std::move(entry.value));
+    }
+  }
+  return status;
+}
+
+StoreStatus DefaultsStore::prepareFile() {
+  path_.clear();
+  const FileResult made = LinuxFiles("").createDirectories(directory_);
+  char* const real = made.ok() ? ::realpath(directory_.c_str(), nullptr) : nullptr;
+  if (real == nullptr) {
+    failureText_ = made.ok() ? std::generic_category().message(errno) : made.reason;
+    return StoreStatus::Failed;
+  }
+  const std::string path = std::string(real) + "/" + fileName_;
+  std::free(real);
+  if (!isHarmless(path) || !isHarmless(path + "-wal") || !isHarmless(path + "-shm")) {
+    failureText_ = "not a regular file";
+    return StoreStatus::Failed;
+  }
+  path_ = path;
+  // Made here and not by the database, which would let the group and others read it; its companions take this mode.
+  const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600);
+  if (fd >= 0) {
+    ::close(fd);
+  }
+  return fd >= 0 || errno == EEXIST ? StoreStatus::Ok : failedWith(errno);
+}
+
+StoreStatus DefaultsStore::connect(const std::string& name, int flags) {
+  sqlite3* database = nullptr;
+  const int code = sqlite3_open_v2(name.c_str(), &database, kOpenFlags | flags, nullptr);
+  database_.reset(database);
+  if (code != SQLITE_OK) {
+    return failed(code);
+  }
+  sqlite3_busy_timeout(database, kBusyTimeoutMs);
+  return StoreStatus::Ok;
+}
+
+StoreStatus DefaultsStore::openWritable(LoadedEntries& entries) {
+  StoreStatus status = connect(path_, SQLITE_OPEN_READWRITE);
+  if (status == StoreStatus::Ok && sqlite3_db_readonly(database_.get(), "main") != 0) {
+    return failed(SQLITE_READONLY);
+  }
+  if (status == StoreStatus::Ok) {
+    status = execute(kConfigure);
+  }
+  if (status == StoreStatus::Ok) {
+    sqlite3_wal_hook(
+        database_.get(),
+        [](void* self, sqlite3*, const char*, int frames) {
+          static_cast<DefaultsStore*>(self)->journalBytes_ = std::int64_t{frames} * kFrameBytes;
+          return SQLITE_OK;
+        },
+        this);
+    status = makeTables();
+  }
+  if (status == StoreStatus::Ok) {
+    status = load(entries);
+  }
+  return status == StoreStatus::Ok ? prepareStatements() : status;
+}
+
+StoreStatus DefaultsStore::openReadOnly(LoadedEntries& entries) {
+  const std::string reason = failureText_;
+  // Without permission to make the lock file, the journal can only be read where that file is there already.
+  for (const char* options : {"?mode=ro", "?mode=ro&immutable=1"}) {
+    StoreStatus status = connect("file:" + escaped(path_) + options, SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
+    if (status == StoreStatus::Ok) {
+      status = load(entries);
+    }
+    close();
+    if (status == StoreStatus::Ok) {
+      failureText_ = reason;
+      return StoreStatus::ReadOnly;
+    }
+    entries.clear();
+  }
+  failureText_ = reason;
+  return StoreStatus::Failed;
+}
+
+StoreStatus DefaultsStore::makeTables() {
+  SqliteStatement version;
+  StoreStatus status = prepare("PRAGMA user_version", version);
+  std::int64_t number = 0;
+  if (status == StoreStatus::Ok) {
+    status = run(version.get(), &number);
+  }
+  if (status != StoreStatus::Ok || number != 0) {
+    return status;
+  }
+  status = execute(kMakeTables);
+  if (status == StoreStatus::Ok) {
+    noteCommit();
+  }
+  return status;
+}
+
+StoreStatus DefaultsStore::prepareStatements() {
+  struct Source {
+    const char* sql;
+    SqliteStatement& statement;
+  };
+  const Source sources[] = {
+      {"BEGIN IMMEDIATE", statements_.begin},
+      {"COMMIT", statements_.commit},
+      {"ROLLBACK", statements_.rollback},
+      {"SELECT count(*) FROM sqlite_schema", statements_.hold},
+      {"INSERT INTO entry(key, kind, value) VALUES(?1, ?2, ?3)"
+       " ON CONFLICT(key) DO UPDATE SET kind=excluded.kind, value=excluded.value RETURNING number",
+       statements_.put},
+      {"DELETE FROM entry WHERE key=?1 RETURNING number", statements_.remove},
+      {"DELETE FROM suffix WHERE id BETWEEN ?1 AND ?2", statements_.removeSuffixes},
+      {"SELECT number FROM entry WHERE key=?1", statements_.numberOf},
+      {"SELECT id FROM suffix WHERE id BETWEEN ?1 AND ?2 ORDER BY id DESC LIMIT 1", statements_.lastSuffix},
+      {"REPLACE INTO suffix(id, text) VALUES(?1, ?2)", statements_.append},
+  };
+  for (const Source& source : sources) {
+    const StoreStatus status = prepare(source.sql, source.statement);
+    if (status != StoreStatus::Ok) {
+      return status;
+    }
+  }
+  return StoreStatus::Ok;
+}
+
+StoreStatus DefaultsStore::load(LoadedEntries& entries) {
+  SqliteStatement rows;
+  const StoreStatus status = prepare("SELECT number, key, kind, value FROM entry ORDER BY number", rows);
+  if (status != StoreStatus::Ok) {
+    return status;
+  }
+  int code = SQLITE_ROW;
+  std::int64_t last = 0;
+  while ((code = sqlite3_step(rows.get())) == SQLITE_ROW) {
+    const std::int64_t number = sqlite3_column_int64(rows.get(), 0);
+    // Rows out of order: pages linked in a circle would be read for ever.
+    if (number <= last || number > kLastNumber) {
+      return failed(SQLITE_CORRUPT);
+    }
+    last = number;
+    if (std::optional<Value> value = columnValue(rows.get(), 2, 3)) {
+      entries.push_back({number, std::string(columnBytes(rows.get(), 1)), std::move(*value)});
+    } else {
+      ++unreadableCount_;
+    }
+  }
+  return code == SQLITE_DONE ? loadSuffixes(entries) : failed(code);
+}
+
+StoreStatus DefaultsStore::loadSuffixes(LoadedEntries& entries) {
+  SqliteStatement rows;
+  const StoreStatus status = prepare("SELECT id, text FROM suffix ORDER BY id", rows);
+  if (status != StoreStatus::Ok) {
+    return status;
+  }
+  std::map<std::int64_t, std::string> grown;
+  int code = SQLITE_ROW;
+  std::int64_t last = -1;
+  while ((code = sqlite3_step(rows.get())) == SQLITE_ROW) {
+    const std::int64_t id = sqlite3_column_int64(rows.get(), 0);
+    if (id <= last) {
+      return failed(SQLITE_CORRUPT);
+    }
+    last = id;
+    grown[id >> kNumberShift].append(columnBytes(rows.get(), 1));
+  }
+  for (LoadedEntry& entry : entries) {
+    const auto suffix = grown.find(entry.number);
+    const std::string* text = entry.value.text();
+    if (suffix != grown.end() && text != nullptr) {
+      entry.value = Value(*text + suffix->second);
+    }
+  }
+  return code == SQLITE_DONE ? StoreStatus::Ok : failed(code);
+}
+
+StoreStatus DefaultsStore::write(const std::vector<StoreChange>& changes) {
+  shareJournalIfReleased();
+  StoreStatus status = writeOnce(changes);
+  if (status == StoreStatus::Busy) {
+    // Another process may have written since the journal was held: only a fresh look at it can be written upon.
+    shareJournal();
+    status = writeOnce(changes);
+  }
+  if (status == StoreStatus::Ok) {
+    noteCommit();
+  }
+  return status;
+}
+
+StoreStatus DefaultsStore::writeOnce(const std::vector<StoreChange>& changes) {
+  const StoreChange& first = changes.front();
+  // A lone append to a known row is one statement, which is a transaction of its own.
+  const bool isLone =
+      changes.size() == 1 && first.kind == StoreChange::Kind::Append && tails_.find(first.key) != tails_.end();
+  const StoreStatus status = isLone ? apply(first) : writeTransaction(changes);
+  if (status != StoreStatus::Ok) {
+    for (const StoreChange& change : changes) {
+      forgetTail(change.key);
+    }
+  }
+  return status;
+}
+
+StoreStatus DefaultsStore::writeTransaction(const std::vector<StoreChange>& changes) {
+  StoreStatus status = run(statements_.begin.get());
+  for (const StoreChange& change : changes) {
+    if (status == StoreStatus::Ok) {
+      status = apply(change);
+    }
+  }
+  if (status == StoreStatus::Ok) {
+    status = run(statements_.commit.get());
+  }
+  if (status != StoreStatus::Ok && sqlite3_get_autocommit(database_.get()) == 0) {
+    const std::string reason = failureText_;
+    run(statements_.rollback.get());
+    failureText_ = reason;
+  }
+  return status;
+}
+
+StoreStatus DefaultsStore::apply(const StoreChange& change) {
+  std::int64_t number = 0;
+  switch (change.kind) {
+    case StoreChange::Kind::Put:
+      return put(change.key, change.value, change.text, number);
+    case StoreChange::Kind::Remove:
+      return remove(change.key);
+    case StoreChange::Kind::Append:
+      break;
+  }
+  return append(change.key, change.text);
+}
+
+StoreStatus DefaultsStore::put(std::string_view key, const Value& value, const std::string& listText,
+                               std::int64_t& number) {
+  forgetTail(key);
+  sqlite3_stmt* const put = statements_.put.get();
+  const StoredKind kind = storedKind(value);
+  std::optional<std::string> list;
+  if (kind == StoredKind::PropertyList && listText.empty()) {
+    list = writePropertyList(value);
+  }
+  bindText(put, 1, key);
+  sqlite3_bind_int(put, 2, static_cast<int>(kind));
+  bindValue(put, 3, value, list ? *list : listText);
+  const StoreStatus status = run(put, &number);
+  return status == StoreStatus::Ok ? removeSuffixes(number) : status;
+}
+
+StoreStatus DefaultsStore::remove(std::string_view key) {
+  forgetTail(key);
+  std::int64_t number = 0;
+  bindText(statements_.remove.get(), 1, key);
+  const StoreStatus status = run(statements_.remove.get(), &number);
+  return status == StoreStatus::Ok && number != 0 ? removeSuffixes(number) : status;
+}
+
+StoreStatus DefaultsStore::removeSuffixes(std::int64_t number) {
+  const std::int64_t first = number << kNumberShift;
+  sqlite3_bind_int64(statements_.removeSuffixes.get(), 1, first);
+  sqlite3_bind_int64(statements_.removeSuffixes.get(), 2, first + kSuffixesPerEntry - 1);
+  return run(statements_.removeSuffixes.get());
+}
+
+StoreStatus DefaultsStore::append(std::string_view key, std::string_view suffix) {
+  auto tail = tails_.find(key);
+  const StoreStatus found = tail == tails_.end() ? findTail(key, tail) : StoreStatus::Ok;
+  if (found != StoreStatus::Ok) {
+    return found;
+  }
+  tail->second.text.append(suffix);
+  sqlite3_bind_int64(statements_.append.get(), 1, tail->second.row);
+  bindText(statements_.append.get(), 2, tail->second.text);
+  const StoreStatus status = run(statements_.append.get());
+  if (tail->second.text.size() >= kSuffixBytes) {
+    ++tail->second.row;
+    tail->second.text.clear();
+  }
+  return status;
+}
+
+StoreStatus DefaultsStore::findTail(std::string_view key, Tails::iterator& tail) {
+  std::int64_t number = 0;
+  bindText(statements_.numberOf.get(), 1, key);
+  StoreStatus status = run(statements_.numberOf.get(), &number);
+  if (status == StoreStatus::Ok && number == 0) {  // Another process removed the key.
+    status = put(key, Value(""), {}, number);
+  }
+  if (status != StoreStatus::Ok) {
+    return status;
+  }
+  const std::int64_t first = number << kNumberShift;
+  std::int64_t last = first - 1;
+  sqlite3_bind_int64(statements_.lastSuffix.get(), 1, first);
+  sqlite3_bind_int64(statements_.lastSuffix.get(), 2, first + kSuffixesPerEntry - 1);
+  status = run(statements_.lastSuffix.get(), &last);
+  tail = tails_.insert_or_assign(std::string(key), Tail{last + 1, {}}).first;
+  return status;
+}
+
+void DefaultsStore::forgetTail(std::string_view key) {
+  if (const auto tail = tails_.find(key); tail != tails_.end()) {
+    tails_.erase(tail);
+  }
+}
+
+bool DefaultsStore::setAside() {
+  if (database_) {
+    // What is set aside stays as it was found.
+    sqlite3_db_config(database_.get(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+  }
+  close();
+  const std::string aside = path_ + ".corrupt";
+  if (path_.empty() || ::rename(path_.c_str(), aside.c_str()) != 0) {
+    return false;
+  }
+  for (const char* companion : {"-wal", "-shm"}) {
+    ::unlink((aside + companion).c_str());
+    ::rename((path_ + companion).c_str(), (aside + companion).c_str());
+  }
+  return true;
+}
+
+// A statement that is not run to its end keeps the connection's place in the journal. That saves each write two locks,
+// and keeps the journal from being started over by a write, which would have to wait for the disk.
+void DefaultsStore::shareJournal() {
+  releaseJournal();
+  holdsJournal_ = sqlite3_step(statements_.hold.get()) == SQLITE_ROW;
+}
+
+void DefaultsStore::shareJournalIfReleased() {
+  if (!holdsJournal_) {
+    shareJournal();
+  }
+}
+
+void DefaultsStore::releaseJournal() {
+  sqlite3_reset(statements_.hold.get());
+  holdsJournal_ = false;
+}
+
+// The first write into an empty journal would wait for the disk, to keep the header from being newer than left-over
+// frames behind it. After truncation there are none.
+void DefaultsStore::noteJournalEmptied() {
+  journalBytes_ = 0;
+  syncsJournalHeader_ = execute("PRAGMA synchronous=OFF") != StoreStatus::Ok;
+}
+
+void DefaultsStore::noteCommit() {
+  ++commitCount_;
+  if (!syncsJournalHeader_) {
+    syncsJournalHeader_ = execute("PRAGMA synchronous=NORMAL") == StoreStatus::Ok;
+  }
+}
+
+void DefaultsStore::close() {
+  statements_ = {};
+  holdsJournal_ = false;
+  tails_.clear();
+  if (database_) {
+    // Closing may move the journal into the file.
+    sqlite3_exec(database_.get(), "PRAGMA synchronous=NORMAL", nullptr, nullptr, nullptr);
+  }
+  database_.reset();
+  journalBytes_ = 0;
+  syncsJournalHeader_ = false;
+}
+
+StoreStatus DefaultsStore::prepare(const char* sql, SqliteStatement& statement) {
+  sqlite3_stmt* prepared = nullptr;
+  const int code = sqlite3_prepare_v3(database_.get(), sql, -1, SQLITE_PREPARE_PERSISTENT, &prepared, nullptr);
+  statement.reset(prepared);
+  return code == SQLITE_OK ? StoreStatus::Ok : failed(code);
+}
+
+StoreStatus DefaultsStore::execute(const char* sql) {
+  const int code = sqlite3_exec(database_.get(), sql, nullptr, nullptr, nullptr);
+  return code == SQLITE_OK ? StoreStatus::Ok : failed(code);
+}
+
+// Runs a statement to its end. The first column of its row, if it has one, goes to `number`.
+StoreStatus DefaultsStore::run(sqlite3_stmt* statement, std::int64_t* number) {
+  int code = sqlite3_step(statement);
+  if (code == SQLITE_ROW && number != nullptr) {
+    *number = sqlite3_column_int64(statement, 0);
+    code = sqlite3_step(statement);
+  }
+  const StoreStatus status = code == SQLITE_DONE || code == SQLITE_ROW ? StoreStatus::Ok : failed(code);
+  sqlite3_reset(statement);
+  return status;
+}
+
+StoreStatus DefaultsStore::failed(int code) {
+  failureText_ = sqlite3_errstr(code);
+  switch (code & 0xff) {
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+    case SQLITE_PROTOCOL:
+      return StoreStatus::Busy;
+    case SQLITE_CORRUPT:
+    case SQLITE_NOTADB:
+    // No statement of ours is wrong in itself: the tables are not those that we made.
+    case SQLITE_ERROR:
+    case SQLITE_CONSTRAINT:
+    case SQLITE_MISMATCH:
+      return StoreStatus::Corrupt;
+    default:
+      return StoreStatus::Failed;
+  }
+}
+
+StoreStatus DefaultsStore::failedWith(int error) {
+  failureText_ = std::generic_category().message(error);
+  return StoreStatus::Failed;
+}
+
+}  // namespace kesu

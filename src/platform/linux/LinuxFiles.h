@@ -1,0 +1,60 @@
+#pragma once
+
+#include <kesu/foundation/Mutex.h>
+#include <kesu/platform/Files.h>
+
+#include <atomic>
+#include <set>
+#include <string>
+
+namespace kesu {
+
+/// Files on a POSIX file system.
+///
+/// Any thread. Nothing is opened that could block or that has effects of its own: reading a FIFO, a socket, a device, a
+/// directory or a link answers NotRegular at once. Paths with a NUL byte are refused. A path below a regular file
+/// counts as NotFound.
+///
+/// writeAtomically() writes to a hidden temporary file beside the target and renames it. A link, FIFO or socket at the
+/// target's place is replaced, never written through; a directory is not. A process killed between the two steps leaves
+/// the temporary file, which no walk shows; the first write of a later process into that directory removes those older
+/// than kStaleAgeSeconds. Nothing waits for the disk: after power loss the file may be missing or empty.
+class LinuxFiles final : public Files {
+ public:
+  /// Directories nested deeper than this below the start of a walk are listed, but not entered.
+  static constexpr int kDepthLimit = 32;
+
+  /// A temporary file that is not renamed after this time belongs to a dead process: a write takes microseconds.
+  static constexpr int kStaleAgeSeconds = 60;
+
+  /// `homeDirectory` holds "Documents", "Library/Caches" and "Library/Preferences"; nothing is made yet. Without a home
+  /// (empty) the three directories are empty texts.
+  explicit LinuxFiles(std::string homeDirectory);
+
+  std::string documentsDirectory() override;
+  std::string cachesDirectory() override;
+  std::string preferencesDirectory() override;
+
+  FileContent read(const std::string& path, std::size_t limit) override;
+  FileResult writeAtomically(const std::string& path, std::string_view bytes) override;
+  FileResult remove(const std::string& path) override;
+  FileResult createDirectories(const std::string& path) override;
+  void enumerate(const std::string& directory, const std::function<bool(const DirectoryEntry&)>& visit) override;
+
+ private:
+  std::string below(const char* name) const;
+
+  /// A new temporary file in `directory`, whose path is put into `path`. Makes the directory only when opening finds it
+  /// missing. -1 with errno on failure.
+  int openTemporary(const std::string& directory, std::string& path);
+
+  /// Removes what killed processes left in `directory`, once in the life of this object.
+  void sweepOnce(const std::string& directory);
+
+  const std::string home_;
+  std::atomic<unsigned> temporaries_{0};
+  Mutex mutex_;
+  std::set<std::string> swept_ KESU_GUARDED_BY(mutex_);
+};
+
+}  // namespace kesu
