@@ -1,12 +1,12 @@
 #pragma once
 
+#include <kesu/Export.h>
+
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
-
-#include <kesu/Export.h>
 
 namespace kesu {
 
@@ -21,11 +21,13 @@ enum ReachabilityFlags : std::uint32_t {
   kFlagIsWwan = 0x40000     ///< The way leaves through a mobile-radio interface.
 };
 
-/// What is watched: a host by name (with the port that is probed), or an IPv4 address.
+/// What is watched: a host by name (with the port that is probed), or an IPv4 address. An empty name always means the
+/// address: whoever has only a name refuses an empty one first.
 struct ReachabilityTarget {
-  std::string hostName;         ///< Name or numeric address; empty when `address` is meant.
-  int port = 443;               ///< Port that is probed once connecting to hostName has failed.
-  std::uint32_t address = 0;    ///< IPv4 address in host byte order, used when hostName is empty; 0 = "the internet".
+  std::string hostName;       ///< Name or numeric address; empty when `address` is meant.
+  int port = 443;             ///< Port that is probed once connecting to hostName has failed.
+  std::uint32_t address = 0;  ///< IPv4 address in host byte order, used when hostName is empty; 0 = "the internet",
+                              ///< 169.254.0.0 = the directly attached network.
 };
 
 /// Watches the way to one target. Belongs to the main thread.
@@ -56,7 +58,10 @@ class KESU_API ReachabilitySource {
   /// without blocking and without a handle.
   virtual std::optional<std::uint32_t> internetFlags() = 0;
 
-  /// A connection to a host was tried and came about or not; sources that watch this host and port learn from it.
+  /// A connection to a host was tried and came about or not; sources that watch this host and port learn from it. A
+  /// failure means that connecting failed (name, TCP, TLS): not an answer with an error status, and not an attempt that
+  /// the library gave up itself. Attempts over a proxy report successes only: a proxy's failure says nothing about the
+  /// host. Any thread, cheap; call it before the outcome is handed to whoever stores the record.
   virtual void connectionObserved(const std::string& host, int port, bool connected) = 0;
 };
 
