@@ -255,13 +255,17 @@ bool QueuedMainLoop::drain(double budgetSeconds) {
   }
   const Turn turn(*this, becomeOwner());
   const double end = loopNow() + budgetSeconds;
-  while (runOne(true)) {
-    if (loopNow() >= end) {
-      const MutexLock lock(mutex_);
-      return !hasTasks();
+  for (std::size_t owed = queuedCount(); runOne(true); owed -= owed > 0 ? 1 : 0) {
+    if (owed <= 1 && loopNow() >= end) {
+      return queuedCount() == 0;
     }
   }
   return true;
+}
+
+std::size_t QueuedMainLoop::queuedCount() {
+  const MutexLock lock(mutex_);
+  return posted_.size() + ready_.size() - head_;
 }
 
 // Returns who is the owner afterwards: this thread again when one of its tasks drains, else nobody.

@@ -71,6 +71,7 @@ class QueuedMainLoop : public MainLoop {
   std::optional<Ready> take(bool draining);
   bool runOne(bool draining);
   void rearm(TimerId id, Task task);
+  std::size_t queuedCount();
   std::thread::id becomeOwner();
   void giveBack(std::thread::id owner);
   bool hasTasks() const KESU_REQUIRES(mutex_) { return !posted_.empty() || head_ < ready_.size(); }

@@ -55,10 +55,10 @@ class KESU_API MainLoop {
   /// Takes a timer back. Unknown and spent timers are ignored.
   virtual void cancel(TimerId timer) = 0;
 
-  /// Runs every task that is queued, and those they post, until the queue is empty or `budgetSeconds` have passed; no
-  /// timers. For an orderly end: callable from any thread and inside a task; it waits until a pump on another thread has
-  /// ended its current task, and takes over the queue when that takes longer than a second. Returns whether the queue is
-  /// empty.
+  /// Runs every task that is queued now, however long that takes, and those that they post until the queue is empty or
+  /// `budgetSeconds` have passed; no timers. For an orderly end: callable from any thread and inside a task. It waits
+  /// until a pump on another thread has ended its current task, and takes over the queue when that takes longer than a
+  /// second. Returns whether the queue is empty.
   virtual bool drain(double budgetSeconds) = 0;
 };
 

@@ -1,0 +1,204 @@
+#include "platform/linux/LinuxBackgroundQueue.h"
+
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+#include "platform/ServiceLog.h"
+#include "platform/linux/ServiceThread.h"
+
+namespace kesu {
+namespace {
+
+constexpr int kNice = 10;
+constexpr double kLongestWaitSeconds = 1e6;
+
+std::chrono::steady_clock::time_point deadlineIn(double seconds) {
+  const std::chrono::duration<double> wait(std::clamp(seconds, 0.0, kLongestWaitSeconds));
+  return std::chrono::steady_clock::now() + std::chrono::duration_cast<std::chrono::steady_clock::duration>(wait);
+}
+
+}  // namespace
+
+LinuxBackgroundQueue::~LinuxBackgroundQueue() {
+  shutdown(kLongestWaitSeconds);
+  const MutexLock lock(mutex_);
+  if (worker_.joinable()) {
+    worker_.detach();  // A forked child has the object of a thread that it does not have.
+  }
+}
+
+void LinuxBackgroundQueue::post(Task task) {
+  if (!task || forkGuard_.isForkedChild()) {
+    return;
+  }
+  Mode mode = Mode::Inline;
+  {
+    const MutexLock lock(mutex_);
+    if (mode_ == Mode::Idle) {
+      startWorker();
+    }
+    tasks_.push_back(std::move(task));
+    ++posted_;
+    wakeWorker();
+    if (!beginsHere()) {
+      return;
+    }
+    mode = mode_;
+  }
+  runHere(mode);
+}
+
+void LinuxBackgroundQueue::startWorker() {
+  worker_ = startServiceThread("kesu-worker", [this] { work(); });
+  mode_ = worker_.joinable() ? Mode::Threaded : Mode::Inline;
+  if (mode_ == Mode::Inline) {
+    serviceLog(2, "The system refuses a thread; background work runs on the calling threads.");
+  }
+}
+
+void LinuxBackgroundQueue::wakeWorker() {
+  if (std::exchange(isAsleep_, false)) {
+    wake_.notify_one();
+  }
+}
+
+void LinuxBackgroundQueue::work() {
+  ::setpriority(PRIO_PROCESS, static_cast<id_t>(::gettid()), kNice);
+  for (;;) {
+    {
+      const MutexLock lock(mutex_);
+      runner_ = std::this_thread::get_id();
+      while (!takeBatch()) {
+        if (mode_ != Mode::Threaded) {
+          mode_ = Mode::Inline;
+          runner_ = {};
+          done_.notify_all();
+          return;
+        }
+        isAsleep_ = true;
+        wake_.wait(mutex_);
+        isAsleep_ = false;
+      }
+    }
+    runBatch();
+  }
+}
+
+bool LinuxBackgroundQueue::takeBatch() {
+  if (head_ < batch_.size()) {
+    return true;
+  }
+  if (!batch_.empty()) {
+    finished_ += batch_.size();
+    done_.notify_all();
+  }
+  head_ = 0;
+  batch_.clear();
+  batch_.swap(tasks_);
+  return !batch_.empty();
+}
+
+void LinuxBackgroundQueue::runBatch() {
+  while (head_ < batch_.size()) {
+    const Task task = std::move(batch_[head_++]);
+    task();
+  }
+}
+
+// Whether the calling thread has to run the queue now; it is the runner then.
+bool LinuxBackgroundQueue::beginsHere() {
+  const auto self = std::this_thread::get_id();
+  const bool mayRun = mode_ == Mode::Inline || (mode_ == Mode::Nested && runner_ == self);
+  if (!mayRun || isRunningHere_) {
+    return false;
+  }
+  isRunningHere_ = true;
+  runner_ = self;
+  return true;
+}
+
+void LinuxBackgroundQueue::runHere(Mode modeAfterwards) {
+  for (;;) {
+    {
+      const MutexLock lock(mutex_);
+      if (!takeBatch()) {
+        isRunningHere_ = false;
+        mode_ = modeAfterwards;
+        if (mode_ == Mode::Inline) {
+          runner_ = {};
+        }
+        done_.notify_all();
+        return;
+      }
+    }
+    runBatch();
+  }
+}
+
+bool LinuxBackgroundQueue::drain(double seconds) {
+  if (forkGuard_.isForkedChild()) {
+    return false;
+  }
+  const auto deadline = deadlineIn(seconds);
+  const MutexLock lock(mutex_);
+  if (runner_ == std::this_thread::get_id()) {
+    return false;
+  }
+  const std::uint64_t wanted = posted_;
+  while (finished_ < wanted) {
+    if (done_.wait_until(mutex_, deadline) == std::cv_status::timeout) {
+      return finished_ >= wanted;
+    }
+  }
+  return true;
+}
+
+void LinuxBackgroundQueue::shutdown(double seconds) {
+  if (forkGuard_.isForkedChild()) {
+    return;
+  }
+  bool isInsideTask = false;
+  {
+    const MutexLock lock(mutex_);
+    isInsideTask = runner_ == std::this_thread::get_id();
+    if (isInsideTask) {
+      isRunningHere_ = true;
+    } else if (mode_ == Mode::Idle) {
+      mode_ = Mode::Inline;
+    } else if (mode_ == Mode::Threaded) {
+      mode_ = Mode::Stopping;
+      wakeWorker();
+    }
+  }
+  if (isInsideTask) {
+    runHere(Mode::Nested);
+  } else {
+    leaveWorker(seconds);
+  }
+}
+
+void LinuxBackgroundQueue::leaveWorker(double seconds) {
+  const auto deadline = deadlineIn(seconds);
+  std::thread worker;
+  {
+    const MutexLock lock(mutex_);
+    while (mode_ != Mode::Inline || isRunningHere_) {
+      if (done_.wait_until(mutex_, deadline) == std::cv_status::timeout) {
+        break;
+      }
+    }
+    worker = std::move(worker_);
+    if (mode_ != Mode::Inline && worker.joinable()) {
+      worker.detach();
+    }
+  }
+  if (worker.joinable()) {
+    worker.join();
+  }
+}
+
+}  // namespace kesu

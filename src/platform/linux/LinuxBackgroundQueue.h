@@ -1,0 +1,70 @@
+#pragma once
+
+#include <kesu/foundation/Mutex.h>
+#include <kesu/platform/BackgroundQueue.h>
+
+#include <condition_variable>
+#include <cstddef>
+#include <cstdint>
+#include <thread>
+#include <vector>
+
+#include "platform/linux/ForkGuard.h"
+
+namespace kesu {
+
+/// The background queue on Linux: one thread of low priority (nice 10), made by the first post.
+///
+/// The worker takes everything that waits in one step and runs it without holding the lock, so that a post costs one
+/// short critical section, and a system call only when the worker sleeps. After shutdown(), and where the system
+/// refuses a thread, the posting threads do the work: one at a time, and a task that is posted meanwhile is run by
+/// whoever is at it, so that tasks stay in order and never overlap.
+class LinuxBackgroundQueue final : public BackgroundQueue {
+ public:
+  LinuxBackgroundQueue() = default;
+  ~LinuxBackgroundQueue() override;
+
+  LinuxBackgroundQueue(const LinuxBackgroundQueue&) = delete;
+  LinuxBackgroundQueue& operator=(const LinuxBackgroundQueue&) = delete;
+
+  void post(Task task) override;
+  bool drain(double seconds) override;
+  void shutdown(double seconds) override;
+
+ private:
+  enum class Mode {
+    Idle,      ///< No post so far, no thread.
+    Threaded,  ///< The worker runs the tasks.
+    Stopping,  ///< The worker runs what is left, then ends.
+    Nested,    ///< Ended inside a task: the thread that runs it does so with its own later posts at once.
+    Inline     ///< The posting threads run the tasks.
+  };
+
+  void startWorker() KESU_REQUIRES(mutex_);
+  void work();
+  bool beginsHere() KESU_REQUIRES(mutex_);
+  void runHere(Mode modeAfterwards);
+  void runBatch();
+  bool takeBatch() KESU_REQUIRES(mutex_);
+  void leaveWorker(double seconds);
+  void wakeWorker() KESU_REQUIRES(mutex_);
+
+  ForkGuard forkGuard_;
+  Mutex mutex_;
+  std::condition_variable_any wake_;  // For the worker.
+  std::condition_variable_any done_;  // For drain() and shutdown().
+  Mode mode_ KESU_GUARDED_BY(mutex_) = Mode::Idle;
+  std::vector<Task> tasks_ KESU_GUARDED_BY(mutex_);
+  std::uint64_t posted_ KESU_GUARDED_BY(mutex_) = 0;
+  std::uint64_t finished_ KESU_GUARDED_BY(mutex_) = 0;
+  bool isAsleep_ KESU_GUARDED_BY(mutex_) = false;
+  bool isRunningHere_ KESU_GUARDED_BY(mutex_) = false;  // Some thread is in runHere().
+  std::thread worker_ KESU_GUARDED_BY(mutex_);
+  std::thread::id runner_ KESU_GUARDED_BY(mutex_);  // Whose turn it is to run tasks, if anybody's.
+
+  // Confined to the runner.
+  std::vector<Task> batch_;
+  std::size_t head_ = 0;
+};
+
+}  // namespace kesu

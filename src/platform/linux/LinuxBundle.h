@@ -1,0 +1,41 @@
+#pragma once
+
+#include <kesu/foundation/Mutex.h>
+#include <kesu/platform/Bundle.h>
+#include <kesu/platform/LocaleService.h>
+
+namespace kesu {
+
+/// The full path of the running executable; "" when the system does not tell.
+std::string executablePath();
+
+/// The main bundle on Linux: a directory with Info.plist (XML), resources and localisations (*.lproj directories).
+///
+/// The information dictionary is what Info.plist holds, with these environment variables laid over it and, over both,
+/// what the host set: KESU_OVERRIDE_SERVER as "KesuOverrideServer", KESU_MESSAGING_HOST as "KesuMessagingHost",
+/// KESU_REACHABILITY_HOST as "KesuReachabilityHost", KESU_DEVMODE as "devmode". Empty texts count as not set. It is
+/// made by the first call that needs it.
+class LinuxBundle final : public Bundle {
+ public:
+  /// `directory` may be "": the executable's directory. `overrides` are the host's settings under Info.plist's keys.
+  LinuxBundle(LocaleService& locale, const std::string& directory, Dictionary overrides = {});
+
+  std::string path() override { return path_; }
+  const Dictionary& info() override;
+  bool hasInfo() override;
+  std::optional<Data> resource(std::string_view name, std::string_view type, std::size_t limit) override;
+  std::vector<std::string> preferredLocalizations() override;
+
+ private:
+  bool read() KESU_REQUIRES(mutex_);
+
+  LocaleService& locale_;
+  const std::string path_;
+  const Dictionary overrides_;
+  Mutex mutex_;
+  bool wasRead_ KESU_GUARDED_BY(mutex_) = false;
+  bool hasInfo_ KESU_GUARDED_BY(mutex_) = false;
+  Dictionary info_;  // Written once under mutex_, constant afterwards.
+};
+
+}  // namespace kesu
