@@ -3,105 +3,139 @@
 #include <rapidjson/encodedstream.h>
 #include <rapidjson/memorystream.h>
 #include <rapidjson/reader.h>
-#include <rapidjson/writer.h>
 
+#include <algorithm>
+#include <charconv>
 #include <cmath>
+#include <utility>
 
+#include "foundation/Digest.h"
 #include "foundation/NumberText.h"
 #include "foundation/Text.h"
 
 namespace kesu {
 namespace {
 
-using rapidjson::SizeType;
+// Appends JSON. Written by hand: copying whole runs of plain characters takes a third of the time of a general writer.
+class JsonWriter {
+ public:
+  explicit JsonWriter(std::string& out) : out_(out) {}
 
-// What the writer writes to: the caller's string.
-struct StringStream {
-  using Ch = char;
-  void Put(char character) { text.push_back(character); }
-  void Flush() {}
-  std::string& text;
+  JsonStatus value(const Value& value, std::size_t depth);
+  JsonStatus dictionary(const Dictionary& dictionary, std::size_t depth);
+
+ private:
+  JsonStatus array(const Array& array, std::size_t depth);
+  JsonStatus real(double number);
+  JsonStatus text(std::string_view text);
+  JsonStatus literal(std::string_view literal);
+  void escape(char character);
+
+  std::string& out_;
 };
 
-using Writer = rapidjson::Writer<StringStream, rapidjson::UTF8<>, rapidjson::UTF8<>, rapidjson::CrtAllocator,
-                                 rapidjson::kWriteValidateEncodingFlag>;
-
-JsonStatus write(Writer& writer, const Value& value, std::size_t depth);
-
-JsonStatus okOrBadText(bool written) {
-  return written ? JsonStatus::Ok : JsonStatus::BadText;
-}
-
-JsonStatus writeReal(Writer& writer, double number) {
-  if (!std::isfinite(number)) {
-    return JsonStatus::NotValid;
-  }
-  const std::string text = shortestReal(number);
-  writer.RawValue(text.data(), text.size(), rapidjson::kNumberType);
-  return JsonStatus::Ok;
-}
-
-JsonStatus writeArray(Writer& writer, const Array& array, std::size_t depth) {
-  if (depth >= kJsonDepthLimit) {
-    return JsonStatus::TooDeep;
-  }
-  writer.StartArray();
-  for (const Value& value : array) {
-    const JsonStatus status = write(writer, value, depth + 1);
-    if (status != JsonStatus::Ok) {
-      return status;
-    }
-  }
-  writer.EndArray();
-  return JsonStatus::Ok;
-}
-
-JsonStatus writeDictionary(Writer& writer, const Dictionary& dictionary, std::size_t depth) {
-  if (depth >= kJsonDepthLimit) {
-    return JsonStatus::TooDeep;
-  }
-  writer.StartObject();
-  for (const auto& [key, value] : dictionary) {
-    if (!writer.Key(key.data(), static_cast<SizeType>(key.size()))) {
-      return JsonStatus::BadText;
-    }
-    const JsonStatus status = write(writer, value, depth + 1);
-    if (status != JsonStatus::Ok) {
-      return status;
-    }
-  }
-  writer.EndObject();
-  return JsonStatus::Ok;
-}
-
-JsonStatus write(Writer& writer, const Value& value, std::size_t depth) {
+JsonStatus JsonWriter::value(const Value& value, std::size_t depth) {
   switch (value.kind()) {
     case Value::Kind::Null:
-      return okOrBadText(writer.Null());
+      return literal("null");
     case Value::Kind::Bool:
-      return okOrBadText(writer.Bool(*value.boolean()));
+      return literal(*value.boolean() ? "true" : "false");
     case Value::Kind::Integer:
-      return okOrBadText(writer.Int64(*value.integer()));
+      appendDecimal(out_, *value.integer());
+      return JsonStatus::Ok;
     case Value::Kind::Real:
-      return writeReal(writer, *value.real());
+      return real(*value.real());
     case Value::Kind::Text:
-      return okOrBadText(writer.String(value.text()->data(), static_cast<SizeType>(value.text()->size())));
+      return text(*value.text());
     case Value::Kind::Data:
     case Value::Kind::Date:
       return JsonStatus::NotValid;
     case Value::Kind::Array:
-      return writeArray(writer, *value.array(), depth);
+      return array(*value.array(), depth);
     case Value::Kind::Dictionary:
-      return writeDictionary(writer, *value.dictionary(), depth);
+      return dictionary(*value.dictionary(), depth);
   }
   return JsonStatus::NotValid;
+}
+
+JsonStatus JsonWriter::dictionary(const Dictionary& dictionary, std::size_t depth) {
+  if (depth >= kJsonDepthLimit) {
+    return JsonStatus::TooDeep;
+  }
+  char separator = '{';
+  for (const auto& [key, content] : dictionary) {
+    out_.push_back(std::exchange(separator, ','));
+    JsonStatus status = text(key);
+    out_.push_back(':');
+    status = status == JsonStatus::Ok ? value(content, depth + 1) : status;
+    if (status != JsonStatus::Ok) {
+      return status;
+    }
+  }
+  return literal(dictionary.empty() ? "{}" : "}");
+}
+
+JsonStatus JsonWriter::array(const Array& array, std::size_t depth) {
+  if (depth >= kJsonDepthLimit) {
+    return JsonStatus::TooDeep;
+  }
+  char separator = '[';
+  for (const Value& content : array) {
+    out_.push_back(std::exchange(separator, ','));
+    const JsonStatus status = value(content, depth + 1);
+    if (status != JsonStatus::Ok) {
+      return status;
+    }
+  }
+  return literal(array.empty() ? "[]" : "]");
+}
+
+JsonStatus JsonWriter::real(double number) {
+  if (!std::isfinite(number)) {
+    return JsonStatus::NotValid;
+  }
+  appendShortestReal(out_, number);
+  return JsonStatus::Ok;
+}
+
+JsonStatus JsonWriter::text(std::string_view text) {
+  bool isAscii = true;
+  std::size_t runBegin = 0;
+  out_.push_back('"');
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const auto byte = static_cast<std::uint8_t>(text[i]);
+    isAscii = isAscii && byte < 0x80;
+    if (byte < 0x20 || byte == '"' || byte == '\\') {
+      out_.append(text.substr(runBegin, i - runBegin));
+      escape(text[i]);
+      runBegin = i + 1;
+    }
+  }
+  out_.append(text.substr(runBegin)).push_back('"');
+  return isAscii || isValidUtf8(text) ? JsonStatus::Ok : JsonStatus::BadText;
+}
+
+void JsonWriter::escape(char character) {
+  constexpr std::string_view kShort = "\"\\\b\f\n\r\t";
+  constexpr std::string_view kLetters = "\"\\bfnrt";
+  const std::size_t found = kShort.find(character);
+  if (found != std::string_view::npos) {
+    out_.append({'\\', kLetters[found]});
+  } else {
+    const auto byte = static_cast<std::uint8_t>(character);
+    out_.append("\\u00").append(hexLower({&byte, 1}));
+  }
+}
+
+JsonStatus JsonWriter::literal(std::string_view literal) {
+  out_.append(literal);
+  return JsonStatus::Ok;
 }
 
 template <typename Write>
 JsonStatus writeWhole(std::string& out, Write writeRoot) {
   out.clear();
-  StringStream stream{out};
-  Writer writer(stream);
+  JsonWriter writer(out);
   const JsonStatus status = writeRoot(writer);
   if (status != JsonStatus::Ok) {
     out.clear();
@@ -109,89 +143,274 @@ JsonStatus writeWhole(std::string& out, Write writeRoot) {
   return status;
 }
 
-// Builds the value from what the parser reports; the parser dictates the names. `false` ends the parsing.
-class Builder {
+constexpr bool isDigit(char character) {
+  return character >= '0' && character <= '9';
+}
+
+constexpr bool isHighSurrogate(char32_t unit) {
+  return unit >= 0xD800 && unit < 0xDC00;
+}
+
+constexpr bool isLowSurrogate(char32_t unit) {
+  return unit >= 0xDC00 && unit < 0xE000;
+}
+
+void appendUtf8(std::string& out, char32_t point) {
+  const auto byte = [point](char32_t lead, int shift) { return static_cast<char>(lead | (point >> shift)); };
+  const auto follower = [point](int shift) { return static_cast<char>(0x80 | ((point >> shift) & 0x3F)); };
+  if (point < 0x80) {
+    out.push_back(byte(0, 0));
+  } else if (point < 0x800) {
+    out.append({byte(0xC0, 6), follower(0)});
+  } else if (point < 0x10000) {
+    out.append({byte(0xE0, 12), follower(6), follower(0)});
+  } else {
+    out.append({byte(0xF0, 18), follower(12), follower(6), follower(0)});
+  }
+}
+
+// Reads a text that is known to be UTF-8, from front to back. Whoever returns nothing or false ends the reading.
+// Written by hand: the readers at hand either throw or rely on undefined pointer arithmetic.
+class JsonReader {
  public:
-  bool Null() { return add(Value()); }
-  bool Bool(bool flag) { return add(flag); }
-  bool Int(int number) { return add(number); }
-  bool Uint(unsigned number) { return add(number); }
-  bool Int64(std::int64_t number) { return add(number); }
-  bool Uint64(std::uint64_t number) { return add(number); }
-  bool Double(double number) { return add(number); }
-  bool RawNumber(const char*, SizeType, bool) { return false; }  // Never reported with the flags we parse with.
+  explicit JsonReader(std::string_view text) : rest_(text) {}
 
-  // The parser lets half of a surrogate pair written as an escape pass.
-  bool String(const char* text, SizeType size, bool) {
-    const std::string_view view(text, size);
-    return isValidUtf8(view) && add(view);
+  std::optional<Value> whole() {
+    std::optional<Value> root = value(0);
+    skipSpace();
+    return rest_.empty() ? std::move(root) : std::nullopt;
   }
-  bool Key(const char* text, SizeType size, bool) {
-    keys_.emplace_back(text, size);
-    return isValidUtf8(keys_.back());
-  }
-  bool StartObject() { return open(Dictionary()); }
-  bool EndObject(SizeType) { return close(); }
-  bool StartArray() { return open(Array()); }
-  bool EndArray(SizeType) { return close(); }
-
-  Value takeResult() { return std::move(result_); }
 
  private:
-  bool open(Value container) {
-    if (open_.size() >= kJsonDepthLimit) {
-      return false;
-    }
-    open_.push_back(std::move(container));
-    return true;
+  std::optional<Value> value(std::size_t depth);
+  std::optional<Value> array(std::size_t depth);
+  std::optional<Value> dictionary(std::size_t depth);
+  std::optional<Value> literal(std::string_view name, Value meaning);
+  std::optional<Value> number();
+  std::optional<std::string> text();
+  bool escape(std::string& out);
+  bool unicodeEscape(std::string& out);
+  std::optional<char32_t> utf16Unit();
+  std::size_t skipDigits(std::size_t position) const;
+  std::size_t numberLength(bool& isInteger) const;
+
+  void skipSpace() { rest_.remove_prefix(std::min(rest_.find_first_not_of(" \t\r\n"), rest_.size())); }
+  char next() const { return rest_.empty() ? '\0' : rest_.front(); }
+
+  // Takes the character when it comes next.
+  bool take(char expected) {
+    const bool isThere = !rest_.empty() && rest_.front() == expected;
+    rest_.remove_prefix(isThere ? 1 : 0);
+    return isThere;
   }
 
-  bool close() {
-    Value complete = std::move(open_.back());
-    open_.pop_back();
-    return add(std::move(complete));
-  }
-
-  bool add(Value value) {
-    if (open_.empty()) {
-      result_ = std::move(value);
-    } else if (Array* array = open_.back().array()) {
-      array->push_back(std::move(value));
-    } else {
-      open_.back().dictionary()->set(keys_.back(), std::move(value));
-      keys_.pop_back();
-    }
-    return true;
-  }
-
-  std::vector<Value> open_;        // The arrays and dictionaries that are not complete, outermost first.
-  std::vector<std::string> keys_;  // The keys whose values are not complete, outermost first.
-  Value result_;
+  std::string_view rest_;
 };
+
+std::optional<Value> JsonReader::value(std::size_t depth) {
+  skipSpace();
+  switch (next()) {
+    case '{':
+      return depth < kJsonDepthLimit ? dictionary(depth) : std::nullopt;
+    case '[':
+      return depth < kJsonDepthLimit ? array(depth) : std::nullopt;
+    case '"':
+      return text();
+    case 't':
+      return literal("true", true);
+    case 'f':
+      return literal("false", false);
+    case 'n':
+      return literal("null", Null{});
+    default:
+      return number();
+  }
+}
+
+std::optional<Value> JsonReader::array(std::size_t depth) {
+  Array array;
+  rest_.remove_prefix(1);
+  skipSpace();
+  if (take(']')) {
+    return Value(std::move(array));
+  }
+  do {
+    std::optional<Value> element = value(depth + 1);
+    if (!element) {
+      return std::nullopt;
+    }
+    array.push_back(std::move(*element));
+    skipSpace();
+  } while (take(','));
+  return take(']') ? std::optional<Value>(std::move(array)) : std::nullopt;
+}
+
+std::optional<Value> JsonReader::dictionary(std::size_t depth) {
+  Dictionary dictionary;
+  rest_.remove_prefix(1);
+  skipSpace();
+  if (take('}')) {
+    return Value(std::move(dictionary));
+  }
+  do {
+    skipSpace();
+    const std::optional<std::string> key = next() == '"' ? text() : std::nullopt;
+    skipSpace();
+    std::optional<Value> content = key && take(':') ? value(depth + 1) : std::nullopt;
+    if (!content) {
+      return std::nullopt;
+    }
+    dictionary.set(*key, std::move(*content));
+    skipSpace();
+  } while (take(','));
+  return take('}') ? std::optional<Value>(std::move(dictionary)) : std::nullopt;
+}
+
+std::optional<Value> JsonReader::literal(std::string_view name, Value meaning) {
+  if (!rest_.starts_with(name)) {
+    return std::nullopt;
+  }
+  rest_.remove_prefix(name.size());
+  return meaning;
+}
+
+std::size_t JsonReader::skipDigits(std::size_t position) const {
+  while (position < rest_.size() && isDigit(rest_[position])) {
+    ++position;
+  }
+  return position;
+}
+
+// The length of the number that comes next by JSON's grammar, which is narrower than that of std::from_chars; or 0.
+std::size_t JsonReader::numberLength(bool& isInteger) const {
+  const std::size_t first = rest_.starts_with('-') ? 1 : 0;
+  std::size_t end = skipDigits(first);
+  if (end == first || (rest_[first] == '0' && end > first + 1)) {
+    return 0;
+  }
+  if (end < rest_.size() && rest_[end] == '.') {
+    isInteger = false;
+    const std::size_t fraction = end + 1;
+    end = skipDigits(fraction);
+    if (end == fraction) {
+      return 0;
+    }
+  }
+  if (end < rest_.size() && (rest_[end] == 'e' || rest_[end] == 'E')) {
+    isInteger = false;
+    const bool isSigned = end + 1 < rest_.size() && (rest_[end + 1] == '+' || rest_[end + 1] == '-');
+    const std::size_t exponent = end + (isSigned ? 2 : 1);
+    end = skipDigits(exponent);
+    return end == exponent ? 0 : end;
+  }
+  return end;
+}
+
+// Whether a number that no double can hold is too small rather than too large.
+bool isTooSmall(std::string_view digits) {
+  digits.remove_prefix(digits.starts_with('-') ? 1 : 0);
+  const std::size_t mark = digits.find_first_of("eE");
+  return mark == std::string_view::npos ? digits.starts_with('0') : digits[mark + 1] == '-';
+}
+
+std::optional<Value> JsonReader::number() {
+  bool isInteger = true;
+  const std::string_view digits = rest_.substr(0, numberLength(isInteger));
+  rest_.remove_prefix(digits.size());
+  std::int64_t integer = 0;
+  if (isInteger && std::from_chars(digits.data(), digits.data() + digits.size(), integer).ec == std::errc()) {
+    return integer;
+  }
+  double real = 0.0;
+  const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), real);
+  if (result.ec == std::errc::result_out_of_range && isTooSmall(digits)) {
+    return 0.0;
+  }
+  return result.ec == std::errc() ? std::optional<Value>(real) : std::nullopt;
+}
+
+std::optional<std::string> JsonReader::text() {
+  std::string text;
+  rest_.remove_prefix(1);
+  while (true) {
+    std::size_t plain = 0;
+    while (plain < rest_.size() && rest_[plain] != '"' && rest_[plain] != '\\' &&
+           static_cast<std::uint8_t>(rest_[plain]) >= 0x20) {
+      ++plain;
+    }
+    text.append(rest_.substr(0, plain));
+    rest_.remove_prefix(plain);
+    if (take('"')) {
+      return text;
+    }
+    if (!take('\\') || !escape(text)) {
+      return std::nullopt;
+    }
+  }
+}
+
+bool JsonReader::escape(std::string& out) {
+  constexpr std::string_view kLetters = "\"\\/bfnrt";
+  constexpr std::string_view kMeanings = "\"\\/\b\f\n\r\t";
+  if (take('u')) {
+    return unicodeEscape(out);
+  }
+  const std::size_t found = rest_.empty() ? std::string_view::npos : kLetters.find(rest_.front());
+  if (found == std::string_view::npos) {
+    return false;
+  }
+  out.push_back(kMeanings[found]);
+  rest_.remove_prefix(1);
+  return true;
+}
+
+// Half of a surrogate pair is refused: no UTF-8 text can hold it.
+bool JsonReader::unicodeEscape(std::string& out) {
+  const std::optional<char32_t> first = utf16Unit();
+  if (!first || isLowSurrogate(*first)) {
+    return false;
+  }
+  if (!isHighSurrogate(*first)) {
+    appendUtf8(out, *first);
+    return true;
+  }
+  const std::optional<char32_t> second = take('\\') && take('u') ? utf16Unit() : std::nullopt;
+  if (!second || !isLowSurrogate(*second)) {
+    return false;
+  }
+  appendUtf8(out, 0x10000 + ((*first - 0xD800) << 10) + (*second - 0xDC00));
+  return true;
+}
+
+std::optional<char32_t> JsonReader::utf16Unit() {
+  constexpr std::size_t kDigits = 4;
+  const std::string_view digits = rest_.substr(0, kDigits);
+  std::uint16_t unit = 0;
+  const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), unit, 16);
+  if (digits.size() < kDigits || result.ptr != digits.data() + kDigits) {
+    return std::nullopt;
+  }
+  rest_.remove_prefix(kDigits);
+  return unit;
+}
 
 }  // namespace
 
 JsonStatus writeJson(const Dictionary& dictionary, std::string& out) {
-  return writeWhole(out, [&](Writer& writer) { return writeDictionary(writer, dictionary, 0); });
+  return writeWhole(out, [&dictionary](JsonWriter& writer) { return writer.dictionary(dictionary, 0); });
 }
 
 JsonStatus writeJson(const Value& value, std::string& out) {
-  return writeWhole(out, [&](Writer& writer) { return write(writer, value, 0); });
+  return writeWhole(out, [&value](JsonWriter& writer) { return writer.value(value, 0); });
 }
 
 std::optional<Value> parseJson(std::string_view text) {
-  if (text.find('\0') != std::string_view::npos) {
-    return std::nullopt;  // The parser takes it for the end of the text.
-  }
-  rapidjson::MemoryStream bytes(text.data(), text.size());
-  rapidjson::EncodedInputStream<rapidjson::UTF8<>, rapidjson::MemoryStream> stream(bytes);
-  rapidjson::Reader reader;
-  Builder builder;
-  constexpr unsigned kFlags = rapidjson::kParseValidateEncodingFlag | rapidjson::kParseFullPrecisionFlag;
-  if (reader.Parse<kFlags>(stream, builder).IsError()) {
+  constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+  if (!isValidUtf8(text)) {
     return std::nullopt;
   }
-  return builder.takeResult();
+  text.remove_prefix(text.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0);
+  return JsonReader(text).whole();
 }
 
 }  // namespace kesu

@@ -33,8 +33,9 @@ JsonStatus writeJson(const Value& value, std::string& out);
 /// Reads one JSON text (UTF-8, with or without byte order mark).
 ///
 /// Returns nothing for anything malformed: invalid UTF-8, half of a surrogate pair, a NUL byte, nesting beyond
-/// kJsonDepthLimit, text after the value, a number beyond the range of a double. Of equal keys the last value wins and
-/// keeps the first one's place. Integers outside 64 bits with sign become reals; "4.0" is a real. Any thread.
+/// kJsonDepthLimit, text after the value, a number too large for a double (one too small is 0). Of equal keys the last
+/// value wins and keeps the first one's place. Integers outside 64 bits with sign become reals; "4.0" is a real. Any
+/// thread.
 std::optional<Value> parseJson(std::string_view text);
 
 }  // namespace kesu

@@ -32,6 +32,9 @@ struct Date {
 };
 
 using Data = std::vector<std::uint8_t>;
+
+/// Values in order. Put an array into an array as Array{Value(inner)}: compilers differ on whether Array{inner} is a
+/// copy.
 using Array = std::vector<Value>;
 
 /// Text-keyed collection of values that keeps the order in which its keys were first set.
