@@ -30,9 +30,11 @@ File openForWriting(const std::string& path) {
   return file;
 }
 
-void addExtension(X509& certificate, int kind, const char* value) {
-  std::unique_ptr<X509_EXTENSION, decltype(&X509_EXTENSION_free)> extension(
-      X509V3_EXT_conf_nid(nullptr, nullptr, kind, value), &X509_EXTENSION_free);
+void addExtension(X509& certificate, X509& issuer, int kind, const char* value) {
+  X509V3_CTX context{};
+  X509V3_set_ctx(&context, &issuer, &certificate, nullptr, nullptr, 0);
+  const std::unique_ptr<X509_EXTENSION, decltype(&X509_EXTENSION_free)> extension(
+      X509V3_EXT_conf_nid(nullptr, &context, kind, value), &X509_EXTENSION_free);
   require(extension != nullptr && X509_add_ext(&certificate, extension.get(), -1) == 1, value);
 }
 
@@ -61,11 +63,16 @@ Identity makeIdentity(const char* commonName, const char* alternativeNames, long
   X509_set_pubkey(&certificate, made.key.get());
   setName(*X509_get_subject_name(&certificate), commonName);
   X509_set_issuer_name(&certificate, X509_get_subject_name(signer.certificate.get()));
+  const auto add = [&](int kind, const char* value) { addExtension(certificate, *signer.certificate, kind, value); };
   if (alternativeNames == nullptr) {
-    addExtension(certificate, NID_basic_constraints, "critical,CA:TRUE");
-    addExtension(certificate, NID_key_usage, "critical,keyCertSign,cRLSign");
+    add(NID_basic_constraints, "critical,CA:TRUE");
+    add(NID_key_usage, "critical,keyCertSign,cRLSign");
   } else {
-    addExtension(certificate, NID_subject_alt_name, alternativeNames);
+    add(NID_subject_alt_name, alternativeNames);
+  }
+  add(NID_subject_key_identifier, "hash");  // Authorities of several runs have the same name.
+  if (issuer != nullptr) {
+    add(NID_authority_key_identifier, "keyid");
   }
   require(X509_sign(&certificate, signer.key.get(), EVP_sha256()) > 0, "cannot sign");
   return made;

@@ -1,0 +1,123 @@
+#include "platform/linux/HttpNetwork.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "platform/linux/HttpExit.h"
+#include "platform/linux/ServiceThread.h"
+
+namespace kesu {
+namespace {
+
+constexpr double kMaxGraceSeconds = 3600;  // Keeps "for ever" within the clock's range.
+
+HttpReply failure(HttpError error, const char* text) {
+  HttpReply reply;
+  reply.error = error;
+  reply.errorText = text;
+  return reply;
+}
+
+}  // namespace
+
+HttpNetwork::HttpNetwork(MainLoop& loop, LinuxHttpClientOptions options)
+    : options_(std::move(options)), delivery_(loop) {}
+
+HttpNetwork::~HttpNetwork() {
+  HttpExit::remove(*this);
+  stop(0);
+}
+
+void HttpNetwork::send(HttpRequest request, HttpClient::Completion completion) {
+  std::call_once(registered_, [this] { HttpExit::add(*this); });  // Outside mutex_, which an exit takes as well.
+  delivery_.expect();
+  auto job = std::make_unique<HttpJob>();
+  job->request = std::move(request);
+  job->completion = std::move(completion);
+  if (!accept(job)) {
+    delivery_.deliver(std::move(job->completion), failure(HttpError::Cancelled, "The client was shut down"), {});
+  }
+}
+
+// Leaves the job with the caller when it is too late for it.
+bool HttpNetwork::accept(std::unique_ptr<HttpJob>& job) {
+  const MutexLock lock(mutex_);
+  if (stopTime_ || !startThread()) {
+    return false;
+  }
+  inbox_.push_back(std::move(job));
+  if (inbox_.size() == 1 && wakeTarget_ != nullptr) {
+    curl_multi_wakeup(wakeTarget_);
+  }
+  return true;
+}
+
+bool HttpNetwork::startThread() {
+  if (!thread_.joinable()) {
+    thread_ = startServiceThread("kesu-http", [this] { run(); });
+  }
+  return thread_.joinable();
+}
+
+void HttpNetwork::stop(double graceSeconds) {
+  const MutexLock stopping(stopMutex_);
+  std::thread ending;
+  {
+    const MutexLock lock(mutex_);
+    if (!stopTime_) {
+      const std::chrono::duration<double> grace(std::clamp(graceSeconds, 0.0, kMaxGraceSeconds));
+      stopTime_ = Clock::now() + std::chrono::ceil<Clock::duration>(grace);
+    }
+    if (wakeTarget_ != nullptr) {
+      curl_multi_wakeup(wakeTarget_);
+    }
+    ending.swap(thread_);
+  }
+  if (ending.joinable()) {
+    ending.join();
+  }
+}
+
+void HttpNetwork::run() {
+  curl_global_init(CURL_GLOBAL_DEFAULT);
+  HttpEngine engine(options_, [this](HttpJob& job, HttpReply reply, std::optional<HttpAttempt> attempt) {
+    delivery_.deliver(std::move(job.completion), std::move(reply), std::move(attempt));
+  });
+  setWakeTarget(engine.multi());
+  while (takeInbox(engine)) {
+    const bool again = engine.step();
+    const auto end = stopTime();
+    if (!again && (engine.hasWork() || !end)) {
+      engine.wait(end);
+    }
+  }
+  setWakeTarget(nullptr);
+  engine.cancelAll();
+}
+
+// Returns whether to go on.
+bool HttpNetwork::takeInbox(HttpEngine& engine) {
+  std::vector<std::unique_ptr<HttpJob>> jobs;
+  std::optional<Clock::time_point> end;
+  {
+    const MutexLock lock(mutex_);
+    jobs.swap(inbox_);
+    end = stopTime_;
+  }
+  for (auto& job : jobs) {
+    engine.add(std::move(job));
+  }
+  return !end || (engine.hasWork() && Clock::now() < *end);
+}
+
+std::optional<HttpNetwork::Clock::time_point> HttpNetwork::stopTime() {
+  const MutexLock lock(mutex_);
+  return stopTime_;
+}
+
+void HttpNetwork::setWakeTarget(CURLM* multi) {
+  const MutexLock lock(mutex_);
+  wakeTarget_ = multi;
+}
+
+}  // namespace kesu

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <curl/curl.h>
+#include <kesu/foundation/Mutex.h>
+#include <kesu/platform/HttpClient.h>
+#include <kesu/platform/MainLoop.h>
+
+#include <chrono>
+#include <cstddef>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <thread>
+#include <vector>
+
+#include "platform/linux/HttpDelivery.h"
+#include "platform/linux/HttpEngine.h"
+#include "platform/linux/HttpJob.h"
+#include "platform/linux/LinuxHttpClientOptions.h"
+
+namespace kesu {
+
+/// The network thread of one client, its inbox and its end. The thread starts with the first request, so that a client
+/// that is never used costs nothing. Any thread may call anything here; the destructor stops without grace.
+class HttpNetwork {
+ public:
+  HttpNetwork(MainLoop& loop, LinuxHttpClientOptions options);
+  ~HttpNetwork();
+
+  HttpNetwork(const HttpNetwork&) = delete;
+  HttpNetwork& operator=(const HttpNetwork&) = delete;
+
+  void send(HttpRequest request, HttpClient::Completion completion);
+
+  /// Goes on for at most `graceSeconds`, or until nothing is left, then fails the rest and joins the thread. Requests
+  /// that are sent meanwhile or later are cancelled. A second caller waits for the first.
+  void stop(double graceSeconds);
+
+  HttpDelivery& delivery() { return delivery_; }
+
+ private:
+  using Clock = HttpEngine::Clock;
+
+  bool accept(std::unique_ptr<HttpJob>& job);
+  bool startThread() KESU_REQUIRES(mutex_);
+  void run();
+  bool takeInbox(HttpEngine& engine);
+  std::optional<Clock::time_point> stopTime();
+  void setWakeTarget(CURLM* multi);
+
+  const LinuxHttpClientOptions options_;
+  HttpDelivery delivery_;
+
+  std::once_flag registered_;  ///< With HttpExit, before the thread starts.
+  Mutex stopMutex_;            ///< Held for the whole of stop(); taken before mutex_.
+  Mutex mutex_;
+  std::thread thread_ KESU_GUARDED_BY(mutex_);
+  CURLM* wakeTarget_ KESU_GUARDED_BY(mutex_) = nullptr;  ///< Null while the engine does not live.
+  std::vector<std::unique_ptr<HttpJob>> inbox_ KESU_GUARDED_BY(mutex_);
+  std::optional<Clock::time_point> stopTime_ KESU_GUARDED_BY(mutex_);  ///< Set once stop() was called.
+};
+
+}  // namespace kesu
