@@ -1,19 +1,13 @@
 #include "testing/FakeUserDefaults.h"
 
-#include <algorithm>
+#include "foundation/PropertyList.h"
 
 namespace kesu::testing {
 namespace {
 
 bool isPropertyListValue(const Value& value) {
-  if (const Array* array = value.array()) {
-    return std::all_of(array->begin(), array->end(), isPropertyListValue);
-  }
-  if (const Dictionary* dictionary = value.dictionary()) {
-    return std::all_of(dictionary->begin(), dictionary->end(),
-                       [](const Dictionary::Entry& entry) { return isPropertyListValue(entry.value); });
-  }
-  return !value.isNull();
+  const bool isContainer = value.array() != nullptr || value.dictionary() != nullptr;
+  return isContainer ? writePropertyList(value).has_value() : !value.isNull();
 }
 
 }  // namespace
