@@ -56,6 +56,8 @@ TEST(PropertyListTest, WritesTheUsualForm) {
       "\t\t<data>AQI=</data>\n\t\t<dict/>\n\t</array>\n</dict>\n</plist>\n";
   EXPECT_EQ(writePropertyList(record), expected);
   EXPECT_EQ(writePropertyList(Value(record)), expected);
+  const std::string infinities = writePropertyList(Array{HUGE_VAL, -HUGE_VAL, "\r"}).value();
+  EXPECT_NE(infinities.find("<real>+infinity</real>\n\t<real>-infinity</real>\n\t<string>&#13;<"), std::string::npos);
 }
 
 TEST(PropertyListTest, RoundTripsEveryValue) {
@@ -136,6 +138,7 @@ TEST(PropertyListTest, ReadsWhatOtherProgramsWrite) {
       {"<string>&#65;&#x42;&quot;&apos;</string>", "AB\"'"},
       {"<!-- c --><dict><!-- c -->\n<key>k</key> <true></true></dict>", Dictionary{{"k", true}}},
       {"<dict><key>a</key><integer>1</integer><key>a</key><integer>2</integer></dict>", Dictionary{{"a", 2}}},
+      {"<string>a\r\nb\rc</string>", "a\r\nb\rc"},
       {"<integer> +5\n</integer>", 5},
       {"<integer>18446744073709551615</integer>", 18446744073709551615.0},
       {"<real>+infinity</real>", HUGE_VAL},
@@ -196,6 +199,10 @@ TEST(PropertyListTest, RefusesMalformedContent) {
                            "bplist00\xD0\x08", "<plist><dict/>"}) {
     EXPECT_FALSE(parsePropertyList(text)) << text;
   }
+}
+
+TEST(PropertyListTest, RefusesWhatFollowsANulByte) {
+  EXPECT_FALSE(parsePropertyList(document("<true/>") + std::string("\0<b/>", 5)));
 }
 
 TEST(PropertyListTest, RefusesDeclaredEntities) {

@@ -183,6 +183,11 @@ TEST(ValueTest, SurvivesBeingAssignedPartsOfItself) {
   outer = *outer.find("in")->dictionary();
   EXPECT_EQ(outer, (Dictionary{{"x", 1}}));
 
+  Dictionary large = numbered(100);
+  large.set("in", numbered(50));
+  large = std::move(*large.find("in")->dictionary());
+  EXPECT_EQ(large, numbered(50));
+
   Array& same = *(value = Array{1, 2}).array();
   value = same;
   EXPECT_EQ(value, Value(Array{1, 2}));
