@@ -57,18 +57,22 @@ class SdkFixture : public ::testing::Test {
     platform.settle();
   }
 
-  /// The destinations of all requests so far, one letter each, in order.
+  /// The destinations of the requests since forgetRequests(), one letter each, in order.
   std::string destinations() {
     std::string letters;
-    for (const HttpRequest& request : platform.http.requests()) {
-      letters += request.headers.front().second;
+    const auto requests = platform.http.requests();
+    for (std::size_t i = forgotten_; i < requests.size(); ++i) {
+      letters += requests[i].headers.front().second;
     }
     return letters;
   }
 
-  /// The body of the i-th request.
-  Dictionary body(std::size_t i) { return *parseJson(platform.http.request(i).body)->dictionary(); }
-  Dictionary lastBody() { return body(platform.http.requestCount() - 1); }
+  /// Lets destinations() and body() begin with the next request.
+  void forgetRequests() { forgotten_ = platform.http.requestCount(); }
+
+  /// The body of the i-th request since forgetRequests().
+  Dictionary body(std::size_t i) { return *parseJson(platform.http.request(forgotten_ + i).body)->dictionary(); }
+  Dictionary lastBody() { return body(platform.http.requestCount() - forgotten_ - 1); }
 
   std::string text(const Dictionary& record, const char* key) {
     const std::string* found = record.findText(key);
@@ -76,6 +80,9 @@ class SdkFixture : public ::testing::Test {
   }
 
   ScopedPlatform platform;
+
+ private:
+  std::size_t forgotten_ = 0;
 };
 
 }  // namespace kesu::testing

@@ -46,7 +46,7 @@ TEST_F(EntryTest, ShowsTheBanner) {
 
 TEST_F(EntryTest, PostsTheInstallationRecordOnFirstLaunchesOnly) {
   launch();
-  ASSERT_EQ(destinations(), "i");
+  ASSERT_EQ(destinations(), "its");
   const Dictionary record = body(0);
   const std::pair<const char*, const char*> wanted[] = {{"kak", "key"},
                                                         {"~v", "10-i-3.2.3"},
@@ -73,15 +73,15 @@ TEST_F(EntryTest, PostsTheInstallationRecordOnFirstLaunchesOnly) {
   EXPECT_EQ(text(record, "idv").size(), 64U);
   EXPECT_NE(text(record, "kaid"), text(record, "kaid2"));
   relaunch();
-  EXPECT_EQ(destinations(), "i");
+  EXPECT_EQ(destinations(), "itss");
   relaunch("another key");
-  EXPECT_EQ(destinations(), "ii");
+  EXPECT_EQ(destinations(), "itssits");
 }
 
 TEST_F(EntryTest, LaunchesAtOnceInsideAnExtension) {
   platform.bundle.bundlePath = "/apps/Example.appex";
   Kesu::initialize("key");
-  EXPECT_EQ(destinations(), "i");
+  EXPECT_EQ(destinations(), "it");
   EXPECT_EQ(platform.reachability.startedCount(), 1);
   platform.log.takeLines();
 }

@@ -4,6 +4,7 @@
 #include <kesu/foundation/Value.h>
 
 #include <cstdint>
+#include <string>
 
 namespace kesu {
 
@@ -38,6 +39,31 @@ class KESU_API Kesu {
 
   /// [Kesu IsProductionMode] False exactly when "devmode" is "true", in any letter case. Any thread.
   static bool IsProductionMode();
+
+  /// [Kesu setUserIdentifer:] and [Kesu resetUserIdentifer] The same as KesuIdentity's.
+  static void setUserIdentifer(const Object& identifier);
+  static void resetUserIdentifer();
+
+  /// [Kesu updateScreenFlowForScenesWithName:forSeconds:] Appends a scene and the seconds spent on it to the scene
+  /// flow, which travels with the next end of a session. Any thread. Names that are no UTF-8 and seconds that are no
+  /// finite number are left out.
+  static void updateScreenFlowForScenesWithName(const Object& name, double seconds);
+
+  /// [Kesu hash:] SHA-256 of a text as 64 lower-case hexadecimal digits, and "##". Kept: as many UTF-8 bytes are
+  /// digested as the text has UTF-16 units. Any thread.
+  static std::string hash(const std::string& text);
+
+  /// [Kesu setRemoteNotificationDeviceToken:] Reports the token by which this device gets push notifications; the one
+  /// reported last is not reported again. An empty one is ignored. Any thread; returns before anything is sent.
+  static void setRemoteNotificationDeviceToken(const Data& token);
+
+  /// [Kesu processReceivedRemoteNotification:] Reports a push notification: its "mid" and "cid" travel with every full
+  /// trait record from now on, and one is posted at once. Any thread.
+  static void processReceivedRemoteNotification(const Dictionary& userInfo);
+
+  /// [Kesu processReceivedRemoteNotificationWithId:withUserInfo:] The same, with the identifier that the host knows it
+  /// by.
+  static void processReceivedRemoteNotificationWithId(const Object& identifier, const Dictionary& userInfo);
 
  private:
   struct Shared {};

@@ -3,9 +3,12 @@
 /// Everything a host needs. Link kesu::kesu.
 #include <kesu/Kesu.h>
 #include <kesu/Version.h>
+#include <kesu/events/Catalogue.h>
 #include <kesu/events/KesuCustomEvent.h>
 #include <kesu/events/KesuEvent.h>
 #include <kesu/events/KesuExplicitActivation.h>
+#include <kesu/events/KesuIdentity.h>
+#include <kesu/delivery/ConnectionMetrics.h>
 #include <kesu/foundation/Exception.h>
 #include <kesu/foundation/Value.h>
 #include <kesu/platform/ApplicationNotifications.h>
@@ -14,3 +17,6 @@
 #include <kesu/platform/Platform.h>
 #include <kesu/support/CollectionHelpers.h>
 #include <kesu/ui/Application.h>
+#include <kesu/ui/Containers.h>
+#include <kesu/ui/ScreenScope.h>
+#include <kesu/ui/ViewController.h>

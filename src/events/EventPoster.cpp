@@ -5,7 +5,7 @@
 namespace kesu {
 namespace {
 
-std::atomic<EventPoster& (*)()> providerOfPoster{nullptr};
+std::atomic<EventPoster::Provider> providerOfPoster{nullptr};
 
 }  // namespace
 
@@ -13,8 +13,8 @@ EventPoster& EventPoster::shared() {
   return providerOfPoster.load(std::memory_order_acquire)();
 }
 
-void EventPoster::setProvider(EventPoster& (*provider)()) {
-  providerOfPoster.store(provider, std::memory_order_release);
+EventPoster::Provider EventPoster::setProvider(Provider provider) {
+  return providerOfPoster.exchange(provider, std::memory_order_acq_rel);
 }
 
 }  // namespace kesu

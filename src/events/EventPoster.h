@@ -16,6 +16,9 @@ class EventPoster {
   /// Appends an event's name to the stored event flow.
   virtual void updateEvent(const std::string& name) = 0;
 
+  /// Appends a scene and the seconds spent on it to the stored scene flow. Not-a-number and infinities are left out.
+  virtual void updateScreenFlowForScenes(const std::string& name, double seconds) = 0;
+
   /// Completes the record for its table and sends it, on the background queue.
   virtual void postAppEvent(Dictionary record) = 0;
   virtual void postAppEventToTableM(Dictionary record) = 0;
@@ -25,8 +28,10 @@ class EventPoster {
   /// The poster of this process, made at the first call.
   static EventPoster& shared();
 
-  /// Names who makes the poster. The facade does so once.
-  static void setProvider(EventPoster& (*provider)());
+  using Provider = EventPoster& (*)();
+
+  /// Names who makes the poster, and returns who did so before (nullptr at first). The facade does so once.
+  static Provider setProvider(Provider provider);
 };
 
 }  // namespace kesu

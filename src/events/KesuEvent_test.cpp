@@ -19,6 +19,7 @@ class RecordingPoster : public EventPoster {
  public:
   bool isSDKInitialized() override { return initialized; }
   void updateEvent(const std::string& name) override { flow.push_back(name); }
+  void updateScreenFlowForScenes(const std::string& name, double /*seconds*/) override { flow.push_back(name); }
   void postAppEvent(Dictionary record) override { posted.emplace_back('e', std::move(record)); }
   void postAppEventToTableM(Dictionary record) override { posted.emplace_back('m', std::move(record)); }
   void postAppEventToTableU(Dictionary record) override { posted.emplace_back('u', std::move(record)); }

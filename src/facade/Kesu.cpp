@@ -1,4 +1,5 @@
 #include <kesu/Kesu.h>
+#include <kesu/events/KesuIdentity.h>
 #include <kesu/foundation/Exception.h>
 
 #include <string>

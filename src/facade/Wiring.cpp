@@ -24,7 +24,9 @@ void writeServiceLine(int level, const std::string& text) {
 
 }  // namespace
 
-Wiring::Wiring(Platform& installed) : platform(installed) {}
+Wiring::Wiring(Platform& installed) : platform(installed) {
+  screens.reportTo(manager.stateChanges());
+}
 
 Wiring& wiring() {
   return SharedInstance<Wiring>::get([] { return std::make_unique<Wiring>(Platform::current()); });

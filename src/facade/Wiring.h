@@ -7,6 +7,7 @@
 #include "delivery/ResendPass.h"
 #include "device/KesuMetrics.h"
 #include "lifecycle/KesuManager.h"
+#include "lifecycle/screens/ScreenTracker.h"
 #include "records/DeploymentSettings.h"
 
 namespace kesu {
@@ -21,7 +22,8 @@ struct Wiring {
   KesuStore store{platform.files, platform.defaults, platform.clock};
   KesuPost post{platform.http, platform.defaults, platform.clock, settings, store};
   ResendPass resendPass{store, post, platform.mainLoop, platform.clock};
-  KesuManager manager{platform, settings, metrics, post, resendPass};
+  ScreenTracker& screens = sharedScreenTracker();
+  KesuManager manager{platform, settings, metrics, post, resendPass, screens};
 };
 
 /// The objects of this process, made at the first call. Never destroyed.

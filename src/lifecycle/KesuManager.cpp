@@ -3,15 +3,18 @@
 #include <kesu/foundation/Exception.h>
 #include <kesu/platform/ApplicationNotifications.h>
 
+#include <cmath>
 #include <utility>
 
+#include "foundation/NumberText.h"
 #include "foundation/Text.h"
+#include "lifecycle/DeveloperToken.h"
 #include "lifecycle/InstallationRecord.h"
-#include "lifecycle/TraitData.h"
 #include "records/DefaultsKeys.h"
 #include "records/Destinations.h"
 #include "records/ExceptionTexts.h"
 #include "records/RecordKeys.h"
+#include "records/StateCodes.h"
 #include "records/Versions.h"
 #include "support/KesuPriorityLogger.h"
 
@@ -19,19 +22,19 @@ namespace kesu {
 namespace {
 
 constexpr double kLocationCheckSeconds = 60.0;
+constexpr double kSecondsADay = 86400.0;
 constexpr const char* kSource = "KesuManager";
 
 }  // namespace
 
 KesuManager::KesuManager(Platform& platform, DeploymentSettings& settings, KesuMetrics& metrics, KesuPost& post,
-                         ResendPass& resendPass)
+                         ResendPass& resendPass, TopScreen& topScreen)
     : platform_(platform),
       settings_(settings),
       metrics_(metrics),
-      post_(post),
       resendPass_(resendPass),
-      instance_(platform.defaults, platform.random),
-      columns_(platform, metrics, instance_, location_) {
+      sender_(platform, metrics, post, instance_, columns_, variants_),
+      stateChanges_(platform.background, metrics, instance_, sender_, flow_, activations_, variants_, topScreen) {
   addPrimaryObservers();
 }
 
@@ -42,14 +45,22 @@ KesuManager::~KesuManager() {
   }
 }
 
+void KesuManager::observe(std::string_view name, std::function<void()> handler) {
+  observers_.push_back(platform_.notifications.addObserver(
+      name, nullptr, [handler = std::move(handler)](const Notification&) { handler(); }));
+}
+
 void KesuManager::addPrimaryObservers() {
   location_.reset();
-  const auto observe = [this](std::string_view name, void (KesuManager::*handler)()) {
-    observers_.push_back(platform_.notifications.addObserver(
-        name, nullptr, [this, handler](const Notification&) { (this->*handler)(); }));
-  };
-  observe(kApplicationDidFinishLaunchingNotification, &KesuManager::didFinishLaunching);
-  observe(kKesuReachabilityChangedNotification, &KesuManager::checkReachabilityAndRepostPendingPosts);
+  observe(kApplicationDidFinishLaunchingNotification, [this] { didFinishLaunching(); });
+  observe(kApplicationDidEnterBackgroundNotification,
+          [this] { stateChanges_.stateChangeEventAppLevel(kStateBackground, std::nullopt); });
+  observe(kApplicationWillEnterForegroundNotification,
+          [this] { stateChanges_.stateChangeEventAppLevel(kStateResume, std::nullopt); });
+  observe(kCurrentLocaleDidChangeNotification, [this] { sender_.saveTraits(TraitType::LocaleChanged); });
+  observe(kKesuReachabilityChangedNotification, [this] { checkReachabilityAndRepostPendingPosts(); });
+  observe(kApplicationWillTerminateNotification,
+          [this] { stateChanges_.stateChangeEventAppLevel(kStateTerminate, kTerminateDetailText); });
   locationTimer_ =
       platform_.mainLoop.schedule(kLocationCheckSeconds, true, [this] { location_.checkAndEnableLocations(); });
 }
@@ -78,65 +89,71 @@ void KesuManager::copyright(const std::string& key) {
 }
 
 void KesuManager::didFinishLaunching() {
-  newInstallation();
+  if (instance_.firstLaunch()) {
+    newInstallation();
+    sender_.saveTraits(TraitType::FirstLaunch);
+  } else if (hasItBeenSoManyDaysSinceSaving(1, k_TableTraits)) {
+    sender_.saveTraits(TraitType::Full);
+  }
+  stateChanges_.stateChangeEventAppLevel(kStateLaunch, kLaunchDetailText);
+  versionChange_.checkVersionChangeAndPost();
   startReachabilityNotifications();
+  printObsfucatedAscii85KaidIfNeeded();
 }
 
 void KesuManager::newInstallation() {
-  if (!instance_.firstLaunch()) {
-    return;
-  }
   Dictionary record;
-  columns_.addCommonColumnsToDictionary(record, k_TableInstalls);
+  sender_.addCommonColumns(record, k_TableInstalls);
   addInstallationFacts(record, instance_.identity().id2, metrics_, platform_.bundle);
-  addTraitData(record, TraitType::Full, instance_.identity().id2, platform_, metrics_);
+  sender_.addTraits(record, TraitType::Full);
   record.set(k_Reachability, metrics_.granularReachability());
-  post_.post(std::move(record));
+  sender_.post(std::move(record));
 }
 
-void KesuManager::updateEvent(const std::string& name) {
+bool KesuManager::hasItBeenSoManyDaysSinceSaving(int days, std::string_view destination) {
+  const double savedAt = platform_.defaults.real(std::string(destination) + std::string(kSaveTimeSuffix));
+  return days < 1 || savedAt == 0.0 || platform_.clock.now() - savedAt >= days * kSecondsADay;
+}
+
+void KesuManager::printObsfucatedAscii85KaidIfNeeded() {
+  if (!settings_.isProductionMode()) {
+    KESU_LOG(0, "Kesu development mode. Paste this token into the console to find this installation: %s",
+             developerToken(instance_.identity().id).c_str());
+  }
+}
+
+void KesuManager::appendToFlow(std::string_view flow, const std::string& name, std::string_view seconds) {
   // A name that is no text would spoil the whole flow, and with it the record that carries it.
   if (isValidUtf8(name)) {
-    platform_.defaults.appendString(k_EventFlow, "$$" + name + "~~0");
+    platform_.defaults.appendString(flow, flowEntry(name, seconds));
     platform_.defaults.synchronize();
   }
 }
 
+void KesuManager::updateEvent(const std::string& name) {
+  appendToFlow(k_EventFlow, name, "0");
+}
+
+void KesuManager::updateScreenFlowForScenes(const std::string& name, double seconds) {
+  if (std::isfinite(seconds)) {  // "nan" and "inf" are no seconds to whoever reads the flow.
+    appendToFlow(k_SceneFlow, name, fixed(seconds, 1));
+  }
+}
+
 void KesuManager::postAppEvent(Dictionary record) {
-  postToTable(std::move(record), k_TableEvents);
+  sender_.postToTable(std::move(record), k_TableEvents);
 }
 
 void KesuManager::postAppEventToTableM(Dictionary record) {
-  postToTable(std::move(record), k_TableSMS);
+  sender_.postToTable(std::move(record), k_TableSMS);
 }
 
 void KesuManager::postAppEventToTableU(Dictionary record) {
-  postToTable(std::move(record), k_TableUser);
-}
-
-void KesuManager::postToTable(Dictionary record, std::string_view destination) {
-  platform_.background.post([this, record = std::move(record), destination]() mutable {
-    columns_.addCommonColumnsToDictionary(record, destination);
-    record.set(k_Reachability, metrics_.granularReachability());
-    postAndSave(std::move(record));
-  });
+  sender_.postToTable(std::move(record), k_TableUser);
 }
 
 void KesuManager::postActivationTrait(Dictionary record) {
-  platform_.background.post([this, record = std::move(record)]() mutable {
-    columns_.addCommonColumnsToDictionary(record, k_TableTraits);
-    addTraitData(record, TraitType::ExplicitActivation, instance_.identity().id2, platform_, metrics_);
-    postAndSave(std::move(record));
-  });
-}
-
-void KesuManager::postAndSave(Dictionary record) {
-  const std::string* named = record.findText(k_destinationKeyInDictionary);
-  const std::string saveTimeKey =
-      (named != nullptr ? *named : std::string(kUnknownDestination)) + std::string(kSaveTimeSuffix);
-  post_.post(std::move(record));
-  platform_.defaults.set(saveTimeKey, platform_.clock.now());
-  platform_.defaults.synchronize();
+  sender_.postAppTraits(std::move(record), TraitType::ExplicitActivation);
 }
 
 void KesuManager::startReachabilityNotifications() {

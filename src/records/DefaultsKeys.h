@@ -13,6 +13,21 @@ inline constexpr std::string_view kLaunchCountDefault = "alc";
 
 inline constexpr std::string_view kIdentityKey = "kesuIdentity";
 inline constexpr std::string_view kAppSpecificUserId = "appSpecificUserId";
+inline constexpr std::string_view kIdentityChanged = "kesuIdentityChanged";
+
+// The last versions seen; each key is also the name of the event that reports a change.
+inline constexpr std::string_view k_OSVersionChanged = "Kesu.OSVersionChanged";
+inline constexpr std::string_view k_AppVersionChanged = "Kesu.AppVersionChanged";
+
+// Activations and usage.
+inline constexpr std::string_view kLaunchOrResumeDefault = "lrc";
+inline constexpr std::string_view kSevenDaysDefault = "sevenDays";
+inline constexpr std::string_view kUsageByDayDefault = "AppActivationUsage";
+inline constexpr std::string_view kAggregateSecondsDefault = "asst";
+inline constexpr std::string_view kLastSeenDefault = "lastSeen";
+
+/// The current screen flow, kept for the case that the process dies; "" once sent.
+inline constexpr std::string_view k_UnsentScreenFlowData = "UnsentScreens";
 
 // Push notifications: the last device token and the identifiers of the last notification.
 inline constexpr std::string_view k_DeviceTokenIdentifier = "deviceToken";

@@ -73,6 +73,28 @@ inline constexpr std::string_view kElapsedSecondsKey = "elapsedSeconds";
 inline constexpr std::string_view kExplicitActivationKey = "~a:Activation";
 inline constexpr std::string_view k_Reachability = "~r";
 inline constexpr std::string_view k_EventFlow = "~ef";
+inline constexpr std::string_view k_SceneFlow = "~uf";
 inline constexpr std::string_view k_CrashedOrForcedQuitTimestamp = "~cfqt";
+inline constexpr std::string_view k_ScreenFlow = "~sf";
+inline constexpr std::string_view k_NewState = "~ns";
+inline constexpr std::string_view k_LaunchDetail = "~ld";
+inline constexpr std::string_view k_TerminatedFrom = "~tf";
+inline constexpr std::string_view k_StateDetail = "~sd";
+inline constexpr std::string_view k_BatteryLevel = "bl";
+inline constexpr std::string_view k_BatteryState = "bs";
+inline constexpr std::string_view k_Orientation = "~o";
+inline constexpr std::string_view k_UserMEM = "umem";
+inline constexpr std::string_view k_CurrentWifiSSID = "cssid";
+inline constexpr std::string_view k_CurrentWifiBSSID = "cbssid";
+inline constexpr std::string_view k_Uptime = "~u";
+
+// Calendar variants.
+inline constexpr std::string_view k_LocalHour = "~lh";
+inline constexpr std::string_view k_Hour = "~h";
+inline constexpr std::string_view k_Day = "~d";
+inline constexpr std::string_view k_localTimezoneName = "ltz";
+inline constexpr std::string_view k_Month = "~m";
+inline constexpr std::string_view k_Quarter = "~q";
+inline constexpr std::string_view k_Week = "~w";
 
 }  // namespace kesu

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "platform/OrderlyEnd.h"
+#include "uikit/KeyWindow.h"
 
 namespace kesu {
 namespace {
@@ -45,6 +46,10 @@ void Application::localeDidChange() {
 
 void Application::didReceiveMemoryWarning() {
   post(kApplicationDidReceiveMemoryWarningNotification);
+}
+
+Window* Application::keyWindow() {
+  return kesu::keyWindow();
 }
 
 }  // namespace kesu

@@ -4,6 +4,8 @@
 
 namespace kesu {
 
+class Window;
+
 /// The host's life cycle, as the host reports it. Main thread; nothing here waits for the network.
 ///
 /// Each operation posts its notification (kesu/platform/ApplicationNotifications.h), which the library turns into
@@ -12,8 +14,8 @@ class KESU_API Application {
  public:
   static Application& shared();
 
-  /// Once, after Kesu::initialize, when the application is ready: posts the installation record on the first launch and
-  /// starts to watch the network.
+  /// Once, after Kesu::initialize, when the application is ready: posts the installation record on the first launch,
+  /// the traits that are due and the launch itself, and starts to watch the network.
   void didFinishLaunching();
 
   /// The application is no longer visible. What is stored so far is also moved into its final place on disk.
@@ -32,6 +34,9 @@ class KESU_API Application {
 
   /// The system is short of memory.
   void didReceiveMemoryWarning();
+
+  /// The window that the user sees (Window::makeKeyAndVisible), or null.
+  Window* keyWindow();
 };
 
 }  // namespace kesu

@@ -1,0 +1,81 @@
+#include <kesu/delivery/ConnectionMetrics.h>
+#include <kesu/platform/Platform.h>
+#include <kesu/support/CollectionHelpers.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <utility>
+
+#include "foundation/NumberText.h"
+#include "foundation/SharedInstance.h"
+#include "support/KesuPriorityLogger.h"
+
+namespace kesu {
+namespace {
+
+constexpr double kFiguresASecond = 100.0;
+
+OptionalText decimalText(const std::optional<std::int64_t>& number) {
+  return number ? OptionalText(decimal(*number)) : std::nullopt;
+}
+
+/// The figure is a 32-bit integer; a second updateFinish() takes a figure for a time and runs out of its range.
+double heldIn32Bits(double figure) {
+  constexpr double kLowest = std::numeric_limits<std::int32_t>::min();
+  constexpr double kHighest = std::numeric_limits<std::int32_t>::max();
+  return std::clamp(std::trunc(figure), kLowest, kHighest);
+}
+
+}  // namespace
+
+void Metric::updateRequest(const HttpRequest& request) {
+  if (std::shared_ptr<Metric> self = weak_from_this().lock()) {
+    ConnectionMetrics::sharedMetrics().addObject(std::move(self));
+  }
+  url = request.url;
+  const std::size_t schemeEnd = request.url.find(':');
+  method = schemeEnd != std::string::npos ? OptionalText(request.url.substr(0, schemeEnd)) : std::nullopt;
+  bytesSent = static_cast<std::int64_t>(request.body.size());
+  latency = Platform::current().clock.now();
+}
+
+void Metric::updateResponse(std::int64_t expectedContentLength) {
+  bytesReceived = expectedContentLength;
+}
+
+void Metric::updateSessionForTask(std::int64_t received, std::int64_t sent) {
+  bytesReceived = received;
+  bytesSent = sent;
+}
+
+void Metric::updateFinish() {
+  const double start = std::trunc(latency.value_or(0.0));
+  latency = heldIn32Bits((Platform::current().clock.now() - start) * kFiguresASecond);
+  KESU_LOG_AT(3, "ConnectionMetrics", 46, "Connection Metric : %s", description().c_str());
+}
+
+std::string Metric::description() const {
+  if (!url) {
+    return "";
+  }
+  const OptionalText latencyText = latency ? OptionalText(shortestReal(*latency)) : std::nullopt;
+  return concat(*url, {" | ", method, " | ", "bytes in ", decimalText(bytesReceived), " | ", "bytes out ",
+                       decimalText(bytesSent), " | ", "latency ", latencyText, "ms"});
+}
+
+ConnectionMetrics& ConnectionMetrics::sharedMetrics() {
+  return SharedInstance<ConnectionMetrics>::get();
+}
+
+void ConnectionMetrics::addObject(std::shared_ptr<Metric> metric) {
+  const MutexLock lock(mutex_);
+  metrics_.push_back(std::move(metric));
+}
+
+std::vector<std::shared_ptr<Metric>> ConnectionMetrics::metricArray() {
+  const MutexLock lock(mutex_);
+  return metrics_;
+}
+
+}  // namespace kesu

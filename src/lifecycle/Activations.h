@@ -1,0 +1,38 @@
+#pragma once
+
+#include <kesu/foundation/Mutex.h>
+#include <kesu/foundation/Value.h>
+#include <kesu/platform/Clock.h>
+#include <kesu/platform/LocaleService.h>
+#include <kesu/platform/UserDefaults.h>
+
+#include "lifecycle/WeekCalendar.h"
+
+namespace kesu {
+
+/// Milestones of launches and resumes, each sent once in an installation: the third, fifth and tenth of them; use on 3,
+/// 5 and 7 days; use on 2 and 3 of the last 7 days. Any thread.
+class Activations {
+ public:
+  Activations(UserDefaults& defaults, Clock& clock, LocaleService& locale, WeekCalendar& calendar)
+      : defaults_(defaults), clock_(clock), locale_(locale), calendar_(calendar) {}
+
+  /// [activationForLR:theState:] Counts launches and resumes up to ten. Other states change nothing.
+  void activationForLR(Dictionary& flags, char state);
+
+  /// [activationsForUniqueDays:theState:] Counts days of use. Other states change nothing.
+  void activationsForUniqueDays(Dictionary& flags, char state);
+
+ private:
+  bool isSent(const char* flag) { return defaults_.boolean(flag); }
+  void raiseWhen(bool due, Dictionary& flags, const char* flag);
+  std::size_t daysOfUseInLastWeek(const Array& days, double now);
+
+  UserDefaults& defaults_;
+  Clock& clock_;
+  LocaleService& locale_;
+  WeekCalendar& calendar_;
+  Mutex mutex_;  // Counters are read and written in one step.
+};
+
+}  // namespace kesu

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace kesu {
+
+/// The identifier of an installation as developers paste it into the console: Ascii85 between "<~" and "~>", so that it
+/// is not taken for the identifier itself. Pure.
+std::string developerToken(std::string_view identifier);
+
+}  // namespace kesu

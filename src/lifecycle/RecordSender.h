@@ -1,0 +1,64 @@
+#pragma once
+
+#include <kesu/foundation/Value.h>
+#include <kesu/platform/Platform.h>
+
+#include <string_view>
+
+#include "delivery/KesuPost.h"
+#include "device/KesuMetrics.h"
+#include "lifecycle/AppInstance.h"
+#include "lifecycle/CalendarVariants.h"
+#include "lifecycle/CommonColumns.h"
+#include "lifecycle/TraitData.h"
+
+namespace kesu {
+
+/// Completes records and hands them to delivery. Any thread; the asynchronous operations keep the order of their calls.
+class RecordSender {
+ public:
+  RecordSender(Platform& platform, KesuMetrics& metrics, KesuPost& post, const AppInstance& instance,
+               CommonColumns& columns, CalendarVariants& variants)
+      : platform_(platform),
+        metrics_(metrics),
+        post_(post),
+        instance_(instance),
+        columns_(columns),
+        variants_(variants) {}
+
+  /// Adds the common columns, at once.
+  void addCommonColumns(Dictionary& record, std::string_view destination) {
+    columns_.addCommonColumnsToDictionary(record, destination);
+  }
+
+  /// Posts a record as it is, at once.
+  void post(Dictionary record) { post_.post(std::move(record)); }
+
+  /// Posts a record as it is, at once, and remembers when its destination was last written.
+  void postAndSave(Dictionary record);
+
+  /// Completes the record for a table, adds the network class and posts it, on the background queue.
+  void postToTable(Dictionary record, std::string_view destination);
+
+  /// Completes the record with the columns and the trait block of `type` and posts it, on the background queue.
+  void postAppTraits(Dictionary record, TraitType type);
+
+  /// Posts the trait block of `type`, at once.
+  void saveTraits(TraitType type);
+
+  /// Adds the trait block of `type`, at once.
+  void addTraits(Dictionary& record, TraitType type);
+
+  /// Posts activation flags as traits, at once. Without any, nothing happens.
+  void postActivation(Dictionary flags);
+
+ private:
+  Platform& platform_;
+  KesuMetrics& metrics_;
+  KesuPost& post_;
+  const AppInstance& instance_;
+  CommonColumns& columns_;
+  CalendarVariants& variants_;
+};
+
+}  // namespace kesu

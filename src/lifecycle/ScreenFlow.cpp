@@ -1,0 +1,137 @@
+#include "lifecycle/ScreenFlow.h"
+
+#include <utility>
+
+#include "foundation/NumberText.h"
+#include "records/DefaultsKeys.h"
+#include "records/RecordKeys.h"
+#include "records/StateCodes.h"
+
+namespace kesu {
+namespace {
+
+constexpr double kLongestVisit = 7200.0;
+constexpr double kSecondsForALongerVisit = 300.0;
+
+bool isAnyOf(char state, std::string_view states) {
+  return states.find(state) != std::string_view::npos;
+}
+
+void setIfOther(UserDefaults& defaults, std::string_view key, const std::optional<std::string>& text) {
+  if (text && defaults.get(key) != Value(*text)) {
+    defaults.set(key, *text);
+  }
+}
+
+}  // namespace
+
+std::string flowEntry(std::string_view name, std::string_view seconds) {
+  std::string entry = "$$";
+  entry.append(name).append("~~").append(seconds);
+  return entry;
+}
+
+std::string screenEntry(std::string_view name, double seconds) {
+  return flowEntry(name, fixed(seconds > kLongestVisit ? kSecondsForALongerVisit : seconds, 1));
+}
+
+void ScreenFlow::screenFlowHandler(char state, const ScreenKey& screen, Dictionary& record, Dictionary& traits) {
+  const MutexLock lock(mutex_);
+  const double now = clock_.now();
+  if (isAnyOf(state, "lrt")) {
+    reportUnsent(state, record);
+  }
+  const std::string key = screen.prefix + screen.suffix;
+  if (isAnyOf(state, "ar")) {
+    beginScreen(key, state, now);
+  }
+  if (isAnyOf(state, "bdt")) {
+    endScreen(key, screen.prefix, now);
+  }
+  if (isAnyOf(state, "bt")) {
+    flush(record, traits);
+  }
+  persist();
+}
+
+void ScreenFlow::reportUnsent(char state, Dictionary& record) {
+  screens_.clear();
+  std::string unsent = defaults_.text(k_UnsentScreenFlowData);
+  if (unsent.empty()) {
+    return;
+  }
+  record.set(k_SceneFlow, std::move(unsent));
+  std::string lastAppearance = defaults_.text(k_CrashedOrForcedQuitTimestamp);
+  if (state == kStateLaunch && !lastAppearance.empty()) {
+    record.set(k_CrashedOrForcedQuitTimestamp, std::move(lastAppearance));
+  }
+  defaults_.set(k_UnsentScreenFlowData, "");
+  defaults_.synchronize();
+  persistedLength_ = 0;
+}
+
+void ScreenFlow::beginScreen(const std::string& key, char state, double now) {
+  screens_[key] = now;
+  if (state == kStateAppeared) {
+    defaults_.set(k_CrashedOrForcedQuitTimestamp, milliseconds(now));
+    defaults_.synchronize();
+  }
+}
+
+void ScreenFlow::endScreen(const std::string& key, const std::string& name, double now) {
+  const auto found = screens_.find(key);
+  if (found == screens_.end()) {
+    return;
+  }
+  const double seconds = now - found->second;
+  usage_.addForegroundSeconds(seconds);
+  screenFlow_ += screenEntry(name, seconds);
+  screens_.erase(found);
+}
+
+void ScreenFlow::flush(Dictionary& record, Dictionary& traits) {
+  if (!screenFlow_.empty()) {
+    record.set(k_ScreenFlow, std::exchange(screenFlow_, {}));
+  }
+  defaults_.set(k_UnsentScreenFlowData, "");
+  defaults_.set(k_CrashedOrForcedQuitTimestamp, "");
+  defaults_.synchronize();
+  persistedLength_ = 0;
+  screens_.clear();
+  moveFlow(k_EventFlow, record);
+  moveFlow(k_SceneFlow, record);
+  defaults_.synchronize();
+  usage_.fillInTraitsForAggregateAndActivations(traits);
+}
+
+void ScreenFlow::moveFlow(std::string_view key, Dictionary& record) {
+  auto flow = defaults_.takeString(key);
+  if (flow && !flow->empty()) {
+    record.set(key, std::move(*flow));
+  }
+}
+
+void ScreenFlow::persist() {
+  if (screenFlow_.empty() || persistedLength_ == screenFlow_.size()) {
+    return;
+  }
+  rememberVersions();
+  // Appending costs the same however long the session has grown.
+  if (persistedLength_) {
+    defaults_.appendString(k_UnsentScreenFlowData, std::string_view(screenFlow_).substr(*persistedLength_));
+  } else {
+    defaults_.set(k_UnsentScreenFlowData, screenFlow_);
+  }
+  persistedLength_ = screenFlow_.size();
+  defaults_.synchronize();
+}
+
+void ScreenFlow::rememberVersions() {
+  if (bundle_.hasInfo()) {
+    setIfOther(defaults_, kFlowBundleVersionDefault, bundle_.infoText("CFBundleVersion"));
+    setIfOther(defaults_, kFlowShortVersionDefault, bundle_.infoText("CFBundleShortVersionString"));
+    setIfOther(defaults_, kFlowOsVersionDefault, metrics_.systemVersion());
+  }
+}
+
+}  // namespace kesu

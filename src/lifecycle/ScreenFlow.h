@@ -1,0 +1,65 @@
+#pragma once
+
+#include <kesu/foundation/Mutex.h>
+#include <kesu/foundation/Value.h>
+#include <kesu/platform/Bundle.h>
+#include <kesu/platform/Clock.h>
+#include <kesu/platform/UserDefaults.h>
+
+#include <cstddef>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "device/KesuMetrics.h"
+#include "lifecycle/UsageStatistics.h"
+
+namespace kesu {
+
+/// Which screen: what its entry in the flow is called, and what tells two screens of one name apart.
+struct ScreenKey {
+  std::string prefix;
+  std::string suffix;
+};
+
+/// One entry of a flow text: "$$" name "~~" seconds.
+std::string flowEntry(std::string_view name, std::string_view seconds);
+
+/// The entry of a screen that was visible for `seconds`. Kept: more than two hours count as five minutes in the flow,
+/// not in the usage totals.
+std::string screenEntry(std::string_view name, double seconds);
+
+/// Records which screens were visible and for how long. Any thread; one state change at a time.
+class ScreenFlow {
+ public:
+  ScreenFlow(UserDefaults& defaults, Clock& clock, Bundle& bundle, KesuMetrics& metrics, UsageStatistics& usage)
+      : defaults_(defaults), clock_(clock), bundle_(bundle), metrics_(metrics), usage_(usage) {}
+
+  /// Tracks one state change: adds the flows that are due to `record`, and the usage flags that are due to `traits`.
+  /// `screen` is the screen meant; for a launch, and for changes of the application, the one that is on top.
+  void screenFlowHandler(char state, const ScreenKey& screen, Dictionary& record, Dictionary& traits);
+
+ private:
+  void reportUnsent(char state, Dictionary& record) KESU_REQUIRES(mutex_);
+  void beginScreen(const std::string& key, char state, double now) KESU_REQUIRES(mutex_);
+  void endScreen(const std::string& key, const std::string& name, double now) KESU_REQUIRES(mutex_);
+  void flush(Dictionary& record, Dictionary& traits) KESU_REQUIRES(mutex_);
+  void persist() KESU_REQUIRES(mutex_);
+  void rememberVersions();
+  void moveFlow(std::string_view key, Dictionary& record);
+
+  UserDefaults& defaults_;
+  Clock& clock_;
+  Bundle& bundle_;
+  KesuMetrics& metrics_;
+  UsageStatistics& usage_;
+
+  Mutex mutex_;
+  std::map<std::string, double> screens_ KESU_GUARDED_BY(mutex_);  // Visible screens: start, seconds since 1970.
+  std::string screenFlow_ KESU_GUARDED_BY(mutex_);                 // Entries since the last end of a session.
+  // How much of screenFlow_ the user defaults hold already; nothing when they hold another process's flow.
+  std::optional<std::size_t> persistedLength_ KESU_GUARDED_BY(mutex_);
+};
+
+}  // namespace kesu

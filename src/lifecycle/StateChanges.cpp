@@ -1,0 +1,97 @@
+#include "lifecycle/StateChanges.h"
+
+#include <utility>
+
+#include "records/Destinations.h"
+#include "records/RecordKeys.h"
+#include "records/StateCodes.h"
+#include "support/KesuPriorityLogger.h"
+
+namespace kesu {
+namespace {
+
+std::string_view detailKey(char state) {
+  switch (state) {
+    case kStateLaunch:
+      return k_LaunchDetail;
+    case kStateTerminate:
+      return k_TerminatedFrom;
+    default:
+      return k_StateDetail;
+  }
+}
+
+}  // namespace
+
+ScreenKey StateChanges::screenFor(char state, const std::optional<std::string>& detail) {
+  if (state != kStateLaunch && detail) {
+    // Kept: a termination looks for a screen called "from foreground", so that the visible one gets no entry.
+    return {*detail, ""};
+  }
+  return topScreen_.topScreen().value_or(ScreenKey{"Unknown", ""});
+}
+
+void StateChanges::stateChangeEventAppLevel(char state, const std::optional<std::string>& detail) {
+  const Change change = {state, detail, screenFor(state, detail)};
+  if (state == kStateTerminate) {
+    executePostMethod(change);
+  } else {
+    background_.post([this, change] { executePostMethod(change); });
+  }
+}
+
+void StateChanges::screenChanged(char state, const ScreenKey& screen) {
+  stateChangeEvent({state, screen.prefix, screen});
+}
+
+void StateChanges::executePostMethod(const Change& change) {
+  stateChangeEvent(change);
+  Dictionary flags;
+  activations_.activationForLR(flags, change.state);
+  activations_.activationsForUniqueDays(flags, change.state);
+  variants_.calculateVariantsForDMWQ(flags);
+  sender_.postActivation(std::move(flags));
+}
+
+void StateChanges::stateChangeEvent(const Change& change) {
+  if (instance_.identity().id.empty()) {
+    KESU_LOG_AT(3, "KesuManager", 1316, "self.kesuAppInstanceId is nil Init");
+  }
+  Dictionary record;
+  Dictionary traits;
+  sender_.addCommonColumns(record, k_TableStates);
+  flow_.screenFlowHandler(change.state, change.screen, record, traits);
+  addDetail(record, change);
+  addDeviceState(record, change.state);
+  sender_.post(std::move(record));
+  sender_.postActivation(std::move(traits));
+}
+
+void StateChanges::addDetail(Dictionary& record, const Change& change) {
+  record.set(k_NewState, std::string(1, change.state));
+  if (change.detail) {
+    record.set(detailKey(change.state), *change.detail);
+  }
+}
+
+void StateChanges::addDeviceState(Dictionary& record, char state) {
+  record.set(k_BatteryLevel, metrics_.batteryLevel());
+  record.set(k_BatteryState, metrics_.batteryState());
+  record.set(k_Orientation, metrics_.orientation());
+  record.set(k_UserMEM, metrics_.userMemorySize());
+  record.set(k_Reachability, metrics_.granularReachability());
+  std::string bssid;
+  std::string ssid;
+  metrics_.currentWiFi(bssid, ssid);
+  if (!ssid.empty()) {
+    record.set(k_CurrentWifiSSID, ssid);
+  }
+  if (!bssid.empty()) {
+    record.set(k_CurrentWifiBSSID, bssid);
+  }
+  if (state == kStateLaunch) {
+    setOrRemove(record, k_Uptime, metrics_.uptime());
+  }
+}
+
+}  // namespace kesu

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <optional>
+
+#include "lifecycle/ScreenFlow.h"
+
+namespace kesu {
+
+/// Tells which screen is on top. Main thread.
+class TopScreen {
+ public:
+  virtual ~TopScreen() = default;
+
+  /// The screen on top; nothing when there is none.
+  virtual std::optional<ScreenKey> topScreen() = 0;
+};
+
+}  // namespace kesu

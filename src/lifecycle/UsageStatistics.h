@@ -1,0 +1,41 @@
+#pragma once
+
+#include <kesu/foundation/Mutex.h>
+#include <kesu/foundation/Value.h>
+#include <kesu/platform/Clock.h>
+#include <kesu/platform/UserDefaults.h>
+
+#include <string>
+
+#include "lifecycle/WeekCalendar.h"
+
+namespace kesu {
+
+/// Counts the seconds in the foreground and reports, once each, that a threshold was crossed: 5, 10, 15 or 30 minutes
+/// within 3, 5 or 7 days; 15, 30 or 60 minutes in all. Any thread.
+class UsageStatistics {
+ public:
+  UsageStatistics(UserDefaults& defaults, Clock& clock, WeekCalendar& calendar)
+      : defaults_(defaults), clock_(clock), calendar_(calendar) {}
+
+  /// Adds seconds that were measured and not yet folded into the totals.
+  void addForegroundSeconds(double seconds);
+
+  /// Folds the pending seconds into the totals and adds all flags that are due.
+  /// Kept: once the three flags of the total are sent, the pending seconds are no longer folded and stay.
+  void fillInTraitsForAggregateAndActivations(Dictionary& traits);
+
+ private:
+  void appUsageStat(const std::string& today, Dictionary& traits, int days, double now) KESU_REQUIRES(mutex_);
+  void clearPastWeeksUsageFromToday(double now);
+  bool raiseOnce(Dictionary& traits, const std::string& flag);
+
+  UserDefaults& defaults_;
+  Clock& clock_;
+  WeekCalendar& calendar_;
+
+  Mutex mutex_;
+  double secondsPartFromScreenFlow_ KESU_GUARDED_BY(mutex_) = 0.0;
+};
+
+}  // namespace kesu

@@ -1,0 +1,73 @@
+#include "lifecycle/WeekCalendar.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include "support/KesuPriorityLogger.h"
+
+namespace kesu {
+namespace {
+
+constexpr double kSecondsADay = 86400.0;
+constexpr int kDaysAWeek = 7;
+
+/// Of a weekday from 1 (Sunday) to 7: days since Monday.
+int daysSinceMonday(int weekday) {
+  return (weekday + 5) % kDaysAWeek;
+}
+
+/// How many whole weeks have begun in the year by this day; 0 before the first one.
+int weeksBegun(int dayOfYear, int weekday) {
+  return (dayOfYear - 1 + kDaysAWeek - daysSinceMonday(weekday)) / kDaysAWeek;
+}
+
+bool isLeapYear(int year) {
+  return (year % 4 == 0 && year % 100 != 0) || year % 400 == 0;
+}
+
+}  // namespace
+
+CalendarComponents withWeek(const LocalTime& time) {
+  const int weeks = weeksBegun(time.dayOfYear, time.weekday);
+  if (weeks > 0) {
+    return {time, weeks, time.year};
+  }
+  const int lastDay = isLeapYear(time.year - 1) ? 366 : 365;
+  const int weekdayOfLastDay = (time.weekday - 1 - time.dayOfYear % kDaysAWeek + kDaysAWeek) % kDaysAWeek + 1;
+  return {time, weeksBegun(lastDay, weekdayOfLastDay), time.year - 1};
+}
+
+std::string dayText(const LocalTime& time) {
+  char text[40];
+  std::snprintf(text, sizeof text, "%d%02d%02d", time.year, time.month, time.day);
+  return text;
+}
+
+CalendarComponents WeekCalendar::components(double secondsSince1970) {
+  if (!created_.exchange(true, std::memory_order_relaxed)) {
+    KESU_LOG_AT(3, "KesuManager", 1666, "First weekDay = %d", 2);
+  }
+  return withWeek(locale_.localTime(secondsSince1970));
+}
+
+CalendarComponents WeekCalendar::gmtDateComponents(double secondsSince1970, double now) {
+  return components(secondsSince1970 - secondsFromGmt(now));
+}
+
+std::string WeekCalendar::dayStringFromToday(int days, double now) {
+  return dayText(gmtDateComponents(addingDays(now, -days), now).time);
+}
+
+double WeekCalendar::addingDays(double secondsSince1970, int days) {
+  const double wallClock = secondsSince1970 + secondsFromGmt(secondsSince1970) + days * kSecondsADay;
+  const int offset = secondsFromGmt(secondsSince1970 + days * kSecondsADay);
+  const double first = wallClock - offset;
+  const int offsetThere = secondsFromGmt(first);
+  if (offsetThere == offset) {
+    return first;
+  }
+  const double second = wallClock - offsetThere;
+  return secondsFromGmt(second) == offsetThere ? second : std::max(first, second);
+}
+
+}  // namespace kesu

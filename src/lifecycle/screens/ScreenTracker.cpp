@@ -1,0 +1,96 @@
+#include "lifecycle/screens/ScreenTracker.h"
+
+#include <kesu/ui/Application.h>
+#include <kesu/ui/Containers.h>
+#include <kesu/ui/ScreenScope.h>
+
+#include <cinttypes>
+#include <cstdio>
+
+#include "foundation/SharedInstance.h"
+#include "records/StateCodes.h"
+
+namespace kesu {
+namespace {
+
+std::string suffixOf(std::uint64_t identity) {
+  char text[24];
+  std::snprintf(text, sizeof text, "0x%" PRIx64, identity);
+  return text;
+}
+
+ScreenKey keyOf(ViewController& controller) {
+  return {controller.className(), suffixOf(reinterpret_cast<std::uintptr_t>(&controller))};
+}
+
+}  // namespace
+
+ScreenTracker& sharedScreenTracker() {
+  return SharedInstance<ScreenTracker>::get();
+}
+
+ScreenTracker::ScreenTracker() {
+  ViewController::setAppearanceObserver(this);
+}
+
+ScreenTracker::~ScreenTracker() {
+  ViewController::setAppearanceObserver(nullptr);
+}
+
+void ScreenTracker::report(char state, const ScreenKey& screen) {
+  if (stateChanges_ != nullptr) {
+    stateChanges_->screenChanged(state, screen);
+  }
+}
+
+void ScreenTracker::didAppear(ViewController& controller) {
+  report(kStateAppeared, keyOf(controller));
+}
+
+void ScreenTracker::didDisappear(ViewController& controller) {
+  report(kStateDisappeared, keyOf(controller));
+}
+
+void ScreenTracker::screenAppeared(const std::string& name, std::uint64_t id) {
+  ownScreens_.push_back({name, suffixOf(id)});
+  report(kStateAppeared, ownScreens_.back());
+}
+
+void ScreenTracker::screenDisappeared(const std::string& name, std::uint64_t id) {
+  const ScreenKey key = {name, suffixOf(id)};
+  for (std::size_t i = ownScreens_.size(); i-- > 0;) {
+    if (ownScreens_[i].prefix == key.prefix && ownScreens_[i].suffix == key.suffix) {
+      ownScreens_.erase(ownScreens_.begin() + static_cast<std::ptrdiff_t>(i));
+      break;
+    }
+  }
+  report(kStateDisappeared, key);
+}
+
+std::optional<ScreenKey> ScreenTracker::topScreen() {
+  if (!ownScreens_.empty()) {
+    return ownScreens_.back();
+  }
+  Window* window = Application::shared().keyWindow();
+  ViewController* top =
+      window != nullptr ? topViewControllerWithRootViewController(window->rootViewController()) : nullptr;
+  return top != nullptr ? std::optional(keyOf(*top)) : std::nullopt;
+}
+
+void screenAppeared(const std::string& name, std::uint64_t id) {
+  sharedScreenTracker().screenAppeared(name, id);
+}
+
+void screenDisappeared(const std::string& name, std::uint64_t id) {
+  sharedScreenTracker().screenDisappeared(name, id);
+}
+
+ScreenScope::ScreenScope(std::string name) : name_(std::move(name)) {
+  screenAppeared(name_, reinterpret_cast<std::uintptr_t>(this));
+}
+
+ScreenScope::~ScreenScope() {
+  screenDisappeared(name_, reinterpret_cast<std::uintptr_t>(this));
+}
+
+}  // namespace kesu

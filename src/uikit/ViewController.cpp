@@ -1,0 +1,104 @@
+#include <cxxabi.h>
+#include <kesu/ui/ViewController.h>
+
+#include <cstdlib>
+#include <memory>
+#include <typeinfo>
+
+namespace kesu {
+namespace {
+
+AppearanceObserver* observerOfAppearances = nullptr;  // Main thread.
+
+std::string demangled(const char* name) {
+  int status = 0;
+  const std::unique_ptr<char, void (*)(void*)> readable(abi::__cxa_demangle(name, nullptr, nullptr, &status),
+                                                        std::free);
+  return status == 0 ? readable.get() : name;
+}
+
+}  // namespace
+
+void ViewController::setAppearanceObserver(AppearanceObserver* observer) {
+  observerOfAppearances = observer;
+}
+
+ViewController::~ViewController() {
+  if (presenting_ != nullptr) {
+    presenting_->presented_ = nullptr;
+  }
+  if (presented_ != nullptr) {
+    presented_->presenting_ = nullptr;
+  }
+  disappear();
+}
+
+const std::string& ViewController::className() {
+  if (className_.empty()) {
+    className_ = demangled(typeid(*this).name());
+  }
+  return className_;
+}
+
+void ViewController::appear(bool animated) {
+  if (isVisible_) {
+    return;
+  }
+  isVisible_ = true;
+  className();
+  viewDidAppear(animated);
+  if (observerOfAppearances != nullptr) {
+    observerOfAppearances->didAppear(*this);
+  }
+}
+
+void ViewController::disappear(bool animated) {
+  if (!isVisible_) {
+    return;
+  }
+  isVisible_ = false;
+  viewDidDisappear(animated);
+  if (observerOfAppearances != nullptr) {
+    observerOfAppearances->didDisappear(*this);
+  }
+}
+
+void ViewController::present(ViewController& controller, bool animated) {
+  if (presented_ != nullptr) {
+    return;
+  }
+  presented_ = &controller;
+  controller.presenting_ = this;
+  if (isVisible_) {
+    disappear(animated);
+    controller.appear(animated);
+  }
+}
+
+void ViewController::dismissPresented(bool animated) {
+  if (presented_ == nullptr) {
+    return;
+  }
+  ViewController& dismissed = *presented_;
+  presented_ = nullptr;
+  dismissed.presenting_ = nullptr;
+  if (dismissed.isVisible()) {
+    dismissed.disappear(animated);
+    appear(animated);
+  }
+}
+
+ViewController* topViewControllerWithRootViewController(ViewController* root) {
+  ViewController* top = root;
+  while (top != nullptr) {
+    ViewController* child = top->visibleChild();
+    ViewController* next = child != nullptr ? child : top->presentedViewController();
+    if (next == nullptr) {
+      break;
+    }
+    top = next;
+  }
+  return top;
+}
+
+}  // namespace kesu
