@@ -139,7 +139,7 @@ HttpReply Collector::handle(HttpRequest& request) {
   if (!refused.empty()) {
     return HttpReply::error(421, refused);
   }
-  const std::string_view method = request.method == "HEAD" ? "GET" : request.method;
+  const std::string method = request.method == "HEAD" ? "GET" : request.method;
   bool knownPath = false;
   for (const RouteRow& row : kRoutes) {
     if (row.path == request.path && row.method == method) {

@@ -21,10 +21,25 @@ constexpr std::size_t kPathLimitBytes = 1024;
 constexpr int kBacklog = 512;
 constexpr std::chrono::milliseconds kIdlePatience{60'000};
 
-// The HTTP library has no place for data of ours in its request, and a worker serves one connection at a time.
-thread_local HttpConnection* currentConnection = nullptr;
-thread_local bool currentRequestParsed = false;
-thread_local bool currentMustClose = false;
+// What belongs to the request that a worker is serving. The HTTP library has no place for data of ours in its request,
+// and a worker serves one connection at a time.
+struct Current {
+  HttpConnection* connection = nullptr;
+  bool parsed = false;     // The request line and headers made sense.
+  bool mustClose = false;  // The connection ends with the reply.
+  std::optional<std::string> acceptEncoding;
+};
+thread_local Current current;
+
+// The library compresses every reply that may be. Replies here are small or are read by people with simple tools, so
+// the header that allows it is kept from the library.
+void beginRequest(httplib::Request& request) {
+  current.parsed = true;
+  if (request.has_header("Accept-Encoding")) {
+    current.acceptEncoding = request.get_header_value("Accept-Encoding");
+    request.headers.erase("Accept-Encoding");
+  }
+}
 
 // Pseudo headers that the HTTP library adds to those received.
 bool isReceived(const std::string& name) {
@@ -40,13 +55,16 @@ HttpRequest requestFrom(const httplib::Request& from) {
       request.headers.push_back(header);
     }
   }
+  if (current.acceptEncoding) {
+    request.headers.emplace_back("Accept-Encoding", *current.acceptEncoding);
+  }
   request.query.assign(from.params.begin(), from.params.end());
-  request.isGone = [connection = currentConnection] { return connection->isGone(); };
+  request.isGone = [connection = current.connection] { return connection->isGone(); };
   return request;
 }
 
 void writeStream(HttpReply&& reply, httplib::Response& to) {
-  currentConnection->sendAtOnce();
+  current.connection->sendAtOnce();
   to.set_chunked_content_provider(reply.contentType, [stream = reply.stream](std::size_t, httplib::DataSink& sink) {
     stream([&](std::string_view piece) { return sink.write(piece.data(), piece.size()); });
     sink.done();
@@ -56,7 +74,7 @@ void writeStream(HttpReply&& reply, httplib::Response& to) {
 
 void writeReply(HttpReply&& reply, httplib::Response& to) {
   if (reply.close) {
-    currentConnection->abort();
+    current.connection->abort();
     return;
   }
   to.status = reply.status;
@@ -166,7 +184,7 @@ class HttpServer::Implementation final : private httplib::Server {
       // Routes are regular expressions: a long path would cost them much stack.
       const bool tooLong = request.path.size() > kPathLimitBytes;
       if (tooLong) {
-        currentMustClose = true;
+        current.mustClose = true;
         response.status = 414;
       }
       return tooLong ? HandlerResponse::Handled : HandlerResponse::Unhandled;
@@ -191,7 +209,7 @@ class HttpServer::Implementation final : private httplib::Server {
       return isRead;
     };
     writeReply(handler_(request), to);
-    currentMustClose = currentMustClose || !isRead;
+    current.mustClose = current.mustClose || !isRead;
   }
 
   bool process_and_close_socket(socket_t socket) override {
@@ -199,10 +217,9 @@ class HttpServer::Implementation final : private httplib::Server {
     if (!enter(connection)) {
       return false;
     }
-    currentConnection = &connection;
     while (connection.waitForRequest(kIdlePatience) && serveOne(connection)) {
     }
-    currentConnection = nullptr;
+    current = Current();
     leave(connection);
     return true;
   }
@@ -210,13 +227,11 @@ class HttpServer::Implementation final : private httplib::Server {
   // Returns whether the connection can take another request.
   bool serveOne(HttpConnection& connection) {
     bool closes = false;
-    currentRequestParsed = false;
-    currentMustClose = false;
-    const bool served =
-        process_request(connection, false, closes, [](httplib::Request&) { currentRequestParsed = true; });
+    current = Current{&connection, false, false, std::nullopt};
+    const bool served = process_request(connection, false, closes, beginRequest);
     const bool sent = connection.flush();
     // After what is no HTTP, or a body left unread, nobody knows where the next request would begin.
-    if (sent && (currentMustClose || !currentRequestParsed)) {
+    if (sent && (current.mustClose || !current.parsed)) {
       connection.drain();
       return false;
     }

@@ -147,6 +147,7 @@ Dictionary describeCounts(const CountsByDestination& counts) {
 }
 
 std::unique_ptr<RecordStore> RecordStore::open(const std::string& file, std::string& error) {
+  error.clear();
   std::unique_ptr<Database> database = Database::open(file, error);
   if (database == nullptr || !prepareSchema(*database, error)) {
     return nullptr;

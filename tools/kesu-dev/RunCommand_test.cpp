@@ -1,0 +1,129 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <csignal>
+#include <filesystem>
+
+namespace kesu::dev {
+namespace {
+
+constexpr int kPatienceMs = 60'000;
+
+// The real program as a process of its own; its standard output is read here, its standard error is thrown away.
+class RunCommandTest : public testing::Test {
+ protected:
+  ~RunCommandTest() override { close(output_); }
+
+  void start(std::vector<std::string> arguments) {
+    std::string program = KESU_DEV_PROGRAM;
+    std::vector<char*> pointers{program.data()};
+    for (std::string& argument : arguments) {
+      pointers.push_back(argument.data());
+    }
+    pointers.push_back(nullptr);
+    std::array<int, 2> ends{};
+    ASSERT_EQ(pipe2(ends.data(), O_CLOEXEC), 0);
+    output_ = ends[0];
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
+    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+    EXPECT_EQ(posix_spawn(&pid_, KESU_DEV_PROGRAM, &actions, nullptr, pointers.data(), environ), 0);
+    posix_spawn_file_actions_destroy(&actions);
+    close(ends[1]);
+  }
+
+  // Reads until `enough` stands in the output, or every process that could still write has ended.
+  std::string output(const std::string& enough = std::string(1, '\0')) {
+    pollfd entry{output_, POLLIN, 0};
+    std::array<char, 1024> piece{};
+    ssize_t size = 1;
+    while (size > 0 && text_.find(enough) == std::string::npos) {
+      if (poll(&entry, 1, kPatienceMs) <= 0) {
+        return text_ + "(time is up)";
+      }
+      size = read(output_, piece.data(), piece.size());
+      text_.append(piece.data(), static_cast<std::size_t>(std::max<ssize_t>(size, 0)));
+    }
+    return text_;
+  }
+
+  int status() {
+    int status = 0;
+    waitpid(pid_, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+  }
+
+  int statusOf(std::vector<std::string> arguments) {
+    start(std::move(arguments));
+    output();
+    return status();
+  }
+
+  pid_t pid_ = -1;
+  int output_ = -1;
+  std::string text_;
+};
+
+TEST_F(RunCommandTest, EndsWithTheProgramsStatus) {
+  EXPECT_EQ(statusOf({"run", "--port", "0", "--", "sh", "-c", "exit 7"}), 7);
+}
+
+TEST_F(RunCommandTest, TellsASignalByItsNumber) {
+  EXPECT_EQ(statusOf({"run", "--port", "0", "--", "sh", "-c", "kill -KILL $$"}), 128 + SIGKILL);
+}
+
+TEST_F(RunCommandTest, SaysWhenThereIsNoProgram) {
+  EXPECT_EQ(statusOf({"run", "--port", "0", "--", "/no/such/program"}), 127);
+}
+
+TEST_F(RunCommandTest, GivesTheProgramAddressesAndAHomeThatGoesAway) {
+  start(
+      {"run", "--port", "0", "--", "sh", "-c",
+       "env -u X | grep ^KESU_ | sed s/[0-9][0-9][0-9][0-9]*$/PORT/; printf 'home %s' $KESU_HOME; touch $KESU_HOME/x"});
+  const std::string text = output();
+  EXPECT_EQ(status(), 0);
+  EXPECT_NE(text.find("KESU_REACHABILITY_HOST=127.0.0.1:PORT\n"), std::string::npos) << text;
+  EXPECT_NE(text.find("KESU_OVERRIDE_SERVER=http://127.0.0.1:"), std::string::npos) << text;
+  const std::string home = text.substr(text.find("home ") + 5);
+  EXPECT_TRUE(home.starts_with("/")) << home;
+  EXPECT_FALSE(std::filesystem::exists(home)) << home;
+}
+
+TEST_F(RunCommandTest, HandsTerminationOn) {
+  start(
+      {"run", "--port", "0", "--", "sh", "-c", "trap 'echo bye; exit 3' TERM; echo up; while :; do sleep 0.05; done"});
+  output("up");
+  kill(pid_, SIGTERM);
+  EXPECT_NE(output("bye").find("bye"), std::string::npos);
+  EXPECT_EQ(status(), 3);
+}
+
+TEST_F(RunCommandTest, TakesTheProgramAlongWhenKilled) {
+  start({"run", "--port", "0", "--", "sh", "-c", "echo up; exec sleep 600"});
+  output("up");
+  kill(pid_, SIGKILL);
+  EXPECT_EQ(output(), "up\n") << "the program still holds the pipe";
+  EXPECT_EQ(status(), -SIGKILL);
+}
+
+TEST_F(RunCommandTest, ServeEndsOnTerminationAndRemovesItsReadyFile) {
+  const std::string file =
+      (std::filesystem::temp_directory_path() / ("kesu_dev_ready_" + std::to_string(getpid()))).string();
+  start({"serve", "--port", "0", "--ready-file", file});
+  output("Ctrl-C");
+  EXPECT_TRUE(std::filesystem::exists(file));
+  kill(pid_, SIGTERM);
+  EXPECT_NE(output().find("all"), std::string::npos);
+  EXPECT_EQ(status(), 0);
+  EXPECT_FALSE(std::filesystem::exists(file));
+}
+
+}  // namespace
+}  // namespace kesu::dev
