@@ -1,0 +1,145 @@
+#include <openssl/crypto.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <memory>
+#include <utility>
+
+#include <kesu/foundation/Mutex.h>
+#include <kesu/platform/Platform.h>
+
+#include "platform/OrderlyEnd.h"
+#include "platform/linux/Environment.h"
+#include "platform/linux/ForkGuard.h"
+#include "platform/linux/HomeDirectory.h"
+#include "platform/linux/LinuxBackgroundQueue.h"
+#include "platform/linux/LinuxBundle.h"
+#include "platform/linux/LinuxClock.h"
+#include "platform/linux/LinuxDeviceFacts.h"
+#include "platform/linux/LinuxFiles.h"
+#include "platform/linux/LinuxHttpClient.h"
+#include "platform/linux/LinuxLocale.h"
+#include "platform/linux/LinuxLogSink.h"
+#include "platform/linux/LinuxMainLoop.h"
+#include "platform/linux/LinuxRandom.h"
+#include "platform/linux/LinuxReachabilitySource.h"
+#include "platform/linux/LinuxUrlOpener.h"
+#include "platform/linux/LinuxUserDefaults.h"
+
+namespace kesu {
+namespace {
+
+Dictionary infoOverrides(const PlatformOptions &options) {
+  return {{"KesuOverrideServer", options.collectorUrl},
+          {"KesuMessagingHost", options.messagingHost},
+          {"KesuReachabilityHost", options.reachabilityHost}};
+}
+
+LinuxHttpClientOptions httpOptions(const PlatformOptions &options) {
+  LinuxHttpClientOptions http;
+  http.caFile =
+      options.caFile.empty() ? environmentText("KESU_CA_FILE") : options.caFile;
+  return http;
+}
+
+template <typename Service> Service &chosen(Service *ofHost, Service &ours) {
+  return ofHost != nullptr ? *ofHost : ours;
+}
+
+/// All services of the process. Each is cheap to make: threads, descriptors of
+/// the network and the defaults' file come with first use.
+struct LinuxServices {
+  explicit LinuxServices(const PlatformOptions &options)
+      : bundle(locale, options.bundlePath, infoOverrides(options)),
+        files(homeDirectory(options.homeDirectory, bundle)),
+        defaults(files.preferencesDirectory()),
+        mainLoop(chosen<MainLoop>(options.mainLoop, ownMainLoop)),
+        ownHttp(mainLoop, httpOptions(options)), reachability(mainLoop),
+        log(options.logSink), urlOpener(options.urlOpener),
+        platform{chosen<Clock>(options.clock, ownClock),
+                 random,
+                 files,
+                 defaults,
+                 chosen<HttpClient>(options.http, ownHttp),
+                 mainLoop,
+                 background,
+                 locale,
+                 bundle,
+                 reachability,
+                 chosen<DeviceFacts>(options.device, ownDevice),
+                 log,
+                 urlOpener,
+                 notifications} {
+    connect();
+  }
+
+  void connect() {
+    platform.http.setConnectObserver(
+        [this](const std::string &host, int port, bool connected) {
+          reachability.connectionObserved(host, port, connected);
+        });
+    defaults.onCheckpointWanted([this] {
+      if (!isEnding.load()) { // A checkpoint waits for the disk, and the next
+                              // start makes up for it.
+        background.post([this] { defaults.checkpoint(); });
+      }
+    });
+  }
+
+  ForkGuard forkGuard;
+  std::atomic<bool> isEnding{false};
+  LinuxClock ownClock;
+  LinuxRandom random;
+  LinuxLocale locale;
+  LinuxBundle bundle;
+  LinuxFiles files;
+  LinuxUserDefaults defaults;
+  LinuxMainLoop ownMainLoop;
+  MainLoop &mainLoop;
+  LinuxHttpClient ownHttp;
+  LinuxBackgroundQueue background;
+  LinuxReachabilitySource reachability;
+  LinuxDeviceFacts ownDevice;
+  LinuxLogSink log;
+  LinuxUrlOpener urlOpener;
+  NotificationCenter notifications;
+  Platform platform;
+};
+
+// Never destroyed: exit handlers, and threads that still run while the process
+// ends, use them.
+std::atomic<LinuxServices *> services{nullptr};
+
+void endProcess() {
+  LinuxServices *all = services.load();
+  if (all != nullptr && !all->forkGuard.isForkedChild()) {
+    all->isEnding.store(true);
+    endAtExit(all->platform);
+  }
+}
+
+// Exit handlers run in the reverse order of their registration. OpenSSL's must
+// be registered before ours: it takes away what the network thread works with,
+// and does so with the first initialisation that does something; loading the
+// digests is the cheapest such (40 microseconds) and needed anyway.
+bool registerExitHandlers() {
+  OPENSSL_init_crypto(OPENSSL_INIT_ADD_ALL_DIGESTS, nullptr);
+  LinuxHttpClient::prepareExit();
+  return std::atexit(endProcess) == 0;
+}
+
+} // namespace
+
+bool installLinuxPlatform(const PlatformOptions &options) {
+  static Mutex mutex;
+  const MutexLock lock(mutex);
+  if (Platform::isInstalled() || services.load() != nullptr) {
+    return false;
+  }
+  services.store(std::make_unique<LinuxServices>(options).release());
+  [[maybe_unused]] static const bool isRegistered = registerExitHandlers();
+  Platform::install(&services.load()->platform);
+  return true;
+}
+
+} // namespace kesu

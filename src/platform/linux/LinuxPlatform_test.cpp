@@ -1,0 +1,164 @@
+#include <arpa/inet.h>
+#include <gtest/gtest.h>
+#include <kesu/platform/Platform.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <thread>
+
+#include "platform/OrderlyEnd.h"
+#include "testing/ManualClock.h"
+#include "testing/ManualMainLoop.h"
+#include "testing/TemporaryDirectory.h"
+
+namespace kesu {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kRecords = 200;
+
+/// The URL of a server that takes connections and never says a word.
+std::string silentServer() {
+  const int server = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  socklen_t length = sizeof address;
+  ::bind(server, reinterpret_cast<sockaddr*>(&address), length);
+  ::listen(server, 64);
+  ::getsockname(server, reinterpret_cast<sockaddr*>(&address), &length);
+  return "http://127.0.0.1:" + std::to_string(ntohs(address.sin_port)) + "/";
+}
+
+void postRecord(const std::string& url, int number) {
+  Platform& platform = Platform::current();
+  platform.background.post([&platform, url, number] {
+    HttpRequest request;
+    request.url = url;
+    platform.http.send(request, [&platform, number](const HttpReply&) {
+      platform.background.post([&platform, number] {
+        platform.files.writeAtomically(platform.files.documentsDirectory() + "/" + std::to_string(number), "record");
+        platform.defaults.set(std::to_string(number), number);
+      });
+    });
+  });
+}
+
+/// How a process comes to call exit().
+struct Ending {
+  const char* name;
+  void (*end)();
+};
+
+[[noreturn]] void waitForEver() {
+  for (;;) {
+    ::pause();
+  }
+}
+
+const Ending kEndings[] = {{"OfMain", [] { std::exit(0); }},
+                           {"AfterOrderlyEnd",
+                            [] {
+                              endOrderly(Platform::current());
+                              std::exit(0);
+                            }},
+                           {"InMainLoopTask",
+                            [] {
+                              MainLoop::shared().post([] { std::exit(0); });
+                              MainLoop::shared().run();
+                            }},
+                           {"InBackgroundTask",
+                            [] {
+                              Platform::current().background.post([] { std::exit(0); });
+                              waitForEver();
+                            }},
+                           {"OnAnotherThread", [] {
+                              std::thread([] { std::exit(0); }).detach();
+                              waitForEver();
+                            }}};
+
+class ProcessEnd : public ::testing::TestWithParam<Ending> {
+ protected:
+  void run() {
+    PlatformOptions options;
+    options.homeDirectory = home_.path();
+    installLinuxPlatform(options);
+    const std::string url = silentServer();
+    for (int number = 0; number < kRecords; ++number) {
+      postRecord(url, number);
+    }
+    GetParam().end();
+  }
+
+  long storedCount() const {
+    return std::distance(fs::directory_iterator(home_ / "Documents"), fs::directory_iterator());
+  }
+
+  testing::TemporaryDirectory home_;
+};
+
+TEST_P(ProcessEnd, StoresEveryRecordThatHasNoReply) {
+  EXPECT_EXIT(run(), ::testing::ExitedWithCode(0), "");
+  EXPECT_EQ(storedCount(), kRecords);
+}
+
+INSTANTIATE_TEST_SUITE_P(Exit, ProcessEnd, ::testing::ValuesIn(kEndings),
+                         [](const auto& instance) { return std::string(instance.param.name); });
+
+TEST(LinuxPlatform, ForkedChildLeavesRecordsToItsParent) {
+  const testing::TemporaryDirectory home;
+  const auto run = [&home] {
+    PlatformOptions options;
+    options.homeDirectory = home.path();
+    installLinuxPlatform(options);
+    postRecord(silentServer(), 1);
+    Platform::current().background.drain(10.0);
+    const pid_t child = ::fork();
+    if (child == 0) {
+      postRecord("http://127.0.0.1:9/", 2);
+      std::exit(0);
+    }
+    int status = -1;
+    ::waitpid(child, &status, 0);
+    std::exit(status == 0 && !fs::exists(home / "Documents") ? 0 : 1);
+  };
+  EXPECT_EXIT(run(), ::testing::ExitedWithCode(0), "");
+  EXPECT_TRUE(fs::exists(home / "Documents/1"));
+  EXPECT_FALSE(fs::exists(home / "Documents/2"));
+}
+
+TEST(LinuxPlatform, TakesTheHostsSettingsOnce) {
+  const auto run = [] {
+    const testing::TemporaryDirectory directory;
+    directory.write("Info.plist", "<plist><dict><key>CFBundleIdentifier</key><string>tv.app</string></dict></plist>");
+    ::setenv("XDG_DATA_HOME", "/data", 1);
+    ::unsetenv("KESU_HOME");
+    static testing::ManualClock clock;
+    static testing::ManualMainLoop loop(clock);
+    std::string logged;
+    PlatformOptions options;
+    options.bundlePath = directory.path();
+    options.collectorUrl = "http://127.0.0.1:8080/";
+    options.clock = &clock;
+    options.mainLoop = &loop;
+    options.logSink = [&logged](int, std::string_view text) { logged = text; };
+    options.urlOpener = [](const std::string& url) { return url == "https://a"; };
+    const bool isFirst = installLinuxPlatform(options);
+    const bool isSecond = installLinuxPlatform();
+    Platform& platform = Platform::current();
+    platform.log.write(0, "line");
+    const bool isRight = isFirst && !isSecond && platform.files.documentsDirectory() == "/data/tv.app/Documents" &&
+                         platform.bundle.infoText("KesuOverrideServer") == "http://127.0.0.1:8080/" &&
+                         platform.clock.now() == clock.now() && &MainLoop::shared() == &loop && logged == "line" &&
+                         platform.urlOpener.open("https://a") && !platform.urlOpener.open("https://b");
+    std::exit(isRight ? 0 : 1);
+  };
+  EXPECT_EXIT(run(), ::testing::ExitedWithCode(0), "");
+}
+
+}  // namespace
+}  // namespace kesu
