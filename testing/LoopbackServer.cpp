@@ -5,6 +5,7 @@
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <openssl/ssl.h>
+#include <poll.h>
 #include <strings.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -23,6 +24,7 @@ namespace {
 
 constexpr std::size_t kReadSize = 16 * 1024;
 constexpr int kBacklog = 1024;
+constexpr int kMaxWaitForBytesMs = 1000;
 
 void require(bool condition, const char* what) {
   if (!condition) {
@@ -364,16 +366,25 @@ void LoopbackServer::acceptConnections(int listener) {
   }
 }
 
+// Returns whether the connection is to be reset.
+bool LoopbackServer::countConnection() {
+  const MutexLock lock(mutex_);
+  ++connectionCount_;
+  return resetOnAccept_;
+}
+
 void LoopbackServer::addConnection(int socket) {
   setFlag(socket, IPPROTO_TCP, TCP_NODELAY);
-  std::list<std::unique_ptr<Connection>> gone;  // Joined after the mutex is free.
-  const MutexLock lock(mutex_);
-  const std::size_t index = connectionCount_++;
-  if (resetOnAccept_ || stopping_) {
+  if (countConnection()) {
+    pollfd firstBytes{socket, POLLIN, 0};  // A connection that is reset at once may look refused.
+    ::poll(&firstBytes, 1, kMaxWaitForBytesMs);
     resetOnClose(socket);
     ::close(socket);
     return;
   }
+  std::list<std::unique_ptr<Connection>> gone;  // Joined after the mutex is free.
+  const MutexLock lock(mutex_);
+  const std::size_t index = connectionCount_ - 1;
   for (auto entry = connections_.begin(); entry != connections_.end();) {
     const auto next = std::next(entry);
     if ((*entry)->finished) {

@@ -87,7 +87,7 @@ class LoopbackServer {
   void setDefault(ServerAction action);
   void onPath(const std::string& path, ServerAction action);
   void script(ServerAction action);
-  /// From now on connections are broken with RST as soon as they come, before anything is read.
+  /// From now on connections are broken with RST as soon as the first bytes are there, which stay unread.
   void setResetOnAccept(bool reset);
 
   std::vector<ServedRequest> requests();
@@ -103,6 +103,7 @@ class LoopbackServer {
 
   void reservePort();
   void acceptConnections(int listener);
+  bool countConnection();
   void addConnection(int socket);
   void serve(Connection& connection);
   ServerAction take(ServedRequest request);

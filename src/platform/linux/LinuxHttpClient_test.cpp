@@ -418,6 +418,7 @@ TEST_F(LinuxHttpClientTest, ForkedChildLeavesTheClientAlone) {
   std::atexit([] {
     loop->drain(20);
     std::fprintf(stderr, "cancelled %zu", exchange->count(HttpError::Cancelled));
+    server->stop();
   });
   server->setDefault(ServerAction::hang());
   for (int i = 0; i < 50; ++i) {
