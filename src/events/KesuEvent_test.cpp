@@ -6,41 +6,18 @@
 
 #include <limits>
 
-#include "events/EventPoster.h"
 #include "records/TimeReference.h"
 #include "support/KesuPriorityLogger.h"
+#include "testing/RecordingPoster.h"
 #include "testing/ScopedPlatform.h"
 
 namespace kesu {
 namespace {
 
-/// Keeps what it is handed: the destination letter and the record.
-class RecordingPoster : public EventPoster {
- public:
-  bool isSDKInitialized() override { return initialized; }
-  void updateEvent(const std::string& name) override { flow.push_back(name); }
-  void updateScreenFlowForScenes(const std::string& name, double /*seconds*/) override { flow.push_back(name); }
-  void postAppEvent(Dictionary record) override { posted.emplace_back('e', std::move(record)); }
-  void postAppEventToTableM(Dictionary record) override { posted.emplace_back('m', std::move(record)); }
-  void postAppEventToTableU(Dictionary record) override { posted.emplace_back('u', std::move(record)); }
-  void postActivationTrait(Dictionary record) override { posted.emplace_back('t', std::move(record)); }
-
-  bool initialized = true;
-  std::vector<std::string> flow;
-  std::vector<std::pair<char, Dictionary>> posted;
-};
-
-RecordingPoster* currentPoster = nullptr;
-
 class EventTest : public ::testing::Test {
  protected:
-  EventTest() {
-    currentPoster = &poster;
-    EventPoster::setProvider([]() -> EventPoster& { return *currentPoster; });
-  }
-
   testing::ScopedPlatform platform;
-  RecordingPoster poster;
+  testing::RecordingPoster poster;
 };
 
 TEST_F(EventTest, PostsTheNameAsGivenOverAHostsAttribute) {
