@@ -30,16 +30,29 @@ void postSms(const ScriptLine& line) {
 
 }  // namespace
 
-ScriptHost::ScriptHost() {
+ScriptHost::ScriptHost(ScriptClock& clock) : clock_(clock) {
+  addLifeCycle();
+  addEvents();
+  addUser();
+  addScript();
+}
+
+void ScriptHost::addLifeCycle() {
   kesu::Application& application = kesu::Application::shared();
   table_["init"] = initialise;
-  table_["loglevel"] = [](const ScriptLine& line) {
-    kesu::Kesu::logThrottling(static_cast<std::int64_t>(line.number(0).value_or(0)));
-  };
   table_["launch"] = [&application](const ScriptLine&) { application.didFinishLaunching(); };
   table_["background"] = [&application](const ScriptLine&) { application.didEnterBackground(); };
-  table_["foreground"] = [&application](const ScriptLine&) { application.willEnterForeground(); };
+  table_["resume"] = [&application](const ScriptLine&) { application.willEnterForeground(); };
   table_["terminate"] = [&application](const ScriptLine&) { application.willTerminate(); };
+  table_["locale"] = [&application](const ScriptLine&) { application.localeDidChange(); };
+  table_["appear"] = [](const ScriptLine& line) { kesu::screenAppeared(line.word(0)); };
+  table_["disappear"] = [](const ScriptLine& line) { kesu::screenDisappeared(line.word(0)); };
+  table_["scene"] = [](const ScriptLine& line) {
+    kesu::Kesu::updateScreenFlowForScenesWithName(line.word(0), line.number(1).value_or(0.0));
+  };
+}
+
+void ScriptHost::addEvents() {
   table_["event"] = [](const ScriptLine& line) {
     kesu::KesuCustomEvent::postWithEventName(line.word(0), line.attributes);
   };
@@ -54,7 +67,32 @@ ScriptHost::ScriptHost() {
       kesu::KesuCustomEvent::postWithEventName(line.word(0), {{"number", i}});
     }
   };
+}
+
+void ScriptHost::addUser() {
+  table_["uid"] = [](const ScriptLine& line) {
+    if (line.words.empty()) {
+      kesu::Kesu::resetUserIdentifer();
+    } else {
+      kesu::Kesu::setUserIdentifer(line.word(0));
+    }
+  };
+  table_["traits"] = [](const ScriptLine& line) { kesu::KesuIdentity::postTraits(line.attributes); };
+  table_["token"] = [](const ScriptLine& line) {
+    const std::string bytes = line.word(0);
+    kesu::Kesu::setRemoteNotificationDeviceToken(kesu::Data(bytes.begin(), bytes.end()));
+  };
+  table_["push"] = [](const ScriptLine& line) {
+    kesu::Kesu::processReceivedRemoteNotificationWithId(line.word(0), line.attributes);
+  };
+}
+
+void ScriptHost::addScript() {
+  table_["loglevel"] = [](const ScriptLine& line) {
+    kesu::Kesu::logThrottling(static_cast<std::int64_t>(line.number(0).value_or(0)));
+  };
   table_["pump"] = [](const ScriptLine& line) { pumpFor(line.number(0).value_or(kDefaultPumpSeconds)); };
+  table_["clock"] = [this](const ScriptLine& line) { clock_.move(line.number(0).value_or(0.0)); };
   table_["say"] = [](const ScriptLine& line) {
     std::printf("tv_app: %s\n", line.word(0).c_str());
     std::fflush(stdout);
@@ -63,19 +101,30 @@ ScriptHost::ScriptHost() {
 }
 
 const char* ScriptHost::commands() {
-  return "  init KEY [LOGLEVEL]   initialise the library\n"
-         "  loglevel N            change the log threshold\n"
+  return "Life cycle\n"
+         "  init KEY [LOGLEVEL]   initialise the library\n"
          "  launch                report the finished launch\n"
-         "  background            report that the application went to the background\n"
-         "  foreground            report that it comes back\n"
+         "  background, resume    report that the application leaves the screen, and that it comes back\n"
          "  terminate             report the end of the process\n"
+         "  locale                report that the locale has changed\n"
+         "  appear NAME           a screen appears; \"disappear NAME\" ends it\n"
+         "  scene NAME SECONDS    add to the scene flow\n"
+         "Events\n"
          "  event NAME k=v ...    post an event\n"
          "  start NAME            take a timer reference\n"
          "  timed NAME k=v ...    post an event with the seconds since \"start NAME\"\n"
          "  sms NAME k=v ...      post a record to the table of SMS records\n"
          "  activation k=v ...    report an activation of the host's own\n"
          "  burst NAME COUNT      post COUNT events at once\n"
+         "User\n"
+         "  uid [ID]              set the user identifier, or reset it\n"
+         "  traits k=v ...        post traits of the user\n"
+         "  token BYTES           report the token for push notifications\n"
+         "  push [ID] k=v ...     report a push notification with these entries (mid, cid)\n"
+         "Script\n"
          "  pump SECONDS          run the main loop for so long\n"
+         "  clock +SECONDS        move the clock\n"
+         "  loglevel N            change the log threshold\n"
          "  say TEXT              print a line\n"
          "  quit                  end without further word, as a plain return from main() does\n";
 }

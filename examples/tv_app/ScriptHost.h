@@ -4,6 +4,7 @@
 #include <map>
 #include <string>
 
+#include "ScriptClock.h"
 #include "ScriptLine.h"
 
 namespace tv {
@@ -12,7 +13,8 @@ namespace tv {
 /// pumped in between.
 class ScriptHost {
  public:
-  ScriptHost();
+  /// `clock` is the one that the library uses; it must outlive the host.
+  explicit ScriptHost(ScriptClock& clock);
 
   /// Does one line. False, with a reason in error(), for an unknown command or misuse of the library.
   bool perform(const ScriptLine& line);
@@ -31,6 +33,12 @@ class ScriptHost {
  private:
   using Command = std::function<void(const ScriptLine&)>;
 
+  void addLifeCycle();
+  void addEvents();
+  void addUser();
+  void addScript();
+
+  ScriptClock& clock_;
   std::map<std::string, Command> table_;
   std::map<std::string, double> timers_;  // Name -> timer reference.
   bool hasQuit_ = false;

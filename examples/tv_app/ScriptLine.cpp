@@ -1,6 +1,7 @@
 #include "ScriptLine.h"
 
 #include <charconv>
+#include <utility>
 
 namespace tv {
 namespace {
@@ -40,9 +41,11 @@ std::string ScriptLine::word(std::size_t i, const std::string& fallback) const {
 
 std::optional<double> ScriptLine::number(std::size_t i) const {
   const std::string text = word(i);
+  const char* begin = text.data() + (text.starts_with('+') ? 1 : 0);
+  const char* const textEnd = text.data() + text.size();
   double number = 0.0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  return error == std::errc() && end == text.data() + text.size() ? std::optional(number) : std::nullopt;
+  const auto [end, error] = std::from_chars(begin, textEnd, number);
+  return error == std::errc() && end == textEnd ? std::optional(number) : std::nullopt;
 }
 
 ScriptLine parseScriptLine(const std::string& line) {

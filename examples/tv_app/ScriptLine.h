@@ -18,7 +18,7 @@ struct ScriptLine {
   /// The i-th word, or `fallback` when there are fewer.
   std::string word(std::size_t i, const std::string& fallback = "") const;
 
-  /// The i-th word as a number; nothing when it is missing or none.
+  /// The i-th word as a number, with or without "+"; nothing when it is missing or none.
   std::optional<double> number(std::size_t i) const;
 };
 

@@ -76,6 +76,10 @@ int main(int argc, char** argv) {
                 tv::ScriptHost::commands());
     return argc == 2 && std::strcmp(argv[1], "--help") == 0 ? 0 : kMisuse;
   }
-  tv::ScriptHost host;
+  tv::ScriptClock clock;
+  kesu::PlatformOptions options;
+  options.clock = &clock;
+  kesu::installLinuxPlatform(options);
+  tv::ScriptHost host(clock);
   return std::strcmp(argv[2], "-") == 0 ? performInput(host) : performFile(host, argv[2]);
 }

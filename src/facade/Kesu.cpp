@@ -47,4 +47,34 @@ bool Kesu::IsProductionMode() {
   return wiring().settings.isProductionMode();
 }
 
+void Kesu::setUserIdentifer(const Object& identifier) {
+  KesuIdentity::setUserIdentifer(identifier);
+}
+
+void Kesu::resetUserIdentifer() {
+  KesuIdentity::resetUserIdentifer();
+}
+
+void Kesu::updateScreenFlowForScenesWithName(const Object& name, double seconds) {
+  if (const std::string* text = name ? name->text() : nullptr) {
+    wiring().manager.updateScreenFlowForScenes(*text, seconds);
+  }
+}
+
+std::string Kesu::hash(const std::string& text) {
+  return hashStr(text) + "##";
+}
+
+void Kesu::setRemoteNotificationDeviceToken(const Data& token) {
+  wiring().manager.remoteNotifications().setRemoteNotificationDeviceToken(token);
+}
+
+void Kesu::processReceivedRemoteNotification(const Dictionary& userInfo) {
+  processReceivedRemoteNotificationWithId(nil, userInfo);
+}
+
+void Kesu::processReceivedRemoteNotificationWithId(const Object& identifier, const Dictionary& userInfo) {
+  wiring().manager.remoteNotifications().processReceivedRemoteNotification(identifier, userInfo);
+}
+
 }  // namespace kesu
