@@ -5,15 +5,13 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cmath>
-#include <cstdio>
 #include <cstdlib>
-#include <limits>
 #include <optional>
 #include <system_error>
 
 #include "foundation/PropertyList.h"
 #include "platform/linux/LinuxFiles.h"
+#include "platform/linux/StoredValue.h"
 
 namespace kesu {
 namespace {
@@ -30,98 +28,17 @@ constexpr char kConfigure[] =
 
 constexpr char kMakeTables[] =
     "BEGIN IMMEDIATE;"
-    "CREATE TABLE IF NOT EXISTS entry(number INTEGER PRIMARY KEY, key TEXT NOT NULL UNIQUE, kind INTEGER NOT NULL,"
-    " value);"
+    "CREATE TABLE IF NOT EXISTS entry(key TEXT PRIMARY KEY NOT NULL, number INTEGER NOT NULL, kind INTEGER NOT NULL,"
+    " value) WITHOUT ROWID;"
     "CREATE TABLE IF NOT EXISTS suffix(id INTEGER PRIMARY KEY, text TEXT NOT NULL);"
     "PRAGMA user_version=1;"
     "COMMIT";
 
-// The suffix rows of the entry with number n have the ids from n << 32 on.
+// The suffix rows of the entry with number n have the ids from n << 32 on. Numbers are drawn at random: then two
+// processes that share the file do not give the same one.
 constexpr int kNumberShift = 32;
-constexpr std::int64_t kLastNumber = std::int64_t{1} << 30;
+constexpr std::uint32_t kNumberMask = 0x7fffffff;
 constexpr std::int64_t kSuffixesPerEntry = std::int64_t{1} << kNumberShift;
-
-// The column "kind". Written to disk: never renumber.
-enum class StoredKind : int { Bool = 1, Integer = 2, Real = 3, Text = 4, Data = 5, Date = 6, PropertyList = 7 };
-
-StoredKind storedKind(const Value& value) {
-  switch (value.kind()) {
-    case Value::Kind::Bool:
-      return StoredKind::Bool;
-    case Value::Kind::Integer:
-      return StoredKind::Integer;
-    case Value::Kind::Real:
-      return StoredKind::Real;
-    case Value::Kind::Text:
-      return StoredKind::Text;
-    case Value::Kind::Data:
-      return StoredKind::Data;
-    case Value::Kind::Date:
-      return StoredKind::Date;
-    case Value::Kind::Null:
-    case Value::Kind::Array:
-    case Value::Kind::Dictionary:
-      break;
-  }
-  return StoredKind::PropertyList;
-}
-
-void bindText(sqlite3_stmt* statement, int position, std::string_view text) {
-  // A null pointer would be stored as NULL, also for an empty text.
-  const char* bytes = text.data() != nullptr ? text.data() : "";
-  sqlite3_bind_text64(statement, position, bytes, text.size(), SQLITE_STATIC, SQLITE_UTF8);
-}
-
-void bindValue(sqlite3_stmt* statement, int position, const Value& value, const std::string& listText) {
-  if (const bool* flag = value.boolean()) {
-    sqlite3_bind_int(statement, position, *flag ? 1 : 0);
-  } else if (const std::int64_t* integer = value.integer()) {
-    sqlite3_bind_int64(statement, position, *integer);
-  } else if (const double* real = value.real()) {
-    sqlite3_bind_double(statement, position, *real);  // NaN becomes NULL.
-  } else if (const Date* date = value.date()) {
-    sqlite3_bind_double(statement, position, date->secondsSince1970);
-  } else if (const Data* data = value.data()) {
-    sqlite3_bind_blob64(statement, position, data->data(), data->size(), SQLITE_STATIC);  // Empty becomes NULL.
-  } else {
-    bindText(statement, position, value.text() != nullptr ? *value.text() : listText);
-  }
-}
-
-std::string_view columnBytes(sqlite3_stmt* row, int column) {
-  const void* bytes = sqlite3_column_blob(row, column);
-  return {static_cast<const char*>(bytes),
-          bytes != nullptr ? static_cast<std::size_t>(sqlite3_column_bytes(row, column)) : 0};
-}
-
-// NULL stands for NaN.
-double columnReal(sqlite3_stmt* row, int column) {
-  return sqlite3_column_type(row, column) == SQLITE_NULL ? std::numeric_limits<double>::quiet_NaN()
-                                                         : sqlite3_column_double(row, column);
-}
-
-std::optional<Value> columnValue(sqlite3_stmt* row, int kindColumn, int column) {
-  // Bytes are asked for only where bytes are stored: asking turns a number into text, in place.
-  switch (static_cast<StoredKind>(sqlite3_column_int(row, kindColumn))) {
-    case StoredKind::Bool:
-      return Value(sqlite3_column_int(row, column) != 0);
-    case StoredKind::Integer:
-      return Value(std::int64_t{sqlite3_column_int64(row, column)});
-    case StoredKind::Real:
-      return Value(columnReal(row, column));
-    case StoredKind::Text:
-      return Value(columnBytes(row, column));
-    case StoredKind::Data: {
-      const std::string_view bytes = columnBytes(row, column);
-      return Value(Data(bytes.begin(), bytes.end()));
-    }
-    case StoredKind::Date:
-      return Value(Date{columnReal(row, column)});
-    case StoredKind::PropertyList:
-      return parsePropertyList(columnBytes(row, column));
-  }
-  return std::nullopt;
-}
 
 // A path as part of a "file:" name, where "?", "#" and "%" have a meaning.
 std::string escaped(const std::string& path) {
@@ -207,7 +124,7 @@ StoreStatus DefaultsStore::connect(const std::string& name, int flags) {
 StoreStatus DefaultsStore::openWritable(LoadedEntries& entries) {
   StoreStatus status = connect(path_, SQLITE_OPEN_READWRITE);
   if (status == StoreStatus::Ok && sqlite3_db_readonly(database_.get(), "main") != 0) {
-    return failed(SQLITE_READONLY);
+    return failedWith(EROFS);
   }
   if (status == StoreStatus::Ok) {
     status = execute(kConfigure);
@@ -225,7 +142,24 @@ StoreStatus DefaultsStore::openWritable(LoadedEntries& entries) {
   if (status == StoreStatus::Ok) {
     status = load(entries);
   }
+  if (status == StoreStatus::Ok) {
+    status = check();
+  }
   return status == StoreStatus::Ok ? prepareStatements() : status;
+}
+
+// Damage that reading did not meet, such as overlapping free space, would cost what is written next. Takes some 50 us.
+StoreStatus DefaultsStore::check() {
+  SqliteStatement rows;
+  const StoreStatus status = prepare("PRAGMA quick_check(1)", rows);
+  if (status != StoreStatus::Ok) {
+    return status;
+  }
+  const int code = sqlite3_step(rows.get());
+  if (code != SQLITE_ROW) {
+    return failed(code);
+  }
+  return columnBytes(rows.get(), 0) == "ok" ? StoreStatus::Ok : failed(SQLITE_CORRUPT);
 }
 
 StoreStatus DefaultsStore::openReadOnly(LoadedEntries& entries) {
@@ -274,9 +208,10 @@ StoreStatus DefaultsStore::prepareStatements() {
       {"COMMIT", statements_.commit},
       {"ROLLBACK", statements_.rollback},
       {"SELECT count(*) FROM sqlite_schema", statements_.hold},
-      {"INSERT INTO entry(key, kind, value) VALUES(?1, ?2, ?3)"
+      {"INSERT INTO entry(key, kind, value, number) VALUES(?1, ?2, ?3, ?4)"
        " ON CONFLICT(key) DO UPDATE SET kind=excluded.kind, value=excluded.value RETURNING number",
        statements_.put},
+      {"UPDATE entry SET kind=?2, value=?3 WHERE key=?1", statements_.update},
       {"DELETE FROM entry WHERE key=?1 RETURNING number", statements_.remove},
       {"DELETE FROM suffix WHERE id BETWEEN ?1 AND ?2", statements_.removeSuffixes},
       {"SELECT number FROM entry WHERE key=?1", statements_.numberOf},
@@ -294,21 +229,21 @@ StoreStatus DefaultsStore::prepareStatements() {
 
 StoreStatus DefaultsStore::load(LoadedEntries& entries) {
   SqliteStatement rows;
-  const StoreStatus status = prepare("SELECT number, key, kind, value FROM entry ORDER BY number", rows);
+  const StoreStatus status = prepare("SELECT key, number, kind, value FROM entry ORDER BY key", rows);
   if (status != StoreStatus::Ok) {
     return status;
   }
   int code = SQLITE_ROW;
-  std::int64_t last = 0;
+  std::optional<std::string> last;
   while ((code = sqlite3_step(rows.get())) == SQLITE_ROW) {
-    const std::int64_t number = sqlite3_column_int64(rows.get(), 0);
-    // Rows out of order: pages linked in a circle would be read for ever.
-    if (number <= last || number > kLastNumber) {
+    std::string key(columnBytes(rows.get(), 0));
+    // Out of order, a key may not be found again; and pages linked in a circle would be read for ever.
+    if (last && key <= *last) {
       return failed(SQLITE_CORRUPT);
     }
-    last = number;
-    if (std::optional<Value> value = columnValue(rows.get(), 2, 3)) {
-      entries.push_back({number, std::string(columnBytes(rows.get(), 1)), std::move(*value)});
+    last = key;
+    if (std::optional<Value> value = columnValue(rows.get(), 2)) {
+      entries.push_back({sqlite3_column_int64(rows.get(), 1), std::move(key), std::move(*value)});
     } else {
       ++unreadableCount_;
     }
@@ -358,17 +293,21 @@ StoreStatus DefaultsStore::write(const std::vector<StoreChange>& changes) {
 }
 
 StoreStatus DefaultsStore::writeOnce(const std::vector<StoreChange>& changes) {
-  const StoreChange& first = changes.front();
-  // A lone append to a known row is one statement, which is a transaction of its own.
-  const bool isLone =
-      changes.size() == 1 && first.kind == StoreChange::Kind::Append && tails_.find(first.key) != tails_.end();
-  const StoreStatus status = isLone ? apply(first) : writeTransaction(changes);
+  // A lone statement is a transaction of its own.
+  const bool isLone = changes.size() == 1 && isOneStatement(changes.front());
+  const StoreStatus status = isLone ? apply(changes.front()) : writeTransaction(changes);
   if (status != StoreStatus::Ok) {
     for (const StoreChange& change : changes) {
-      forgetTail(change.key);
+      forget(change.key);
     }
   }
   return status;
+}
+
+bool DefaultsStore::isOneStatement(const StoreChange& change) const {
+  const auto known = rows_.find(change.key);
+  return known != rows_.end() && (change.kind == StoreChange::Kind::Append ||
+                                  (change.kind == StoreChange::Kind::Put && !known->second.hasSuffixes));
 }
 
 StoreStatus DefaultsStore::writeTransaction(const std::vector<StoreChange>& changes) {
@@ -390,10 +329,9 @@ StoreStatus DefaultsStore::writeTransaction(const std::vector<StoreChange>& chan
 }
 
 StoreStatus DefaultsStore::apply(const StoreChange& change) {
-  std::int64_t number = 0;
   switch (change.kind) {
     case StoreChange::Kind::Put:
-      return put(change.key, change.value, change.text, number);
+      return put(change.key, change.value, change.text);
     case StoreChange::Kind::Remove:
       return remove(change.key);
     case StoreChange::Kind::Append:
@@ -402,28 +340,39 @@ StoreStatus DefaultsStore::apply(const StoreChange& change) {
   return append(change.key, change.text);
 }
 
-StoreStatus DefaultsStore::put(std::string_view key, const Value& value, const std::string& listText,
-                               std::int64_t& number) {
-  forgetTail(key);
-  sqlite3_stmt* const put = statements_.put.get();
-  const StoredKind kind = storedKind(value);
-  std::optional<std::string> list;
-  if (kind == StoredKind::PropertyList && listText.empty()) {
-    list = writePropertyList(value);
+StoreStatus DefaultsStore::put(std::string_view key, const Value& value, const std::string& listText) {
+  const bool needsList = listText.empty() && (value.array() != nullptr || value.dictionary() != nullptr);
+  const std::string list = needsList ? writePropertyList(value).value_or(std::string()) : std::string();
+  const auto known = rows_.find(key);
+  if (known != rows_.end() && !known->second.hasSuffixes) {
+    bindText(statements_.update.get(), 1, key);
+    bindValue(statements_.update.get(), 2, value, needsList ? list : listText);
+    const StoreStatus status = run(statements_.update.get());
+    // No row is there when another process has removed the key.
+    if (status != StoreStatus::Ok || sqlite3_changes(database_.get()) > 0) {
+      return status;
+    }
   }
-  bindText(put, 1, key);
-  sqlite3_bind_int(put, 2, static_cast<int>(kind));
-  bindValue(put, 3, value, list ? *list : listText);
-  const StoreStatus status = run(put, &number);
-  return status == StoreStatus::Ok ? removeSuffixes(number) : status;
+  std::uint32_t drawn = 0;
+  sqlite3_randomness(sizeof(drawn), &drawn);
+  std::int64_t number = drawn & kNumberMask;
+  bindText(statements_.put.get(), 1, key);
+  bindValue(statements_.put.get(), 2, value, needsList ? list : listText);
+  sqlite3_bind_int64(statements_.put.get(), 4, number);
+  StoreStatus status = run(statements_.put.get(), &number);
+  if (status == StoreStatus::Ok) {
+    status = removeSuffixes(number);
+  }
+  rows_.insert_or_assign(std::string(key), Rows{false, number << kNumberShift, {}});
+  return status;
 }
 
 StoreStatus DefaultsStore::remove(std::string_view key) {
-  forgetTail(key);
-  std::int64_t number = 0;
+  forget(key);
+  std::int64_t number = -1;
   bindText(statements_.remove.get(), 1, key);
   const StoreStatus status = run(statements_.remove.get(), &number);
-  return status == StoreStatus::Ok && number != 0 ? removeSuffixes(number) : status;
+  return status == StoreStatus::Ok && number >= 0 ? removeSuffixes(number) : status;
 }
 
 StoreStatus DefaultsStore::removeSuffixes(std::int64_t number) {
@@ -434,44 +383,46 @@ StoreStatus DefaultsStore::removeSuffixes(std::int64_t number) {
 }
 
 StoreStatus DefaultsStore::append(std::string_view key, std::string_view suffix) {
-  auto tail = tails_.find(key);
-  const StoreStatus found = tail == tails_.end() ? findTail(key, tail) : StoreStatus::Ok;
-  if (found != StoreStatus::Ok) {
-    return found;
+  auto known = rows_.find(key);
+  if (known == rows_.end()) {
+    const StoreStatus found = findRows(key);
+    if (found != StoreStatus::Ok) {
+      return found;
+    }
+    known = rows_.find(key);
   }
-  tail->second.text.append(suffix);
-  sqlite3_bind_int64(statements_.append.get(), 1, tail->second.row);
-  bindText(statements_.append.get(), 2, tail->second.text);
+  Rows& rows = known->second;
+  rows.hasSuffixes = true;
+  rows.tailText.append(suffix);
+  sqlite3_bind_int64(statements_.append.get(), 1, rows.tail);
+  bindText(statements_.append.get(), 2, rows.tailText);
   const StoreStatus status = run(statements_.append.get());
-  if (tail->second.text.size() >= kSuffixBytes) {
-    ++tail->second.row;
-    tail->second.text.clear();
+  if (rows.tailText.size() >= kSuffixBytes) {
+    ++rows.tail;
+    rows.tailText.clear();
   }
   return status;
 }
 
-StoreStatus DefaultsStore::findTail(std::string_view key, Tails::iterator& tail) {
-  std::int64_t number = 0;
+StoreStatus DefaultsStore::findRows(std::string_view key) {
+  std::int64_t number = -1;
   bindText(statements_.numberOf.get(), 1, key);
   StoreStatus status = run(statements_.numberOf.get(), &number);
-  if (status == StoreStatus::Ok && number == 0) {  // Another process removed the key.
-    status = put(key, Value(""), {}, number);
-  }
-  if (status != StoreStatus::Ok) {
-    return status;
+  if (status != StoreStatus::Ok || number < 0) {
+    return status != StoreStatus::Ok ? status : put(key, Value(""), {});  // Another process removed the key.
   }
   const std::int64_t first = number << kNumberShift;
   std::int64_t last = first - 1;
   sqlite3_bind_int64(statements_.lastSuffix.get(), 1, first);
   sqlite3_bind_int64(statements_.lastSuffix.get(), 2, first + kSuffixesPerEntry - 1);
   status = run(statements_.lastSuffix.get(), &last);
-  tail = tails_.insert_or_assign(std::string(key), Tail{last + 1, {}}).first;
+  rows_.insert_or_assign(std::string(key), Rows{true, last + 1, {}});
   return status;
 }
 
-void DefaultsStore::forgetTail(std::string_view key) {
-  if (const auto tail = tails_.find(key); tail != tails_.end()) {
-    tails_.erase(tail);
+void DefaultsStore::forget(std::string_view key) {
+  if (const auto known = rows_.find(key); known != rows_.end()) {
+    rows_.erase(known);
   }
 }
 
@@ -527,7 +478,7 @@ void DefaultsStore::noteCommit() {
 void DefaultsStore::close() {
   statements_ = {};
   holdsJournal_ = false;
-  tails_.clear();
+  rows_.clear();
   if (database_) {
     // Closing may move the journal into the file.
     sqlite3_exec(database_.get(), "PRAGMA synchronous=NORMAL", nullptr, nullptr, nullptr);
@@ -563,6 +514,9 @@ StoreStatus DefaultsStore::run(sqlite3_stmt* statement, std::int64_t* number) {
 
 StoreStatus DefaultsStore::failed(int code) {
   failureText_ = sqlite3_errstr(code);
+  if (code == SQLITE_READONLY) {
+    return StoreStatus::Corrupt;  // Asked whether the file may be written, the system said yes: its header forbids it.
+  }
   switch (code & 0xff) {
     case SQLITE_BUSY:
     case SQLITE_LOCKED:

@@ -102,15 +102,16 @@ class DefaultsStore {
   const std::string& failureText() const { return failureText_; }
 
  private:
-  /// Where the next append to a text goes.
-  struct Tail {
-    std::int64_t row = 0;
-    std::string text;  // What that row holds already.
+  /// What is known of the rows of a key.
+  struct Rows {
+    bool hasSuffixes = false;
+    std::int64_t tail = 0;  // Id of the suffix row that the next append goes to.
+    std::string tailText;   // What that row holds already.
   };
-  using Tails = std::map<std::string, Tail, std::less<>>;
+  using KnownRows = std::map<std::string, Rows, std::less<>>;
 
   struct Statements {
-    SqliteStatement begin, commit, rollback, hold, put, remove, removeSuffixes, numberOf, lastSuffix, append;
+    SqliteStatement begin, commit, rollback, hold, put, update, remove, removeSuffixes, numberOf, lastSuffix, append;
   };
 
   struct LoadedEntry {
@@ -125,6 +126,7 @@ class DefaultsStore {
   StoreStatus openWritable(LoadedEntries& entries);
   StoreStatus openReadOnly(LoadedEntries& entries);
   StoreStatus makeTables();
+  StoreStatus check();
   StoreStatus prepareStatements();
   StoreStatus load(LoadedEntries& entries);
   StoreStatus loadSuffixes(LoadedEntries& entries);
@@ -132,10 +134,11 @@ class DefaultsStore {
   StoreStatus writeOnce(const std::vector<StoreChange>& changes);
   StoreStatus writeTransaction(const std::vector<StoreChange>& changes);
   StoreStatus apply(const StoreChange& change);
-  StoreStatus put(std::string_view key, const Value& value, const std::string& listText, std::int64_t& number);
+  bool isOneStatement(const StoreChange& change) const;
+  StoreStatus put(std::string_view key, const Value& value, const std::string& listText);
   StoreStatus remove(std::string_view key);
   StoreStatus append(std::string_view key, std::string_view suffix);
-  StoreStatus findTail(std::string_view key, Tails::iterator& tail);
+  StoreStatus findRows(std::string_view key);
   StoreStatus removeSuffixes(std::int64_t number);
 
   StoreStatus prepare(const char* sql, SqliteStatement& statement);
@@ -144,7 +147,7 @@ class DefaultsStore {
   StoreStatus failed(int code);
   StoreStatus failedWith(int error);
   void shareJournalIfReleased();
-  void forgetTail(std::string_view key);
+  void forget(std::string_view key);
   void noteCommit();
   void close();
 
@@ -153,7 +156,7 @@ class DefaultsStore {
   std::string path_;
   SqliteDatabase database_;
   Statements statements_;  // After the database: they are destroyed first.
-  Tails tails_;
+  KnownRows rows_;
   std::string failureText_;
   int unreadableCount_ = 0;
   std::uint64_t commitCount_ = 0;

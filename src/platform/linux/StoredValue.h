@@ -1,0 +1,29 @@
+#pragma once
+
+#include <kesu/foundation/Value.h>
+#include <sqlite3.h>
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace kesu {
+
+// How a value lies in two columns of the user defaults: its kind, and its content in the database's own form. Arrays
+// and dictionaries are property lists. This file owns the format. Pointers that are bound must stay valid until the
+// statement was run.
+
+/// Binds a text, which may be empty and may hold any byte.
+void bindText(sqlite3_stmt* statement, int position, std::string_view text);
+
+/// Binds the kind at `kindPosition` and the content at the position after it. `listText` is the property list of an
+/// array or dictionary, and not looked at for other kinds.
+void bindValue(sqlite3_stmt* statement, int kindPosition, const Value& value, const std::string& listText);
+
+/// The bytes of a text or blob column. Valid until the next step.
+std::string_view columnBytes(sqlite3_stmt* row, int column);
+
+/// The value in `kindColumn` and the column after it; nothing when they do not make sense.
+std::optional<Value> columnValue(sqlite3_stmt* row, int kindColumn);
+
+}  // namespace kesu
