@@ -1,0 +1,104 @@
+#pragma once
+
+#include <kesu/kesu.h>
+#include <poll.h>
+
+#include <chrono>
+#include <functional>
+#include <string>
+
+#include "foundation/SharedInstance.h"
+#include "platform/linux/LinuxBackgroundQueue.h"
+#include "platform/linux/LinuxClock.h"
+#include "platform/linux/LinuxFiles.h"
+#include "platform/linux/LinuxHttpClient.h"
+#include "platform/linux/LinuxMainLoop.h"
+#include "platform/linux/LinuxRandom.h"
+#include "platform/linux/LinuxReachabilitySource.h"
+#include "platform/linux/LinuxUserDefaults.h"
+#include "testing/FakeBundle.h"
+#include "testing/FakeDeviceFacts.h"
+#include "testing/FakeLocale.h"
+#include "testing/RecordingLog.h"
+#include "testing/RecordingUrlOpener.h"
+
+namespace kesu::testing {
+
+/// The library on the real Linux services, but for what a test has to know beforehand (bundle, locale, device). The
+/// home directory is the test's. Takes the library down when it ends, as the end of the process does.
+class RealPlatform {
+ public:
+  RealPlatform(const std::string& home, const std::string& collectorUrl, LinuxHttpClientOptions options = {})
+      : files(home), defaults(files.preferencesDirectory()), http(mainLoop, std::move(options)) {
+    bundle.dictionary = {{"KesuOverrideServer", collectorUrl}, {"CFBundleShortVersionString", "1.0"}};
+    http.setConnectObserver([this](const std::string& host, int port, bool connected) {
+      reachability.connectionObserved(host, port, connected);
+    });
+    Platform::install(&platform);
+  }
+
+  ~RealPlatform() {
+    background.shutdown(10.0);
+    http.shutdown(0.0);
+    mainLoop.drain(10.0);
+    resetSharedInstances();
+    Platform::install(nullptr);
+  }
+
+  RealPlatform(const RealPlatform&) = delete;
+  RealPlatform& operator=(const RealPlatform&) = delete;
+
+  void launch() {
+    Kesu::initialize("key");
+    Application::shared().didFinishLaunching();
+  }
+
+  /// Pumps until `done()`, at most `seconds`. Returns whether it is.
+  bool pumpUntil(const std::function<bool()>& done, double seconds = 20.0) {
+    const double end = clock.monotonic() + seconds;
+    while (!done()) {
+      if (clock.monotonic() > end) {
+        return false;
+      }
+      pollfd work{.fd = mainLoop.fd(), .events = POLLIN, .revents = 0};
+      ::poll(&work, 1, 10);
+      mainLoop.pump();
+    }
+    return true;
+  }
+
+  /// The paths of all store files.
+  std::vector<std::string> storedFiles() {
+    std::vector<std::string> paths;
+    files.enumerate(files.documentsDirectory(), [&paths](const DirectoryEntry& entry) {
+      paths.push_back(entry.path);
+      return true;
+    });
+    return paths;
+  }
+
+  /// Pumps until everything that was posted so far has had its reply.
+  bool settle() {
+    return pumpUntil(
+        [this] { return background.drain(10.0) && http.pendingCount() == 0 && mainLoop.nextDue() != 0.0; });
+  }
+
+  LinuxClock clock;
+  LinuxRandom random;
+  LinuxFiles files;
+  LinuxUserDefaults defaults;
+  LinuxMainLoop mainLoop;
+  LinuxHttpClient http;
+  LinuxBackgroundQueue background;
+  FakeLocale locale;
+  FakeBundle bundle;
+  LinuxReachabilitySource reachability{mainLoop};
+  FakeDeviceFacts device;
+  RecordingLog log;
+  RecordingUrlOpener urlOpener;
+  NotificationCenter notifications;
+  Platform platform{clock,  random, files,        defaults, http, mainLoop,  background,
+                    locale, bundle, reachability, device,   log,  urlOpener, notifications};
+};
+
+}  // namespace kesu::testing

@@ -1,0 +1,237 @@
+// The road of a record over real HTTP, real files and real user defaults.
+#include <atomic>
+#include <cstdlib>
+#include <map>
+#include <set>
+#include <thread>
+
+#include "foundation/Json.h"
+#include "foundation/PropertyList.h"
+#include "testing/LoopbackServer.h"
+#include "testing/RealPlatform.h"
+#include "testing/TemporaryDirectory.h"
+#include "testing/TestCertificates.h"
+
+namespace kesu {
+namespace {
+
+using testing::LoopbackServer;
+using testing::RealPlatform;
+using testing::ServerAction;
+
+bool longRun() {
+  return std::getenv("KESU_LONG_TESTS") != nullptr;
+}
+
+LinuxHttpClientOptions quickToGiveUp() {
+  LinuxHttpClientOptions options;
+  options.idleTimeoutSeconds = 0.3;
+  return options;
+}
+
+std::string messageIdentifier(const std::string& body) {
+  const auto parsed = parseJson(body);
+  const std::string* identifier = parsed ? parsed->dictionary()->findText("msg_id") : nullptr;
+  return identifier != nullptr ? *identifier : "";
+}
+
+class DeliveryTest : public ::testing::Test {
+ protected:
+  /// Posts one event to a server that acts so; returns how many files are stored afterwards.
+  std::size_t storedAfter(ServerAction action) {
+    testing::TemporaryDirectory home;
+    LoopbackServer server;
+    server.setDefault(std::move(action));
+    RealPlatform platform(home.path(), server.url(), quickToGiveUp());
+    Kesu::initialize("key");
+    KesuCustomEvent::postWithEventName("event");
+    EXPECT_TRUE(platform.settle());
+    return platform.storedFiles().size();
+  }
+
+  testing::TemporaryDirectory home;
+  LoopbackServer server;
+};
+
+TEST_F(DeliveryTest, StoresWhatTheCollectorDidNotTake) {
+  LoopbackServer other;
+  const std::vector<std::tuple<const char*, ServerAction, std::size_t>> rows = {
+      {"200", ServerAction::reply(200, "ok"), 0},
+      {"204", ServerAction::reply(204), 0},
+      {"301 to another host", ServerAction::redirect(301, other.url()), 1},
+      {"307 to another host", ServerAction::redirect(307, other.url()), 1},
+      {"308 in a circle", ServerAction::redirect(308, "/"), 1},
+      {"400", ServerAction::reply(400), 0},
+      {"403", ServerAction::reply(403), 0},
+      {"404", ServerAction::reply(404), 1},
+      {"429", ServerAction::reply(429), 1},
+      {"500", ServerAction::reply(500), 1},
+      {"reset", ServerAction::reset(), 1},
+      {"hang", ServerAction::hang(), 1},
+      {"cut body", ServerAction::cutBody(100, "part"), 1},
+      {"bad gzip", ServerAction::badGzip(), 1},
+      {"100 MB reply", ServerAction::endless(100'000'000), 1}};
+  for (const auto& [name, action, stored] : rows) {
+    EXPECT_EQ(storedAfter(action), stored) << name;
+  }
+  EXPECT_EQ(other.requestCount(), 0U) << "nothing goes to a host that was not named";
+}
+
+TEST_F(DeliveryTest, StoresWhatFindsNoTrustworthyCollector) {
+  testing::TemporaryDirectory certificates;
+  const testing::TestCertificates made(certificates.path());
+  LoopbackServer wrongHost(made.wrongHost().certificateFile, made.wrongHost().keyFile);
+  LoopbackServer selfSigned(made.selfSigned().certificateFile, made.selfSigned().keyFile);
+  server.stop();
+  LinuxHttpClientOptions options;
+  options.caFile = made.caFile();
+  for (const std::string& url : {server.url(), std::string("http://nowhere.invalid/"), wrongHost.url(),
+                                 selfSigned.url(), std::string("ftp://127.0.0.1/"), std::string("no url")}) {
+    testing::TemporaryDirectory ownHome;
+    RealPlatform platform(ownHome.path(), url, options);
+    Kesu::initialize("key");
+    KesuCustomEvent::postWithEventName("event");
+    EXPECT_TRUE(platform.settle()) << url;
+    EXPECT_EQ(platform.storedFiles().size(), 1U) << url;
+  }
+  EXPECT_EQ(wrongHost.requestCount() + selfSigned.requestCount(), 0U);
+}
+
+TEST_F(DeliveryTest, SendsStoredRecordsOnceTheCollectorIsBack) {
+  RealPlatform platform(home.path(), server.url("/collect"));
+  platform.launch();
+  ASSERT_TRUE(platform.settle());
+  const std::size_t before = server.requestCount();
+  server.stop();
+  for (int i = 0; i < 50; ++i) {
+    KesuCustomEvent::postWithEventName("event " + std::to_string(i));
+  }
+  ASSERT_TRUE(platform.pumpUntil([&platform] { return platform.storedFiles().size() == 50; }));
+  server.start();
+  ASSERT_TRUE(platform.pumpUntil([&platform] { return platform.storedFiles().empty(); }));
+  std::set<std::string> identifiers;
+  const auto requests = server.requests();
+  for (std::size_t i = before; i < requests.size(); ++i) {
+    EXPECT_EQ(requests[i].header("t"), "e");
+    identifiers.insert(messageIdentifier(requests[i].body));
+  }
+  EXPECT_EQ(identifiers.size(), 50U);
+  EXPECT_EQ(requests.size(), before + 50U);
+}
+
+TEST_F(DeliveryTest, LosesNothingWhenItEndsInOrder) {
+  server.setRecording(true);
+  const std::vector<std::pair<const char*, ServerAction>> rows = {{"200", ServerAction::reply(200)},
+                                                                  {"hanging", ServerAction::hang()},
+                                                                  {"500", ServerAction::reply(500)},
+                                                                  {"down", ServerAction::reply(200)}};
+  for (const auto& [name, action] : rows) {
+    testing::TemporaryDirectory ownHome;
+    LoopbackServer collector;
+    collector.setDefault(action);
+    if (std::string(name) == "down") {
+      collector.stop();
+    }
+    std::set<std::string> found;
+    {
+      RealPlatform platform(ownHome.path(), collector.url());
+      Kesu::initialize("key");
+      for (int i = 0; i < 1000; ++i) {
+        KesuCustomEvent::postWithEventName("event");
+      }
+      Application::shared().willTerminate();
+      for (const std::string& path : platform.storedFiles()) {
+        const auto record = parsePropertyList(platform.files.read(path, 1'000'000).bytes);
+        ASSERT_TRUE(record) << path;
+        found.insert(*record->dictionary()->findText("msg_id"));
+      }
+    }
+    if (action.kind == ServerAction::Kind::Reply && action.status == 200) {
+      for (const auto& request : collector.requests()) {
+        found.insert(messageIdentifier(request.body));
+      }
+    }
+    found.erase("");
+    // The end itself is a state change and its activations.
+    EXPECT_GE(found.size(), 1002U) << name;
+  }
+}
+
+TEST_F(DeliveryTest, DeliversEachRecordOfEightThreadsOnce) {
+  const int perThread = longRun() ? 12'500 : 1'250;
+  RealPlatform platform(home.path(), server.url());
+  platform.launch();
+  ASSERT_TRUE(platform.settle());
+  const std::size_t before = server.requestCount();
+  std::atomic<int> running{8};
+  std::vector<std::thread> threads;
+  for (int t = 0; t < 8; ++t) {
+    threads.emplace_back([&running, perThread] {
+      for (int i = 0; i < perThread; ++i) {
+        KesuCustomEvent::postWithEventName("event", {{"i", i}});
+      }
+      --running;
+    });
+  }
+  int flips = 0;
+  const auto everyThreadEnded = [&] {
+    platform.notifications.post("kNetworkKesuReachabilityChangedNotification");
+    ++flips;
+    return running == 0;
+  };
+  EXPECT_TRUE(platform.pumpUntil(everyThreadEnded, 300.0));
+  for (std::thread& thread : threads) {
+    thread.join();
+  }
+  EXPECT_TRUE(platform.pumpUntil([&] { return platform.background.drain(300.0); }, 300.0));
+  EXPECT_TRUE(platform.pumpUntil([&platform] { return platform.http.pendingCount() == 0; }, 300.0));
+  std::map<std::string, int> seen;
+  const auto requests = server.requests();
+  for (std::size_t i = before; i < requests.size(); ++i) {
+    ++seen[messageIdentifier(requests[i].body)];
+  }
+  EXPECT_EQ(seen.size(), 8U * static_cast<std::size_t>(perThread));
+  EXPECT_EQ(requests.size() - before, seen.size());
+  EXPECT_GT(flips, 0);
+}
+
+TEST_F(DeliveryTest, GoesOnWithoutAHomeThatCanBeWritten) {
+  for (const std::string& unusable : {std::string(""), std::string("/proc/kesu"), std::string("/dev/null/home")}) {
+    server.setDefault(ServerAction::reply(500));
+    RealPlatform platform(unusable, server.url());
+    Kesu::initialize("key", 3);
+    platform.log.takeLines();
+    KesuCustomEvent::postWithEventName("event");
+    EXPECT_TRUE(platform.settle()) << unusable;
+    EXPECT_TRUE(platform.log.contains("[KesuPost:177]Error writing dictionary to disk ")) << unusable;
+    Kesu::logThrottling(0);
+  }
+}
+
+TEST_F(DeliveryTest, LeavesDamagedFilesAloneAndDeliversTheOthers) {
+  std::string good;
+  {
+    RealPlatform platform(home.path(), server.url());
+    Kesu::initialize("key");
+    server.setDefault(ServerAction::reply(500));
+    KesuCustomEvent::postWithEventName("event", {{"title", "Night Train"}});
+    ASSERT_TRUE(platform.settle());
+    good = platform.files.read(platform.storedFiles().at(0), 1'000'000).bytes;
+  }
+  server.setDefault(ServerAction::reply(200));
+  RealPlatform platform(home.path(), server.url());
+  std::size_t damaged = 0;
+  const std::string documents = platform.files.documentsDirectory();
+  for (std::size_t length = 0; length < good.size(); length += 7) {
+    const std::string path = documents + "/cut" + std::to_string(++damaged) + ".kesuCache";
+    platform.files.writeAtomically(path, std::string_view(good).substr(0, length));
+  }
+  Kesu::initialize("key");
+  Application::shared().didFinishLaunching();
+  EXPECT_TRUE(platform.pumpUntil([&] { return platform.storedFiles().size() == damaged; }));
+  EXPECT_TRUE(platform.settle());
+  EXPECT_EQ(platform.storedFiles().size(), damaged);
+}
+
+}  // namespace
+}  // namespace kesu
