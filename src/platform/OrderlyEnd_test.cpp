@@ -113,7 +113,7 @@ TEST_F(OrderlyEnd, WaitsForRepliesOnlyAsLongAsStoringLeavesTime) {
     Platform& all = platform_.platform;
     Platform patient{all.clock,  all.random, all.files,        all.defaults, http,    all.mainLoop,  all.background,
                      all.locale, all.bundle, all.reachability, all.device,   all.log, all.urlOpener, all.notifications};
-    platform_.background.post([this, &spent] { platform_.clock.advance(spent); });
+    platform_.background.post([this, seconds = spent] { platform_.clock.advance(seconds); });
     endOrderly(patient);
     EXPECT_NEAR(http.grace, grace, 1e-9) << pending << " pending";
   }
