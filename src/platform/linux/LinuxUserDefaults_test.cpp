@@ -99,8 +99,8 @@ class LinuxUserDefaultsTest : public ::testing::Test {
     warnings().clear();
     const auto defaults = open();
     const std::int64_t number = defaults->integer("new");
-    EXPECT_EQ(number, warnings().empty() ? 1 : 0);
-    EXPECT_EQ(defaults->text("flow").ends_with("end"), warnings().empty());
+    EXPECT_TRUE(number == 1 || !warnings().empty());
+    EXPECT_TRUE(defaults->text("flow").ends_with("end") || !warnings().empty());
     EXPECT_TRUE(defaults->synchronize());
   }
 
