@@ -62,6 +62,10 @@ double clockOffset() {
   return secondsOf(CLOCK_REALTIME) - secondsOf(CLOCK_BOOTTIME);
 }
 
+bool exists(const std::string& path) {
+  return ::access(path.c_str(), F_OK) == 0;
+}
+
 /// The names in a directory, in order.
 std::vector<std::string> namesIn(const std::string& directory) {
   std::vector<std::string> names;
@@ -185,10 +189,13 @@ std::optional<std::string> LinuxDeviceFacts::ipv4Address(const std::string& inte
 
 std::optional<WifiFacts> LinuxDeviceFacts::wifi() {
   const std::string interfaces = path("/sys/class/net");
+  // Most boxes hang on a cable: without a wireless driver of either kind there is nothing to go through.
+  if (!exists(path("/sys/class/ieee80211")) && !exists(path("/proc/net/wireless"))) {
+    return std::nullopt;
+  }
   for (const std::string& name : namesIn(interfaces)) {
     const std::string folder = interfaces + "/" + name;
-    const bool isWireless =
-        ::access((folder + "/wireless").c_str(), F_OK) == 0 || ::access((folder + "/phy80211").c_str(), F_OK) == 0;
+    const bool isWireless = exists(folder + "/wireless") || exists(folder + "/phy80211");
     if (const auto network = isWireless ? wirelessNetworkOf(name) : std::nullopt) {
       return network;
     }
