@@ -11,8 +11,7 @@ namespace kesu::catalogue {
 /// A key is followed by its kind, none for an object: ":asis" object that may be missing, ":number" decimal text of a
 /// number object, ":decimal" decimal text of an integer, ":%d" its low 32 bits, ":seconds" whole seconds, ":flag" "1"
 /// or "0", ":true" "1" or nothing, "lat+long:point" both of a point. "key=value" is a constant, which no argument
-/// feeds;
-/// "-" is an argument that is not recorded.
+/// feeds; "-" is an argument that is not recorded.
 inline constexpr std::string_view kContract = R"(
 KesuAd|postAdRequested:fromAppScreen:withAdSize:adType:withAttributes:|e|AdRequested|adNetwork,appScreen,size,type
 KesuAd|postAdReceived:fromAppScreen:withResultCode:isSuccess:withAttributes:|e|AdReceived|adNetwork,appScreen,resultCode,success:flag
