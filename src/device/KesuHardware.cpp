@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <limits>
-#include <ranges>
 
 #include "foundation/NumberText.h"
 #include "network/KesuServiceReachability.h"
@@ -98,8 +97,8 @@ std::optional<Array> KesuHardware::systemProcesses() {
   }
   Array described;
   described.reserve(processes->size());
-  for (const ProcessFacts& process : *processes | std::views::reverse) {
-    described.emplace_back(describeProcess(process));
+  for (auto process = processes->rbegin(); process != processes->rend(); ++process) {
+    described.emplace_back(describeProcess(*process));
   }
   return described;
 }
