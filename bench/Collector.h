@@ -1,0 +1,62 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <array>
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+namespace kesu::bench {
+
+/// How the collector treats its clients.
+enum class Manner {
+  Accept,  ///< 200 to everything.
+  Fail,    ///< 500 to everything.
+  Hang,    ///< Reads and never answers.
+  Refuse   ///< Nobody listens on the port.
+};
+
+/// A collector on loopback in a process of its own, so that its work counts for nobody. It does as little as an
+/// HTTP/1.1 server can, and notes which records it has accepted: those whose attribute "n" holds a number.
+///
+/// Make it before the process has threads. The other process ends with this object, and with this process.
+class Collector {
+ public:
+  static constexpr std::size_t kMostNumbers = 200'000;
+
+  explicit Collector(Manner manner);
+  ~Collector();
+
+  Collector(const Collector&) = delete;
+  Collector& operator=(const Collector&) = delete;
+
+  std::string url() const { return "http://127.0.0.1:" + std::to_string(port_) + "/"; }
+
+  std::size_t requestCount() const { return shared_->requests.load(); }
+
+  /// Whether a record with this number was answered with 200.
+  bool hasAccepted(std::size_t number) const { return number < kMostNumbers && shared_->accepted[number].load() != 0; }
+
+  /// The body of the latest request; ask while none is on its way.
+  std::string lastBody() const;
+
+  /// What both processes see.
+  struct Shared {
+    std::atomic<std::size_t> requests;
+    std::array<std::atomic<std::uint8_t>, kMostNumbers> accepted;
+    std::atomic<std::size_t> lastBodySize;
+    std::array<char, 65536> lastBody;
+  };
+
+ private:
+  void bindPort();
+
+  Shared* shared_;  ///< A mapping; never taken back.
+  int socket_ = -1;
+  int port_ = 0;
+  pid_t child_ = -1;
+};
+
+}  // namespace kesu::bench

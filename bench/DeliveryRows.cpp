@@ -1,0 +1,238 @@
+// How fast records leave, beside the bare HTTP client that posts the same bytes.
+#include <kesu/kesu.h>
+#include <sys/prctl.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+
+#include "Child.h"
+#include "Collector.h"
+#include "Rows.h"
+#include "Scratch.h"
+#include "Session.h"
+#include "Stopwatch.h"
+#include "delivery/CollectorRequest.h"
+#include "facade/Wiring.h"
+#include "foundation/Json.h"
+#include "platform/linux/LinuxHttpClient.h"
+#include "testing/LoopbackServer.h"
+#include "testing/TestCertificates.h"
+
+namespace kesu::bench {
+namespace {
+
+constexpr std::size_t kRecords = 10'000;
+constexpr int kRounds = 3;
+constexpr std::size_t kBurst = 100;
+constexpr const char* kHttp2Server = "/usr/sbin/nghttpd";
+
+/// A record as it went to the collector, for the bare client.
+HttpRequest sameRequest(const std::string& url, const std::string& body) {
+  HttpRequest request;
+  request.method = "POST";
+  request.url = url;
+  request.headers = {{"t", "events"},
+                     {"v", KesuPost::FullVersionHeader()},
+                     {"Content-Type", "application/json"},
+                     {"Accept-Encoding", "gzip"},
+                     {"Content-Length", std::to_string(body.size())}};
+  request.body = body;
+  return request;
+}
+
+double secondsOfLibrary(Session& session) {
+  return secondsOf([&] {
+    for (std::size_t number = 0; number < kRecords; ++number) {
+      postNumbered(number);
+      if (number % kBurst == kBurst - 1) {
+        session.platform().mainLoop.pump();
+      }
+    }
+    session.settle();
+  });
+}
+
+double secondsOfBareClient(Session& session, HttpClient& client, const HttpRequest& request, std::size_t count) {
+  std::size_t left = count;
+  return secondsOf([&] {
+    for (std::size_t number = 0; number < count; ++number) {
+      client.send(request, [&left](const HttpReply&) { --left; });
+      if (number % kBurst == kBurst - 1) {
+        session.platform().mainLoop.pump();
+      }
+    }
+    while (left > 0) {
+      session.turn();
+    }
+  });
+}
+
+void compareWithBareClient(Figures& figures, const std::string& what, Session& session, const HttpRequest& request,
+                           const LinuxHttpClientOptions& options) {
+  double library = 1e9;
+  double bare = 1e9;
+  LinuxHttpClient client(session.platform().mainLoop, options);
+  for (int round = 0; round < kRounds; ++round) {
+    library = std::min(library, secondsOfLibrary(session));
+    bare = std::min(bare, secondsOfBareClient(session, client, request, kRecords));
+  }
+  const std::size_t stored = wiring().store.storedFiles().size();
+  figures.add(Figure(what, kRecords / library, "records/s").compared("bare client", kRecords / bare).ratioAtLeast(0.7));
+  figures.add(Figure(what + ": not delivered", static_cast<double>(stored), "records").atMost(0.0));
+}
+
+[[noreturn]] void serveTls(const testing::TestCertificate& certificate, int portPipe) {
+  ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+  testing::LoopbackServer server(certificate.certificateFile, certificate.keyFile);
+  server.setRecording(false);
+  const int port = server.port();
+  if (::write(portPipe, &port, sizeof port) != sizeof port) {
+    ::_exit(1);
+  }
+  for (;;) {
+    ::pause();
+  }
+}
+
+/// A TLS server in a process of its own: HTTP/2 where that server is installed, else HTTP/1.1.
+class TlsServer {
+ public:
+  TlsServer(const testing::TestCertificate& certificate, const Scratch& directory) {
+    if (std::filesystem::exists(kHttp2Server)) {
+      startHttp2(certificate, directory);
+    } else {
+      startHttp1(certificate);
+    }
+  }
+  ~TlsServer() {
+    if (fork_ > 0) {
+      ::kill(fork_, SIGKILL);
+    }
+  }
+
+  TlsServer(const TlsServer&) = delete;
+  TlsServer& operator=(const TlsServer&) = delete;
+
+  std::string url() const { return "https://127.0.0.1:" + std::to_string(port_) + "/"; }
+  const char* protocol() const { return http2_ ? "TLS, HTTP/2" : "TLS, HTTP/1.1 (no HTTP/2 server installed)"; }
+
+ private:
+  void startHttp2(const testing::TestCertificate& certificate, const Scratch& directory) {
+    port_ = freePort();
+    std::ofstream(directory / "index.html") << "";
+    http2_ = std::make_unique<Server>(std::vector<std::string>{kHttp2Server, "--address=127.0.0.1", "--htdocs",
+                                                               directory.path(), std::to_string(port_),
+                                                               certificate.keyFile, certificate.certificateFile});
+  }
+
+  void startHttp1(const testing::TestCertificate& certificate) {
+    int ends[2] = {};
+    if (::pipe(ends) == 0) {
+      fork_ = ::fork();
+      if (fork_ == 0) {
+        serveTls(certificate, ends[1]);
+      }
+      static_cast<void>(::read(ends[0], &port_, sizeof port_));
+    }
+  }
+
+  /// A port that nobody had a moment ago.
+  static int freePort() {
+    const Collector collector(Manner::Refuse);
+    const std::string url = collector.url();
+    return std::stoi(url.substr(url.rfind(':') + 1));
+  }
+
+  std::unique_ptr<Server> http2_;
+  pid_t fork_ = -1;
+  int port_ = 0;
+};
+
+}  // namespace
+
+void measureDelivery(Figures& figures) {
+  const Collector collector(Manner::Accept);
+  const Scratch home;
+  Session session(home.path(), collector.url(), Session::Launch::Full);
+  postNumbered(1);
+  session.settle();
+  compareWithBareClient(figures, "delivery over HTTP/1.1", session, sameRequest(collector.url(), collector.lastBody()),
+                        {});
+}
+
+void measureDeliveryOverTls(Figures& figures) {
+  const Scratch directory;
+  const Scratch home;
+  std::string body;
+  writeJson(collectorBody(usualRecord(1), secondsNow()), body);
+  const testing::TestCertificates certificates(directory.path());
+  const TlsServer server(certificates.server(), directory);
+  Session session(home.path(), server.url(), Session::Launch::Full, certificates.caFile());
+  // Records posted before the server listened come back from the store.
+  for (const double end = secondsNow() + 10.0; secondsNow() < end && !wiring().store.storedFiles().empty();) {
+    session.turn();
+    session.settle();
+  }
+  LinuxHttpClientOptions options;
+  options.caFile = certificates.caFile();
+  compareWithBareClient(figures, std::string("delivery over ") + server.protocol(), session,
+                        sameRequest(server.url(), body), options);
+}
+
+void measureResend(Figures& figures) {
+  constexpr std::size_t kStored = 5000;
+  const Collector collector(Manner::Accept);
+  const Scratch home;
+  runOwn("fill-store", {home.path(), std::to_string(kStored)});
+  Session session(home.path(), collector.url(), Session::Launch::InitializeOnly);
+  postNumbered(1);
+  session.settle();
+  const long before = statusField("VmRSS");
+  resetPeakMemory();
+  double longestPump = 0.0;
+  const double resending = secondsOf([&] {
+    longestPump = secondsOf([] { wiring().resendPass.start(NetworkStatus::Reachable); });
+    do {
+      longestPump = std::max(longestPump, session.turn());
+    } while (session.platform().http.pendingCount() > 0 || session.platform().mainLoop.nextDue() == 0.0);
+  });
+  const double grown = static_cast<double>(statusField("VmHWM") - before) / 1024.0;
+  const std::size_t left = wiring().store.storedFiles().size();
+  LinuxHttpClient client(session.platform().mainLoop);
+  const HttpRequest request = sameRequest(collector.url(), collector.lastBody());
+  secondsOfBareClient(session, client, request, 1);
+  const double bare = secondsOfBareClient(session, client, request, kStored);
+  figures.add(Figure("re-send 5,000 stored records", resending * 1e3, "ms")
+                  .compared("bare client", bare * 1e3)
+                  .ratioAtMost(1.5));
+  figures.add(Figure("re-send 5,000: growth of memory", grown, "MB").atMost(32.0));
+  figures.add(Figure("re-send 5,000: longest pump", longestPump * 1e3, "ms").atMost(6.0));
+  figures.add(Figure("re-send 5,000: files left", static_cast<double>(left), "files").atMost(0.0));
+}
+
+void measureFailures(Figures& figures) {
+  constexpr std::size_t kPosts = 5000;
+  const Collector collector(Manner::Refuse);
+  const Scratch home;
+  Session session(home.path(), collector.url(), Session::Launch::InitializeOnly);
+  for (std::size_t number = 0; number < kPosts; ++number) {
+    postNumbered(number);
+  }
+  std::vector<double> pumps;
+  session.platform().background.drain(60.0);
+  const double start = secondsNow();
+  do {
+    pumps.push_back(session.turn());
+  } while (session.platform().http.pendingCount() > 0 || session.platform().mainLoop.nextDue() == 0.0);
+  const double taken = secondsNow() - start;
+  const std::size_t stored = wiring().store.storedFiles().size();
+  figures.add(Figure("5,000 first attempts fail: longest pump", quantile(pumps, 1.0) * 1e3, "ms").atMost(6.0));
+  figures.add(Figure("5,000 first attempts fail: until all are stored", taken * 1e3, "ms"));
+  figures.add(
+      Figure("5,000 first attempts fail: lost", static_cast<double>(kPosts) - static_cast<double>(stored), "records")
+          .atMost(0.0));
+}
+
+}  // namespace kesu::bench

@@ -1,0 +1,102 @@
+#include "Session.h"
+
+#include <kesu/kesu.h>
+#include <poll.h>
+#include <time.h>
+
+#include <fstream>
+
+#include "Stopwatch.h"
+#include "records/Destinations.h"
+
+namespace kesu::bench {
+namespace {
+
+constexpr double kDrainSeconds = 60.0;
+
+Platform& installed(const std::string& home, const std::string& url, std::string caFile) {
+  PlatformOptions options;
+  options.homeDirectory = home;
+  options.collectorUrl = url;
+  options.caFile = std::move(caFile);
+  options.logSink = [](int, std::string_view) {};
+  installLinuxPlatform(options);
+  return Platform::current();
+}
+
+}  // namespace
+
+Attributes fiveAttributes(std::size_t number) {
+  return {{"world", "glacier"},
+          {"difficulty", "hard"},
+          {"score", "128400"},
+          {"seconds played", "93.5"},
+          {"n", std::to_string(number)}};
+}
+
+void postNumbered(std::size_t number) {
+  KesuCustomEvent::postWithEventName(kEventName, fiveAttributes(number));
+}
+
+Dictionary usualRecord(std::size_t number) {
+  Dictionary record = fiveAttributes(number);
+  record.set("en", kEventName);
+  record.set("dest", k_TableEvents);
+  record.set("kak", "benchmark key");
+  record.set("~v", "10-i-3.2.3");
+  record.set("kaid", "3q2+796tvu/erb7v3q2+7w==");
+  record.set("ace", "1520000000000");
+  record.set("ase", "");
+  record.set("msg_id", "yv66vsr+ur7K/rq+yv66vg==");
+  record.set("ldt", "2018-03-02 14:13:20 +0000");
+  record.set("rv", "42");
+  record.set("av", "1.4.2");
+  record.set("ov", "12.11");
+  record.set("rch", "w");
+  return record;
+}
+
+Session::Session(const std::string& homeDirectory, const std::string& collectorUrl, Launch launch, std::string caFile)
+    : platform_(installed(homeDirectory, collectorUrl, std::move(caFile))) {
+  Kesu::initialize("benchmark key");
+  if (launch == Launch::Full) {
+    Application::shared().didFinishLaunching();
+    settle();
+  }
+}
+
+void Session::settle(std::size_t mostPending) {
+  platform_.background.drain(kDrainSeconds);
+  do {
+    turn(1);
+  } while (platform_.http.pendingCount() > mostPending || platform_.mainLoop.nextDue() == 0.0);
+}
+
+double Session::turn(int mostMilliseconds) {
+  pollfd work{platform_.mainLoop.fd(), POLLIN, 0};
+  ::poll(&work, 1, mostMilliseconds);
+  return secondsOf([this] { platform_.mainLoop.pump(); });
+}
+
+double workerSeconds(Platform& platform) {
+  timespec time{};
+  platform.background.post([&time] { ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time); });
+  platform.background.drain(kDrainSeconds);
+  return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
+}
+
+long statusField(const std::string& name) {
+  std::ifstream file("/proc/self/status");
+  for (std::string line; std::getline(file, line);) {
+    if (line.starts_with(name + ":")) {
+      return std::stol(line.substr(name.size() + 1));
+    }
+  }
+  return 0;
+}
+
+void resetPeakMemory() {
+  std::ofstream("/proc/self/clear_refs") << "5";
+}
+
+}  // namespace kesu::bench
