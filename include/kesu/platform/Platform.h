@@ -67,7 +67,8 @@ struct PlatformOptions {
   std::function<void(int level, std::string_view text)> logSink;  ///< Any thread. Else: standard error.
   std::function<bool(const std::string& url)> urlOpener;          ///< Main thread. Else: xdg-open.
 
-  // Whole services, not owned; each must outlive the process's last call into the library.
+  // Whole services, not owned. The library's exit handler is the last to use them: give them static lifetime, made
+  // before the platform is installed, or never destroy them.
   Clock* clock = nullptr;
   HttpClient* http = nullptr;
   MainLoop* mainLoop = nullptr;
