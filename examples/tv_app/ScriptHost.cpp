@@ -7,6 +7,8 @@
 #include <chrono>
 #include <cstdio>
 
+#include "CatalogueTable.h"
+
 namespace tv {
 namespace {
 
@@ -52,7 +54,21 @@ void ScriptHost::addLifeCycle() {
   };
 }
 
+void ScriptHost::callCatalogue(const ScriptLine& line) {
+  std::vector<kesu::Object> arguments;
+  for (std::size_t i = 2; i < line.words.size(); ++i) {
+    arguments.push_back(line.words[i] == "nil" ? kesu::Object(kesu::nil) : kesu::Object(line.words[i]));
+  }
+  const auto* operation = kesu::catalogue::findOperation(line.word(0), line.word(1), arguments.size());
+  if (operation != nullptr) {
+    operation->invoke(arguments, line.attributes);
+  } else {
+    error_ = "no operation \"" + line.word(1) + "\" of \"" + line.word(0) + "\" takes that many arguments";
+  }
+}
+
 void ScriptHost::addEvents() {
+  table_["call"] = [this](const ScriptLine& line) { callCatalogue(line); };
   table_["event"] = [](const ScriptLine& line) {
     kesu::KesuCustomEvent::postWithEventName(line.word(0), line.attributes);
   };
@@ -116,6 +132,8 @@ const char* ScriptHost::commands() {
          "  sms NAME k=v ...      post a record to the table of SMS records\n"
          "  activation k=v ...    report an activation of the host's own\n"
          "  burst NAME COUNT      post COUNT events at once\n"
+         "  call CLASS OPERATION ARGUMENT ... k=v ...\n"
+         "                        post an event of the catalogue; the argument nil stands for none\n"
          "User\n"
          "  uid [ID]              set the user identifier, or reset it\n"
          "  traits k=v ...        post traits of the user\n"
@@ -145,7 +163,7 @@ bool ScriptHost::perform(const ScriptLine& line) {
     return false;
   }
   kesu::MainLoop::shared().pump();
-  return true;
+  return error_.empty();
 }
 
 void ScriptHost::pumpFor(double seconds) {

@@ -33,6 +33,7 @@ class ScriptHost {
  private:
   using Command = std::function<void(const ScriptLine&)>;
 
+  void callCatalogue(const ScriptLine& line);
   void addLifeCycle();
   void addEvents();
   void addUser();
