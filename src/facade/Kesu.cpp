@@ -22,7 +22,7 @@ Kesu& Kesu::sharedKesu() {
 }
 
 void Kesu::initialize(const Object& key) {
-  initialize(key, 0);
+  initialize(key, wiring().settings.logLevel());
 }
 
 void Kesu::initialize(const Object& key, std::int64_t logThrottling) {

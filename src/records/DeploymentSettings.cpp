@@ -79,4 +79,8 @@ bool DeploymentSettings::isProductionMode() {
   return !equalsIgnoringCase(textOr("devmode", ""), "true");
 }
 
+std::int64_t DeploymentSettings::logLevel() {
+  return Value(textOr("KesuLogLevel", "0")).integerValue();
+}
+
 }  // namespace kesu

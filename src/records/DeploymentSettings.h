@@ -2,6 +2,7 @@
 
 #include <kesu/platform/Bundle.h>
 
+#include <cstdint>
 #include <string>
 
 namespace kesu {
@@ -39,6 +40,9 @@ class DeploymentSettings {
 
   /// False exactly when "devmode" is "true" in any letter case: messages then come from the development paths.
   bool isProductionMode();
+
+  /// The log threshold of an initialisation that names none: "KesuLogLevel", else 0.
+  std::int64_t logLevel();
 
  private:
   std::string textOr(std::string_view key, const char* builtIn);

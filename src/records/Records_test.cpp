@@ -59,6 +59,9 @@ TEST(DeploymentSettings, LeavesProductionOnlyForTheWordTrue) {
   }
   testing::FakeBundle none;
   EXPECT_TRUE(DeploymentSettings(none).isProductionMode());
+  EXPECT_EQ(DeploymentSettings(none).logLevel(), 0);
+  none.dictionary.set("KesuLogLevel", "3");
+  EXPECT_EQ(DeploymentSettings(none).logLevel(), 3);
 }
 
 TEST(MessageIdentifier, IsBase64OfTheSixteenBytes) {

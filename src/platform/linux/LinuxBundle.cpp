@@ -20,7 +20,8 @@ constexpr std::size_t kInfoLimitBytes = 1024U * 1024U;
 constexpr std::pair<const char*, const char*> kOverlay[] = {{"KESU_OVERRIDE_SERVER", "KesuOverrideServer"},
                                                             {"KESU_MESSAGING_HOST", "KesuMessagingHost"},
                                                             {"KESU_REACHABILITY_HOST", "KesuReachabilityHost"},
-                                                            {"KESU_DEVMODE", "devmode"}};
+                                                            {"KESU_DEVMODE", "devmode"},
+                                                            {"KESU_LOG_LEVEL", "KesuLogLevel"}};
 
 std::string directoryPath(const std::string& wanted) {
   std::error_code error;
