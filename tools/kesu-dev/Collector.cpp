@@ -287,7 +287,8 @@ HttpReply Collector::keys(HttpRequest&) {
 }
 
 HttpReply Collector::health(HttpRequest&) {
-  return jsonReply({{"ok", true}, {"strict", options_.strict}});
+  return jsonReply(
+      {{"ok", true}, {"strict", options_.strict}, {"records", store_.identity()}, {"last", store_.news().lastId}});
 }
 
 HttpReply Collector::reset(HttpRequest& request) {

@@ -269,6 +269,7 @@ TEST_F(CollectorTest, EventStreamResumesWhereItBroke) {
 TEST_F(CollectorTest, EventStreamTellsWhatHappensFromNowOn) {
   post(testRecord("e"));
   std::promise<void> following;
+  std::promise<void> recordSeen;
   std::string seen;
   std::thread follower([&] {
     EventParser parser;
@@ -277,12 +278,18 @@ TEST_F(CollectorTest, EventStreamTellsWhatHappensFromNowOn) {
       if (std::exchange(first, false)) {
         following.set_value();
       }
-      parser.feed({bytes, size}, [&](const ServerEvent& event) { seen += event.name + " "; });
-      return seen != "record reset ";
+      parser.feed({bytes, size}, [&](const ServerEvent& event) {
+        seen += event.name + " ";
+        if (event.name == "record") {
+          recordSeen.set_value();
+        }
+      });
+      return !seen.ends_with("reset ");
     });
   });
   following.get_future().wait();
   post(testRecord("s"), "s");
+  recordSeen.get_future().wait();
   client().Post("/reset");
   follower.join();
   EXPECT_EQ(seen, "record reset ");

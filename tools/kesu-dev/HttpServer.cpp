@@ -15,7 +15,7 @@ namespace {
 
 // One worker serves one connection at a time. Our own HTTP client opens six; the rest is for tests that hang requests,
 // followers of the event stream and browsers.
-constexpr std::size_t kWorkers = 64;
+constexpr std::size_t kWorkers = 128;
 constexpr std::size_t kBodyLimitBytes = 16 * 1024 * 1024;
 constexpr std::size_t kPathLimitBytes = 1024;
 constexpr int kBacklog = 512;

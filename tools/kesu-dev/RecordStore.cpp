@@ -29,6 +29,7 @@ constexpr const char* kSchema = R"(
     good INTEGER NOT NULL,
     duplicate_of INTEGER NOT NULL,
     was_stored INTEGER NOT NULL);
+  CREATE TABLE identity AS SELECT lower(hex(randomblob(8))) AS id;
   CREATE INDEX records_by_msg_id ON records (msg_id, id) WHERE msg_id IS NOT NULL;
   CREATE INDEX bad_records ON records (id) WHERE good = 0;
   PRAGMA user_version = 1;
@@ -160,7 +161,7 @@ RecordStore::RecordStore(std::unique_ptr<Database> database)
       insert_(database_->prepare(kInsert)),
       findMessageId_(database_->prepare(kFindMessageId)) {
   const MutexLock lock(mutex_);
-  loadCounts();
+  load();
 }
 
 std::optional<StoredRecord> RecordStore::add(StoredRecord record) {
@@ -190,6 +191,11 @@ std::vector<StoredRecord> RecordStore::read(Which which, std::int64_t after, std
 CountsByDestination RecordStore::counts() const {
   const MutexLock lock(mutex_);
   return counts_;
+}
+
+std::string RecordStore::identity() const {
+  const MutexLock lock(mutex_);
+  return identity_;
 }
 
 RecordStore::News RecordStore::news() const {
@@ -261,7 +267,7 @@ void RecordStore::count(const StoredRecord& record) {
   counts.wasStored += record.wasStored ? 1 : 0;
 }
 
-void RecordStore::loadCounts() {
+void RecordStore::load() {
   Statement rows = database_->prepare(
       "SELECT destination, SUM(good), SUM(1 - good), SUM(duplicate_of > 0), SUM(was_stored) FROM records GROUP BY 1");
   while (rows.nextRow()) {
@@ -269,6 +275,8 @@ void RecordStore::loadCounts() {
   }
   Statement last = database_->prepare("SELECT seq FROM sqlite_sequence WHERE name = 'records'");
   news_.lastId = last.nextRow() ? last.integer(0) : 0;
+  Statement identity = database_->prepare("SELECT id FROM identity");
+  identity_ = identity.nextRow() ? identity.text(0) : "";
 }
 
 }  // namespace kesu::dev

@@ -63,6 +63,9 @@ class RecordStore {
   CountsByDestination counts() const;
   News news() const;
 
+  /// Tells these records from those of another database, whose ids mean other records.
+  std::string identity() const;
+
   /// Waits until the store stands differently than `known`, interrupt() is called or the time is up.
   News waitForNews(const News& known, std::chrono::milliseconds patience) const;
 
@@ -76,7 +79,7 @@ class RecordStore {
   std::int64_t firstWithMessageId(const std::string& messageId) KESU_REQUIRES(mutex_);
   bool insert(const StoredRecord& record) KESU_REQUIRES(mutex_);
   void count(const StoredRecord& record) KESU_REQUIRES(mutex_);
-  void loadCounts() KESU_REQUIRES(mutex_);
+  void load() KESU_REQUIRES(mutex_);
 
   mutable Mutex mutex_;
   mutable std::condition_variable_any changed_;
@@ -84,6 +87,7 @@ class RecordStore {
   Statement insert_ KESU_GUARDED_BY(mutex_);
   Statement findMessageId_ KESU_GUARDED_BY(mutex_);
   CountsByDestination counts_ KESU_GUARDED_BY(mutex_);
+  std::string identity_ KESU_GUARDED_BY(mutex_);
   News news_ KESU_GUARDED_BY(mutex_);
   std::int64_t interruptions_ KESU_GUARDED_BY(mutex_) = 0;
 };

@@ -107,8 +107,12 @@ TEST_F(RecordStoreTest, ResetForgetsRecordsButNotHowFarItCounted) {
 }
 
 TEST_F(RecordStoreTest, FileKeepsRecordsCountsAndIds) {
-  open(fileIn())->add(testStored("e", "a"));
-  const auto store = open(fileIn());
+  auto store = open(fileIn());
+  store->add(testStored("e", "a"));
+  const std::string identity = store->identity();
+  store = open(fileIn());
+  EXPECT_EQ(store->identity(), identity);
+  EXPECT_NE(open()->identity(), identity);
   EXPECT_EQ(sum(store->counts()).good, 1);
   EXPECT_EQ(store->news().lastId, 1);
   EXPECT_EQ(store->add(testStored("e", "a"))->duplicateOf, 1);

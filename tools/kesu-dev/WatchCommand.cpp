@@ -3,6 +3,7 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -120,6 +121,34 @@ int showFile(const CommandLine& line) {
   return 0;
 }
 
+// Which records a server holds and how far it has counted.
+struct Standing {
+  std::string records;
+  std::int64_t last = 0;
+};
+
+std::optional<Standing> standingOf(const ServerAddress& server, FetchResult& result) {
+  result = fetch(server, "/health");
+  const std::optional<Value> parsed = result.status == 200 ? parseJson(result.body) : std::nullopt;
+  const Dictionary* health = parsed ? parsed->dictionary() : nullptr;
+  const std::string* records = health != nullptr ? health->findText("records") : nullptr;
+  const Value* last = health != nullptr ? health->find("last") : nullptr;
+  return records != nullptr && last != nullptr ? std::optional(Standing{*records, last->integerValue()}) : std::nullopt;
+}
+
+Standing waitForReturn(const ServerAddress& server) {
+  FetchResult ignored;
+  std::optional<Standing> standing = standingOf(server, ignored);
+  if (!standing) {
+    std::fprintf(stderr, "-- the collector has gone; waiting for it to come back --\n");
+  }
+  while (!standing) {
+    std::this_thread::sleep_for(kRetryInterval);
+    standing = standingOf(server, ignored);
+  }
+  return *standing;
+}
+
 }  // namespace
 
 int runTail(const CommandLine& line) {
@@ -127,23 +156,24 @@ int runTail(const CommandLine& line) {
   if (!server) {
     return fail("not a URL of a collector: " + line.url);
   }
-  const bool colours = coloursWanted();
-  std::optional<std::int64_t> last = line.fromStart ? std::optional<std::int64_t>(0) : std::nullopt;
-  const FetchResult first = fetch(*server, "/health");
-  if (first.status != 200) {
-    return failToReach(line, first);
+  FetchResult result;
+  std::optional<Standing> known = standingOf(*server, result);
+  if (!known) {
+    return failToReach(line, result);
   }
+  std::int64_t last = line.fromStart ? 0 : known->last;
+  const bool colours = coloursWanted();
   while (true) {
-    const FetchResult result = followEvents(*server, last, [&](const ServerEvent& event) {
+    result = followEvents(*server, last, [&](const ServerEvent& event) {
       last = event.id;
       printEvent(event, line.format, colours);
     });
     if (result.status != 0 && result.status != 200) {
       return failToReach(line, result);
     }
-    // The collector went away. What arrives at its successor before we are back must not be missed.
-    last = last.value_or(0);
-    std::this_thread::sleep_for(kRetryInterval);
+    const Standing now = waitForReturn(*server);
+    last = now.records == known->records ? last : 0;
+    known = now;
   }
 }
 

@@ -10,15 +10,18 @@
 #include <csignal>
 #include <filesystem>
 
+#include "Services.h"
+#include "TestRecord.h"
+
 namespace kesu::dev {
 namespace {
 
 constexpr int kPatienceMs = 60'000;
 
 // The real program as a process of its own; its standard output is read here, its standard error is thrown away.
-class RunCommandTest : public testing::Test {
+class ProgramTest : public testing::Test {
  protected:
-  ~RunCommandTest() override { close(output_); }
+  ~ProgramTest() override { close(output_); }
 
   void start(std::vector<std::string> arguments) {
     std::string program = KESU_DEV_PROGRAM;
@@ -29,7 +32,9 @@ class RunCommandTest : public testing::Test {
     pointers.push_back(nullptr);
     std::array<int, 2> ends{};
     ASSERT_EQ(pipe2(ends.data(), O_CLOEXEC), 0);
+    close(output_);
     output_ = ends[0];
+    text_.clear();
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
@@ -71,19 +76,19 @@ class RunCommandTest : public testing::Test {
   std::string text_;
 };
 
-TEST_F(RunCommandTest, EndsWithTheProgramsStatus) {
+TEST_F(ProgramTest, EndsWithTheProgramsStatus) {
   EXPECT_EQ(statusOf({"run", "--port", "0", "--", "sh", "-c", "exit 7"}), 7);
 }
 
-TEST_F(RunCommandTest, TellsASignalByItsNumber) {
+TEST_F(ProgramTest, TellsASignalByItsNumber) {
   EXPECT_EQ(statusOf({"run", "--port", "0", "--", "sh", "-c", "kill -KILL $$"}), 128 + SIGKILL);
 }
 
-TEST_F(RunCommandTest, SaysWhenThereIsNoProgram) {
+TEST_F(ProgramTest, SaysWhenThereIsNoProgram) {
   EXPECT_EQ(statusOf({"run", "--port", "0", "--", "/no/such/program"}), 127);
 }
 
-TEST_F(RunCommandTest, GivesTheProgramAddressesAndAHomeThatGoesAway) {
+TEST_F(ProgramTest, GivesTheProgramAddressesAndAHomeThatGoesAway) {
   start(
       {"run", "--port", "0", "--", "sh", "-c",
        "env -u X | grep ^KESU_ | sed s/[0-9][0-9][0-9][0-9]*$/PORT/; printf 'home %s' $KESU_HOME; touch $KESU_HOME/x"});
@@ -96,7 +101,7 @@ TEST_F(RunCommandTest, GivesTheProgramAddressesAndAHomeThatGoesAway) {
   EXPECT_FALSE(std::filesystem::exists(home)) << home;
 }
 
-TEST_F(RunCommandTest, HandsTerminationOn) {
+TEST_F(ProgramTest, HandsTerminationOn) {
   start(
       {"run", "--port", "0", "--", "sh", "-c", "trap 'echo bye; exit 3' TERM; echo up; while :; do sleep 0.05; done"});
   output("up");
@@ -105,15 +110,31 @@ TEST_F(RunCommandTest, HandsTerminationOn) {
   EXPECT_EQ(status(), 3);
 }
 
-TEST_F(RunCommandTest, TakesTheProgramAlongWhenKilled) {
-  start({"run", "--port", "0", "--", "sh", "-c", "echo up; exec sleep 600"});
+TEST_F(ProgramTest, TakesTheProgramAlongWhenKilled) {
+  // Nobody is left to remove a temporary home.
+  start({"run", "--port", "0", "--home", testing::TempDir(), "--", "sh", "-c", "echo up; exec sleep 600"});
   output("up");
   kill(pid_, SIGKILL);
   EXPECT_EQ(output(), "up\n") << "the program still holds the pipe";
   EXPECT_EQ(status(), -SIGKILL);
 }
 
-TEST_F(RunCommandTest, ServeEndsOnTerminationAndRemovesItsReadyFile) {
+TEST_F(ProgramTest, ShowAndTailPrintWhatACollectorHolds) {
+  std::string error;
+  const auto services = Services::start({0, "", false}, error);
+  ASSERT_NE(services, nullptr) << error;
+  services->store().add(testStored("e"));
+  start({"show", "--url", services->url(), "--width", "100"});
+  EXPECT_NE(output().find("e events     LevelStarted  world=ice\n"), std::string::npos) << text_;
+  EXPECT_EQ(status(), 0);
+  start({"tail", "--all", "-f", "json", "--url", services->url()});
+  EXPECT_NE(output("}}\n").find("{\"id\":1,"), std::string::npos) << text_;
+  kill(pid_, SIGTERM);
+  EXPECT_EQ(status(), -SIGTERM);
+  EXPECT_EQ(statusOf({"show", "--url", "http://127.0.0.1:1"}), 1);
+}
+
+TEST_F(ProgramTest, ServeEndsOnTerminationAndRemovesItsReadyFile) {
   const std::string file =
       (std::filesystem::temp_directory_path() / ("kesu_dev_ready_" + std::to_string(getpid()))).string();
   start({"serve", "--port", "0", "--ready-file", file});
