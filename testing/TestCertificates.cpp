@@ -6,8 +6,12 @@
 #include <openssl/x509v3.h>
 
 #include <cstdio>
+#include <cstdlib>
+#include <filesystem>
 #include <memory>
 #include <stdexcept>
+#include <system_error>
+#include <utility>
 
 namespace kesu::testing {
 namespace {
@@ -88,15 +92,33 @@ TestCertificate save(const Identity& identity, const std::string& stem) {
   return files;
 }
 
+std::string makeDirectory() {
+  std::string path = std::filesystem::temp_directory_path() / "kesu-certificates-XXXXXX";
+  require(mkdtemp(path.data()) != nullptr, "cannot make a directory");
+  return path;
+}
+
 }  // namespace
 
-TestCertificates::TestCertificates(const std::string& directory) {
+TestCertificates::TestCertificates() : TestCertificates(makeDirectory(), true) {}
+
+TestCertificates::TestCertificates(const std::string& directory) : TestCertificates(directory, false) {}
+
+TestCertificates::TestCertificates(std::string directory, bool isTemporary)
+    : directory_(std::move(directory)), isTemporary_(isTemporary) {
   constexpr const char* kLoopbackNames = "DNS:localhost,IP:127.0.0.1,IP:::1";
   const Identity authority = makeIdentity("Kesu Test Authority", nullptr, 1, nullptr);
-  caFile_ = save(authority, directory + "/authority").certificateFile;
-  server_ = save(makeIdentity("localhost", kLoopbackNames, 2, &authority), directory + "/server");
-  wrongHost_ = save(makeIdentity("elsewhere", "DNS:elsewhere.example", 3, &authority), directory + "/wrong-host");
-  selfSigned_ = save(makeIdentity("localhost", kLoopbackNames, 4, nullptr), directory + "/self-signed");
+  caFile_ = save(authority, directory_ + "/authority").certificateFile;
+  server_ = save(makeIdentity("localhost", kLoopbackNames, 2, &authority), directory_ + "/server");
+  wrongHost_ = save(makeIdentity("elsewhere", "DNS:elsewhere.example", 3, &authority), directory_ + "/wrong-host");
+  selfSigned_ = save(makeIdentity("localhost", kLoopbackNames, 4, nullptr), directory_ + "/self-signed");
+}
+
+TestCertificates::~TestCertificates() {
+  if (isTemporary_) {
+    std::error_code ignored;
+    std::filesystem::remove_all(directory_, ignored);
+  }
 }
 
 }  // namespace kesu::testing

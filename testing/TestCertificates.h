@@ -11,11 +11,20 @@ struct TestCertificate {
 };
 
 /// Makes the certificates of a test run: a private certificate authority and servers, some of them not to be trusted.
-/// Everything is made anew (P-256 keys, valid for a day) in the directory given, which must exist. Throws
-/// std::runtime_error when OpenSSL or the file system refuses.
+/// Everything is made anew (P-256 keys, valid for a day). Throws std::runtime_error when OpenSSL or the file system
+/// refuses.
 class TestCertificates {
  public:
+  /// In a temporary directory that goes with the object.
+  TestCertificates();
+  /// In this directory, which must exist; the files stay.
   explicit TestCertificates(const std::string& directory);
+  ~TestCertificates();
+
+  TestCertificates(const TestCertificates&) = delete;
+  TestCertificates& operator=(const TestCertificates&) = delete;
+
+  const std::string& directory() const { return directory_; }
 
   /// The authority's certificate, to be trusted by the client.
   const std::string& caFile() const { return caFile_; }
@@ -27,6 +36,10 @@ class TestCertificates {
   const TestCertificate& selfSigned() const { return selfSigned_; }
 
  private:
+  TestCertificates(std::string directory, bool isTemporary);
+
+  const std::string directory_;
+  const bool isTemporary_;
   std::string caFile_;
   TestCertificate server_;
   TestCertificate wrongHost_;

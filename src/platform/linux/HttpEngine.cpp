@@ -195,7 +195,7 @@ void HttpEngine::failUnconnected(const HttpOrigin& origin, const HttpReply& repl
   failAll(queue_.takeWaiting(origin), reply);
 }
 
-void HttpEngine::failAll(std::vector<std::unique_ptr<HttpJob>> jobs, const HttpReply& reply) {
+void HttpEngine::failAll(const std::vector<std::unique_ptr<HttpJob>>& jobs, const HttpReply& reply) {
   for (const auto& job : jobs) {
     finish_(*job, reply, std::nullopt);
   }

@@ -63,7 +63,7 @@ class HttpEngine {
   void finishOrRedirect(std::unique_ptr<HttpJob> job, HttpReply reply, std::optional<HttpAttempt> attempt,
                         const std::string& location);
   void failUnconnected(const HttpOrigin& origin, const HttpReply& reply);
-  void failAll(std::vector<std::unique_ptr<HttpJob>> jobs, const HttpReply& reply);
+  void failAll(const std::vector<std::unique_ptr<HttpJob>>& jobs, const HttpReply& reply);
   std::vector<HttpTransfer*> activeTransfers() const;
 
   const LinuxHttpClientOptions options_;

@@ -51,7 +51,7 @@ void stopAll() {
 
 void HttpExit::prepare() {
   static const bool registered = [] {
-    OPENSSL_init_crypto(0, nullptr);
+    OPENSSL_init_crypto(OPENSSL_INIT_ADD_ALL_DIGESTS, nullptr);  // Without an option it would register nothing.
     return std::atexit(stopAll) == 0;
   }();
   static_cast<void>(registered);

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <compare>
 #include <optional>
 #include <string>
+#include <tuple>
 
 namespace kesu {
 
@@ -13,7 +13,10 @@ struct HttpOrigin {
   std::string host;  ///< Lower case; an IPv6 address without its brackets.
   int port = 0;
 
-  auto operator<=>(const HttpOrigin&) const = default;
+  bool operator==(const HttpOrigin&) const = default;
+  bool operator<(const HttpOrigin& other) const {
+    return std::tie(host, port, secure) < std::tie(other.host, other.port, other.secure);
+  }
 };
 
 /// A URL that the client can fetch.

@@ -8,16 +8,13 @@
 #include <unistd.h>
 
 #include <atomic>
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <thread>
 
-#include "platform/ServiceLog.h"
 #include "platform/linux/LinuxMainLoop.h"
 #include "testing/HttpExchange.h"
 #include "testing/LoopbackServer.h"
-#include "testing/TestCertificates.h"
 
 namespace kesu {
 namespace {
@@ -406,123 +403,6 @@ TEST_F(LinuxHttpClientTest, ForkedChildLeavesTheClientAlone) {
   EXPECT_EQ(status, 0);
   EXPECT_EQ(exchange.fetch(post()).status, 200);
   EXPECT_EQ(server_.requestCount(), 2U);
-}
-
-// A host that returns from main() while a server hangs: our handler runs after the network was stopped and finds every
-// completion waiting in the main loop. Leaks on purpose, as process-wide objects do.
-[[noreturn]] void exitWithRequestsPending() {
-  static auto* const server = new LoopbackServer;
-  static auto* const loop = new LinuxMainLoop;
-  static auto* const client = new LinuxHttpClient(*loop);
-  static auto* const exchange = new HttpExchange(*client, *loop);
-  std::atexit([] {
-    loop->drain(20);
-    std::fprintf(stderr, "cancelled %zu", exchange->count(HttpError::Cancelled));
-    server->stop();
-  });
-  server->setDefault(ServerAction::hang());
-  for (int i = 0; i < 50; ++i) {
-    exchange->send(HttpExchange::post(server->url()));
-  }
-  std::exit(0);
-}
-
-TEST(ExitingHttpClientDeathTest, EveryRequestIsCompletedAtExit) {
-  GTEST_FLAG_SET(death_test_style, "threadsafe");
-  EXPECT_EXIT(exitWithRequestsPending(), ::testing::ExitedWithCode(0), "cancelled 50");
-}
-
-/// A directory with certificates and servers that show them.
-class SecureHttpClientTest : public ::testing::Test {
- protected:
-  static std::string makeDirectory() {
-    std::string path = ::testing::TempDir() + "kesu-tls-XXXXXX";
-    return mkdtemp(path.data());
-  }
-  ~SecureHttpClientTest() override { std::filesystem::remove_all(directory_); }
-
-  HttpReply fetch(const testing::TestCertificate& shown, const std::string& caFile, const std::string& systemCaFile) {
-    LoopbackServer server(shown.certificateFile, shown.keyFile);
-    server.setDefault(ServerAction::reply(200, "safe"));
-    LinuxMainLoop loop;
-    LinuxHttpClientOptions options;
-    options.caFile = caFile;
-    options.systemCaFile = systemCaFile;
-    LinuxHttpClient client(loop, options);
-    connected_ = false;
-    client.setConnectObserver([this](const std::string&, int, bool connected) { connected_ = connected; });
-    HttpExchange exchange(client, loop);
-    const HttpReply reply = exchange.fetch(HttpExchange::post(server.url()));
-    EXPECT_EQ(server.requestCount(), reply.status == 200 ? 1U : 0U);
-    return reply;
-  }
-
-  const std::string directory_ = makeDirectory();
-  const testing::TestCertificates ours_{directory_};
-  bool connected_ = false;
-};
-
-TEST_F(SecureHttpClientTest, TrustsTheSystemAndTheExtraAuthorityTogether) {
-  const std::string second = directory_ + "/second";
-  std::filesystem::create_directory(second);
-  const testing::TestCertificates others(second);
-  EXPECT_EQ(fetch(ours_.server(), ours_.caFile(), "").body, "safe");
-  EXPECT_EQ(fetch(ours_.server(), ours_.caFile(), others.caFile()).body, "safe");
-  EXPECT_EQ(fetch(others.server(), ours_.caFile(), others.caFile()).body, "safe");
-  EXPECT_EQ(fetch(ours_.server(), ours_.caFile(), directory_ + "/missing").body, "safe");
-}
-
-TEST_F(SecureHttpClientTest, RefusesWhatItCannotTrust) {
-  const testing::TestCertificate* const shown[] = {&ours_.wrongHost(), &ours_.selfSigned()};
-  for (const auto* const certificate : shown) {
-    const HttpReply reply = fetch(*certificate, ours_.caFile(), "");
-    EXPECT_EQ(reply.error, HttpError::Tls) << reply.errorText;
-    EXPECT_EQ(reply.status, 0);
-    EXPECT_TRUE(connected_) << "somebody was there";
-  }
-  EXPECT_EQ(fetch(ours_.server(), "", "").error, HttpError::Tls);
-}
-
-TEST_F(SecureHttpClientTest, SaysWhenTheAuthorityCannotBeRead) {
-  static std::vector<std::string> lines;
-  lines.clear();
-  setServiceLogHandler([](int, const std::string& text) { lines.push_back(text); });
-  EXPECT_EQ(fetch(ours_.server(), directory_ + "/missing", "").error, HttpError::Tls);
-  setServiceLogHandler(nullptr);
-  EXPECT_EQ(lines, std::vector<std::string>{"No certificate authority could be read from " + directory_ + "/missing"});
-}
-
-TEST_F(SecureHttpClientTest, HostWithoutMultiplexingIsAskedOverSixConnections) {
-  LoopbackServer server(ours_.server().certificateFile, ours_.server().keyFile);
-  server.setDefault(ServerAction::hang());
-  LinuxMainLoop loop;
-  LinuxHttpClientOptions options;
-  options.caFile = ours_.caFile();
-  LinuxHttpClient client(loop, options);
-  HttpExchange exchange(client, loop);
-  for (int i = 0; i < 20; ++i) {
-    exchange.send(HttpExchange::post(server.url()));
-  }
-  EXPECT_TRUE(server.waitForRequests(6));
-  client.shutdown(0);
-  EXPECT_TRUE(loop.drain(20));
-  EXPECT_EQ(exchange.count(HttpError::Cancelled), 20U);
-  EXPECT_EQ(server.connectionCount(), 6U);
-}
-
-TEST_F(SecureHttpClientTest, UnreachableSecureHostFailsItsQueueOnce) {
-  LoopbackServer plain;
-  plain.setDefault(ServerAction::raw("not TLS"));
-  plain.setResetOnAccept(true);
-  LinuxMainLoop loop;
-  LinuxHttpClient client(loop);
-  HttpExchange exchange(client, loop);
-  for (int i = 0; i < 100; ++i) {
-    exchange.send(HttpExchange::post("https://127.0.0.1:" + std::to_string(plain.port()) + "/"));
-  }
-  ASSERT_TRUE(exchange.awaitAll());
-  EXPECT_EQ(exchange.count(HttpError::Tls), 100U);
-  EXPECT_LE(plain.connectionCount(), 12U);
 }
 
 }  // namespace
