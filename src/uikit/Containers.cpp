@@ -9,13 +9,13 @@ namespace {
 
 Window* currentKeyWindow = nullptr;  // Main thread.
 
-/// Hands visibility from one screen to another; either may be null.
+/// Hands visibility from one screen, or what is shown over it, to another; either may be null.
 void exchange(ViewController* before, ViewController* after, bool animated) {
   if (before != nullptr) {
-    before->disappear(animated);
+    before->frontmost().disappear(animated);
   }
   if (after != nullptr) {
-    after->appear(animated);
+    after->frontmost().appear(animated);
   }
 }
 
@@ -66,7 +66,7 @@ NavigationController::~NavigationController() {
 }
 
 void NavigationController::push(ViewController& controller, bool animated) {
-  ViewController* before = visibleViewController();
+  ViewController* before = lastOfStack();
   stack_.push_back(&controller);
   if (isVisible()) {
     exchange(before, &controller, animated);
@@ -77,29 +77,28 @@ ViewController* NavigationController::pop(bool animated) {
   if (stack_.size() < 2) {
     return nullptr;
   }
-  ViewController* before = visibleViewController();
   ViewController* popped = stack_.back();
   stack_.pop_back();
   if (isVisible()) {
-    exchange(before, visibleViewController(), animated);
+    exchange(popped, lastOfStack(), animated);
   }
   return popped;
 }
 
 ViewController* NavigationController::visibleViewController() const {
-  if (stack_.empty()) {
-    return nullptr;
+  ViewController* last = lastOfStack();
+  if (presentedViewController() != nullptr || last == nullptr) {
+    return presentedViewController();
   }
-  ViewController* presented = stack_.back()->presentedViewController();
-  return presented != nullptr ? presented : stack_.back();
+  return last->presentedViewController() != nullptr ? last->presentedViewController() : last;
 }
 
 void NavigationController::viewDidAppear(bool animated) {
-  exchange(nullptr, visibleViewController(), animated);
+  exchange(nullptr, lastOfStack(), animated);
 }
 
 void NavigationController::viewDidDisappear(bool animated) {
-  exchange(visibleViewController(), nullptr, animated);
+  exchange(lastOfStack(), nullptr, animated);
 }
 
 Window::~Window() {

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <memory>
 #include <typeinfo>
+#include <utility>
 
 namespace kesu {
 namespace {
@@ -63,15 +64,31 @@ void ViewController::disappear(bool animated) {
   }
 }
 
+bool ViewController::isShownOver(const ViewController& other) const {
+  const ViewController* below = this;
+  while (below != nullptr && below != &other) {
+    below = below->presenting_;
+  }
+  return below != nullptr;
+}
+
+ViewController& ViewController::frontmost() {
+  ViewController* front = this;
+  while (front->presented_ != nullptr) {
+    front = front->presented_;
+  }
+  return *front;
+}
+
 void ViewController::present(ViewController& controller, bool animated) {
-  if (presented_ != nullptr) {
+  if (presented_ != nullptr || controller.presenting_ != nullptr || isShownOver(controller)) {
     return;
   }
   presented_ = &controller;
   controller.presenting_ = this;
   if (isVisible_) {
     disappear(animated);
-    controller.appear(animated);
+    controller.frontmost().appear(animated);
   }
 }
 
@@ -79,11 +96,14 @@ void ViewController::dismissPresented(bool animated) {
   if (presented_ == nullptr) {
     return;
   }
-  ViewController& dismissed = *presented_;
-  presented_ = nullptr;
-  dismissed.presenting_ = nullptr;
-  if (dismissed.isVisible()) {
-    dismissed.disappear(animated);
+  ViewController& front = frontmost();
+  for (ViewController* above = presented_; above != nullptr;) {
+    ViewController* const dismissed = std::exchange(above, above->presented_);
+    dismissed->presenting_->presented_ = nullptr;
+    dismissed->presenting_ = nullptr;
+  }
+  if (front.isVisible()) {
+    front.disappear(animated);
     appear(animated);
   }
 }

@@ -43,7 +43,7 @@ class KESU_API NavigationController : public ViewController {
   /// Takes the last screen off the stack, but never the first. Returns it, or null.
   ViewController* pop(bool animated = false);
 
-  /// What the last screen presents, else the last screen, else null.
+  /// What is shown over the container, else over its last screen, else that screen, else null.
   ViewController* visibleViewController() const;
   ViewController* visibleChild() override { return visibleViewController(); }
 
@@ -52,6 +52,8 @@ class KESU_API NavigationController : public ViewController {
   void viewDidDisappear(bool animated) override;
 
  private:
+  ViewController* lastOfStack() const { return stack_.empty() ? nullptr : stack_.back(); }
+
   std::vector<ViewController*> stack_;
 };
 

@@ -3,6 +3,7 @@
 #include <kesu/Export.h>
 
 #include <string>
+#include <utility>
 
 namespace kesu {
 
@@ -35,14 +36,18 @@ class KESU_API ViewController {
 
   bool isVisible() const { return isVisible_; }
 
-  /// Shows another controller over this one. It must stay alive until it is dismissed. Nothing happens while one is
-  /// shown.
+  /// Shows another controller over this one, which disappears. It must stay alive until it is dismissed. Nothing
+  /// happens while one is shown, or when the other one is shown elsewhere or lies below this one.
   void present(ViewController& controller, bool animated = false);
 
-  /// Takes the controller that is shown over this one away; it disappears and this one appears again.
+  /// Takes the controller that is shown over this one away, with all that is shown over that: the frontmost one
+  /// disappears and this one appears again.
   void dismissPresented(bool animated = false);
 
   ViewController* presentedViewController() const { return presented_; }
+
+  /// The last of the controllers that are shown over this one, one over the other; this one itself without any.
+  ViewController& frontmost();
 
   /// The name by which the screen is known: its class. Found out when it appears, since a screen that is being
   /// destroyed has lost its class.
@@ -62,6 +67,8 @@ class KESU_API ViewController {
   virtual void viewDidDisappear(bool /*animated*/) {}
 
  private:
+  bool isShownOver(const ViewController& other) const;
+
   std::string className_;
   std::string title_;
   ViewController* presented_ = nullptr;
