@@ -41,6 +41,7 @@ void Application::willTerminate() {
 }
 
 void Application::localeDidChange() {
+  Platform::current().locale.refresh();
   post(kCurrentLocaleDidChangeNotification);
 }
 
