@@ -117,6 +117,12 @@ class FakeHttpClient final : public HttpClient {
   std::size_t answerAll(int status, const std::string& body = {}) { return completeAll(reply(status, body)); }
   std::size_t failAll(HttpError error) { return completeAll(failure(error)); }
 
+  /// Forgets the requests that are pending, as the death of the process does.
+  void discardPending() {
+    const MutexLock lock(mutex_);
+    pending_.clear();
+  }
+
   /// Runs the completions of requests that were sent after shutdown() (nothing to do with a main loop).
   void completeLate() {
     std::vector<Completion> late;

@@ -89,6 +89,11 @@ Dictionary FakeUserDefaults::keptOnDisk() {
   return kept;
 }
 
+void FakeUserDefaults::loseUnsynchronized() {
+  const MutexLock lock(mutex_);
+  values_ = onDisk_;
+}
+
 int FakeUserDefaults::synchronizeCount() {
   const MutexLock lock(mutex_);
   return synchronizeCount_;

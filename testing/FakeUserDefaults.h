@@ -10,7 +10,8 @@ namespace kesu::testing {
 /// User defaults in memory, with a "disk" that a test can look at.
 ///
 /// Only synchronize() hands values to the disk. A test simulates the death of the process, with the loss of what was
-/// not synchronized, by building a second fake from the first one's keptOnDisk(). Any thread.
+/// not synchronized, by loseUnsynchronized() or by building a second fake from the first one's keptOnDisk(). Any
+/// thread.
 class FakeUserDefaults final : public UserDefaults {
  public:
   FakeUserDefaults() = default;
@@ -29,6 +30,9 @@ class FakeUserDefaults final : public UserDefaults {
 
   /// What the last successful synchronize() handed over.
   Dictionary keptOnDisk();
+
+  /// Goes back to what is on the disk.
+  void loseUnsynchronized();
 
   /// How often synchronize() was called, with success or without.
   int synchronizeCount();

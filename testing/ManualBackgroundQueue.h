@@ -66,6 +66,12 @@ class ManualBackgroundQueue : public BackgroundQueue {
     return ran;
   }
 
+  /// Forgets the tasks that wait, as the death of the process does.
+  void discardAll() {
+    const MutexLock lock(mutex_);
+    tasks_.clear();
+  }
+
   /// Tasks that wait.
   std::size_t count() {
     const MutexLock lock(mutex_);

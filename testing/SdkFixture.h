@@ -45,6 +45,14 @@ class SdkFixture : public ::testing::Test {
     Kesu::logThrottling(0);
   }
 
+  /// Ends the process as kill -9 does: what is queued, on its way or not synchronized is lost.
+  void die() {
+    platform.background.discardAll();
+    platform.http.discardPending();
+    platform.defaults.loseUnsynchronized();
+    endProcess();
+  }
+
   void relaunch(const char* key = "key") {
     endProcess();
     launch(key);

@@ -16,7 +16,7 @@ class KESU_API Kesu {
   Kesu();
 
   /// [Kesu initialize:] Sets the library up with the application key that the service assigned, showing level-0 log
-  /// lines only. Main thread, once a process. Throws InternalInconsistencyException for a missing or blank key and for
+  /// lines only (more with KESU_LOG_LEVEL in the environment). Main thread, once a process. Throws InternalInconsistencyException for a missing or blank key and for
   /// a second call, which leaves the first key in force. A key other than last time's makes this a new installation.
   static void initialize(const Object& key);
 
@@ -45,8 +45,8 @@ class KESU_API Kesu {
   static void resetUserIdentifer();
 
   /// [Kesu updateScreenFlowForScenesWithName:forSeconds:] Appends a scene and the seconds spent on it to the scene
-  /// flow, which travels with the next end of a session. Any thread. Names that are no UTF-8 and seconds that are no
-  /// finite number are left out.
+  /// flow, which travels with the next end of a session. Any thread. Names that are missing or no UTF-8 and seconds
+  /// that are no finite number are left out.
   static void updateScreenFlowForScenesWithName(const Object& name, double seconds);
 
   /// [Kesu hash:] SHA-256 of a text as 64 lower-case hexadecimal digits, and "##". Kept: as many UTF-8 bytes are

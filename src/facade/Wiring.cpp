@@ -14,19 +14,16 @@ void writeServiceLine(int level, const std::string& text) {
   KESU_LOG(level, "%s", text.c_str());
 }
 
-/// Before main() starts: a host may ask for any service, or post, before it has called Kesu.
+/// Before main() starts: a host may ask for any service, post, or show a screen before it has called Kesu.
 [[maybe_unused]] const bool connected = [] {
   Platform::setDefaultInstaller([] { installLinuxPlatform(); });
   EventPoster::setProvider([]() -> EventPoster& { return wiring().manager; });
+  ScreenTracker::trackScreens([]() -> StateChanges& { return wiring().manager.stateChanges(); });
   setServiceLogHandler(&writeServiceLine);
   return true;
 }();
 
 }  // namespace
-
-Wiring::Wiring(Platform& installed) : platform(installed) {
-  screens.reportTo(manager.stateChanges());
-}
 
 Wiring& wiring() {
   return SharedInstance<Wiring>::get([] { return std::make_unique<Wiring>(Platform::current()); });

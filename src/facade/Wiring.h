@@ -14,7 +14,7 @@ namespace kesu {
 
 /// Every object of the library and who knows whom: created in this order, on the installed platform, at the first call.
 struct Wiring {
-  explicit Wiring(Platform& installed);
+  explicit Wiring(Platform& installed) : platform(installed) {}
 
   Platform& platform;
   DeploymentSettings settings{platform.bundle};

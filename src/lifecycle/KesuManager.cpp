@@ -34,7 +34,8 @@ KesuManager::KesuManager(Platform& platform, DeploymentSettings& settings, KesuM
       metrics_(metrics),
       resendPass_(resendPass),
       sender_(platform, metrics, post, instance_, columns_, variants_),
-      stateChanges_(platform.background, metrics, instance_, sender_, flow_, activations_, variants_, topScreen) {
+      stateChanges_(platform.background, metrics, instance_, sender_, flow_, usage_, activations_, variants_,
+                    topScreen) {
   addPrimaryObservers();
 }
 

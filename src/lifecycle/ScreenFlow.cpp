@@ -35,7 +35,11 @@ std::string screenEntry(std::string_view name, double seconds) {
   return flowEntry(name, fixed(seconds > kLongestVisit ? kSecondsForALongerVisit : seconds, 1));
 }
 
-void ScreenFlow::screenFlowHandler(char state, const ScreenKey& screen, Dictionary& record, Dictionary& traits) {
+bool endsSession(char state) {
+  return isAnyOf(state, "bt");
+}
+
+void ScreenFlow::screenFlowHandler(char state, const ScreenKey& screen, Dictionary& record) {
   const MutexLock lock(mutex_);
   const double now = clock_.now();
   if (isAnyOf(state, "lrt")) {
@@ -48,8 +52,8 @@ void ScreenFlow::screenFlowHandler(char state, const ScreenKey& screen, Dictiona
   if (isAnyOf(state, "bdt")) {
     endScreen(key, screen.prefix, now);
   }
-  if (isAnyOf(state, "bt")) {
-    flush(record, traits);
+  if (endsSession(state)) {
+    flush(record);
   }
   persist();
 }
@@ -89,7 +93,7 @@ void ScreenFlow::endScreen(const std::string& key, const std::string& name, doub
   screens_.erase(found);
 }
 
-void ScreenFlow::flush(Dictionary& record, Dictionary& traits) {
+void ScreenFlow::flush(Dictionary& record) {
   if (!screenFlow_.empty()) {
     record.set(k_ScreenFlow, std::exchange(screenFlow_, {}));
   }
@@ -101,7 +105,6 @@ void ScreenFlow::flush(Dictionary& record, Dictionary& traits) {
   moveFlow(k_EventFlow, record);
   moveFlow(k_SceneFlow, record);
   defaults_.synchronize();
-  usage_.fillInTraitsForAggregateAndActivations(traits);
 }
 
 void ScreenFlow::moveFlow(std::string_view key, Dictionary& record) {

@@ -30,21 +30,24 @@ std::string flowEntry(std::string_view name, std::string_view seconds);
 /// not in the usage totals.
 std::string screenEntry(std::string_view name, double seconds);
 
+/// Whether a transition ends the session: its flows are sent and the usage of the session is counted.
+bool endsSession(char state);
+
 /// Records which screens were visible and for how long. Any thread; one state change at a time.
 class ScreenFlow {
  public:
   ScreenFlow(UserDefaults& defaults, Clock& clock, Bundle& bundle, KesuMetrics& metrics, UsageStatistics& usage)
       : defaults_(defaults), clock_(clock), bundle_(bundle), metrics_(metrics), usage_(usage) {}
 
-  /// Tracks one state change: adds the flows that are due to `record`, and the usage flags that are due to `traits`.
-  /// `screen` is the screen meant; for a launch, and for changes of the application, the one that is on top.
-  void screenFlowHandler(char state, const ScreenKey& screen, Dictionary& record, Dictionary& traits);
+  /// Tracks one state change: adds the flows that are due to `record`. `screen` is the screen meant; for a launch, and
+  /// for changes of the application, the one that is on top.
+  void screenFlowHandler(char state, const ScreenKey& screen, Dictionary& record);
 
  private:
   void reportUnsent(char state, Dictionary& record) KESU_REQUIRES(mutex_);
   void beginScreen(const std::string& key, char state, double now) KESU_REQUIRES(mutex_);
   void endScreen(const std::string& key, const std::string& name, double now) KESU_REQUIRES(mutex_);
-  void flush(Dictionary& record, Dictionary& traits) KESU_REQUIRES(mutex_);
+  void flush(Dictionary& record) KESU_REQUIRES(mutex_);
   void persist() KESU_REQUIRES(mutex_);
   void rememberVersions();
   void moveFlow(std::string_view key, Dictionary& record);

@@ -31,8 +31,15 @@ ScreenKey StateChanges::screenFor(char state, const std::optional<std::string>& 
   return topScreen_.topScreen().value_or(ScreenKey{"Unknown", ""});
 }
 
+StateChanges::Change StateChanges::tracked(char state, const std::optional<std::string>& detail,
+                                           const ScreenKey& screen) {
+  Change change = {state, detail, {}};
+  flow_.screenFlowHandler(state, screen, change.flows);
+  return change;
+}
+
 void StateChanges::stateChangeEventAppLevel(char state, const std::optional<std::string>& detail) {
-  const Change change = {state, detail, screenFor(state, detail)};
+  const Change change = tracked(state, detail, screenFor(state, detail));
   if (state == kStateTerminate) {
     executePostMethod(change);
   } else {
@@ -41,7 +48,7 @@ void StateChanges::stateChangeEventAppLevel(char state, const std::optional<std:
 }
 
 void StateChanges::screenChanged(char state, const ScreenKey& screen) {
-  stateChangeEvent({state, screen.prefix, screen});
+  stateChangeEvent(tracked(state, screen.prefix, screen));
 }
 
 void StateChanges::executePostMethod(const Change& change) {
@@ -60,7 +67,12 @@ void StateChanges::stateChangeEvent(const Change& change) {
   Dictionary record;
   Dictionary traits;
   sender_.addCommonColumns(record, k_TableStates);
-  flow_.screenFlowHandler(change.state, change.screen, record, traits);
+  for (const auto& [key, value] : change.flows) {
+    record.set(key, value);
+  }
+  if (endsSession(change.state)) {
+    usage_.fillInTraitsForAggregateAndActivations(traits);
+  }
   addDetail(record, change);
   addDeviceState(record, change.state);
   sender_.post(std::move(record));

@@ -13,6 +13,7 @@
 #include "lifecycle/RecordSender.h"
 #include "lifecycle/ScreenFlow.h"
 #include "lifecycle/TopScreen.h"
+#include "lifecycle/UsageStatistics.h"
 
 namespace kesu {
 
@@ -21,18 +22,21 @@ namespace kesu {
 class StateChanges {
  public:
   StateChanges(BackgroundQueue& background, KesuMetrics& metrics, const AppInstance& instance, RecordSender& sender,
-               ScreenFlow& flow, Activations& activations, CalendarVariants& variants, TopScreen& topScreen)
+               ScreenFlow& flow, UsageStatistics& usage, Activations& activations, CalendarVariants& variants,
+               TopScreen& topScreen)
       : background_(background),
         metrics_(metrics),
         instance_(instance),
         sender_(sender),
         flow_(flow),
+        usage_(usage),
         activations_(activations),
         variants_(variants),
         topScreen_(topScreen) {}
 
   /// [stateChangeEventAppLevel::] A transition of the application. Main thread. Runs on the background queue, but for
-  /// the termination, which runs at once because the process is about to end. The screen on top is looked up at once.
+  /// the termination, which runs at once because the process is about to end. The flow is tracked at once in any case:
+  /// a screen that appears right after the call belongs to the session that the call has begun.
   void stateChangeEventAppLevel(char state, const std::optional<std::string>& detail);
 
   /// A screen appeared or disappeared: one record, at once, without a look at activations. Main thread.
@@ -42,10 +46,11 @@ class StateChanges {
   struct Change {
     char state;
     std::optional<std::string> detail;
-    ScreenKey screen;  ///< The screen that the flow tracks.
+    Dictionary flows;  ///< What the flow has to say about the change.
   };
 
   ScreenKey screenFor(char state, const std::optional<std::string>& detail);
+  Change tracked(char state, const std::optional<std::string>& detail, const ScreenKey& screen);
   void executePostMethod(const Change& change);
   void stateChangeEvent(const Change& change);
   void addDetail(Dictionary& record, const Change& change);
@@ -56,6 +61,7 @@ class StateChanges {
   const AppInstance& instance_;
   RecordSender& sender_;
   ScreenFlow& flow_;
+  UsageStatistics& usage_;
   Activations& activations_;
   CalendarVariants& variants_;
   TopScreen& topScreen_;

@@ -23,24 +23,31 @@ ScreenKey keyOf(ViewController& controller) {
   return {controller.className(), suffixOf(reinterpret_cast<std::uintptr_t>(&controller))};
 }
 
+ScreenTracker::Provider providerOfStateChanges = nullptr;  // Main thread.
+
+void report(char state, const ScreenKey& screen) {
+  if (providerOfStateChanges != nullptr) {
+    providerOfStateChanges().screenChanged(state, screen);
+  }
+}
+
+/// Outlives the tracker, which tests make anew.
+class Forwarder : public AppearanceObserver {
+ public:
+  void didAppear(ViewController& controller) override { sharedScreenTracker().didAppear(controller); }
+  void didDisappear(ViewController& controller) override { sharedScreenTracker().didDisappear(controller); }
+};
+
 }  // namespace
 
 ScreenTracker& sharedScreenTracker() {
   return SharedInstance<ScreenTracker>::get();
 }
 
-ScreenTracker::ScreenTracker() {
-  ViewController::setAppearanceObserver(this);
-}
-
-ScreenTracker::~ScreenTracker() {
-  ViewController::setAppearanceObserver(nullptr);
-}
-
-void ScreenTracker::report(char state, const ScreenKey& screen) {
-  if (stateChanges_ != nullptr) {
-    stateChanges_->screenChanged(state, screen);
-  }
+void ScreenTracker::trackScreens(Provider provider) {
+  static Forwarder forwarder;
+  providerOfStateChanges = provider;
+  ViewController::setAppearanceObserver(&forwarder);
 }
 
 void ScreenTracker::didAppear(ViewController& controller) {

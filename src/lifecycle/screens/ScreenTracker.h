@@ -13,19 +13,16 @@
 namespace kesu {
 
 /// Reports every screen that appears and disappears, and knows which one is on top. Main thread.
-class ScreenTracker : public TopScreen, public AppearanceObserver {
+class ScreenTracker : public TopScreen {
  public:
-  ScreenTracker();
-  ~ScreenTracker() override;
+  using Provider = StateChanges& (*)();
 
-  ScreenTracker(const ScreenTracker&) = delete;
-  ScreenTracker& operator=(const ScreenTracker&) = delete;
+  /// Has every screen of the process tracked from now on. `provider` is asked, at each change, who turns it into a
+  /// record: the first screen may appear before the library is initialised. The facade does so once.
+  static void trackScreens(Provider provider);
 
-  /// Names who turns appearances into records. Before that they are not reported.
-  void reportTo(StateChanges& stateChanges) { stateChanges_ = &stateChanges; }
-
-  void didAppear(ViewController& controller) override;
-  void didDisappear(ViewController& controller) override;
+  void didAppear(ViewController& controller);
+  void didDisappear(ViewController& controller);
 
   /// A screen that is no view controller.
   void screenAppeared(const std::string& name, std::uint64_t id);
@@ -35,9 +32,6 @@ class ScreenTracker : public TopScreen, public AppearanceObserver {
   std::optional<ScreenKey> topScreen() override;
 
  private:
-  void report(char state, const ScreenKey& screen);
-
-  StateChanges* stateChanges_ = nullptr;
   std::vector<ScreenKey> ownScreens_;  // Visible screens of the host's own, last appeared last.
 };
 
