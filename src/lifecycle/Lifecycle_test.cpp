@@ -215,6 +215,24 @@ TEST(Provisioning, TellsHowTheApplicationWasDistributed) {
   EXPECT_EQ(provisioningMode(bundle), "Enterprise");
 }
 
+TEST(Provisioning, SurvivesHostileProfiles) {
+  testing::ScopedPlatform platform;
+  const auto named = [](const std::string& name) {
+    return profile("<plist><dict><key>Name</key><string>" + name + "</string></dict></plist>");
+  };
+  EXPECT_EQ(releaseModeFromData(named("M\u00fcller")), "App Store") << "the bytes are UTF-8";
+  EXPECT_EQ(releaseModeFromData(named("M\xfcller")), "Unknown");
+  std::string deep = "<plist>";
+  for (int level = 0; level < 100'000; ++level) {
+    deep += "<array>";
+  }
+  EXPECT_EQ(releaseModeFromData(profile(deep + "</plist>")), "Unknown");
+  EXPECT_EQ(releaseModeFromData(profile("<plist><array/></plist>")), "Unknown") << "no dictionary";
+  testing::FakeBundle bundle;
+  bundle.resources["embedded.mobileprovision"] = "x<plist><dict/></plist>" + std::string(100U << 20U, ' ');
+  EXPECT_EQ(provisioningMode(bundle), "Unknown") << "too large to be one";
+}
+
 TEST(Provisioning, LogsWhichMarkerIsMissing) {
   testing::ScopedPlatform platform;
   KesuPriorityLogger::sharedLogger().setLogLevel(3);

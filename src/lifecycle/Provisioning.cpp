@@ -15,22 +15,6 @@ constexpr std::string_view kBegin = "<plist";
 constexpr std::string_view kEnd = "</plist>";
 constexpr const char* kSource = "KesuManager";
 
-/// The property list as UTF-8; profiles are read byte by byte as ISO Latin 1.
-std::string utf8OfLatin1(std::string_view latin1) {
-  std::string utf8;
-  utf8.reserve(latin1.size());
-  for (const char character : latin1) {
-    const auto byte = static_cast<unsigned char>(character);
-    if (byte < 0x80) {
-      utf8 += character;
-    } else {
-      utf8 += static_cast<char>(0xC0 | (byte >> 6));
-      utf8 += static_cast<char>(0x80 | (byte & 0x3F));
-    }
-  }
-  return utf8;
-}
-
 bool mayBeDebugged(const Dictionary& profile) {
   const Value* entitlements = profile.find("Entitlements");
   const Dictionary* entries = entitlements != nullptr ? entitlements->dictionary() : nullptr;
@@ -59,7 +43,7 @@ std::optional<Value> parseDataIntoDictionary(const Data& data) {
     KESU_LOG_AT(3, kSource, 632, "unable to find end of plist");
     return std::nullopt;
   }
-  return parsePropertyList(utf8OfLatin1(rest.substr(0, end + kEnd.size())));
+  return parsePropertyList(rest.substr(0, end + kEnd.size()));
 }
 
 std::string releaseModeFromData(const std::optional<Data>& data) {
