@@ -1,8 +1,6 @@
 #pragma once
 
-#include <algorithm>
 #include <atomic>
-#include <cstddef>
 #include <string>
 
 #include "Faults.h"
@@ -44,7 +42,7 @@ class Collector {
   HttpReply handle(HttpRequest& request);
 
   /// How many follow the events right now.
-  std::size_t followers() const { return static_cast<std::size_t>(std::max(followers_.load(), 0)); }
+  int followers() const { return followers_; }
 
   /// Lets everything that waits in a handler go on.
   void interrupt();

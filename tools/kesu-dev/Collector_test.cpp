@@ -71,20 +71,25 @@ class CollectorTest : public testing::Test {
     ASSERT_TRUE(result && result->status == 200) << json;
   }
 
-  // Sends bytes as they are and returns what comes back until the server closes.
-  std::string exchange(const std::string& bytes) const {
+  // Sends bytes as they are over a connection of their own and returns its socket.
+  int sendRaw(const std::string& bytes) const {
     const int fd = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_port = htons(static_cast<std::uint16_t>(server_.port));
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    EXPECT_EQ(connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+    EXPECT_EQ(send(fd, bytes.data(), bytes.size(), MSG_NOSIGNAL), static_cast<ssize_t>(bytes.size()));
+    return fd;
+  }
+
+  // Sends bytes as they are and returns what comes back until the server closes.
+  std::string exchange(const std::string& bytes) const {
+    const int fd = sendRaw(bytes);
     std::string reply;
-    if (connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0 &&
-        send(fd, bytes.data(), bytes.size(), MSG_NOSIGNAL) == static_cast<ssize_t>(bytes.size())) {
-      char piece[4096];
-      for (ssize_t size = 0; (size = recv(fd, piece, sizeof piece, 0)) > 0;) {
-        reply.append(piece, static_cast<std::size_t>(size));
-      }
+    char piece[4096];
+    for (ssize_t size = 0; (size = recv(fd, piece, sizeof piece, 0)) > 0;) {
+      reply.append(piece, static_cast<std::size_t>(size));
     }
     close(fd);
     return reply;
@@ -311,6 +316,15 @@ TEST_F(CollectorTest, TakesManyRecordsOnManyConnections) {
   }
   EXPECT_EQ(count("good"), 800);
   EXPECT_EQ(count("duplicates"), 0);
+}
+
+TEST_F(CollectorTest, TakesInWhatAnEndedProgramLeftBehind) {
+  for (int i = 0; i < 20; ++i) {
+    close(sendRaw("POST /collect HTTP/1.1\r\n" + hostHeader() + "Content-Length: 2\r\n\r\n{}"));
+  }
+  services_->settle();
+  services_->stop();
+  EXPECT_EQ(sum(services_->store().counts()).total(), 20);
 }
 
 TEST_F(CollectorTest, GoesToTheNextPortOnlyWhenNoneWasAsked) {

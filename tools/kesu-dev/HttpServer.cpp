@@ -21,6 +21,20 @@ constexpr std::size_t kPathLimitBytes = 1024;
 constexpr int kBacklog = 512;
 constexpr std::chrono::milliseconds kIdlePatience{60'000};
 
+// The library's worker threads; tells of every connection before a worker takes it up.
+class Workers final : public httplib::ThreadPool {
+ public:
+  explicit Workers(std::function<void()> accepted) : ThreadPool(kWorkers), accepted_(std::move(accepted)) {}
+
+  void enqueue(std::function<void()> serve) override {
+    accepted_();
+    ThreadPool::enqueue(std::move(serve));
+  }
+
+ private:
+  const std::function<void()> accepted_;
+};
+
 // What belongs to the request that a worker is serving. The HTTP library has no place for data of ours in its request,
 // and a worker serves one connection at a time.
 struct Current {
@@ -127,7 +141,7 @@ class HttpServer::Implementation final : private httplib::Server {
  public:
   explicit Implementation(HttpServer::Handler handler) : handler_(std::move(handler)) {
     // The library takes over the pool that it gets as a raw pointer.
-    new_task_queue = [] { return std::make_unique<httplib::ThreadPool>(kWorkers).release(); };
+    new_task_queue = [this] { return std::make_unique<Workers>([this] { countConnection(1); }).release(); };
     set_payload_max_length(kBodyLimitBytes);
     set_keep_alive_max_count(1'000'000);
     set_keep_alive_timeout(std::chrono::duration_cast<std::chrono::seconds>(kIdlePatience).count());
@@ -156,12 +170,12 @@ class HttpServer::Implementation final : private httplib::Server {
     }
   }
 
-  bool waitForConnections(std::size_t most, std::chrono::milliseconds patience) {
+  bool waitForConnections(int most, std::chrono::milliseconds patience) {
     const auto deadline = std::chrono::steady_clock::now() + patience;
     const MutexLock lock(mutex_);
-    while (connections_.size() > most && left_.wait_until(mutex_, deadline) == std::cv_status::no_timeout) {
+    while (open_ > most && left_.wait_until(mutex_, deadline) == std::cv_status::no_timeout) {
     }
-    return connections_.size() <= most;
+    return open_ <= most;
   }
 
   void end() {
@@ -213,15 +227,26 @@ class HttpServer::Implementation final : private httplib::Server {
   }
 
   bool process_and_close_socket(socket_t socket) override {
+    serveAll(socket);
+    countConnection(-1);
+    return true;
+  }
+
+  void serveAll(socket_t socket) {
     HttpConnection connection(socket);
     if (!enter(connection)) {
-      return false;
+      return;
     }
     while (connection.waitForRequest(kIdlePatience) && serveOne(connection)) {
     }
     current = Current();
     leave(connection);
-    return true;
+  }
+
+  void countConnection(int change) {
+    const MutexLock lock(mutex_);
+    open_ += change;
+    left_.notify_all();
   }
 
   // Returns whether the connection can take another request.
@@ -249,13 +274,13 @@ class HttpServer::Implementation final : private httplib::Server {
   void leave(HttpConnection& connection) {
     const MutexLock lock(mutex_);
     connections_.erase(&connection);
-    left_.notify_all();
   }
 
   const HttpServer::Handler handler_;
   std::thread listener_;
   Mutex mutex_;
   std::condition_variable_any left_;
+  int open_ KESU_GUARDED_BY(mutex_) = 0;  // Accepted and not yet ended, in a worker's hands or not.
   std::set<HttpConnection*> connections_ KESU_GUARDED_BY(mutex_);
   bool stopping_ KESU_GUARDED_BY(mutex_) = false;
 };
@@ -276,7 +301,7 @@ void HttpServer::start() {
   implementation_->run();
 }
 
-bool HttpServer::waitForConnections(std::size_t most, std::chrono::milliseconds patience) {
+bool HttpServer::waitForConnections(int most, std::chrono::milliseconds patience) {
   return implementation_->waitForConnections(most, patience);
 }
 

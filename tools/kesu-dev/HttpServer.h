@@ -1,7 +1,6 @@
 #pragma once
 
 #include <chrono>
-#include <cstddef>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -78,7 +77,7 @@ class HttpServer {
 
   /// Waits until at most that many connections are open; false when the time is up before. What a sender that has
   /// ended left in its connections is served until then, and lost by stop().
-  bool waitForConnections(std::size_t most, std::chrono::milliseconds patience);
+  bool waitForConnections(int most, std::chrono::milliseconds patience);
 
   /// Closes every connection, waits for handlers that run (isGone() tells them) and ends. May be called twice.
   void stop();

@@ -3,11 +3,13 @@
 #include <chrono>
 #include <utility>
 
+#include "HttpFetch.h"
+
 namespace kesu::dev {
 namespace {
 
 constexpr int kPortsToTry = 20;
-constexpr std::chrono::milliseconds kSettlePatience{500};
+constexpr std::chrono::milliseconds kSettlePatience{2000};
 
 }  // namespace
 
@@ -37,6 +39,8 @@ Services::~Services() {
 }
 
 void Services::settle() {
+  // Connections are accepted in their order: once this one is served, all that were made before are counted.
+  fetch({"127.0.0.1", server_.port()}, "/health");
   server_.waitForConnections(collector_.followers(), kSettlePatience);
 }
 
