@@ -1,12 +1,11 @@
+#include <kesu/foundation/Mutex.h>
+#include <kesu/platform/Platform.h>
 #include <openssl/crypto.h>
 
 #include <atomic>
 #include <cstdlib>
 #include <memory>
 #include <utility>
-
-#include <kesu/foundation/Mutex.h>
-#include <kesu/platform/Platform.h>
 
 #include "platform/OrderlyEnd.h"
 #include "platform/linux/Environment.h"
@@ -29,33 +28,35 @@
 namespace kesu {
 namespace {
 
-Dictionary infoOverrides(const PlatformOptions &options) {
+Dictionary infoOverrides(const PlatformOptions& options) {
   return {{"KesuOverrideServer", options.collectorUrl},
           {"KesuMessagingHost", options.messagingHost},
           {"KesuReachabilityHost", options.reachabilityHost}};
 }
 
-LinuxHttpClientOptions httpOptions(const PlatformOptions &options) {
+LinuxHttpClientOptions httpOptions(const PlatformOptions& options) {
   LinuxHttpClientOptions http;
-  http.caFile =
-      options.caFile.empty() ? environmentText("KESU_CA_FILE") : options.caFile;
+  http.caFile = options.caFile.empty() ? environmentText("KESU_CA_FILE") : options.caFile;
   return http;
 }
 
-template <typename Service> Service &chosen(Service *ofHost, Service &ours) {
+template <typename Service>
+Service& chosen(Service* ofHost, Service& ours) {
   return ofHost != nullptr ? *ofHost : ours;
 }
 
-/// All services of the process. Each is cheap to make: threads, descriptors of
-/// the network and the defaults' file come with first use.
+/// All services of the process. Each is cheap to make: threads, descriptors of the network and the defaults' file come
+/// with first use.
 struct LinuxServices {
-  explicit LinuxServices(const PlatformOptions &options)
+  explicit LinuxServices(const PlatformOptions& options)
       : bundle(locale, options.bundlePath, infoOverrides(options)),
         files(homeDirectory(options.homeDirectory, bundle)),
         defaults(files.preferencesDirectory()),
         mainLoop(chosen<MainLoop>(options.mainLoop, ownMainLoop)),
-        ownHttp(mainLoop, httpOptions(options)), reachability(mainLoop),
-        log(options.logSink), urlOpener(options.urlOpener),
+        ownHttp(mainLoop, httpOptions(options)),
+        reachability(mainLoop),
+        log(options.logSink),
+        urlOpener(options.urlOpener),
         platform{chosen<Clock>(options.clock, ownClock),
                  random,
                  files,
@@ -74,13 +75,11 @@ struct LinuxServices {
   }
 
   void connect() {
-    platform.http.setConnectObserver(
-        [this](const std::string &host, int port, bool connected) {
-          reachability.connectionObserved(host, port, connected);
-        });
+    platform.http.setConnectObserver([this](const std::string& host, int port, bool connected) {
+      reachability.connectionObserved(host, port, connected);
+    });
     defaults.onCheckpointWanted([this] {
-      if (!isEnding.load()) { // A checkpoint waits for the disk, and the next
-                              // start makes up for it.
+      if (!isEnding.load()) {  // A checkpoint waits for the disk, and the next start makes up for it.
         background.post([this] { defaults.checkpoint(); });
       }
     });
@@ -95,7 +94,7 @@ struct LinuxServices {
   LinuxFiles files;
   LinuxUserDefaults defaults;
   LinuxMainLoop ownMainLoop;
-  MainLoop &mainLoop;
+  MainLoop& mainLoop;
   LinuxHttpClient ownHttp;
   LinuxBackgroundQueue background;
   LinuxReachabilitySource reachability;
@@ -106,31 +105,29 @@ struct LinuxServices {
   Platform platform;
 };
 
-// Never destroyed: exit handlers, and threads that still run while the process
-// ends, use them.
-std::atomic<LinuxServices *> services{nullptr};
+// Never destroyed: exit handlers, and threads that still run while the process ends, use them.
+std::atomic<LinuxServices*> services{nullptr};
 
 void endProcess() {
-  LinuxServices *all = services.load();
+  LinuxServices* all = services.load();
   if (all != nullptr && !all->forkGuard.isForkedChild()) {
     all->isEnding.store(true);
     endAtExit(all->platform);
   }
 }
 
-// Exit handlers run in the reverse order of their registration. OpenSSL's must
-// be registered before ours: it takes away what the network thread works with,
-// and does so with the first initialisation that does something; loading the
-// digests is the cheapest such (40 microseconds) and needed anyway.
+// Exit handlers run in the reverse order of their registration, so the HTTP client's comes before ours. OpenSSL is told
+// to register none: it would take away what network threads work with, and wait for ever in a forked child of the host
+// when such a thread of the parent held one of its locks. A host that uses OpenSSL before has its handler still.
 bool registerExitHandlers() {
-  OPENSSL_init_crypto(OPENSSL_INIT_ADD_ALL_DIGESTS, nullptr);
+  OPENSSL_init_crypto(OPENSSL_INIT_NO_ATEXIT, nullptr);
   LinuxHttpClient::prepareExit();
   return std::atexit(endProcess) == 0;
 }
 
-} // namespace
+}  // namespace
 
-bool installLinuxPlatform(const PlatformOptions &options) {
+bool installLinuxPlatform(const PlatformOptions& options) {
   static Mutex mutex;
   const MutexLock lock(mutex);
   if (Platform::isInstalled() || services.load() != nullptr) {
@@ -142,4 +139,4 @@ bool installLinuxPlatform(const PlatformOptions &options) {
   return true;
 }
 
-} // namespace kesu
+}  // namespace kesu

@@ -16,6 +16,9 @@ namespace {
 
 constexpr int kDeadlineMilliseconds = 10'000;
 
+// A busy machine must not end a pump early.
+constexpr double kNoHurrySeconds = 60.0;
+
 bool isReadable(int fd, int milliseconds = 0) {
   pollfd wanted{fd, POLLIN, 0};
   return ::poll(&wanted, 1, milliseconds) == 1;
@@ -62,6 +65,7 @@ class MainLoopContract : public ::testing::TestWithParam<std::string> {
     return [this, name] { ran_ += name; };
   }
   std::string takeRan() { return std::exchange(ran_, {}); }
+  std::size_t pump() { return loop().pump(kNoHurrySeconds); }
   void untilDue() { rig_->untilDue(); }
   void pass(double seconds) { rig_->pass(seconds); }
 
@@ -78,13 +82,13 @@ TEST_P(MainLoopContract, RunsTasksInOrderAndThoseTheyPostInTheNextPump) {
   });
   loop().post(note("b"));
   loop().post(nullptr);
-  EXPECT_EQ(loop().pump(), 2U);
+  EXPECT_EQ(pump(), 2U);
   EXPECT_EQ(takeRan(), "ab");
   EXPECT_EQ(loop().nextDue(), 0.0);
-  EXPECT_EQ(loop().pump(), 1U);
+  EXPECT_EQ(pump(), 1U);
   EXPECT_EQ(takeRan(), "c");
   EXPECT_EQ(loop().nextDue(), std::nullopt);
-  EXPECT_EQ(loop().pump(), 0U);
+  EXPECT_EQ(pump(), 0U);
 }
 
 TEST_P(MainLoopContract, EndsPumpWhenBudgetIsSpentAndKeepsOrder) {
@@ -96,32 +100,33 @@ TEST_P(MainLoopContract, EndsPumpWhenBudgetIsSpentAndKeepsOrder) {
   }
   EXPECT_EQ(loop().pump(0.0), 1U);
   loop().post(note("d"));
-  EXPECT_EQ(loop().pump(0.0015), 2U);
-  EXPECT_EQ(loop().pump(), 1U);
+  EXPECT_EQ(loop().pump(0.0005), 1U);
+  EXPECT_EQ(pump(), 2U);
   EXPECT_EQ(takeRan(), "abcd");
 }
 
 TEST_P(MainLoopContract, RunsTimersInOrderOfTheirInstants) {
-  loop().schedule(0.004, false, note("b"));
-  loop().schedule(0.002, false, note("a"));
-  loop().schedule(-1.0, false, note("now "));
-  EXPECT_EQ(loop().pump(), 1U);
+  loop().schedule(60.0, false, note("c"));
+  EXPECT_EQ(pump(), 0U);
   EXPECT_GT(loop().nextDue().value(), 0.0);
-  EXPECT_LE(loop().nextDue().value(), 0.002);
-  pass(0.005);
-  EXPECT_EQ(loop().pump(), 2U);
+  EXPECT_LE(loop().nextDue().value(), 60.0);
+  loop().schedule(0.002, false, note("b"));
+  loop().schedule(0.001, false, note("a"));
+  loop().schedule(-1.0, false, note("now "));
+  EXPECT_EQ(loop().nextDue(), 0.0);
+  pass(0.003);
+  EXPECT_EQ(pump(), 3U);
   EXPECT_EQ(takeRan(), "now ab");
-  EXPECT_EQ(loop().nextDue(), std::nullopt);
 }
 
 TEST_P(MainLoopContract, RepeatsTimerWithoutCatchingUp) {
   const auto timer = loop().schedule(0.003, true, note("t"));
   for (int turn = 0; turn < 3; ++turn) {
     untilDue();
-    EXPECT_EQ(loop().pump(), 1U);
+    EXPECT_EQ(pump(), 1U);
   }
   pass(0.02);
-  EXPECT_EQ(loop().pump(), 1U);
+  EXPECT_EQ(pump(), 1U);
   EXPECT_LE(loop().nextDue().value(), 0.003);
   EXPECT_EQ(takeRan(), "tttt");
   loop().cancel(timer);
@@ -138,19 +143,19 @@ TEST_P(MainLoopContract, TimersCanBeCancelledInsideTasks) {
   });
   second = loop().schedule(0.002, false, note("b"));
   pass(0.003);
-  EXPECT_EQ(loop().pump(), 1U);
+  EXPECT_EQ(pump(), 1U);
   EXPECT_EQ(takeRan(), "a");
   EXPECT_EQ(loop().nextDue(), std::nullopt);
 }
 
 TEST_P(MainLoopContract, NestedPumpAndRunDoNothing) {
   loop().post([this] {
-    EXPECT_EQ(loop().pump(), 0U);
+    EXPECT_EQ(pump(), 0U);
     loop().run();
     note("a")();
   });
   loop().post(note("b"));
-  EXPECT_EQ(loop().pump(), 2U);
+  EXPECT_EQ(pump(), 2U);
   EXPECT_EQ(takeRan(), "ab");
 }
 
@@ -162,9 +167,9 @@ TEST_P(MainLoopContract, DrainInsideTaskRunsTheRest) {
     loop().post(note("d"));
   });
   loop().post(note("b"));
-  EXPECT_EQ(loop().pump(), 1U);
+  EXPECT_EQ(pump(), 1U);
   EXPECT_EQ(takeRan(), "bca");
-  EXPECT_EQ(loop().pump(), 1U);
+  EXPECT_EQ(pump(), 1U);
   EXPECT_EQ(takeRan(), "d");
 }
 
@@ -180,9 +185,9 @@ TEST_P(MainLoopContract, DrainOwesWhatIsQueuedAndCutsWhatThatPosts) {
   loop().post(note("c"));
   EXPECT_FALSE(loop().drain(0.0));
   EXPECT_EQ(takeRan(), "abc");
-  EXPECT_FALSE(loop().drain(0.0015));
-  EXPECT_EQ(takeRan(), "aa");
-  EXPECT_EQ(loop().pump(), 2U);
+  EXPECT_FALSE(loop().drain(0.0005));
+  EXPECT_EQ(takeRan(), "a");
+  EXPECT_EQ(pump(), 2U);
 }
 
 TEST_P(MainLoopContract, WakesHostOnceWhenIdleLoopGetsWork) {
@@ -191,12 +196,12 @@ TEST_P(MainLoopContract, WakesHostOnceWhenIdleLoopGetsWork) {
   loop().post(note("a"));
   loop().post(note("b"));
   EXPECT_EQ(wakes, 1);
-  loop().pump();
+  pump();
   loop().post([this] { loop().post(note("c")); });
   EXPECT_EQ(wakes, 2);
-  loop().pump();
+  pump();
   EXPECT_EQ(wakes, 3) << "a pump that leaves work behind";
-  loop().pump();
+  pump();
   loop().schedule(60.0, false, note("t"));
   loop().schedule(70.0, false, note("t"));
   EXPECT_EQ(wakes, 4) << "only the earliest timer counts";
@@ -219,8 +224,8 @@ TEST_P(MainLoopContract, RunEndsByQuitAlsoWhenThatCameFirst) {
 TEST_P(MainLoopContract, GoesOnAfterTaskThatThrows) {
   loop().post([] { throw std::runtime_error("from the host"); });
   loop().post(note("a"));
-  EXPECT_THROW(loop().pump(), std::runtime_error);
-  EXPECT_EQ(loop().pump(), 1U);
+  EXPECT_THROW(pump(), std::runtime_error);
+  EXPECT_EQ(pump(), 1U);
   EXPECT_EQ(takeRan(), "a");
 }
 
@@ -235,10 +240,10 @@ TEST(LinuxMainLoop, DescriptorIsReadableExactlyWhenSomethingIsDue) {
   EXPECT_TRUE(isReadable(loop.fd()));
   loop.pump(0.0);
   EXPECT_TRUE(isReadable(loop.fd())) << "one task is left";
-  loop.pump();
+  loop.pump(kNoHurrySeconds);
   EXPECT_FALSE(isReadable(loop.fd()));
   loop.post([&] { loop.post([] {}); });
-  loop.pump();
+  loop.pump(kNoHurrySeconds);
   EXPECT_TRUE(isReadable(loop.fd()));
   loop.drain(1.0);
   EXPECT_FALSE(isReadable(loop.fd()));
@@ -246,7 +251,7 @@ TEST(LinuxMainLoop, DescriptorIsReadableExactlyWhenSomethingIsDue) {
   EXPECT_FALSE(isReadable(loop.fd()));
   const auto near = loop.schedule(0.002, true, [] {});
   EXPECT_TRUE(isReadable(loop.fd(), kDeadlineMilliseconds));
-  EXPECT_EQ(loop.pump(), 1U);
+  EXPECT_EQ(loop.pump(kNoHurrySeconds), 1U);
   loop.cancel(near);
   loop.cancel(far);
   EXPECT_FALSE(isReadable(loop.fd(), 10));
@@ -273,7 +278,7 @@ TEST(LinuxMainLoop, KeepsOrderOfEachThreadThatPosts) {
     });
   }
   while (ran < kThreads * kPosts && isReadable(loop.fd(), kDeadlineMilliseconds)) {
-    loop.pump();
+    loop.pump(kNoHurrySeconds);
   }
   for (std::thread& thread : threads) {
     thread.join();
@@ -292,9 +297,9 @@ TEST(LinuxMainLoop, OneThreadPumpsAtATimeAndDrainTakesOverBetweenTasks) {
     release.get_future().wait();
   });
   loop.post([&] { drainedBy = std::this_thread::get_id(); });
-  std::thread pumping([&] { loop.pump(60.0); });
+  std::thread pumping([&] { loop.pump(kNoHurrySeconds); });
   entered.get_future().wait();
-  EXPECT_EQ(loop.pump(), 0U);
+  EXPECT_EQ(loop.pump(kNoHurrySeconds), 0U);
   std::thread draining([&] {
     release.set_value();
     EXPECT_TRUE(loop.drain(10.0));
@@ -315,14 +320,14 @@ TEST(LinuxMainLoop, DrainTakesQueueFromOwnerThatHangs) {
     release.get_future().wait();
   });
   loop.post([&] { ran = true; });
-  std::thread pumping([&] { EXPECT_EQ(loop.pump(60.0), 1U); });
+  std::thread pumping([&] { EXPECT_EQ(loop.pump(kNoHurrySeconds), 1U); });
   entered.get_future().wait();
   EXPECT_TRUE(loop.drain(10.0));
   EXPECT_TRUE(ran);
   release.set_value();
   pumping.join();
   loop.post([] {});
-  EXPECT_EQ(loop.pump(), 1U);
+  EXPECT_EQ(loop.pump(kNoHurrySeconds), 1U);
 }
 
 TEST(LinuxMainLoop, ForkedChildRunsNothing) {
@@ -332,14 +337,15 @@ TEST(LinuxMainLoop, ForkedChildRunsNothing) {
   const pid_t child = ::fork();
   if (child == 0) {
     loop.post([&] { ran = true; });
-    const bool isQuiet = loop.pump() == 0 && loop.drain(1.0) && !loop.nextDue() && loop.schedule(0, true, [] {}) == 0;
+    const bool isQuiet =
+        loop.pump(kNoHurrySeconds) == 0 && loop.drain(1.0) && !loop.nextDue() && loop.schedule(0, true, [] {}) == 0;
     loop.run();
     ::_exit(isQuiet && !ran ? 0 : 1);
   }
   int status = -1;
   ASSERT_EQ(::waitpid(child, &status, 0), child);
   EXPECT_EQ(status, 0);
-  EXPECT_EQ(loop.pump(), 1U);
+  EXPECT_EQ(loop.pump(kNoHurrySeconds), 1U);
 }
 
 }  // namespace
