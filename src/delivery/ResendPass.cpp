@@ -35,7 +35,9 @@ void ResendPass::sendSlice(std::vector<std::string> paths, std::size_t next) {
     }
     ++next;
     if (clock_.monotonic() >= end && next < paths.size()) {
-      mainLoop_.post([this, paths = std::move(paths), next]() mutable { sendSlice(std::move(paths), next); });
+      // A timer, not a task: an orderly end runs tasks to the last but no timers, and what is stored stays stored.
+      mainLoop_.schedule(0.0, false,
+                         [this, paths = std::move(paths), next]() mutable { sendSlice(std::move(paths), next); });
       return;
     }
   }

@@ -18,7 +18,7 @@ using Apply = std::string (*)(CommandLine&, const std::string& value);
 
 struct Option {
   std::string_view name;
-  std::string_view commands;  // Letters of the commands that know it: s serve, r run, t tail, w show.
+  std::string_view commands;  // Letters of the commands that know it: s serve, r run, t tail, w show, c catalogue.
   bool takesValue;
   Apply apply;
 };
@@ -83,8 +83,8 @@ constexpr Option kOptions[] = {
     {"--strict", "sr", false, setStrict},
     {"--home", "r", true, setText<&CommandLine::home>},
     {"--url", "tw", true, setText<&CommandLine::url>},
-    {"--format", "tw", true, setFormat},
-    {"-f", "tw", true, setFormat},
+    {"--format", "twc", true, setFormat},
+    {"-f", "twc", true, setFormat},
     {"--all", "t", false, setAll},
     {"--once", "t", false, setOnce},
     {"--width", "w", true, setWidth},
@@ -97,9 +97,11 @@ struct CommandName {
 };
 
 constexpr CommandName kCommands[] = {
-    {"help", Command::Help, 'h'},       {"--help", Command::Help, 'h'},       {"-h", Command::Help, 'h'},
-    {"version", Command::Version, 'v'}, {"--version", Command::Version, 'v'}, {"serve", Command::Serve, 's'},
-    {"run", Command::Run, 'r'},         {"tail", Command::Tail, 't'},         {"show", Command::Show, 'w'},
+    {"help", Command::Help, 'h'},         {"--help", Command::Help, 'h'},
+    {"-h", Command::Help, 'h'},           {"version", Command::Version, 'v'},
+    {"--version", Command::Version, 'v'}, {"serve", Command::Serve, 's'},
+    {"run", Command::Run, 'r'},           {"tail", Command::Tail, 't'},
+    {"show", Command::Show, 'w'},         {"catalogue", Command::Catalogue, 'c'},
 };
 
 const Option* findOption(std::string_view name, char letter) {
@@ -179,6 +181,7 @@ std::string usageText() {
                                       a summary of what it sent
   kesu-dev tail [OPTIONS]             one line for each record as it arrives at a running collector
   kesu-dev show [OPTIONS]             a table of all records so far (also: kesu-dev tail --once)
+  kesu-dev catalogue [-f human|json]  every event of the catalogue: who posts it and what it says
   kesu-dev help | version
 
 serve and run:

@@ -108,6 +108,7 @@ constexpr std::array kKeys{
     KeyInfo{"~q", Period, Any, kNone, kNone, "first record of a quarter: year-quarter"},
     KeyInfo{"~w", Period, Any, kNone, kNone, "first record of a week: year-week"},
     // Milestones.
+    KeyInfo{"~a:Activation", Activation, Any, kNone, kNone, "an activation that the host reported itself"},
     KeyInfo{"~a:LR3", Activation, Any, kNone, kNone, "third launch or resume"},
     KeyInfo{"~a:LR5", Activation, Any, kNone, kNone, "fifth launch or resume"},
     KeyInfo{"~a:LR10", Activation, Any, kNone, kNone, "tenth launch or resume"},

@@ -5,6 +5,7 @@
 #include <set>
 #include <string_view>
 
+#include "EventHints.h"
 #include "KeyTable.h"
 #include "TablePrinter.h"
 #include "Text.h"
@@ -76,9 +77,13 @@ std::string traitName(const Dictionary& body) {
   return joined;
 }
 
+// Common columns that only some records carry; they stand with their record.
+constexpr std::array<std::string_view, 5> kOccasionalColumns{"prd", "~uid", "long", "lat", "alt"};
+
 bool isFolded(std::string_view key) {
   const KeyInfo* info = findKey(key);
-  return info != nullptr && info->group == KeyGroup::Common;
+  return info != nullptr && info->group == KeyGroup::Common &&
+         std::find(kOccasionalColumns.begin(), kOccasionalColumns.end(), key) == kOccasionalColumns.end();
 }
 
 std::string destinationText(const StoredRecord& record) {
@@ -106,8 +111,7 @@ std::string padded(std::string text, std::size_t columns) {
 std::vector<std::string> foldedColumns(const std::vector<Dictionary>& bodies) {
   std::vector<std::string> result;
   for (const KeyInfo& key : allKeys()) {
-    if (key.group != KeyGroup::Common ||
-        std::find(kOwnColumns.begin(), kOwnColumns.end(), key.key) != kOwnColumns.end()) {
+    if (!isFolded(key.key) || std::find(kOwnColumns.begin(), kOwnColumns.end(), key.key) != kOwnColumns.end()) {
       continue;
     }
     std::set<std::string> values;
@@ -129,6 +133,9 @@ std::string details(const StoredRecord& record, const Dictionary& body) {
   std::vector<std::string> lines = recordMarks(record);
   for (std::string& line : lines) {
     line = "! " + line;
+  }
+  for (std::string& hint : eventHints(record, body)) {
+    lines.push_back(std::move(hint));
   }
   const std::string pairs =
       record.bodyIsObject ? joined(recordPairs(record, body), "  ") : shortened(printable(record.body), kLongestValue);
@@ -187,7 +194,11 @@ std::string recordLine(const StoredRecord& record, bool colours) {
   std::string line = clockText(record.arrivedMs) + "  " + padded("#" + std::to_string(record.id), 5) + "  " +
                      padded(destinationText(record), 11) + "  " + padded(recordName(record, body), kNameColumns) +
                      "  " + joined(recordPairs(record, body), "  ");
-  const std::string marks = joined(recordMarks(record), "; ");
+  std::vector<std::string> remarks = recordMarks(record);
+  for (std::string& hint : eventHints(record, body)) {
+    remarks.push_back(std::move(hint));
+  }
+  const std::string marks = joined(remarks, "; ");
   if (!marks.empty()) {
     line += (line.ends_with(' ') ? "[" : "  [");
     line += colours ? std::string(record.good() ? kYellow : kRed) + marks + std::string(kPlain) : marks;

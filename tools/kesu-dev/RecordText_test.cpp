@@ -112,6 +112,19 @@ TEST(RecordText, TableFoldsCommonColumns) {
   EXPECT_EQ(table.find("msg_id"), std::string::npos) << table;
 }
 
+TEST(RecordText, HintsAtKeysThatTheCatalogueDoesNotKnow) {
+  StoredRecord record = testStored("e", "AbCdEfGhIjKlMnOpQrSt01");
+  Dictionary body = testBody("e");
+  body.set("~e", "GamingLevelStart");
+  body.set("level", "3");
+  body.set("levle", "3");
+  record.body = jsonText(body);
+  const std::string table = recordTable({record}, 120);
+  EXPECT_NE(table.find("hint: \"levle\" is no key of the catalogue's GamingLevelStart"), std::string::npos) << table;
+  EXPECT_EQ(table.find("\"level\""), std::string::npos) << table;
+  EXPECT_TRUE(record.good());
+}
+
 TEST(RecordText, TableShowsBadBodiesHarmlessly) {
   StoredRecord record;
   record.body = "\x1b]0;x\x07 no JSON";

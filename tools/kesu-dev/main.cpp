@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "CatalogueDescription.h"
 #include "CommandLine.h"
 #include "RunCommand.h"
 #include "ServeCommand.h"
@@ -12,6 +13,15 @@
 namespace {
 
 constexpr int kUsageError = 2;
+
+int printCatalogue(const kesu::dev::CommandLine& line) {
+  const auto descriptions = kesu::catalogue::describeCatalogue();
+  const bool json = line.format == kesu::dev::OutputFormat::Json;
+  const std::string text =
+      json ? kesu::catalogue::catalogueAsJson(descriptions) + "\n" : kesu::catalogue::catalogueAsText(descriptions);
+  std::fputs(text.c_str(), stdout);
+  return 0;
+}
 
 int execute(const kesu::dev::CommandLine& line) {
   switch (line.command) {
@@ -29,6 +39,8 @@ int execute(const kesu::dev::CommandLine& line) {
       return kesu::dev::runTail(line);
     case kesu::dev::Command::Show:
       return kesu::dev::runShow(line);
+    case kesu::dev::Command::Catalogue:
+      return printCatalogue(line);
   }
   return kUsageError;
 }
