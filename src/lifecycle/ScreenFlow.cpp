@@ -49,15 +49,16 @@ void ScreenFlow::screenFlowHandler(char state, const ScreenKey& screen, Dictiona
   if (isAnyOf(state, "ar")) {
     beginScreen(key, state, now);
   }
-  if (isAnyOf(state, "bdt")) {
-    endScreen(key, screen.prefix, now);
-  }
+  const bool hasGrown = isAnyOf(state, "bdt") && endScreen(key, screen.prefix, now);
   if (endsSession(state)) {
     flush(record);
+  } else if (hasGrown || (isFlowOurs_ && isAnyOf(state, "lr"))) {
+    rememberVersions();
+    defaults_.synchronize();
   }
-  persist();
 }
 
+// What this session has itself stored is reported as well, but stays: the end of the session has to send it.
 void ScreenFlow::reportUnsent(char state, Dictionary& record) {
   screens_.clear();
   std::string unsent = defaults_.text(k_UnsentScreenFlowData);
@@ -69,9 +70,10 @@ void ScreenFlow::reportUnsent(char state, Dictionary& record) {
   if (state == kStateLaunch && !lastAppearance.empty()) {
     record.set(k_CrashedOrForcedQuitTimestamp, std::move(lastAppearance));
   }
-  defaults_.set(k_UnsentScreenFlowData, "");
-  defaults_.synchronize();
-  persistedLength_ = 0;
+  if (!isFlowOurs_) {
+    defaults_.set(k_UnsentScreenFlowData, "");
+    defaults_.synchronize();
+  }
 }
 
 void ScreenFlow::beginScreen(const std::string& key, char state, double now) {
@@ -82,25 +84,30 @@ void ScreenFlow::beginScreen(const std::string& key, char state, double now) {
   }
 }
 
-void ScreenFlow::endScreen(const std::string& key, const std::string& name, double now) {
+bool ScreenFlow::endScreen(const std::string& key, const std::string& name, double now) {
   const auto found = screens_.find(key);
   if (found == screens_.end()) {
-    return;
+    return false;
   }
   const double seconds = now - found->second;
   usage_.addForegroundSeconds(seconds);
-  screenFlow_ += screenEntry(name, seconds);
   screens_.erase(found);
+  if (!std::exchange(isFlowOurs_, true)) {
+    defaults_.set(k_UnsentScreenFlowData, "");
+  }
+  // Appending costs the same however long the session has grown.
+  defaults_.appendString(k_UnsentScreenFlowData, screenEntry(name, seconds));
+  return true;
 }
 
 void ScreenFlow::flush(Dictionary& record) {
-  if (!screenFlow_.empty()) {
-    record.set(k_ScreenFlow, std::exchange(screenFlow_, {}));
+  auto flow = defaults_.takeString(k_UnsentScreenFlowData);
+  if (std::exchange(isFlowOurs_, false) && flow) {
+    record.set(k_ScreenFlow, std::move(*flow));
   }
   defaults_.set(k_UnsentScreenFlowData, "");
   defaults_.set(k_CrashedOrForcedQuitTimestamp, "");
   defaults_.synchronize();
-  persistedLength_ = 0;
   screens_.clear();
   moveFlow(k_EventFlow, record);
   moveFlow(k_SceneFlow, record);
@@ -112,21 +119,6 @@ void ScreenFlow::moveFlow(std::string_view key, Dictionary& record) {
   if (flow && !flow->empty()) {
     record.set(key, std::move(*flow));
   }
-}
-
-void ScreenFlow::persist() {
-  if (screenFlow_.empty() || persistedLength_ == screenFlow_.size()) {
-    return;
-  }
-  rememberVersions();
-  // Appending costs the same however long the session has grown.
-  if (persistedLength_) {
-    defaults_.appendString(k_UnsentScreenFlowData, std::string_view(screenFlow_).substr(*persistedLength_));
-  } else {
-    defaults_.set(k_UnsentScreenFlowData, screenFlow_);
-  }
-  persistedLength_ = screenFlow_.size();
-  defaults_.synchronize();
 }
 
 void ScreenFlow::rememberVersions() {

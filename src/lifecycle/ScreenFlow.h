@@ -6,7 +6,6 @@
 #include <kesu/platform/Clock.h>
 #include <kesu/platform/UserDefaults.h>
 
-#include <cstddef>
 #include <map>
 #include <optional>
 #include <string>
@@ -46,9 +45,8 @@ class ScreenFlow {
  private:
   void reportUnsent(char state, Dictionary& record) KESU_REQUIRES(mutex_);
   void beginScreen(const std::string& key, char state, double now) KESU_REQUIRES(mutex_);
-  void endScreen(const std::string& key, const std::string& name, double now) KESU_REQUIRES(mutex_);
+  bool endScreen(const std::string& key, const std::string& name, double now) KESU_REQUIRES(mutex_);
   void flush(Dictionary& record) KESU_REQUIRES(mutex_);
-  void persist() KESU_REQUIRES(mutex_);
   void rememberVersions();
   void moveFlow(std::string_view key, Dictionary& record);
 
@@ -60,9 +58,8 @@ class ScreenFlow {
 
   Mutex mutex_;
   std::map<std::string, double> screens_ KESU_GUARDED_BY(mutex_);  // Visible screens: start, seconds since 1970.
-  std::string screenFlow_ KESU_GUARDED_BY(mutex_);                 // Entries since the last end of a session.
-  // How much of screenFlow_ the user defaults hold already; nothing when they hold another process's flow.
-  std::optional<std::size_t> persistedLength_ KESU_GUARDED_BY(mutex_);
+  // Whether the flow in the user defaults, the only copy of it, is this session's and not that of an interrupted run.
+  bool isFlowOurs_ KESU_GUARDED_BY(mutex_) = false;
 };
 
 }  // namespace kesu
