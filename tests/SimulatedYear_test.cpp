@@ -54,9 +54,9 @@ class SimulatedYear : public testing::SdkFixture, public ::testing::WithParamInt
     model.zone = zone.name;
   }
 
-  void setVersion(int version) {
-    model.appVersion = "1." + std::to_string(version);
-    model.build = std::to_string(version);
+  void setVersion(int number) {
+    model.appVersion = "1." + std::to_string(number);
+    model.build = std::to_string(number);
     platform.bundle.dictionary.set("CFBundleShortVersionString", model.appVersion);
     platform.bundle.dictionary.set("CFBundleVersion", model.build);
   }
