@@ -39,10 +39,10 @@ class DeliveryTest : public ::testing::Test {
  protected:
   /// Posts one event to a server that acts so; returns how many files are stored afterwards.
   std::size_t storedAfter(ServerAction action) {
-    testing::TemporaryDirectory home;
-    LoopbackServer server;
-    server.setDefault(std::move(action));
-    RealPlatform platform(home.path(), server.url(), quickToGiveUp());
+    testing::TemporaryDirectory ownHome;
+    LoopbackServer collector;
+    collector.setDefault(std::move(action));
+    RealPlatform platform(ownHome.path(), collector.url(), quickToGiveUp());
     Kesu::initialize("key");
     KesuCustomEvent::postWithEventName("event");
     EXPECT_TRUE(platform.settle());

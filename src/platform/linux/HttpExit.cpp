@@ -22,6 +22,7 @@ struct Registry {
   const ForkGuard forkGuard;
   Mutex mutex;
   std::vector<HttpNetwork*> networks KESU_GUARDED_BY(mutex);
+  Registry* ofParent = nullptr;  // In a forked child: what it inherited and must not touch, nor lose.
 };
 
 // A registry is never destroyed: clients with static lifetime end after any handler. A forked child starts a new one:
@@ -31,6 +32,7 @@ Registry& registry() {
   Registry* known = current.load();
   while (known == nullptr || known->forkGuard.isForkedChild()) {
     auto made = std::make_unique<Registry>();
+    made->ofParent = known;
     if (current.compare_exchange_strong(known, made.get())) {
       return *made.release();
     }
