@@ -23,9 +23,18 @@ namespace {
 
 constexpr std::size_t kTimezoneLimitBytes = 256;
 
+// The C library's zone is one for the process. It has a lock of its own, but none that a thread checker can see.
+Mutex zoneMutex;
+
+void readZone() {
+  const MutexLock lock(zoneMutex);
+  ::tzset();
+}
+
 tm systemTime(double secondsSince1970) {
   const time_t seconds = calendarSeconds(secondsSince1970);
   tm fields{};
+  const MutexLock lock(zoneMutex);
   ::localtime_r(&seconds, &fields);
   return fields;
 }
@@ -221,7 +230,7 @@ std::string LinuxLocale::timeZoneName() {
 // localtime_r() goes on with the zone that tzset() saw last; asking once a minute is cheap.
 void LinuxLocale::noticeZoneChange(std::int64_t minute) {
   if (checkedMinute_.exchange(minute, std::memory_order_relaxed) != minute) {
-    ::tzset();
+    readZone();
   }
 }
 
@@ -274,7 +283,7 @@ std::string LinuxLocale::formatWeekYearDay(double secondsSince1970) {
 }
 
 void LinuxLocale::refresh() {
-  ::tzset();
+  readZone();
   const MutexLock lock(mutex_);
   minute_ = {};
   region_.reset();
