@@ -16,8 +16,9 @@ class KESU_API Kesu {
   Kesu();
 
   /// [Kesu initialize:] Sets the library up with the application key that the service assigned, showing level-0 log
-  /// lines only (more with KESU_LOG_LEVEL in the environment). Main thread, once a process. Throws InternalInconsistencyException for a missing or blank key and for
-  /// a second call, which leaves the first key in force. A key other than last time's makes this a new installation.
+  /// lines only (more with KESU_LOG_LEVEL in the environment). Main thread, once a process. Throws
+  /// InternalInconsistencyException for a missing or blank key and for a second call, which leaves the first key in
+  /// force. A key other than last time's makes this a new installation.
   static void initialize(const Object& key);
 
   /// [Kesu initialize:withLogThrottling:] The same with a log threshold (see logThrottling).
