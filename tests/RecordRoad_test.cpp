@@ -42,6 +42,16 @@ TEST_F(RecordRoadTest, KeepsTheOrderOfTheCalls) {
   EXPECT_EQ(platform.defaults.text("~ef"), "$$a~~0$$b~~0$$c~~0");
 }
 
+TEST_F(RecordRoadTest, RemembersOnceForABurstWhenItsDestinationWasWritten) {
+  for (const char* name : {"a", "b", "c"}) {
+    KesuCustomEvent::postWithEventName(name);
+  }
+  const int before = platform.defaults.synchronizeCount();
+  platform.settle();
+  EXPECT_EQ(platform.defaults.synchronizeCount() - before, 1);
+  EXPECT_TRUE(platform.defaults.keptOnDisk().contains("e-secondsSince1970"));
+}
+
 TEST_F(RecordRoadTest, PostsExplicitActivationsAsTraits) {
   platform.defaults.set("push_mid_key", "m1");
   KesuExplicitActivation::post({{"how", "remote"}});

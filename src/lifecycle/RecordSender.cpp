@@ -9,12 +9,37 @@
 
 namespace kesu {
 
-void RecordSender::postAndSave(Dictionary record) {
+namespace {
+
+std::string saveTimeKey(const Dictionary& record) {
   const std::string* named = record.findText(k_destinationKeyInDictionary);
-  const std::string saveTimeKey =
-      (named != nullptr ? *named : std::string(kUnknownDestination)) + std::string(kSaveTimeSuffix);
+  return (named != nullptr ? *named : std::string(kUnknownDestination)) + std::string(kSaveTimeSuffix);
+}
+
+}  // namespace
+
+void RecordSender::postAndSave(Dictionary record) {
+  const std::string key = saveTimeKey(record);
   post_.post(std::move(record));
-  platform_.defaults.set(saveTimeKey, platform_.clock.now());
+  platform_.defaults.set(key, platform_.clock.now());
+  platform_.defaults.synchronize();
+}
+
+// Handing every time to the system would be the larger half of what an event costs, and hosts that post meanwhile would
+// wait for it.
+void RecordSender::postAndSaveSoon(Dictionary record) {
+  if (saveTimes_.empty()) {
+    platform_.background.post([this] { saveTimesNow(); });
+  }
+  saveTimes_[saveTimeKey(record)] = platform_.clock.now();
+  post_.post(std::move(record));
+}
+
+void RecordSender::saveTimesNow() {
+  for (const auto& [key, time] : saveTimes_) {
+    platform_.defaults.set(key, time);
+  }
+  saveTimes_.clear();
   platform_.defaults.synchronize();
 }
 
@@ -22,7 +47,7 @@ void RecordSender::postToTable(Dictionary record, std::string_view destination) 
   platform_.background.post([this, record = std::move(record), destination]() mutable {
     addCommonColumns(record, destination);
     record.set(k_Reachability, metrics_.granularReachability());
-    postAndSave(std::move(record));
+    postAndSaveSoon(std::move(record));
   });
 }
 

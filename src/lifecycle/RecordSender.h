@@ -3,6 +3,8 @@
 #include <kesu/foundation/Value.h>
 #include <kesu/platform/Platform.h>
 
+#include <map>
+#include <string>
 #include <string_view>
 
 #include "delivery/KesuPost.h"
@@ -37,7 +39,8 @@ class RecordSender {
   /// Posts a record as it is, at once, and remembers when its destination was last written.
   void postAndSave(Dictionary record);
 
-  /// Completes the record for a table, adds the network class and posts it, on the background queue.
+  /// Completes the record for a table, adds the network class and posts it, on the background queue. When its
+  /// destination was last written is remembered behind what is queued by then, once for a burst of records.
   void postToTable(Dictionary record, std::string_view destination);
 
   /// Completes the record with the columns and the trait block of `type` and posts it, on the background queue.
@@ -53,12 +56,16 @@ class RecordSender {
   void postActivation(Dictionary flags);
 
  private:
+  void postAndSaveSoon(Dictionary record);
+  void saveTimesNow();
+
   Platform& platform_;
   KesuMetrics& metrics_;
   KesuPost& post_;
   const AppInstance& instance_;
   CommonColumns& columns_;
   CalendarVariants& variants_;
+  std::map<std::string, double> saveTimes_;  // Not yet in the user defaults. Tasks of the background queue only.
 };
 
 }  // namespace kesu
