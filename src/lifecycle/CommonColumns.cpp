@@ -12,6 +12,8 @@
 namespace kesu {
 namespace {
 
+constexpr std::size_t kMostColumns = 16;
+
 /// The host's user identifier, when one is set.
 std::optional<Value> userIdentifier(UserDefaults& defaults) {
   const auto identity = defaults.get(kIdentityKey);
@@ -35,6 +37,7 @@ void CommonColumns::addCommonColumnsToDictionary(Dictionary& record, std::string
   if (identity.id.empty()) {
     return;
   }
+  record.reserve(record.size() + kMostColumns);
   const double now = platform_.clock.now();
   record.set(k_destinationKeyInDictionary, destination);
   record.set(k_KesuAppKey, identity.appKey);
