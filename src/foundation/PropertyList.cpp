@@ -4,6 +4,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <iterator>
 #include <limits>
 #include <pugixml.hpp>
 
@@ -277,6 +278,7 @@ std::optional<Value> readArray(pugi::xml_node element, std::size_t depth) {
 
 std::optional<Value> readDictionary(pugi::xml_node element, std::size_t depth) {
   Dictionary dictionary;
+  dictionary.reserve(static_cast<std::size_t>(std::distance(element.begin(), element.end())) / 2);
   bool foreign = false;
   pugi::xml_node child = nextElement(element.first_child(), foreign);
   while (child) {
