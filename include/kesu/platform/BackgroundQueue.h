@@ -17,11 +17,12 @@ class KESU_API BackgroundQueue {
   /// Queues a task. Any thread; never blocks.
   virtual void post(Task task) = 0;
 
-  /// Waits until every task posted so far has run, at most `seconds`. Returns whether that is so. Called from the worker
-  /// itself it returns false at once.
+  /// Returns once every task posted so far has run, or after `seconds`; tells which. The calling thread may run tasks
+  /// itself meanwhile, one after the other as always, and does not cut short a task that it has begun. Called inside a
+  /// task it returns false at once.
   virtual bool drain(double seconds) = 0;
 
-  /// Runs what is queued (at most `seconds`), ends the worker and joins it. Tasks posted afterwards run at once on the
+  /// Runs what is queued as drain() does, ends the worker and joins it. Tasks posted afterwards run at once on the
   /// posting thread, so that nothing is lost while the process ends. Called from the worker itself (a task that ends the
   /// process) it runs what is queued there and then. A worker that hangs in a task is left behind after `seconds`.
   virtual void shutdown(double seconds) = 0;

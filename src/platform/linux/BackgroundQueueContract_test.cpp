@@ -76,19 +76,45 @@ TEST(LinuxBackgroundQueue, WorkerIsOneThreadOfLowPriorityWithoutSignals) {
   int nice = 0;
   sigset_t blocked;
   std::thread::id first;
-  std::thread::id second;
+  std::promise<void> ran;
+  std::promise<std::thread::id> second;
   queue.post([&] {
     first = std::this_thread::get_id();
     nice = ::getpriority(PRIO_PROCESS, static_cast<id_t>(::gettid()));
     pthread_sigmask(SIG_SETMASK, nullptr, &blocked);
+    ran.set_value();
   });
-  ASSERT_TRUE(queue.drain(kPatienceSeconds));
-  queue.post([&] { second = std::this_thread::get_id(); });
-  ASSERT_TRUE(queue.drain(kPatienceSeconds));
-  EXPECT_EQ(first, second);
+  ran.get_future().wait();
+  queue.post([&] { second.set_value(std::this_thread::get_id()); });
+  EXPECT_EQ(first, second.get_future().get());
   EXPECT_NE(first, std::this_thread::get_id());
   EXPECT_EQ(nice, 10);
   EXPECT_EQ(sigismember(&blocked, SIGTERM), 1);
+}
+
+TEST(LinuxBackgroundQueue, DrainingThreadsTakeOverFromTheWorker) {
+  LinuxBackgroundQueue queue;
+  std::promise<void> begun;
+  std::promise<void> release;
+  std::vector<std::thread::id> ranOn;
+  queue.post([&] {
+    begun.set_value();
+    release.get_future().wait();
+  });
+  for (int task = 0; task < 3; ++task) {
+    queue.post([&] { ranOn.push_back(std::this_thread::get_id()); });
+  }
+  begun.get_future().wait();
+  std::thread helper([&] {
+    release.set_value();
+    EXPECT_TRUE(queue.drain(kPatienceSeconds));
+  });
+  EXPECT_TRUE(queue.drain(kPatienceSeconds));
+  helper.join();
+  EXPECT_EQ(ranOn.size(), 3U);
+  std::promise<std::thread::id> later;
+  queue.post([&] { later.set_value(std::this_thread::get_id()); });
+  EXPECT_NE(later.get_future().get(), std::this_thread::get_id()) << "the worker goes on afterwards";
 }
 
 TEST(LinuxBackgroundQueue, KeepsOrderOfEachThreadWhileShuttingDown) {
@@ -114,6 +140,7 @@ TEST(LinuxBackgroundQueue, KeepsOrderOfEachThreadWhileShuttingDown) {
   while (posted < kThreads * kPosts / 2) {
     std::this_thread::yield();
   }
+  EXPECT_TRUE(queue.drain(kPatienceSeconds));
   queue.shutdown(kPatienceSeconds);
   for (std::thread& thread : threads) {
     thread.join();
@@ -124,10 +151,15 @@ TEST(LinuxBackgroundQueue, KeepsOrderOfEachThreadWhileShuttingDown) {
 
 TEST(LinuxBackgroundQueue, GivesUpOnTaskThatHangs) {
   LinuxBackgroundQueue queue;
+  std::promise<void> begun;
   std::promise<void> release;
   bool ran = false;
-  queue.post([&] { release.get_future().wait(); });
+  queue.post([&] {
+    begun.set_value();
+    release.get_future().wait();
+  });
   queue.post([&] { ran = true; });
+  begun.get_future().wait();
   EXPECT_FALSE(queue.drain(0.001));
   queue.shutdown(0.001);
   queue.post([] {});

@@ -71,20 +71,32 @@ void LinuxBackgroundQueue::work() {
   for (;;) {
     {
       const MutexLock lock(mutex_);
-      runner_ = std::this_thread::get_id();
-      while (!takeBatch()) {
+      standAside();
+      if (!takeBatch()) {
         if (mode_ != Mode::Threaded) {
           mode_ = Mode::Inline;
-          runner_ = {};
           done_.notify_all();
           return;
         }
         isAsleep_ = true;
         wake_.wait(mutex_);
         isAsleep_ = false;
+        continue;
       }
+      runner_ = std::this_thread::get_id();
     }
-    runBatch();
+    runBatch([this] { return helpers_.load(std::memory_order_relaxed) > 0; });
+  }
+}
+
+// Leaves the queue to the threads that drain it, until the last of them has gone.
+void LinuxBackgroundQueue::standAside() {
+  if (runner_ == std::this_thread::get_id()) {
+    runner_ = {};
+  }
+  while (runner_ != std::thread::id() || (helpers_ > 0 && mayHelp())) {
+    done_.notify_all();
+    done_.wait(mutex_);
   }
 }
 
@@ -102,8 +114,9 @@ bool LinuxBackgroundQueue::takeBatch() {
   return !batch_.empty();
 }
 
-void LinuxBackgroundQueue::runBatch() {
-  while (head_ < batch_.size()) {
+template <typename Stop>
+void LinuxBackgroundQueue::runBatch(Stop stop) {
+  while (head_ < batch_.size() && !stop()) {
     const Task task = std::move(batch_[head_++]);
     task();
   }
@@ -135,32 +148,70 @@ void LinuxBackgroundQueue::runHere(Mode modeAfterwards) {
         return;
       }
     }
-    runBatch();
+    runBatch([] { return false; });
   }
 }
 
 bool LinuxBackgroundQueue::drain(double seconds) {
-  if (forkGuard_.isForkedChild()) {
-    return false;
-  }
-  const auto deadline = deadlineIn(seconds);
-  const MutexLock lock(mutex_);
-  if (runner_ == std::this_thread::get_id()) {
-    return false;
-  }
-  const std::uint64_t wanted = posted_;
-  while (finished_ < wanted) {
-    if (done_.wait_until(mutex_, deadline) == std::cv_status::timeout) {
+  return !forkGuard_.isForkedChild() && drainUntil(deadlineIn(seconds));
+}
+
+bool LinuxBackgroundQueue::drainUntil(Instant deadline) {
+  std::uint64_t wanted = 0;
+  {
+    const MutexLock lock(mutex_);
+    wanted = posted_;
+    if (runner_ == std::this_thread::get_id()) {
+      return false;
+    }
+    if (!beginHelping(wanted, deadline)) {
       return finished_ >= wanted;
     }
   }
-  return true;
+  for (;;) {
+    runBatch([deadline] { return std::chrono::steady_clock::now() >= deadline; });
+    const MutexLock lock(mutex_);
+    const bool isLeft = takeBatch() && std::chrono::steady_clock::now() < deadline;
+    if (!isLeft || finished_ >= wanted) {
+      runner_ = {};
+      endHelping();
+      return finished_ >= wanted;
+    }
+  }
+}
+
+// Makes the calling thread the runner, once the worker has finished its task. False when that does not come about:
+// everything wanted has run, there is no worker to help, or it was too late.
+bool LinuxBackgroundQueue::beginHelping(std::uint64_t wanted, Instant deadline) {
+  ++helpers_;
+  while (finished_ < wanted && !mayHelp()) {
+    if (done_.wait_until(mutex_, deadline) == std::cv_status::timeout) {
+      break;
+    }
+  }
+  if (finished_ < wanted && mayHelp() && takeBatch()) {
+    runner_ = std::this_thread::get_id();
+    return true;
+  }
+  endHelping();
+  return false;
+}
+
+bool LinuxBackgroundQueue::mayHelp() const {
+  return runner_ == std::thread::id() && (mode_ == Mode::Threaded || mode_ == Mode::Stopping);
+}
+
+void LinuxBackgroundQueue::endHelping() {
+  --helpers_;
+  done_.notify_all();
 }
 
 void LinuxBackgroundQueue::shutdown(double seconds) {
   if (forkGuard_.isForkedChild()) {
     return;
   }
+  const auto deadline = deadlineIn(seconds);
+  drainUntil(deadline);
   bool isInsideTask = false;
   {
     const MutexLock lock(mutex_);
@@ -177,12 +228,11 @@ void LinuxBackgroundQueue::shutdown(double seconds) {
   if (isInsideTask) {
     runHere(Mode::Nested);
   } else {
-    leaveWorker(seconds);
+    leaveWorker(deadline);
   }
 }
 
-void LinuxBackgroundQueue::leaveWorker(double seconds) {
-  const auto deadline = deadlineIn(seconds);
+void LinuxBackgroundQueue::leaveWorker(Instant deadline) {
   std::thread worker;
   {
     const MutexLock lock(mutex_);

@@ -3,6 +3,8 @@
 #include <kesu/foundation/Mutex.h>
 #include <kesu/platform/BackgroundQueue.h>
 
+#include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <cstddef>
 #include <cstdint>
@@ -16,9 +18,10 @@ namespace kesu {
 /// The background queue on Linux: one thread of low priority (nice 10), made by the first post.
 ///
 /// The worker takes everything that waits in one step and runs it without holding the lock, so that a post costs one
-/// short critical section, and a system call only when the worker sleeps. After shutdown(), and where the system
-/// refuses a thread, the posting threads do the work: one at a time, and a task that is posted meanwhile is run by
-/// whoever is at it, so that tasks stay in order and never overlap.
+/// short critical section, and a system call only when the worker sleeps. A thread that drains does not wait for that
+/// slow thread: it takes over after the worker's current task, and runs the rest itself. After shutdown(), and where
+/// the system refuses a thread, the posting threads do the work: one at a time, and a task that is posted meanwhile is
+/// run by whoever is at it, so that tasks stay in order and never overlap.
 class LinuxBackgroundQueue final : public BackgroundQueue {
  public:
   LinuxBackgroundQueue() = default;
@@ -32,6 +35,8 @@ class LinuxBackgroundQueue final : public BackgroundQueue {
   void shutdown(double seconds) override;
 
  private:
+  using Instant = std::chrono::steady_clock::time_point;
+
   enum class Mode {
     Idle,      ///< No post so far, no thread.
     Threaded,  ///< The worker runs the tasks.
@@ -42,17 +47,24 @@ class LinuxBackgroundQueue final : public BackgroundQueue {
 
   void startWorker() KESU_REQUIRES(mutex_);
   void work();
+  void standAside() KESU_REQUIRES(mutex_);
   bool beginsHere() KESU_REQUIRES(mutex_);
   void runHere(Mode modeAfterwards);
-  void runBatch();
+  template <typename Stop>
+  void runBatch(Stop stop);
   bool takeBatch() KESU_REQUIRES(mutex_);
-  void leaveWorker(double seconds);
+  bool drainUntil(Instant deadline);
+  bool beginHelping(std::uint64_t wanted, Instant deadline) KESU_REQUIRES(mutex_);
+  void endHelping() KESU_REQUIRES(mutex_);
+  bool mayHelp() const KESU_REQUIRES(mutex_);
+  void leaveWorker(Instant deadline);
   void wakeWorker() KESU_REQUIRES(mutex_);
 
   ForkGuard forkGuard_;
   Mutex mutex_;
   std::condition_variable_any wake_;  // For the worker.
-  std::condition_variable_any done_;  // For drain() and shutdown().
+  std::condition_variable_any done_;  // For drain() and shutdown(), and for a worker that stands aside.
+  std::atomic<int> helpers_{0};       // Threads that drain. Changed under the lock.
   Mode mode_ KESU_GUARDED_BY(mutex_) = Mode::Idle;
   std::vector<Task> tasks_ KESU_GUARDED_BY(mutex_);
   std::uint64_t posted_ KESU_GUARDED_BY(mutex_) = 0;
