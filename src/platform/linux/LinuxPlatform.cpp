@@ -1,4 +1,5 @@
 #include <kesu/foundation/Mutex.h>
+#include <kesu/platform/ApplicationNotifications.h>
 #include <kesu/platform/Platform.h>
 #include <openssl/crypto.h>
 
@@ -78,11 +79,16 @@ struct LinuxServices {
     platform.http.setConnectObserver([this](const std::string& host, int port, bool connected) {
       reachability.connectionObserved(host, port, connected);
     });
-    defaults.onCheckpointWanted([this] {
-      if (!isEnding.load()) {  // A checkpoint waits for the disk, and the next start makes up for it.
-        background.post([this] { defaults.checkpoint(); });
-      }
-    });
+    defaults.onCheckpointWanted([this] { background.post([this] { checkpointUnlessEnding(); }); });
+    notifications.addObserver(kApplicationWillTerminateNotification, nullptr,
+                              [this](const Notification&) { isEnding.store(true); });
+  }
+
+  // A checkpoint waits for the disk, and the next start makes up for it.
+  void checkpointUnlessEnding() {
+    if (!isEnding.load()) {
+      defaults.checkpoint();
+    }
   }
 
   ForkGuard forkGuard;
