@@ -4,15 +4,15 @@
 #include <poll.h>
 #include <time.h>
 
+#include <atomic>
 #include <fstream>
+#include <future>
 
 #include "Stopwatch.h"
 #include "records/Destinations.h"
 
 namespace kesu::bench {
 namespace {
-
-constexpr double kDrainSeconds = 60.0;
 
 Platform& installed(const std::string& home, const std::string& url, std::string caFile) {
   PlatformOptions options;
@@ -66,10 +66,12 @@ Session::Session(const std::string& homeDirectory, const std::string& collectorU
 }
 
 void Session::settle(std::size_t mostPending) {
-  platform_.background.drain(kDrainSeconds);
+  // Not drain(): this thread would do the worker's work.
+  std::atomic<bool> isWorkerDone{false};
+  platform_.background.post([&isWorkerDone] { isWorkerDone = true; });
   do {
     turn(1);
-  } while (platform_.http.pendingCount() > mostPending || platform_.mainLoop.nextDue() == 0.0);
+  } while (!isWorkerDone || platform_.http.pendingCount() > mostPending || platform_.mainLoop.nextDue() == 0.0);
 }
 
 double Session::turn(int mostMilliseconds) {
@@ -79,9 +81,13 @@ double Session::turn(int mostMilliseconds) {
 }
 
 double workerSeconds(Platform& platform) {
-  timespec time{};
-  platform.background.post([&time] { ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time); });
-  platform.background.drain(kDrainSeconds);
+  std::promise<timespec> answer;
+  platform.background.post([&answer] {
+    timespec time{};
+    ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    answer.set_value(time);
+  });
+  const timespec time = answer.get_future().get();
   return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
 }
 
