@@ -28,11 +28,13 @@ void RecordSender::postAndSave(Dictionary record) {
 // Handing every time to the system would be the larger half of what an event costs, and hosts that post meanwhile would
 // wait for it.
 void RecordSender::postAndSaveSoon(Dictionary record) {
-  if (saveTimes_.empty()) {
-    platform_.background.post([this] { saveTimesNow(); });
-  }
-  saveTimes_[saveTimeKey(record)] = platform_.clock.now();
+  const std::string key = saveTimeKey(record);
   post_.post(std::move(record));
+  const bool isFirst = saveTimes_.empty();
+  saveTimes_[key] = platform_.clock.now();
+  if (isFirst) {
+    platform_.background.post([this] { saveTimesNow(); });  // Runs at once while the process ends.
+  }
 }
 
 void RecordSender::saveTimesNow() {
