@@ -42,6 +42,9 @@ class HttpEngine {
   /// Sleeps until the network, a wake-up, a time limit of the engine or `until` asks for the next step().
   void wait(std::optional<Clock::time_point> until);
 
+  /// A URL for which another job could only be put behind others at the moment; empty when there is none.
+  std::string blockedUrl() const { return queue_.blockedUrl(); }
+
   bool hasWork() const { return !active_.empty() || queue_.hasWaiting(); }
 
   /// Fails everything that is left with HttpError::Cancelled.

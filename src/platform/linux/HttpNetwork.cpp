@@ -34,22 +34,33 @@ void HttpNetwork::send(HttpRequest request, HttpClient::Completion completion) {
   auto job = std::make_unique<HttpJob>();
   job->request = std::move(request);
   job->completion = std::move(completion);
-  if (!accept(job)) {
+  bool wakes = false;
+  if (!accept(job, wakes)) {
     delivery_.deliver(std::move(job->completion), failure(HttpError::Cancelled, "The client was shut down"), {});
+  } else if (wakes) {
+    wake();
   }
 }
 
-// Leaves the job with the caller when it is too late for it.
-bool HttpNetwork::accept(std::unique_ptr<HttpJob>& job) {
+// Leaves the job with the caller when it is too late for it. `wakes`: the thread sleeps, and there is something to do
+// for it about the job.
+bool HttpNetwork::accept(std::unique_ptr<HttpJob>& job, bool& wakes) {
   const MutexLock lock(mutex_);
   if (stopTime_ || !startThread()) {
     return false;
   }
+  wakes = isAsleep_ && (blockedUrl_.empty() || job->request.url != blockedUrl_);
+  isAsleep_ = isAsleep_ && !wakes;
   inbox_.push_back(std::move(job));
-  if (inbox_.size() == 1 && wakeTarget_ != nullptr) {
+  return true;
+}
+
+// Without the inbox's mutex, for which the thread would only have to wait again.
+void HttpNetwork::wake() {
+  const MutexLock lock(wakeMutex_);
+  if (wakeTarget_ != nullptr) {
     curl_multi_wakeup(wakeTarget_);
   }
-  return true;
 }
 
 bool HttpNetwork::startThread() {
@@ -68,11 +79,9 @@ void HttpNetwork::stop(double graceSeconds) {
       const std::chrono::duration<double> grace(std::clamp(graceSeconds, 0.0, kMaxGraceSeconds));
       stopTime_ = Clock::now() + std::chrono::ceil<Clock::duration>(grace);
     }
-    if (wakeTarget_ != nullptr) {
-      curl_multi_wakeup(wakeTarget_);
-    }
     ending.swap(thread_);
   }
+  wake();
   if (ending.joinable()) {
     ending.join();
   }
@@ -87,12 +96,20 @@ void HttpNetwork::run() {
   while (takeInbox(engine)) {
     const bool again = engine.step();
     const auto end = stopTime();
-    if (!again && (engine.hasWork() || !end)) {
+    if (!again && (engine.hasWork() || !end) && fallAsleep(engine)) {
       engine.wait(end);
     }
   }
   setWakeTarget(nullptr);
   engine.cancelAll();
+}
+
+// False when there is something to take already.
+bool HttpNetwork::fallAsleep(const HttpEngine& engine) {
+  const MutexLock lock(mutex_);
+  isAsleep_ = inbox_.empty();
+  blockedUrl_ = engine.blockedUrl();
+  return isAsleep_;
 }
 
 // Returns whether to go on.
@@ -102,6 +119,7 @@ bool HttpNetwork::takeInbox(HttpEngine& engine) {
   {
     const MutexLock lock(mutex_);
     jobs.swap(inbox_);
+    isAsleep_ = false;
     end = stopTime_;
   }
   for (auto& job : jobs) {
@@ -116,7 +134,7 @@ std::optional<HttpNetwork::Clock::time_point> HttpNetwork::stopTime() {
 }
 
 void HttpNetwork::setWakeTarget(CURLM* multi) {
-  const MutexLock lock(mutex_);
+  const MutexLock lock(wakeMutex_);
   wakeTarget_ = multi;
 }
 

@@ -10,6 +10,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -41,9 +42,11 @@ class HttpNetwork {
  private:
   using Clock = HttpEngine::Clock;
 
-  bool accept(std::unique_ptr<HttpJob>& job);
+  bool accept(std::unique_ptr<HttpJob>& job, bool& wakes);
+  void wake();
   bool startThread() KESU_REQUIRES(mutex_);
   void run();
+  bool fallAsleep(const HttpEngine& engine);
   bool takeInbox(HttpEngine& engine);
   std::optional<Clock::time_point> stopTime();
   void setWakeTarget(CURLM* multi);
@@ -55,9 +58,13 @@ class HttpNetwork {
   Mutex stopMutex_;            ///< Held for the whole of stop(); taken before mutex_.
   Mutex mutex_;
   std::thread thread_ KESU_GUARDED_BY(mutex_);
-  CURLM* wakeTarget_ KESU_GUARDED_BY(mutex_) = nullptr;  ///< Null while the engine does not live.
   std::vector<std::unique_ptr<HttpJob>> inbox_ KESU_GUARDED_BY(mutex_);
+  bool isAsleep_ KESU_GUARDED_BY(mutex_) = false;   ///< The thread waits for the network or for a wake-up.
+  std::string blockedUrl_ KESU_GUARDED_BY(mutex_);  ///< What comes for it meanwhile is no reason to wake up.
   std::optional<Clock::time_point> stopTime_ KESU_GUARDED_BY(mutex_);  ///< Set once stop() was called.
+
+  Mutex wakeMutex_;
+  CURLM* wakeTarget_ KESU_GUARDED_BY(wakeMutex_) = nullptr;  ///< Null while the engine does not live.
 };
 
 }  // namespace kesu

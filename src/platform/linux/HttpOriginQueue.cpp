@@ -70,6 +70,13 @@ std::vector<std::unique_ptr<HttpJob>> HttpOriginQueue::takeAllWaiting() {
   return taken;
 }
 
+std::string HttpOriginQueue::blockedUrl() const {
+  const auto blocked = std::find_if(lanes_.begin(), lanes_.end(), [this](const auto& entry) {
+    return !entry.second.waiting.empty() && !mayStart(entry.second);
+  });
+  return blocked == lanes_.end() ? std::string() : blocked->second.waiting.front()->request.url;
+}
+
 bool HttpOriginQueue::hasWaiting() const {
   return std::any_of(lanes_.begin(), lanes_.end(), [](const auto& entry) { return !entry.second.waiting.empty(); });
 }

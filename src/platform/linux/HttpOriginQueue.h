@@ -4,6 +4,7 @@
 #include <deque>
 #include <map>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "platform/linux/HttpJob.h"
@@ -40,6 +41,9 @@ class HttpOriginQueue {
   std::vector<std::unique_ptr<HttpJob>> takeAllWaiting();
 
   bool hasWaiting() const;
+
+  /// The URL of a job that must wait because its origin has started all it may; empty when there is none.
+  std::string blockedUrl() const;
 
  private:
   struct Lane {

@@ -43,6 +43,16 @@ TEST_F(HttpOriginQueueTest, LimitsEachOriginByItself) {
   EXPECT_FALSE(queue_.hasWaiting());
 }
 
+TEST_F(HttpOriginQueueTest, TellsForWhichUrlMoreCouldOnlyWait) {
+  add(kA, 2);
+  startAll();
+  EXPECT_EQ(queue_.blockedUrl(), "") << "the origin is full, but nothing waits";
+  add(kA, 1);
+  EXPECT_EQ(queue_.blockedUrl(), "a3");
+  queue_.ended(kA);
+  EXPECT_EQ(queue_.blockedUrl(), "") << "it may start";
+}
+
 TEST_F(HttpOriginQueueTest, RepeatedHopsGoFirst) {
   add(kA, 1);
   add(kA, 1, true);
