@@ -12,5 +12,7 @@ write_basic_package_version_file(${CMAKE_BINARY_DIR}/kesu-config-version.cmake C
 install(FILES ${CMAKE_BINARY_DIR}/kesu-config.cmake ${CMAKE_BINARY_DIR}/kesu-config-version.cmake
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/kesu)
 
+# Found from where the file lies, so that an installation may be moved.
+file(RELATIVE_PATH KESU_PREFIX_FROM_PC /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 configure_file(cmake/kesu.pc.in ${CMAKE_BINARY_DIR}/kesu.pc @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/kesu.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
