@@ -102,6 +102,7 @@ constexpr CommandName kCommands[] = {
     {"--version", Command::Version, 'v'}, {"serve", Command::Serve, 's'},
     {"run", Command::Run, 'r'},           {"tail", Command::Tail, 't'},
     {"show", Command::Show, 'w'},         {"catalogue", Command::Catalogue, 'c'},
+    {"keys", Command::Keys, 'k'},
 };
 
 const Option* findOption(std::string_view name, char letter) {
@@ -182,6 +183,7 @@ std::string usageText() {
   kesu-dev tail [OPTIONS]             one line for each record as it arrives at a running collector
   kesu-dev show [OPTIONS]             a table of all records so far (also: kesu-dev tail --once)
   kesu-dev catalogue [-f human|json]  every event of the catalogue: who posts it and what it says
+  kesu-dev keys                       every short key of a record and its meaning
   kesu-dev help | version
 
 serve and run:

@@ -8,7 +8,7 @@
 
 namespace kesu::dev {
 
-enum class Command { Help, Version, Serve, Run, Tail, Show, Catalogue };
+enum class Command { Help, Version, Serve, Run, Tail, Show, Catalogue, Keys };
 
 enum class OutputFormat { Human, Json };
 

@@ -42,6 +42,8 @@ TEST(CommandLine, ReadsTailAndShow) {
   EXPECT_TRUE(tail.fromStart);
   EXPECT_EQ(tail.url, "http://localhost:1");
   EXPECT_EQ(parse("tail --once").command, Command::Show);
+  EXPECT_EQ(parse("catalogue -f json").format, OutputFormat::Json);
+  EXPECT_FALSE(parse("keys -f json").error.empty());
   const CommandLine show = parse("show --db f --width 200");
   EXPECT_EQ(show.database, "f");
   EXPECT_EQ(show.services.database, "");

@@ -6,6 +6,7 @@
 
 #include "CatalogueDescription.h"
 #include "CommandLine.h"
+#include "KeyTable.h"
 #include "RunCommand.h"
 #include "ServeCommand.h"
 #include "WatchCommand.h"
@@ -20,6 +21,13 @@ int printCatalogue(const kesu::dev::CommandLine& line) {
   const std::string text =
       json ? kesu::catalogue::catalogueAsJson(descriptions) + "\n" : kesu::catalogue::catalogueAsText(descriptions);
   std::fputs(text.c_str(), stdout);
+  return 0;
+}
+
+int printKeys() {
+  for (const kesu::dev::KeyInfo& key : kesu::dev::allKeys()) {
+    std::printf("%-20s %s\n", std::string(key.key).c_str(), std::string(key.meaning).c_str());
+  }
   return 0;
 }
 
@@ -41,6 +49,8 @@ int execute(const kesu::dev::CommandLine& line) {
       return kesu::dev::runShow(line);
     case kesu::dev::Command::Catalogue:
       return printCatalogue(line);
+    case kesu::dev::Command::Keys:
+      return printKeys();
   }
   return kUsageError;
 }
