@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <ctime>
 #include <memory>
+#include <optional>
 #include <system_error>
 #include <utility>
 
@@ -166,6 +167,21 @@ bool walk(DIR* directory, const std::string& path, int depth, const Visitor& vis
   return true;
 }
 
+// A file that has no name until it is whole: cheaper than a temporary name, and nothing is left of it when the process
+// dies. Nothing when the file is there already, or where this cannot be done (some file systems; no /proc).
+std::optional<FileResult> writeNew(const std::string& directory, const std::string& path, std::string_view bytes) {
+  const UniqueFd fd(::open(directory.c_str(), O_WRONLY | O_TMPFILE | O_CLOEXEC, kFileMode));
+  if (!fd) {
+    return std::nullopt;
+  }
+  if (const int error = writeWhole(fd.get(), bytes)) {
+    return failure(error);
+  }
+  const std::string unnamed = "/proc/self/fd/" + std::to_string(fd.get());
+  const bool isLinked = ::linkat(AT_FDCWD, unnamed.c_str(), AT_FDCWD, path.c_str(), AT_SYMLINK_FOLLOW) == 0;
+  return isLinked ? std::optional(FileResult()) : std::nullopt;
+}
+
 }  // namespace
 
 LinuxFiles::LinuxFiles(std::string homeDirectory) : home_(std::move(homeDirectory)) {}
@@ -216,6 +232,9 @@ FileResult LinuxFiles::writeAtomically(const std::string& path, std::string_view
   }
   const std::string directory = parentOf(path);
   sweepOnce(directory);
+  if (auto result = writeNew(directory, path, bytes)) {
+    return *result;
+  }
   std::string temporary;
   const int fd = openTemporary(directory, temporary);
   if (fd < 0) {

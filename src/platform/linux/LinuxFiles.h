@@ -15,10 +15,11 @@ namespace kesu {
 /// directory or a link answers NotRegular at once. Paths with a NUL byte are refused. A path below a regular file
 /// counts as NotFound.
 ///
-/// writeAtomically() writes to a hidden temporary file beside the target and renames it. A link, FIFO or socket at the
-/// target's place is replaced, never written through; a directory is not. A process killed between the two steps leaves
-/// the temporary file, which no walk shows; the first write of a later process into that directory removes those older
-/// than kStaleAgeSeconds. Nothing waits for the disk: after power loss the file may be missing or empty.
+/// writeAtomically() gives a new file its name when it is whole. What replaces another (a link, FIFO or socket is
+/// replaced, never written through; a directory is not), and what a file system cannot make without a name, is written
+/// to a hidden temporary file beside the target and renamed. A process killed between these two steps leaves the
+/// temporary file, which no walk shows; the first write of a later process into that directory removes those older than
+/// kStaleAgeSeconds. Nothing waits for the disk: after power loss the file may be missing or empty.
 class LinuxFiles final : public Files {
  public:
   /// Directories nested deeper than this below the start of a walk are listed, but not entered.

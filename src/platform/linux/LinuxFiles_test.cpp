@@ -116,6 +116,7 @@ TEST_F(LinuxFilesTest, ATemporaryNameThatIsTakenIsPassedBy) {
   const std::string taken = ".kesu-" + std::to_string(::getpid()) + "-0.tmp";
   home_.write("target", "target");
   ASSERT_EQ(::symlink((home_ / "target").c_str(), (home_ / taken).c_str()), 0);
+  home_.write("file", "only what replaces a file has a temporary name");
   EXPECT_TRUE(files_.writeAtomically(home_ / "file", "x").ok());
   EXPECT_EQ(home_.read("target"), "target");
   EXPECT_EQ(home_.read("file"), "x");
