@@ -90,6 +90,7 @@ class RealPlatform {
   LinuxMainLoop mainLoop;
   LinuxHttpClient http;
   LinuxBackgroundQueue background;
+  LinuxBackgroundQueue imageWorker;
   FakeLocale locale;
   FakeBundle bundle;
   LinuxReachabilitySource reachability{mainLoop};
@@ -97,7 +98,7 @@ class RealPlatform {
   RecordingLog log;
   RecordingUrlOpener urlOpener;
   NotificationCenter notifications;
-  Platform platform{clock,  random, files,        defaults, http, mainLoop,  background,
+  Platform platform{clock,  random, files,        defaults, http, mainLoop,  background, imageWorker,
                     locale, bundle, reachability, device,   log,  urlOpener, notifications};
 };
 

@@ -31,8 +31,9 @@ class ScopedPlatform {
   void settle() {
     do {
       background.runAll();
+      imageWorker.runAll();
       mainLoop.runAll();
-    } while (background.count() > 0);
+    } while (background.count() + imageWorker.count() > 0);
   }
 
   ManualClock clock;
@@ -42,6 +43,7 @@ class ScopedPlatform {
   ManualMainLoop mainLoop{clock};
   FakeHttpClient http{mainLoop};
   ManualBackgroundQueue background;
+  ManualBackgroundQueue imageWorker;
   FakeLocale locale;
   FakeBundle bundle;
   FakeReachabilitySource reachability{mainLoop};
@@ -49,7 +51,7 @@ class ScopedPlatform {
   RecordingLog log;
   RecordingUrlOpener urlOpener;
   NotificationCenter notifications;
-  Platform platform{clock,  random, files,        defaults, http, mainLoop,  background,
+  Platform platform{clock,  random, files,        defaults, http, mainLoop,  background, imageWorker,
                     locale, bundle, reachability, device,   log,  urlOpener, notifications};
 };
 

@@ -33,6 +33,7 @@ struct Platform {
   HttpClient& http;
   MainLoop& mainLoop;
   BackgroundQueue& background;
+  BackgroundQueue& imageWorker;  ///< Decodes, encodes and writes pictures, which would hold up the records.
   LocaleService& locale;
   Bundle& bundle;
   ReachabilitySource& reachability;

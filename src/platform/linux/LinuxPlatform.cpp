@@ -65,6 +65,7 @@ struct LinuxServices {
                  chosen<HttpClient>(options.http, ownHttp),
                  mainLoop,
                  background,
+                 imageWorker,
                  locale,
                  bundle,
                  reachability,
@@ -103,6 +104,7 @@ struct LinuxServices {
   MainLoop& mainLoop;
   LinuxHttpClient ownHttp;
   LinuxBackgroundQueue background;
+  LinuxBackgroundQueue imageWorker;
   LinuxReachabilitySource reachability;
   LinuxDeviceFacts ownDevice;
   LinuxLogSink log;

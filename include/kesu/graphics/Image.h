@@ -1,0 +1,37 @@
+#pragma once
+
+#include <kesu/Export.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+namespace kesu {
+
+/// A picture in memory that never changes once it is made, so that any thread may read it. Shared by everybody who
+/// shows it: pass ImagePtr, where null is "no picture".
+class KESU_API Image {
+ public:
+  /// Takes over the pixels: rows from the top, each pixel 0xAARRGGBB with the colours multiplied by the opacity, as
+  /// Cairo's ARGB32. `pixels` holds exactly width * height of them.
+  Image(int width, int height, std::vector<std::uint32_t> pixels);
+
+  int width() const { return width_; }    ///< In pixels, at least 1.
+  int height() const { return height_; }  ///< In pixels, at least 1.
+  const std::uint32_t* pixels() const { return pixels_.data(); }
+  std::size_t byteCount() const { return pixels_.size() * sizeof(std::uint32_t); }
+
+  /// Whether every pixel is opaque. Found out when the picture is made.
+  bool isOpaque() const { return isOpaque_; }
+
+ private:
+  int width_;
+  int height_;
+  bool isOpaque_;
+  std::vector<std::uint32_t> pixels_;
+};
+
+using ImagePtr = std::shared_ptr<const Image>;
+
+}  // namespace kesu

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace kesu {
+
+/// Whether the text begins with "data:" (in any letter case).
+bool isDataUrl(std::string_view url);
+
+/// The bytes that a "data:" URL carries, Base64 or percent-encoded; its media type is not looked at. Nothing for other
+/// URLs, without a comma and for damaged Base64. Any thread.
+std::optional<std::string> dataOfUrl(std::string_view url);
+
+}  // namespace kesu
