@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <set>
@@ -14,6 +15,7 @@
 #include "Scratch.h"
 #include "Session.h"
 #include "Stopwatch.h"
+#include "StoreFiles.h"
 #include "foundation/PropertyList.h"
 
 namespace kesu::bench {
@@ -82,7 +84,8 @@ std::size_t countLost(const Collector& collector, const std::string& home) {
 }
 
 struct Ending {
-  std::vector<double> times;
+  std::vector<double> times;  ///< Until willTerminate(), or what the library does at exit, is over.
+  std::vector<double> gone;   ///< Until the system has taken the process down.
   std::size_t lost = 0;
 };
 
@@ -94,19 +97,33 @@ Ending endOften(Manner manner, const std::string& way) {
     const ChildResult result = runOwn("post-and-end", {home.path(), collector.url(), std::to_string(kPosts), way});
     double begin = 0.0;
     double end = 0.0;
-    const int read = std::sscanf(result.output.c_str(), "%lf %lf", &begin, &end);
-    ending.times.push_back(result.ended && read >= 1 ? (read == 2 ? end : result.endedAt) - begin : 1e9);
+    const bool isWhole = result.ended && std::sscanf(result.output.c_str(), "%lf %lf", &begin, &end) == 2;
+    ending.times.push_back(isWhole ? end - begin : 1e9);
+    ending.gone.push_back(isWhole ? result.endedAt - begin : 1e9);
     ending.lost += countLost(collector, home.path());
   }
   return ending;
 }
 
+/// What the system alone takes for files like those that are left.
+double secondsOfBareFiles() {
+  const Scratch directory;
+  return secondsOf([&] {
+    for (std::size_t number = 0; number < kPosts; ++number) {
+      writeAndRename(directory.path(), number, usualRecordBytes());
+    }
+  });
+}
+
 void addEnding(Figures& figures, Manner manner, const char* label) {
-  for (const char* way : {"terminate", "return"}) {
+  for (const std::string way : {"terminate", "return"}) {
     const Ending ending = endOften(manner, way);
-    const std::string what = std::string(way == std::string("terminate") ? "willTerminate" : "return from main") +
-                             ", 1,000 posted, collector " + label;
-    figures.add(Figure(what, median(ending.times) * 1e3, "ms").atMost(50.0));
+    const std::string what =
+        (way == "terminate" ? "willTerminate" : "return from main") + std::string(", 1,000 posted, collector ") + label;
+    figures.add(Figure(what, median(ending.times) * 1e3, "ms")
+                    .compared("1,000 bare files", secondsOfBareFiles() * 1e3)
+                    .atMost(50.0));
+    figures.add(Figure(what + ": until the process is gone", median(ending.gone) * 1e3, "ms"));
     figures.add(Figure(what + ": lost", static_cast<double>(ending.lost), "records").atMost(0.0));
   }
 }
@@ -128,6 +145,11 @@ long voluntarySwitches() {
 }  // namespace
 
 int postAndEnd(const std::vector<std::string>& arguments) {
+  const bool terminates = arguments.at(3) == "terminate";
+  if (!terminates) {
+    // Registered before the library registers its own, so it runs after that.
+    std::atexit([] { std::printf("%.9f\n", secondsNow()); });
+  }
   Session session(arguments.at(0), arguments.at(1), Session::Launch::InitializeOnly);
   const auto count = static_cast<std::size_t>(std::stoul(arguments.at(2)));
   Application::shared().didFinishLaunching();
@@ -138,8 +160,7 @@ int postAndEnd(const std::vector<std::string>& arguments) {
     postNumbered(number);
   }
   std::printf("%.9f ", secondsNow());
-  std::fflush(stdout);
-  if (arguments.at(3) == "terminate") {
+  if (terminates) {
     Application::shared().willTerminate();
     std::printf("%.9f\n", secondsNow());
   }
@@ -170,8 +191,11 @@ void measureSize(Figures& figures) {
        KESU_BENCH_LIBRARY});
   figures.add(Figure("exported symbols outside kesu", std::stod(foreign.output), "symbols").atMost(0.0));
   const double bare = usualStart(KESU_BENCH_START_BARE, false).memoryKilobytes / 1024.0;
+  const double libraries = usualStart(KESU_BENCH_START_LIBRARIES, false).memoryKilobytes / 1024.0;
   const double with = usualStart(KESU_BENCH_START, false).memoryKilobytes / 1024.0;
-  figures.add(Figure("memory added by the library, initialised", with - bare, "MB").atMost(6.0));
+  figures.add(Figure("memory (RSS) added by the library, initialised", with - bare, "MB")
+                  .compared("the system's libraries alone", libraries - bare)
+                  .atMost(6.0));
 }
 
 void measureExit(Figures& figures) {

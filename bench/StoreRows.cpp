@@ -10,6 +10,7 @@
 #include "Scratch.h"
 #include "Session.h"
 #include "Stopwatch.h"
+#include "StoreFiles.h"
 #include "facade/Wiring.h"
 #include "foundation/PropertyList.h"
 
@@ -18,6 +19,8 @@ namespace {
 
 // Port 9 on loopback: nothing is sent in these rows.
 constexpr const char* kNowhere = "http://127.0.0.1:9/";
+
+}  // namespace
 
 void writeAndRename(const std::string& directory, std::size_t number, const std::string& bytes) {
   const std::string name = directory + "/" + std::to_string(number);
@@ -30,7 +33,10 @@ void writeAndRename(const std::string& directory, std::size_t number, const std:
   ::rename(temporary.c_str(), name.c_str());
 }
 
-}  // namespace
+const std::string& usualRecordBytes() {
+  static const std::string bytes = writePropertyList(usualRecord(0)).value_or("");
+  return bytes;
+}
 
 int fillStore(const std::vector<std::string>& arguments) {
   const Session session(arguments.at(0), kNowhere, Session::Launch::InitializeOnly);
@@ -49,13 +55,12 @@ void measureStoreWrite(Figures& figures) {
   const Session session(home.path(), kNowhere, Session::Launch::InitializeOnly);
   const std::string beside = home.path() + "/Beside";
   ::mkdir(beside.c_str(), 0700);
-  const std::string bytes = writePropertyList(usualRecord(0)).value_or("");
   std::vector<double> adds;
   std::vector<double> writes;
   for (std::size_t number = 0; number < kWrites; ++number) {
     const Dictionary record = usualRecord(number);
     adds.push_back(secondsOf([&] { wiring().store.add(record); }));
-    writes.push_back(secondsOf([&] { writeAndRename(beside, number, bytes); }));
+    writes.push_back(secondsOf([&] { writeAndRename(beside, number, usualRecordBytes()); }));
   }
   figures.add(Figure("store a record, p50", median(adds) * 1e6, "µs")
                   .compared("create, write, rename", median(writes) * 1e6)

@@ -1,5 +1,6 @@
-// The smallest program that starts, with and without the library. Prints the microseconds that Kesu::initialize took
-// and the memory in kB that the process holds afterwards. Argument: the home directory.
+// The smallest program that starts: with the library, without it, and with nothing but what the library stands on.
+// Prints the microseconds that Kesu::initialize took and the memory in kB that the process holds afterwards. Argument:
+// the home directory.
 #include <chrono>
 #include <cstdio>
 #include <cstring>
