@@ -98,7 +98,7 @@ class RealPlatform {
   RecordingLog log;
   RecordingUrlOpener urlOpener;
   NotificationCenter notifications;
-  Platform platform{clock,  random, files,        defaults, http, mainLoop,  background, imageWorker,
+  Platform platform{clock,  random, files,        defaults, http, mainLoop,  background,   imageWorker,
                     locale, bundle, reachability, device,   log,  urlOpener, notifications};
 };
 

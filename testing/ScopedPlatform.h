@@ -51,7 +51,7 @@ class ScopedPlatform {
   RecordingLog log;
   RecordingUrlOpener urlOpener;
   NotificationCenter notifications;
-  Platform platform{clock,  random, files,        defaults, http, mainLoop,  background, imageWorker,
+  Platform platform{clock,  random, files,        defaults, http, mainLoop,  background,   imageWorker,
                     locale, bundle, reachability, device,   log,  urlOpener, notifications};
 };
 
