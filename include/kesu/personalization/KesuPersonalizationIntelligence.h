@@ -1,0 +1,42 @@
+#pragma once
+
+#include <kesu/Export.h>
+#include <kesu/foundation/Value.h>
+
+#include <functional>
+
+namespace kesu {
+
+/// The personalization tags that the service has assigned to this installation. The last list that had a tag in it is
+/// kept in the user defaults, so that the questions below are answered without a network.
+class KESU_API KesuPersonalizationIntelligence {
+ public:
+  /// Told the tags (an array of texts), or nil when there are none or they could not be fetched.
+  using TagsHandler = std::function<void(const Object& tags)>;
+
+  /// [KesuPersonalizationIntelligence sharedInstance] The one object. It has no state of its own: its operations are
+  /// those of the class. Any thread.
+  static KesuPersonalizationIntelligence& sharedInstance();
+
+  /// [KesuPersonalizationIntelligence getTags:] Fetches the tags, keeps them when there is at least one, and calls
+  /// `completion` on the main thread with them. A fetch without tags leaves the kept list as it is. A reply that
+  /// carries both an error and tags calls `completion` twice, a complete reply without a body never. Any thread.
+  static void getTags(TagsHandler completion);
+
+  /// [KesuPersonalizationIntelligence isTagSet:] Whether the kept list holds the tag. False for a missing or empty one.
+  /// Any thread.
+  static bool isTagSet(const Object& tag);
+
+  /// [KesuPersonalizationIntelligence areAnyTagsSet:] Whether the kept list holds at least one of these. False for no
+  /// tags. Any thread.
+  static bool areAnyTagsSet(const Array& tags);
+
+  /// [KesuPersonalizationIntelligence areAllTagsSet:] Whether the kept list holds all of these. False for no tags. Any
+  /// thread.
+  static bool areAllTagsSet(const Array& tags);
+
+ private:
+  KesuPersonalizationIntelligence() = default;
+};
+
+}  // namespace kesu
