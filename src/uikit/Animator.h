@@ -20,13 +20,14 @@ class Animator {
   void animate(double durationSeconds, const std::function<void()>& changes, AnimationCompletion completion);
 
   /// Moves every animation to this time; those that are over are completed, in the order in which they began. The first
-  /// tick after animate() is its beginning. Times that go back count as no time.
+  /// tick after animate() is its beginning. Times that go back, and NaN, count as no time.
   void tick(double nowSeconds);
 
-  /// Whether anything is under way.
+  /// Whether anything is under way, a completion that is due included.
   bool isRunning() const;
 
-  /// Ends everything at its aim, as finished; for views that nobody draws.
+  /// Ends everything at its aim, as finished; for views that nobody draws. What a completion starts anew goes on. Tests
+  /// that leave animations behind call it before what their completions refer to goes away.
   void finishAll();
 
  private:
@@ -35,9 +36,10 @@ class Animator {
   /// A view was told something: at once, or gradually inside of animate().
   void viewMoved(View& view, const ViewGeometry& from, const ViewGeometry& to);
   void viewWentAway(View& view);
+  static void present(View& view, const ViewGeometry& next);
 
   struct State;
-  std::unique_ptr<State> state_;
+  std::shared_ptr<State> state_;  // Shared with timers that may outlive a main loop's turn.
 };
 
 }  // namespace kesu

@@ -101,16 +101,16 @@ void NavigationController::viewDidDisappear(bool animated) {
   exchange(lastOfStack(), nullptr, animated);
 }
 
-Window::~Window() {
-  if (currentKeyWindow == this) {
-    currentKeyWindow = nullptr;
-  }
-}
-
 void Window::setRootViewController(ViewController* root) {
   ViewController* before = std::exchange(root_, root);
   if (currentKeyWindow == this && before != root) {
     exchange(before, root, false);
+  }
+}
+
+void Window::resignKey() {
+  if (currentKeyWindow == this) {
+    currentKeyWindow = nullptr;
   }
 }
 

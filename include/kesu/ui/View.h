@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -25,6 +26,9 @@ struct Shadow {
   double opacity = 0.0;
   double radius = 3.0;  ///< Blur in points.
   Size offset{0.0, 0.0};
+
+  /// How far the blur goes beyond the moved rectangle, in points: nothing is drawn farther out.
+  double reach() const { return 3.0 * radius; }
 
   friend bool operator==(const Shadow&, const Shadow&) = default;
 };
@@ -52,7 +56,8 @@ struct AccessibilityInfo {
 ///
 /// Make views with std::make_shared: a view owns its subviews and knows its superview. Coordinates are points of the
 /// superview. What is set inside animate() (kesu/ui/Animator.h) is reached gradually on the screen; the accessors below
-/// always tell where it is going, presented() where it is now.
+/// always tell where it is going, presented() where it is now. NaN and infinite numbers are taken as 0, sizes and
+/// widths below 0 as well; no number is taken as larger than a billion.
 class KESU_API View : public std::enable_shared_from_this<View> {
  public:
   View() = default;
@@ -62,7 +67,7 @@ class KESU_API View : public std::enable_shared_from_this<View> {
   View(const View&) = delete;
   View& operator=(const View&) = delete;
 
-  // Geometry. The frame is the view without its transform; NaN and infinite numbers are taken as 0.
+  // Geometry. The frame is the view without its transform.
   Rect frame() const;
   void setFrame(const Rect& frame);
   Point center() const { return model_.center; }
@@ -91,9 +96,12 @@ class KESU_API View : public std::enable_shared_from_this<View> {
   /// The view as it is drawn at the moment of the last Animator::tick().
   const ViewGeometry& presented() const { return presented_; }
 
-  // The tree. A view that is added elsewhere leaves its former superview first.
+  // The tree. A view that is added elsewhere leaves its former superview first. Null, a window, and a view that would
+  // then lie inside itself are not added.
   View* superview() const { return superview_; }
   const std::vector<ViewPtr>& subviews() const { return subviews_; }
+  /// The subviews from the back to the front: in their order, but the focused one is the last.
+  std::vector<View*> drawingOrder() const;
   void addSubview(ViewPtr view);
   void insertSubview(ViewPtr view, std::size_t index);
   void bringSubviewToFront(View& view);
@@ -103,10 +111,12 @@ class KESU_API View : public std::enable_shared_from_this<View> {
   bool contains(const View& other) const;
   /// The window that the view hangs in, or null.
   virtual Window* window();
-  /// A point of this view's coordinates in those of the window, and back; transforms are left out.
+  /// A point of this view's coordinates in those of the window (of the outermost superview, outside of a window), and
+  /// back; transforms are left out.
   Point toWindow(Point point) const;
   Point fromWindow(Point point) const;
   /// The frontmost view at a point of this view's coordinates that is visible and takes part in interaction, or null.
+  /// Transforms count: it is the view that the user sees there once all animations are over.
   View* hitTest(Point point);
 
   /// Whether this view and its subviews can be focused and touched.
@@ -119,7 +129,7 @@ class KESU_API View : public std::enable_shared_from_this<View> {
 
   /// A composited view with all that is in it is one picture of its own, which is only drawn again when something in it
   /// changes and otherwise moved and faded as it is. Subviews of a window always are.
-  bool isComposited() const { return isComposited_; }
+  bool isComposited() const { return isComposited_ || (superview_ != nullptr && superview_->isWindow_); }
   void setComposited(bool composited);
 
   void addGestureRecognizer(std::shared_ptr<GestureRecognizer> recognizer);
@@ -129,7 +139,9 @@ class KESU_API View : public std::enable_shared_from_this<View> {
   std::int64_t tag() const { return tag_; }
   void setTag(std::int64_t tag) { tag_ = tag; }
 
-  const AccessibilityInfo& accessibility() const { return accessibility_; }
+  /// What was set, with the view's own label where that has none; without any, what the kind of view says by itself.
+  AccessibilityInfo accessibility() const;
+  /// A role of None has even a label or a button passed over.
   void setAccessibility(AccessibilityInfo info);
 
   // Focus and presses. Exactly one view of a window is focused while a modal view has anything to focus.
@@ -155,22 +167,39 @@ class KESU_API View : public std::enable_shared_from_this<View> {
   /// are in it, and what its subviews draw outside of its bounds.
   Rect drawnExtent() const;
 
+  /// What the view touches of its own picture, in its own coordinates: like drawnExtent(), but without its transform
+  /// and without the composited views inside it, which are pictures of their own. For the renderer.
+  Rect pictureExtent() const;
+
   /// What has to be drawn again of a composited view since the last call, in its own coordinates. For the renderer.
   Rect takeDamage();
 
  protected:
   /// The size was set to another one.
   virtual void sizeDidChange() {}
-  /// Where subviews lie in relation to where their frames say: a scrolled view moves them.
-  virtual Point contentOffset() const { return {}; }
+  /// What a screen reader is told as long as nothing was set.
+  virtual AccessibilityInfo defaultAccessibility() const { return {}; }
+  /// The bounds as they are drawn at the moment; draw() fills these.
+  Rect presentedBounds() const { return {0.0, 0.0, presented_.size.width, presented_.size.height}; }
 
  private:
   friend class Animator;
-  friend class FocusEngine;
+  friend class Window;
 
+  template <typename Change>
+  void repaint(Change change);
   void moveModel(const ViewGeometry& next);
   void present(const ViewGeometry& next);
-  void damageInComposited(const Rect& own);
+  void setFocused(bool focused);
+  void leaveSuperview();
+  bool isDrawn() const { return !isHidden_ && presented_.alpha > 0.0; }
+  Rect bodyExtent() const;
+  Rect extent(bool withComposited) const;
+  Rect toSuperview(const Rect& own) const;
+  void addDamage(Rect own);
+  void addDamageOfSubview(const Rect& rect);
+  void damageSuperview();
+  void noteChange();
 
   ViewGeometry model_;
   ViewGeometry presented_;
@@ -184,11 +213,13 @@ class KESU_API View : public std::enable_shared_from_this<View> {
   bool isModal_ = false;
   bool isComposited_ = false;
   bool isFocused_ = false;
+  bool isWindow_ = false;
+  bool isAnimated_ = false;  // The animator may hold values of this view.
   std::int64_t tag_ = 0;
   View* superview_ = nullptr;
   std::vector<ViewPtr> subviews_;
   std::vector<std::shared_ptr<GestureRecognizer>> recognizers_;
-  AccessibilityInfo accessibility_;
+  std::optional<AccessibilityInfo> accessibility_;
   Rect damage_;
 };
 

@@ -1,0 +1,66 @@
+#include "uikit/AccessibilityTree.h"
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+#include "uikit/FocusEngine.h"
+
+namespace kesu {
+namespace {
+
+using Role = AccessibilityInfo::Role;
+
+/// What is read in one go: one element, or a dialog with everything in it.
+using Block = std::vector<AccessibilityNode>;
+
+AccessibilityNode nodeOf(const View& view, AccessibilityInfo info) {
+  const Point origin = view.toWindow({});
+  return {info.role, std::move(info.label), std::move(info.value),
+          Rect{origin.x, origin.y, view.bounds().width, view.bounds().height}, view.isFocused()};
+}
+
+void appendInReadingOrder(std::vector<Block> blocks, Block& nodes) {
+  std::vector<Rect> frames;
+  std::ranges::transform(blocks, std::back_inserter(frames), [](const Block& block) { return block.front().frame; });
+  std::vector<std::size_t> order = readingOrder(frames);
+  std::ranges::stable_partition(order, [&](std::size_t one) { return blocks[one].front().role == Role::Heading; });
+  for (const std::size_t one : order) {
+    std::ranges::move(blocks[one], std::back_inserter(nodes));
+  }
+}
+
+void collect(const View& view, std::vector<Block>& blocks) {
+  if (view.isHidden() || view.alpha() <= 0.0) {
+    return;
+  }
+  AccessibilityInfo info = view.accessibility();
+  const bool isElement = info.role != Role::None && info.role != Role::Dialog;
+  std::vector<Block> inside;
+  for (const ViewPtr& subview : view.subviews()) {
+    if (!isElement) {  // An element speaks for all that is in it.
+      collect(*subview, inside);
+    }
+  }
+  if (info.role == Role::None) {
+    std::ranges::move(inside, std::back_inserter(blocks));
+    return;
+  }
+  Block block{nodeOf(view, std::move(info))};
+  appendInReadingOrder(std::move(inside), block);
+  blocks.push_back(std::move(block));
+}
+
+}  // namespace
+
+std::vector<AccessibilityNode> accessibilityTree(const Window& window) {
+  window.focusedView();  // The focus is to be right.
+  const View* modal = window.modalView();
+  std::vector<Block> blocks;
+  collect(modal != nullptr ? *modal : window, blocks);
+  Block nodes;
+  appendInReadingOrder(std::move(blocks), nodes);
+  return nodes;
+}
+
+}  // namespace kesu

@@ -1,0 +1,388 @@
+#include <kesu/ui/Containers.h>
+#include <kesu/ui/GestureRecognizer.h>
+
+#include <algorithm>
+#include <bitset>
+#include <optional>
+#include <utility>
+
+#include "uikit/FocusEngine.h"
+
+namespace kesu {
+namespace {
+
+constexpr std::size_t kButtons = static_cast<std::size_t>(RemoteButton::PlayPause) + 1;
+
+using RecognizerPtr = std::shared_ptr<GestureRecognizer>;
+
+bool isArrow(RemoteButton button) {
+  return button <= RemoteButton::Right;
+}
+
+RemoteButton arrowOf(SwipeDirection direction) {
+  switch (direction) {
+    case SwipeDirection::Left:
+      return RemoteButton::Left;
+    case SwipeDirection::Right:
+      return RemoteButton::Right;
+    case SwipeDirection::Up:
+      return RemoteButton::Up;
+    case SwipeDirection::Down:
+      break;
+  }
+  return RemoteButton::Down;
+}
+
+/// Whether a view itself, without those around it, can be seen and used.
+bool takesPart(const View& view) {
+  return !view.isHidden() && view.alpha() > 0.0 && view.isUserInteractionEnabled();
+}
+
+bool takesPartWithAncestors(const View& view) {
+  const View* one = &view;
+  while (one != nullptr && takesPart(*one)) {
+    one = one->superview();
+  }
+  return one == nullptr;
+}
+
+bool isFocusable(const View& view) {
+  return view.canBecomeFocused() && !view.bounds().isEmpty();
+}
+
+void findModal(View& view, View*& found) {
+  if (view.isHidden()) {
+    return;
+  }
+  found = view.isModal() ? &view : found;
+  for (View* subview : view.drawingOrder()) {
+    findModal(*subview, found);
+  }
+}
+
+void collectFocusable(View& view, std::vector<ViewPtr>& found) {
+  if (!takesPart(view)) {
+    return;
+  }
+  if (isFocusable(view)) {
+    found.push_back(view.shared_from_this());
+  }
+  for (const ViewPtr& subview : view.subviews()) {
+    collectFocusable(*subview, found);
+  }
+}
+
+std::vector<ViewPtr> focusableIn(View& modal) {
+  std::vector<ViewPtr> found;
+  if (modal.superview() != nullptr && takesPartWithAncestors(modal)) {
+    collectFocusable(modal, found);
+  }
+  return found;
+}
+
+Rect placeInWindow(const View& view) {
+  const Point origin = view.toWindow({});
+  return {origin.x, origin.y, view.bounds().width, view.bounds().height};
+}
+
+std::vector<Rect> placesOf(const std::vector<ViewPtr>& views) {
+  std::vector<Rect> places;
+  std::ranges::transform(views, std::back_inserter(places), [](const ViewPtr& view) { return placeInWindow(*view); });
+  return places;
+}
+
+/// The last recogniser of a view that was added and fits, or null.
+template <typename Fits>
+RecognizerPtr recognizerOf(const View& view, Fits fits) {
+  const auto& all = view.gestureRecognizers();
+  const auto found = std::find_if(all.rbegin(), all.rend(), [&](const RecognizerPtr& one) { return fits(*one); });
+  return found != all.rend() ? *found : nullptr;
+}
+
+template <typename Fits>
+RecognizerPtr frontmostRecognizer(const View& view, Fits fits) {
+  if (!takesPart(view)) {
+    return nullptr;
+  }
+  const std::vector<View*> order = view.drawingOrder();
+  for (auto subview = order.rbegin(); subview != order.rend(); ++subview) {
+    if (RecognizerPtr found = frontmostRecognizer(**subview, fits)) {
+      return found;
+    }
+  }
+  return recognizerOf(view, fits);
+}
+
+/// From the focused view outwards to the modal one, else the frontmost.
+template <typename Fits>
+RecognizerPtr findRecognizer(const View& modal, const View* focused, Fits fits) {
+  if (!takesPartWithAncestors(modal)) {
+    return nullptr;
+  }
+  for (const View* view = focused; view != nullptr && modal.contains(*view); view = view->superview()) {
+    if (RecognizerPtr found = recognizerOf(*view, fits)) {
+      return found;
+    }
+  }
+  return frontmostRecognizer(modal, fits);
+}
+
+RecognizerPtr recognizerOfPress(const View& modal, const View* focused, RemoteButton button) {
+  return findRecognizer(modal, focused, [button](const GestureRecognizer& one) {
+    const auto* tap = dynamic_cast<const TapGestureRecognizer*>(&one);
+    return tap != nullptr && std::ranges::count(tap->allowedPressTypes(), button) > 0;
+  });
+}
+
+RecognizerPtr recognizerOfSwipe(const View& modal, const View* focused, SwipeDirection direction) {
+  return findRecognizer(modal, focused, [direction](const GestureRecognizer& one) {
+    const auto* swipe = dynamic_cast<const SwipeGestureRecognizer*>(&one);
+    return swipe != nullptr && swipe->direction() == direction;
+  });
+}
+
+/// What a tap does: one of the two, or neither.
+struct Tapped {
+  RecognizerPtr recognizer;
+  ViewPtr view;
+};
+
+/// Every delegate around the touched view is asked; the innermost that may and can takes the tap.
+Tapped whatTapReaches(View& modal, View& touched) {
+  Tapped tapped;
+  for (View* view = &touched; view != nullptr && modal.contains(*view); view = view->superview()) {
+    for (const RecognizerPtr& one : std::vector<RecognizerPtr>(view->gestureRecognizers())) {
+      const bool isTap = dynamic_cast<TapGestureRecognizer*>(one.get()) != nullptr;
+      const bool mayTake = isTap && (one->delegate() == nullptr || one->delegate()->shouldReceiveTouch(*one, touched));
+      if (mayTake && tapped.recognizer == nullptr && tapped.view == nullptr) {
+        tapped.recognizer = one;
+      }
+    }
+    if (isFocusable(*view) && tapped.recognizer == nullptr && tapped.view == nullptr) {
+      tapped.view = view->shared_from_this();
+    }
+  }
+  return tapped;
+}
+
+}  // namespace
+
+struct Window::Input {
+  std::weak_ptr<View> focused;
+  std::weak_ptr<View> focusedIn;     // The modal view at that time.
+  std::optional<Rect> focusedPlace;  // In the window, when it was last looked at.
+  std::weak_ptr<View> selected;      // Where Select went down.
+  std::bitset<kButtons> down;        // Presses that were taken and are not over.
+};
+
+Window::Window() : View({0.0, 0.0, 1920.0, 1080.0}), input_(std::make_unique<Input>()) {
+  isWindow_ = true;
+}
+
+Window::~Window() {
+  resignKey();
+  changeCallback_ = nullptr;
+  if (const ViewPtr focused = input_->focused.lock()) {
+    focused->setFocused(false);
+  }
+}
+
+void Window::didChange() {
+  ++changeCount_;
+  if (changeCallback_) {
+    changeCallback_();
+  }
+}
+
+View* Window::modalView() const {
+  View* found = nullptr;
+  for (View* view : drawingOrder()) {
+    findModal(*view, found);
+  }
+  return isHidden() ? nullptr : found;
+}
+
+View* Window::focusedView() const {
+  const_cast<Window*>(this)->updateFocus();
+  return input_->focused.lock().get();
+}
+
+void Window::setFocusedView(View* view) {
+  View* modal = modalView();
+  if (modal == nullptr) {
+    updateFocus();
+    return;
+  }
+  const std::vector<ViewPtr> views = focusableIn(*modal);
+  if (view == nullptr) {
+    focus(views.empty() ? nullptr : views[readingOrder(placesOf(views)).front()]);
+    return;
+  }
+  const auto wanted = std::ranges::find(views, view, &ViewPtr::get);
+  wanted != views.end() ? focus(*wanted) : updateFocus();
+}
+
+void Window::updateFocus() {
+  View* modal = modalView();
+  const ViewPtr focused = input_->focused.lock();
+  const std::vector<ViewPtr> views = modal != nullptr ? focusableIn(*modal) : std::vector<ViewPtr>();
+  if (focused != nullptr && std::ranges::count(views, focused) > 0) {
+    input_->focusedPlace = placeInWindow(*focused);
+    return;
+  }
+  if (views.empty()) {
+    focus(nullptr);
+    return;
+  }
+  const bool isSameModal = input_->focusedIn.lock().get() == modal && input_->focusedPlace.has_value();
+  const std::vector<Rect> places = placesOf(views);
+  focus(views[isSameModal ? *nearestInReadingOrder(places, *input_->focusedPlace) : readingOrder(places).front()]);
+}
+
+/// Null takes the focus away, but not what is known about where it was.
+void Window::focus(const ViewPtr& next) {
+  const ViewPtr before = input_->focused.lock();
+  if (next != nullptr) {
+    input_->focusedPlace = placeInWindow(*next);
+    input_->focusedIn = modalView()->weak_from_this();
+  }
+  if (before == next) {
+    return;
+  }
+  cancelSelect();
+  input_->focused = next;
+  if (before != nullptr) {
+    before->setFocused(false);
+  }
+  if (next != nullptr) {
+    next->setFocused(true);
+  }
+  if (before != nullptr) {
+    before->didUpdateFocus();
+  }
+  if (next != nullptr && input_->focused.lock() == next) {
+    next->didUpdateFocus();
+  }
+}
+
+bool Window::press(RemoteButton button, PressPhase phase) {
+  const auto index = static_cast<std::size_t>(button);
+  updateFocus();
+  if (phase == PressPhase::Began) {
+    const bool isRepeated = input_->down[index];
+    const bool isTaken = modalView() != nullptr;
+    input_->down[index] = isTaken;
+    if (isTaken && (!isRepeated || isArrow(button))) {
+      beginPress(button);
+    }
+    return isTaken;
+  }
+  const bool isOurs = input_->down[index];
+  input_->down.reset(index);
+  if (isOurs && phase == PressPhase::Ended) {
+    endPress(button);
+  } else if (isOurs && button == RemoteButton::Select) {
+    cancelSelect();
+  }
+  return isOurs;
+}
+
+void Window::beginPress(RemoteButton button) {
+  if (isArrow(button)) {
+    moveByArrow(button);
+  } else if (button == RemoteButton::Select) {
+    const ViewPtr focused = input_->focused.lock();
+    input_->selected = focused;
+    if (focused != nullptr) {
+      focused->pressesBegan(button);
+    }
+  }
+  updateFocus();
+}
+
+void Window::endPress(RemoteButton button) {
+  const ViewPtr selected = std::exchange(input_->selected, {}).lock();
+  const ViewPtr focused = input_->focused.lock();
+  View* modal = modalView();
+  if (button == RemoteButton::Select && focused != nullptr) {
+    if (selected == focused) {
+      selected->pressesEnded(button);
+      if (focusedView() == selected.get()) {
+        selected->activate();
+      }
+    }
+  } else if (modal != nullptr && !isArrow(button)) {
+    if (const RecognizerPtr recognizer = recognizerOfPress(*modal, focused.get(), button)) {
+      recognizer->recognize();
+    }
+  }
+  updateFocus();
+}
+
+void Window::cancelSelect() {
+  if (const ViewPtr selected = std::exchange(input_->selected, {}).lock()) {
+    selected->pressesCancelled(RemoteButton::Select);
+  }
+}
+
+void Window::cancelPresses() {
+  input_->down.reset();
+  cancelSelect();
+  updateFocus();
+}
+
+void Window::moveByArrow(RemoteButton arrow) {
+  const ViewPtr focused = input_->focused.lock();
+  if (focused == nullptr || focused->handleArrow(arrow)) {
+    return;
+  }
+  View* modal = modalView();
+  const std::vector<ViewPtr> views = modal != nullptr ? focusableIn(*modal) : std::vector<ViewPtr>();
+  const auto here = std::ranges::find(views, focused);
+  if (here == views.end()) {
+    return;
+  }
+  const FocusMoves moves = focusGraph(placesOf(views))[static_cast<std::size_t>(here - views.begin())];
+  if (const std::optional<std::size_t> next = moves[static_cast<std::size_t>(arrow)]) {
+    focus(views[*next]);
+  }
+}
+
+bool Window::swipe(SwipeDirection direction) {
+  updateFocus();
+  View* modal = modalView();
+  if (modal == nullptr) {
+    return false;
+  }
+  const ViewPtr focused = input_->focused.lock();
+  if (const RecognizerPtr recognizer = recognizerOfSwipe(*modal, focused.get(), direction)) {
+    recognizer->recognize();
+  } else {
+    moveByArrow(arrowOf(direction));
+  }
+  updateFocus();
+  return true;
+}
+
+bool Window::tap(Point point) {
+  updateFocus();
+  View* modal = modalView();
+  if (modal == nullptr) {
+    return false;
+  }
+  View* touched = takesPartWithAncestors(*modal) ? modal->hitTest(modal->fromWindow(point)) : nullptr;
+  if (touched != nullptr) {
+    const ViewPtr kept = touched->shared_from_this();
+    const Tapped tapped = whatTapReaches(*modal, *touched);
+    if (tapped.recognizer != nullptr) {
+      tapped.recognizer->recognize();
+    } else if (tapped.view != nullptr) {
+      setFocusedView(tapped.view.get());
+      tapped.view->activate();
+    }
+  }
+  updateFocus();
+  return true;
+}
+
+}  // namespace kesu
