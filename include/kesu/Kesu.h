@@ -2,8 +2,12 @@
 
 #include <kesu/Export.h>
 #include <kesu/foundation/Value.h>
+#include <kesu/messaging/KesuInAppMessageType.h>
+#include <kesu/messaging/KesuInAppStatus.h>
+#include <kesu/platform/NotificationCenter.h>
 
 #include <cstdint>
+#include <functional>
 #include <string>
 
 namespace kesu {
@@ -65,6 +69,41 @@ class KESU_API Kesu {
   /// [Kesu processReceivedRemoteNotificationWithId:withUserInfo:] The same, with the identifier that the host knows it
   /// by.
   static void processReceivedRemoteNotificationWithId(const Object& identifier, const Dictionary& userInfo);
+
+  // In-app messages. Main thread; handlers are called there, some before the operation returns. Before initialize()
+  // they throw InternalInconsistencyException, unless it says otherwise. A reply of the service that carries both an
+  // error and content calls a handler twice (first as if nothing had come); a complete reply without a body never does.
+
+  using CountHandler = std::function<void(std::int64_t count)>;
+  /// Told an array or a dictionary as said below, or nil. Other kinds come through as the service sent them.
+  using ObjectHandler = std::function<void(const Object& result)>;
+
+  /// [Kesu countNewUnFetched:] How many messages the service has that were not fetched yet; 0 when it cannot say.
+  static void countNewUnFetched(CountHandler handler);
+
+  /// [Kesu getMessageHeadersForType:withCompletionHandler:] The headers (array of dictionaries with at least "mid" and
+  /// "cid") of new messages; or of those known before the last fetch, at once ("" when none was, nil when nothing is
+  /// kept); or of all, where "contentRead" tells which were read. Nil when they cannot be had, and for other types.
+  static void getMessageHeadersForType(KesuInAppMessageType type, ObjectHandler handler);
+
+  /// [Kesu getMessageBodyWithCampaignID:andMessageID:withCompletionHandler:] The body (dictionary) of one message,
+  /// which counts as read from now on. The last 19 are answered at once without a request.
+  static void getMessageBodyWithCampaignID(const Object& campaignID, const Object& messageID, ObjectHandler handler);
+
+  /// [Kesu getMessagesForType:withCompletionHandler:] Full messages (array of dictionaries): new ones, which count as
+  /// read from then on; those that count as read, at once; or an array of both arrays, the new ones first (one that is
+  /// missing is left out). For other types the handler is never called.
+  static void getMessagesForType(KesuInAppMessageType type, ObjectHandler handler);
+
+  /// [Kesu previousReadMessages] The headers that were known before the last fetch; nil when there are none. Does not
+  /// need initialize().
+  static Object previousReadMessages();
+
+  /// [Kesu registerForButtonClickOnInAppMessageWithSelector:forTarget:] Calls `handler` on the main thread whenever a
+  /// button of an in-app message is pressed. Returns what NotificationCenter::removeObserver() takes, 0 for an empty
+  /// handler, which is not registered. Does not need initialize().
+  static NotificationCenter::Token registerForButtonClickOnInAppMessageWithSelector(
+      std::function<void(const KesuInAppStatus&)> handler);
 
  private:
   struct Shared {};

@@ -11,6 +11,9 @@
 #include <kesu/delivery/ConnectionMetrics.h>
 #include <kesu/foundation/Exception.h>
 #include <kesu/foundation/Value.h>
+#include <kesu/messaging/KesuInAppMessageType.h>
+#include <kesu/messaging/KesuInAppStatus.h>
+#include <kesu/personalization/KesuPersonalizationIntelligence.h>
 #include <kesu/platform/ApplicationNotifications.h>
 #include <kesu/platform/MainLoop.h>
 #include <kesu/platform/NotificationCenter.h>

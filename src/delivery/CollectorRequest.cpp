@@ -3,12 +3,12 @@
 #include <utility>
 
 #include "foundation/Describe.h"
-#include "foundation/Json.h"
 #include "foundation/NumberText.h"
 #include "records/DefaultsKeys.h"
 #include "records/RecordKeys.h"
 #include "records/Versions.h"
 #include "support/KesuPriorityLogger.h"
+#include "support/ServiceRequest.h"
 
 namespace kesu {
 namespace {
@@ -37,26 +37,6 @@ Value describedUnlessSendable(const Value& value) {
   std::string description = describe(value);
   KESU_LOG(0, "Unsupported class being passed to NSDictionary, and which is %s", description.c_str());
   return description;
-}
-
-void logRefusal(const char* reason) {
-  KESU_LOG(0, "JSON serialization exception: %s and the reason %s", "NSInvalidArgumentException", reason);
-}
-
-bool serialise(const Dictionary& body, std::string& text) {
-  switch (writeJson(body, text)) {
-    case JsonStatus::Ok:
-      return !text.empty();
-    case JsonStatus::NotValid:
-      return false;
-    case JsonStatus::TooDeep:
-      logRefusal("the record is nested too deeply");
-      return false;
-    case JsonStatus::BadText:
-      logRefusal("a text of the record is not valid UTF-8");
-      return false;
-  }
-  return false;
 }
 
 }  // namespace
@@ -100,17 +80,11 @@ void stampInterruptedRun(Dictionary& body, UserDefaults& defaults) {
 
 std::optional<HttpRequest> collectorRequest(const Dictionary& body, const std::string& destination,
                                             const std::string& url) {
-  HttpRequest request;
-  if (!serialise(body, request.body)) {
-    return std::nullopt;
+  auto request = jsonRequest(body, "POST", url);
+  if (request) {
+    request->headers.insert(request->headers.begin(), {{std::string(k_TableName), destination},
+                                                       {std::string(k_FullVersionKeyForHeader), fullVersionText()}});
   }
-  request.method = "POST";
-  request.url = url;
-  request.headers = {{std::string(k_TableName), destination},
-                     {std::string(k_FullVersionKeyForHeader), fullVersionText()},
-                     {"Content-Type", "application/json"},
-                     {"Accept-Encoding", "gzip"},
-                     {"Content-Length", std::to_string(request.body.size())}};
   return request;
 }
 

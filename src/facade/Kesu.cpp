@@ -3,13 +3,25 @@
 #include <kesu/foundation/Exception.h>
 
 #include <string>
+#include <utility>
 
 #include "facade/Wiring.h"
+#include "messaging/ButtonClicks.h"
 #include "records/ExceptionTexts.h"
 #include "records/TimeReference.h"
 #include "support/KesuPriorityLogger.h"
 
 namespace kesu {
+namespace {
+
+KesuInbox& initializedInbox() {
+  if (!Kesu::isSDKInitialized()) {
+    throw InternalInconsistencyException(std::string(k_KesuAppKeyMissingException));
+  }
+  return wiring().inbox;
+}
+
+}  // namespace
 
 Kesu::Kesu() {
   throw InternalInconsistencyException(std::string(k_KesuLibraryInitializationException));
@@ -75,6 +87,32 @@ void Kesu::processReceivedRemoteNotification(const Dictionary& userInfo) {
 
 void Kesu::processReceivedRemoteNotificationWithId(const Object& identifier, const Dictionary& userInfo) {
   wiring().manager.remoteNotifications().processReceivedRemoteNotification(identifier, userInfo);
+}
+
+void Kesu::countNewUnFetched(CountHandler handler) {
+  initializedInbox().kesu_countNewUnFetched(std::move(handler));
+}
+
+void Kesu::getMessageHeadersForType(KesuInAppMessageType type, ObjectHandler handler) {
+  initializedInbox().kesu_getMessageHeadersForType(type, std::move(handler));
+}
+
+void Kesu::getMessageBodyWithCampaignID(const Object& campaignID, const Object& messageID, ObjectHandler handler) {
+  initializedInbox().kesu_getMessageWithContentID(campaignID, messageID, std::move(handler));
+}
+
+void Kesu::getMessagesForType(KesuInAppMessageType type, ObjectHandler handler) {
+  initializedInbox().kesu_getMessagesForType(type, std::move(handler));
+}
+
+Object Kesu::previousReadMessages() {
+  Object previous = wiring().inbox.kesu_previousReadMessages();
+  return previous && previous->text() != nullptr ? Object() : previous;
+}
+
+NotificationCenter::Token Kesu::registerForButtonClickOnInAppMessageWithSelector(
+    std::function<void(const KesuInAppStatus&)> handler) {
+  return handler ? observeButtonClicks(NotificationCenter::defaultCenter(), std::move(handler)) : 0;
 }
 
 }  // namespace kesu

@@ -18,6 +18,7 @@ void writeServiceLine(int level, const std::string& text) {
 [[maybe_unused]] const bool connected = [] {
   Platform::setDefaultInstaller([] { installLinuxPlatform(); });
   EventPoster::setProvider([]() -> EventPoster& { return wiring().manager; });
+  PersonalizationTags::setProvider([]() -> PersonalizationTags& { return wiring().tags; });
   ScreenTracker::trackScreens([]() -> StateChanges& { return wiring().manager.stateChanges(); });
   setServiceLogHandler(&writeServiceLine);
   return true;
@@ -27,6 +28,13 @@ void writeServiceLine(int level, const std::string& text) {
 
 Wiring& wiring() {
   return SharedInstance<Wiring>::get([] { return std::make_unique<Wiring>(Platform::current()); });
+}
+
+KesuImageCache& sharedImageCache() {
+  return SharedInstance<KesuImageCache>::get([] {
+    Platform& platform = Platform::current();
+    return std::make_unique<KesuImageCache>(platform.files, platform.imageWorker, platform.notifications);
+  });
 }
 
 }  // namespace kesu

@@ -8,6 +8,11 @@
 #include "device/KesuMetrics.h"
 #include "lifecycle/KesuManager.h"
 #include "lifecycle/screens/ScreenTracker.h"
+#include "messaging/KesuImageCache.h"
+#include "messaging/KesuInAppMessagesRequester.h"
+#include "messaging/KesuInbox.h"
+#include "messaging/MessageImageLoader.h"
+#include "personalization/PersonalizationTags.h"
 #include "records/DeploymentSettings.h"
 
 namespace kesu {
@@ -22,11 +27,19 @@ struct Wiring {
   KesuStore store{platform.files, platform.defaults, platform.clock};
   KesuPost post{platform.http, platform.defaults, platform.clock, settings, store};
   ResendPass resendPass{store, post, platform.mainLoop, platform.clock};
+  KesuInAppMessagesRequester requester{platform.http, platform.defaults, platform.clock, settings, post};
+  KesuInbox inbox{platform.defaults, requester};
+  MessageImageLoader imageLoader{platform.http, platform.imageWorker};
+  PersonalizationTags tags{platform.http, platform.defaults, settings};
   ScreenTracker& screens = sharedScreenTracker();
   KesuManager manager{platform, settings, metrics, post, resendPass, screens};
 };
 
 /// The objects of this process, made at the first call. Never destroyed.
 Wiring& wiring();
+
+/// [KesuImageCache sharedImageCache] The cache of message pictures, made (with its directory) at the first call. Any
+/// thread.
+KesuImageCache& sharedImageCache();
 
 }  // namespace kesu

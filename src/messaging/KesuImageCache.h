@@ -22,7 +22,7 @@ class KesuImageCache {
   /// Pixels kept in memory at most. The picture that was cached or read last is kept in any case.
   static constexpr std::size_t kMemoryLimitBytes = std::size_t{24} * 1024 * 1024;
 
-  /// Makes the directory (on the worker; a failure is ignored) and listens for memory warnings.
+  /// Has the worker make the directory (a failure is ignored) and listens for memory warnings.
   KesuImageCache(Files& files, BackgroundQueue& imageWorker, NotificationCenter& notifications);
   ~KesuImageCache();
 
@@ -49,6 +49,8 @@ class KesuImageCache {
 
  private:
   struct Shared;
+
+  static void store(Shared& shared, std::string_view urlString, std::string_view png);
 
   std::shared_ptr<Shared> shared_;  // Queued writes hold it as well.
   BackgroundQueue& imageWorker_;

@@ -4,10 +4,11 @@
 #include <kesu/messaging/KesuInAppMessageType.h>
 #include <kesu/platform/UserDefaults.h>
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <map>
+#include <string>
 #include <string_view>
 
 #include "messaging/KesuInAppMessagesRequester.h"
@@ -21,7 +22,8 @@ namespace kesu {
 /// allowed.
 ///
 /// What the service sends is kept without its null entries, at any depth, and without the control characters that no
-/// property list can hold: the user defaults would refuse the whole list. The host gets it as it was sent.
+/// property list can hold: the user defaults would refuse the whole list. New lists are handed over as they were sent.
+/// Each key is written once an operation, however many messages a reply brings.
 class KesuInbox {
  public:
   using CountHandler = std::function<void(std::int64_t count)>;
@@ -61,22 +63,19 @@ class KesuInbox {
   Object kesu_previousReadMessages();
 
  private:
-  using TypedHandler = std::function<void(const Object& payloadList)>;
-
   void keepHeaders(KesuInAppMessageType type, const Object& reply, const ObjectHandler& handler);
-  void getAllMessagesTypeUnread(ObjectHandler handler);
-  Object getAllMessagesTypeRead();
-  void getBothLists(const ObjectHandler& handler);
+  void getAllMessagesTypeUnread(const ObjectHandler& handler);
+  void getAllMessagesTypeAll(const ObjectHandler& handler);
   void keepAsRead(const Value& payloadList);
   void updateDefaultsForReadMessage(const Object& messageID);
-  void keepBody(std::string_view key, const Dictionary& body);
+  void keepBody(const std::string& key, const Dictionary& body);
   Array storedArray(std::string_view key);
   void store(std::string_view key, Value value);
   void warnWhenLarge(std::string_view key, const Value& written);
 
   UserDefaults& defaults_;
   KesuInAppMessagesRequester& requester_;
-  std::array<std::size_t, 4> keptBytes_{};  // By key, in the order of kInboxKeys; 0 while not known.
+  std::map<std::string_view, std::size_t> keptBytes_;  // Of the keys that were measured.
   bool warned_ = false;
 };
 

@@ -43,6 +43,17 @@ inline constexpr std::string_view kFlowOsVersionDefault = "~sfosVersion";
 inline constexpr std::string_view kFlowShortVersionDefault = "~sfappbundleShortVersion";
 inline constexpr std::string_view kFlowBundleVersionDefault = "~sfappbundleVersion";
 
+// In-app messages: headers, the headers before the last fetch, full messages that were read, and the bodies fetched
+// last.
+inline constexpr std::string_view kHeadersDefault = "midcidArray";
+inline constexpr std::string_view kPreviousHeadersDefault = "PreviousMessages";
+inline constexpr std::string_view kReadMessagesDefault = "GetAllMessagesRead";
+inline constexpr std::string_view kBodiesDefault = "midcidResponse";
+inline constexpr std::string_view kLastFetchDefault = "kesuInAppFetchAfterLastRequest";  ///< Nobody writes it.
+
+/// The personalization tags fetched last.
+inline constexpr std::string_view kTagsDefault = "KesuPersonalizationIntelligence";
+
 /// What a change of the application key clears, in this order.
 /// Kept: "launchTimeCummulativeDataPoints" is spelled as installations in the field have it.
 inline constexpr std::array<std::string_view, 36> kKeysClearedWithAppKey = {"alc",

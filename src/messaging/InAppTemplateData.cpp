@@ -1,0 +1,122 @@
+#include "messaging/InAppTemplateData.h"
+
+#include <utility>
+
+#include "graphics/DataUrl.h"
+#include "graphics/ImageDecoder.h"
+#include "messaging/HexColor.h"
+
+namespace kesu {
+namespace {
+
+constexpr Color kDefaultBackground{9.0 / 255.0, 182.0 / 255.0, 238.0 / 255.0, 1.0};  // 0x09b6ee
+constexpr std::size_t kTitleEntry = 0;
+constexpr std::size_t kActionEntry = 1;
+constexpr std::size_t kBackgroundEntry = 2;
+constexpr std::size_t kEntriesWithColors = 3;
+
+std::string textOf(const Dictionary& dictionary, std::string_view key) {
+  const std::string* text = dictionary.findText(key);
+  return text != nullptr ? *text : std::string();
+}
+
+std::int64_t integerOf(const Dictionary& dictionary, std::string_view key) {
+  const Value* value = dictionary.find(key);
+  return value != nullptr ? value->integerValue() : 0;
+}
+
+// The text at a place of a button's entry, or null.
+const std::string* entryText(const Array& entry, std::size_t place) {
+  return place < entry.size() ? entry[place].text() : nullptr;
+}
+
+// The text of a colour that counts: the entry is long enough and the text passes the test.
+const std::string* colorText(const Array& entry, std::size_t place) {
+  const std::string* text = entry.size() >= kEntriesWithColors ? entryText(entry, place) : nullptr;
+  return text != nullptr && isValidHexadecimalString(*text) ? text : nullptr;
+}
+
+}  // namespace
+
+InAppTemplateData::InAppTemplateData(const Dictionary& dictionary, bool loadDefaults) {
+  if (dictionary.empty()) {
+    return;
+  }
+  imageURL_ = textOf(dictionary, "imageSourceURL");
+  shouldLoadFromDefaults_ = loadDefaults;
+  imageWidth_ = integerOf(dictionary, "imageWidth");
+  imageHeight_ = integerOf(dictionary, "imageHeight");
+  optionalBase64Image_ = textOf(dictionary, "optionalBase64Image");
+  titleColorHex_ = textOf(dictionary, "titleColor");
+  msgColor_ = textOf(dictionary, "msgColor");
+  if (const Value* buttons = dictionary.find("buttons"); buttons != nullptr && buttons->array() != nullptr) {
+    buttons_ = *buttons->array();
+  }
+  canvasBgColor_ = textOf(dictionary, "canvas_bgColor");
+}
+
+std::optional<Color> InAppTemplateData::colorOf(const std::string& text) const {
+  if (shouldLoadFromDefaults_ || text.empty()) {
+    return Color::white();
+  }
+  return colorFromHexadecimalString(text);
+}
+
+// The entry of a button; null without such a button, or where the message has no array.
+const Array* InAppTemplateData::button(std::size_t index) const {
+  return index < buttons_.size() ? buttons_[index].array() : nullptr;
+}
+
+std::optional<std::string> InAppTemplateData::buttonTitleAtIndex(std::size_t index) const {
+  const Array* entry = button(index);
+  const std::string* title = entry != nullptr ? entryText(*entry, kTitleEntry) : nullptr;
+  return title != nullptr ? std::optional(*title) : std::nullopt;
+}
+
+std::string InAppTemplateData::buttonActionAtIndex(std::size_t index) const {
+  const Array* entry = button(index);
+  const std::string* action = entry != nullptr ? entryText(*entry, kActionEntry) : nullptr;
+  return action != nullptr ? *action : std::string();
+}
+
+std::optional<Color> InAppTemplateData::buttonTitleColorAtIndex(std::size_t index) const {
+  const Array* entry = shouldLoadFromDefaults_ ? nullptr : button(index);
+  const std::string* text = entry != nullptr ? colorText(*entry, entry->size() - 1) : nullptr;
+  return text != nullptr ? colorFromHexadecimalString(*text) : Color::white();
+}
+
+std::optional<Color> InAppTemplateData::buttonBackgroundAtIndex(std::size_t index) const {
+  if (index >= buttons_.size()) {
+    return std::nullopt;
+  }
+  const Array* entry = shouldLoadFromDefaults_ ? nullptr : button(index);
+  const std::string* text = entry != nullptr ? colorText(*entry, kBackgroundEntry) : nullptr;
+  return text != nullptr ? colorFromHexadecimalString(*text) : kDefaultBackground;
+}
+
+ImagePtr InAppTemplateData::base64Image() const {
+  const std::optional<std::string> bytes = dataOfUrl(optionalBase64Image_);
+  return bytes ? decodeImage(*bytes).image : nullptr;
+}
+
+ImagePtr InAppTemplateData::downloadedImage() const {
+  const MutexLock lock(download_->mutex);
+  return download_->image;
+}
+
+void InAppTemplateData::downloadImageWithCompletionHandler(MessageImageLoader& loader,
+                                                           MessageImageLoader::Handler handler) const {
+  if (ImagePtr image = downloadedImage()) {
+    handler(std::move(image));
+    return;
+  }
+  loader.load(imageURL_, [download = download_, handler = std::move(handler)](ImagePtr image) {
+    {
+      const MutexLock lock(download->mutex);
+      download->image = image;
+    }
+    handler(std::move(image));
+  });
+}
+
+}  // namespace kesu

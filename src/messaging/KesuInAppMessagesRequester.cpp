@@ -1,0 +1,95 @@
+#include "messaging/KesuInAppMessagesRequester.h"
+
+#include <utility>
+
+#include "records/DefaultsKeys.h"
+#include "records/Destinations.h"
+#include "records/RecordKeys.h"
+#include "records/TimeReference.h"
+
+namespace kesu {
+namespace {
+
+constexpr LogPlace kReplyPlace{"KesuInAppMessagesRequester", 158};
+constexpr std::string_view kMethod = "HTTPMethod";
+constexpr double kSecondsPerMinute = 60.0;
+
+std::string takeText(Dictionary& dictionary, std::string_view key) {
+  const std::string* found = dictionary.findText(key);
+  std::string text = found != nullptr ? *found : std::string();
+  dictionary.remove(key);
+  return text;
+}
+
+void setUnlessMissing(Dictionary& dictionary, std::string_view key, const Object& value) {
+  if (value) {
+    dictionary.set(key, *value);
+  }
+}
+
+}  // namespace
+
+Dictionary KesuInAppMessagesRequester::request(const ServiceCredentials& who, const char* path, const char* method) {
+  Dictionary dictionary = addKakAndKaid(who);
+  dictionary.set(k_destinationKeyInDictionary, path);
+  dictionary.set(kMethod, method);
+  return dictionary;
+}
+
+void KesuInAppMessagesRequester::unreadMessagesCountWithCount(const ServiceCredentials& who, Handler handler) {
+  postInternalWithDictionary(request(who, "count/", "PUT"), RequestType::Count, std::move(handler));
+}
+
+void KesuInAppMessagesRequester::unreadMessagesData(const ServiceCredentials& who, Handler handler) {
+  postInternalWithDictionary(request(who, "newUnFetched/", "POST"), RequestType::Headers, std::move(handler));
+}
+
+void KesuInAppMessagesRequester::getAllMessages(const ServiceCredentials& who, Handler handler) {
+  postInternalWithDictionary(request(who, "getInAppMessages/", "POST"), RequestType::AllMessages, std::move(handler));
+}
+
+void KesuInAppMessagesRequester::messageWithMid(const Object& mid, const Object& cid, const ServiceCredentials& who,
+                                                Handler handler) {
+  Dictionary dictionary = request(who, "getmessage/", "PUT");
+  setUnlessMissing(dictionary, "mid", mid);
+  setUnlessMissing(dictionary, "cid", cid);
+  postInternalWithDictionary(std::move(dictionary), RequestType::Message, std::move(handler));
+
+  Dictionary receipt;
+  setUnlessMissing(receipt, "mid", mid);
+  setUnlessMissing(receipt, "cid", cid);
+  setUnlessMissing(receipt, k_KesuAppKey, who.kak);
+  setUnlessMissing(receipt, k_KesuAppInstanceId, who.kaid);
+  receipt.set("action", "delivered");
+  receipt.set(k_destinationKeyInDictionary, kTableNotifications);
+  post_.post(std::move(receipt));
+}
+
+std::optional<HttpRequest> KesuInAppMessagesRequester::requestFromDictionary(Dictionary& dictionary) {
+  std::string method = takeText(dictionary, kMethod);
+  const std::string path = takeText(dictionary, k_destinationKeyInDictionary);
+  return jsonRequest(dictionary, std::move(method), postURL(path));
+}
+
+std::string KesuInAppMessagesRequester::postURL(const std::string& path) {
+  const char* base = settings_.isProductionMode() ? "/api/inapp/" : "/api/devmode/inapp/";
+  return "https://" + settings_.messagingHost() + base + path;
+}
+
+void KesuInAppMessagesRequester::postInternalWithDictionary(Dictionary dictionary, RequestType /*type*/,
+                                                            Handler handler) {
+  if (auto made = requestFromDictionary(dictionary)) {
+    sendServiceRequest(http_, std::move(*made), kReplyPlace, std::move(handler));
+  }
+}
+
+double KesuInAppMessagesRequester::elapsedSecondsAfterLastRequest() {
+  const double last = defaults_.real(kLastFetchDefault);
+  if (!(last > 0.0)) {
+    return last;
+  }
+  const double elapsed = timerReferenceAt(clock_.now()) - last;
+  return elapsed / kSecondsPerMinute <= 1.0 ? elapsed : last;
+}
+
+}  // namespace kesu

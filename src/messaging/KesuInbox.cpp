@@ -1,0 +1,308 @@
+#include "messaging/KesuInbox.h"
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+#include "foundation/Describe.h"
+#include "foundation/Keepable.h"
+#include "messaging/KeptSize.h"
+#include "records/DefaultsKeys.h"
+#include "support/KesuPriorityLogger.h"
+
+namespace kesu {
+namespace {
+
+constexpr std::string_view kInboxKeys[] = {kHeadersDefault, kPreviousHeadersDefault, kReadMessagesDefault,
+                                           kBodiesDefault};
+constexpr std::string_view kContentRead = "contentRead";
+constexpr std::size_t kBodiesLimit = 20;  // Kept: so many are one too many; 19 stay.
+
+const Value* member(const Object& reply, std::string_view key) {
+  const Dictionary* dictionary = reply ? reply->dictionary() : nullptr;
+  return dictionary != nullptr ? dictionary->find(key) : nullptr;
+}
+
+Object copyOf(const Value* value) {
+  return value != nullptr ? Object(*value) : Object();
+}
+
+// "YES" and "1" count as true, as a number other than 0 does.
+bool isRead(const Value& header) {
+  const Dictionary* dictionary = header.dictionary();
+  const Value* flag = dictionary != nullptr ? dictionary->find(kContentRead) : nullptr;
+  const std::string* text = flag != nullptr ? flag->text() : nullptr;
+  return flag != nullptr && (flag->realValue() != 0.0 || (text != nullptr && (*text == "YES" || *text == "true")));
+}
+
+// A copy of a header or message that can be kept, marked; nothing for what is no dictionary.
+std::optional<Value> marked(const Value& message, bool isContentRead) {
+  if (message.dictionary() == nullptr) {
+    return std::nullopt;
+  }
+  Value copy = keepableCopy(message);
+  copy.dictionary()->set(kContentRead, isContentRead);
+  return copy;
+}
+
+std::size_t appendMarked(Array& kept, const Value* list, bool isContentRead) {
+  const Array* messages = list != nullptr ? list->array() : nullptr;
+  if (messages == nullptr) {
+    return 0;
+  }
+  const std::size_t before = kept.size();
+  for (const Value& message : *messages) {
+    if (auto copy = marked(message, isContentRead)) {
+      kept.push_back(std::move(*copy));
+    }
+  }
+  return kept.size() - before;
+}
+
+std::string identifierText(const Object& identifier) {
+  return identifier ? describe(*identifier) : std::string();
+}
+
+// Null becomes "", one level deep.
+Dictionary withoutNulls(const Dictionary& dictionary) {
+  Dictionary copy;
+  copy.reserve(dictionary.size());
+  for (const auto& [key, value] : dictionary) {
+    copy.set(key, value.isNull() ? Value("") : value);
+  }
+  return copy;
+}
+
+Dictionary bodyWithoutNulls(const Dictionary& body) {
+  Dictionary copy = withoutNulls(body);
+  for (const auto& [key, value] : body) {
+    if (const Dictionary* inner = value.dictionary()) {
+      copy.set(key, withoutNulls(*inner));
+    }
+  }
+  return copy;
+}
+
+// The value under `key` in the first of the one-entry dictionaries that has it.
+Object keptBody(const Array& bodies, const std::string& key) {
+  for (const Value& entry : bodies) {
+    const Dictionary* dictionary = entry.dictionary();
+    if (const Value* body = dictionary != nullptr ? dictionary->find(key) : nullptr) {
+      return *body;
+    }
+  }
+  return nil;
+}
+
+// Handlers of the host may be empty.
+template <typename Handler, typename Argument>
+void call(const Handler& handler, Argument&& argument) {
+  if (handler) {
+    handler(std::forward<Argument>(argument));
+  }
+}
+
+}  // namespace
+
+void KesuInbox::kesu_countNewUnFetched(CountHandler handler) {
+  requester_.unreadMessagesCountWithCount(storedCredentials(defaults_),
+                                          [handler = std::move(handler)](const Object& reply) {
+                                            const Value* count = member(reply, "count");
+                                            call(handler, count != nullptr ? count->integerValue() : 0);
+                                          });
+}
+
+void KesuInbox::kesu_getTotalUnreadMessages(CountHandler handler) {
+  const ServiceCredentials who = storedCredentials(defaults_);
+  if (!who.kak || isMissingOrEmpty(who.kaid) || isMissingOrEmpty(who.kaid2)) {
+    call(handler, 0);
+    return;
+  }
+  const Array headers = storedArray(kHeadersDefault);
+  const auto unread = headers.size() - static_cast<std::size_t>(std::count_if(headers.begin(), headers.end(), isRead));
+  requester_.unreadMessagesCountWithCount(who, [unread, handler = std::move(handler)](const Object& reply) {
+    const Value* count = member(reply, "count");
+    const std::int64_t fetched = count != nullptr ? count->integerValue() : 0;
+    std::int64_t sum = 0;
+    const bool overflows = __builtin_add_overflow(static_cast<std::int64_t>(unread), fetched, &sum);
+    call(handler, overflows ? fetched : sum);
+  });
+}
+
+void KesuInbox::kesu_getMessageHeadersForType(KesuInAppMessageType type, ObjectHandler handler) {
+  if (auto headers = defaults_.get(kHeadersDefault)) {
+    store(kPreviousHeadersDefault, std::move(*headers));
+    defaults_.synchronize();
+  }
+  if (type == KesuInAppMessageType::Read) {
+    call(handler, kesu_previousReadMessages());
+    return;
+  }
+  requester_.unreadMessagesData(storedCredentials(defaults_),
+                                [this, type, handler = std::move(handler)](const Object& reply) {
+                                  if (reply && reply->dictionary() != nullptr) {
+                                    keepHeaders(type, reply, handler);
+                                  } else {
+                                    call(handler, Object());
+                                  }
+                                });
+}
+
+void KesuInbox::keepHeaders(KesuInAppMessageType type, const Object& reply, const ObjectHandler& handler) {
+  const Value* list = member(reply, "metadatalist");
+  Array merged = storedArray(kHeadersDefault);
+  // Kept: the list is not trimmed at 20 entries, however it grows.
+  if (appendMarked(merged, list, false) > 0) {
+    store(kHeadersDefault, type == KesuInAppMessageType::All ? Value(merged) : Value(std::move(merged)));
+    if (!defaults_.get(kPreviousHeadersDefault)) {
+      store(kPreviousHeadersDefault, "");
+    }
+    defaults_.synchronize();
+  }
+  switch (type) {
+    case KesuInAppMessageType::Unread:
+      call(handler, copyOf(list));
+      return;
+    case KesuInAppMessageType::All:
+      call(handler, Object(Value(std::move(merged))));
+      return;
+    case KesuInAppMessageType::Read:
+      break;
+  }
+  call(handler, Object());
+}
+
+void KesuInbox::kesu_getMessagesForType(KesuInAppMessageType type, ObjectHandler handler) {
+  switch (type) {
+    case KesuInAppMessageType::Unread:
+      getAllMessagesTypeUnread(handler);
+      return;
+    case KesuInAppMessageType::Read:
+      call(handler, Object(defaults_.get(kReadMessagesDefault)));
+      return;
+    case KesuInAppMessageType::All:
+      getAllMessagesTypeAll(handler);
+      return;
+  }
+}
+
+void KesuInbox::getAllMessagesTypeUnread(const ObjectHandler& handler) {
+  requester_.getAllMessages(storedCredentials(defaults_), [this, handler](const Object& reply) {
+    const Value* payloadList = member(reply, "payloadlist");
+    call(handler, copyOf(payloadList));
+    if (payloadList != nullptr) {
+      keepAsRead(*payloadList);
+    }
+  });
+}
+
+// What was read is looked up before the fetch, so that the messages it brings are not in both lists.
+void KesuInbox::getAllMessagesTypeAll(const ObjectHandler& handler) {
+  Array both;
+  if (auto read = defaults_.get(kReadMessagesDefault)) {
+    both.push_back(std::move(*read));
+  }
+  getAllMessagesTypeUnread([both = std::move(both), handler](const Object& unread) {
+    Array lists = both;
+    if (unread) {
+      lists.insert(lists.begin(), *unread);
+    }
+    call(handler, Object(Value(std::move(lists))));
+  });
+}
+
+void KesuInbox::keepAsRead(const Value& payloadList) {
+  Array read = storedArray(kReadMessagesDefault);
+  // Kept: this list is not trimmed either.
+  if (appendMarked(read, &payloadList, true) > 0) {
+    store(kReadMessagesDefault, std::move(read));
+    defaults_.synchronize();
+  }
+}
+
+void KesuInbox::kesu_getMessageWithContentID(const Object& contentID, const Object& messageID, ObjectHandler handler) {
+  updateDefaultsForReadMessage(messageID);
+  const std::string key = identifierText(messageID) + identifierText(contentID);
+  if (!isMissingOrEmpty(contentID) && !isMissingOrEmpty(messageID)) {
+    if (const Object body = keptBody(storedArray(kBodiesDefault), key)) {
+      call(handler, body);
+      return;
+    }
+  }
+  requester_.messageWithMid(messageID, contentID, storedCredentials(defaults_),
+                            [this, key, handler = std::move(handler)](const Object& reply) {
+                              const Dictionary* body = reply ? reply->dictionary() : nullptr;
+                              if (body == nullptr) {
+                                call(handler, Object());
+                                return;
+                              }
+                              Dictionary copy = bodyWithoutNulls(*body);
+                              keepBody(key, copy);
+                              call(handler, Object(Value(std::move(copy))));
+                            });
+}
+
+void KesuInbox::updateDefaultsForReadMessage(const Object& messageID) {
+  std::optional<Value> stored = defaults_.get(kHeadersDefault);
+  Array* headers = stored ? stored->array() : nullptr;
+  if (headers == nullptr) {
+    return;
+  }
+  const auto isMeant = [&messageID](const Value& header) {
+    const Dictionary* dictionary = header.dictionary();
+    const Value* mid = dictionary != nullptr ? dictionary->find("mid") : nullptr;
+    return mid != nullptr && messageID && *mid == *messageID;
+  };
+  const auto header = std::find_if(headers->begin(), headers->end(), isMeant);
+  if (header != headers->end()) {
+    header->dictionary()->set(kContentRead, true);
+  }
+  store(kHeadersDefault, std::move(*stored));
+  defaults_.synchronize();
+}
+
+void KesuInbox::keepBody(const std::string& key, const Dictionary& body) {
+  Array bodies = storedArray(kBodiesDefault);
+  bodies.insert(bodies.begin(), keepableCopy(Dictionary{{key, body}}));
+  if (bodies.size() >= kBodiesLimit) {
+    bodies.pop_back();
+  }
+  store(kBodiesDefault, std::move(bodies));
+  defaults_.synchronize();
+}
+
+Object KesuInbox::kesu_previousReadMessages() {
+  return defaults_.get(kPreviousHeadersDefault);
+}
+
+// Empty where nothing, or no array, is kept.
+Array KesuInbox::storedArray(std::string_view key) {
+  std::optional<Value> value = defaults_.get(key);
+  Array* array = value ? value->array() : nullptr;
+  return array != nullptr ? std::move(*array) : Array();
+}
+
+void KesuInbox::store(std::string_view key, Value value) {
+  warnWhenLarge(key, value);
+  defaults_.set(key, std::move(value));
+}
+
+void KesuInbox::warnWhenLarge(std::string_view key, const Value& written) {
+  if (warned_) {
+    return;
+  }
+  keptBytes_[key] = keptSize(written);
+  std::size_t sum = 0;
+  for (const std::string_view each : kInboxKeys) {
+    const auto [known, isNew] = keptBytes_.try_emplace(each, 0);
+    const std::optional<Value> value = isNew && sum <= kWarningBytes ? defaults_.get(each) : std::nullopt;
+    known->second = value ? keptSize(*value) : known->second;
+    sum += known->second;
+  }
+  warned_ = sum > kWarningBytes;
+  if (warned_) {
+    KESU_LOG(2, "The inbox takes %zu kB in the user defaults; nothing in it is ever removed.", sum / 1024);
+  }
+}
+
+}  // namespace kesu
