@@ -1,15 +1,16 @@
 #include "Collector.h"
 
 #include <algorithm>
-#include <chrono>
 #include <memory>
 #include <utility>
 
+#include "Arrival.h"
 #include "EventStream.h"
 #include "KeyTable.h"
 #include "RecordCheck.h"
 #include "RequestGuard.h"
 #include "Text.h"
+#include "WebPage.h"
 #include "foundation/Json.h"
 
 namespace kesu::dev {
@@ -18,37 +19,16 @@ namespace {
 constexpr std::int64_t kDefaultLimit = 100;
 constexpr std::int64_t kHighestLimit = 10'000;
 constexpr int kMostFollowers = 16;
-constexpr std::chrono::milliseconds kLookInterval{100};
-constexpr std::string_view kGarbage = "\xC3\x28{]\" this is no JSON \x01\xFF";
-
-HttpReply jsonReply(const Dictionary& body, int status = 200) {
-  HttpReply reply;
-  reply.status = status;
-  reply.body = jsonText(body);
-  return reply;
-}
 
 std::int64_t numberParameter(const HttpRequest& request, std::string_view name, std::int64_t otherwise) {
   const auto text = request.parameter(name);
   return text ? parseDecimal(*text).value_or(otherwise) : otherwise;
 }
 
-std::string headersText(const HttpRequest& request) {
-  Dictionary headers;
-  for (const auto& [name, value] : request.headers) {
-    headers.set(validUtf8(name), validUtf8(value));
-  }
-  return jsonText(headers);
-}
-
 StoredRecord arrival(const HttpRequest& request, const std::string& body) {
   CheckResult check = checkRecord({request.header("t"), request.header("v"), request.header("Content-Type"), body});
-  StoredRecord record;
-  record.arrivedMs = nowMilliseconds();
-  record.path = request.path;
+  StoredRecord record = arrivalOf(request, body);
   record.destination = request.header("t");
-  record.headers = headersText(request);
-  record.body = body;
   record.bodyIsObject = check.isObject;
   record.messageId = std::move(check.messageId);
   record.reasons = std::move(check.reasons);
@@ -62,22 +42,7 @@ HttpReply acceptedReply(const StoredRecord& record, bool strict) {
     reply.body = R"({"ok":true})";
     return reply;
   }
-  Array reasons;
-  for (const std::string& reason : record.reasons) {
-    reasons.emplace_back(validUtf8(reason));
-  }
-  return jsonReply({{"ok", false}, {"reasons", std::move(reasons)}}, strict ? 400 : 200);
-}
-
-// What is wrong with how the body is announced, before any of it is read.
-std::optional<HttpReply> bodyRefusal(const HttpRequest& request) {
-  if (request.header("Content-Length").empty() && request.header("Transfer-Encoding").empty()) {
-    return HttpReply::error(411, "a record needs a Content-Length");
-  }
-  if (lowerAscii(request.header("Content-Type")).starts_with("multipart/form-data")) {
-    return HttpReply::error(415, "a record is one JSON object, not a form");
-  }
-  return std::nullopt;
+  return reasonsReply(record.reasons, strict ? 400 : 200);
 }
 
 HttpReply faultsReply(const FaultTable& faults) {
@@ -115,11 +80,13 @@ struct Collector::RouteRow {
 };
 
 const Collector::RouteRow Collector::kRoutes[] = {
-    {"GET", "/", &Collector::index},
+    {"GET", "/", &Collector::page},
+    {"GET", "/help", &Collector::help},
     {"GET", "/all", &Collector::all},
     {"GET", "/good", &Collector::good},
     {"GET", "/bad", &Collector::bad},
     {"GET", "/events", &Collector::events},
+    {"GET", "/messages", &Collector::messages},
     {"GET", "/keys", &Collector::keys},
     {"GET", "/health", &Collector::health},
     {"GET", "/reset", &Collector::reset},
@@ -130,8 +97,8 @@ const Collector::RouteRow Collector::kRoutes[] = {
     {"DELETE", "/faults", &Collector::removeFaults},
 };
 
-Collector::Collector(RecordStore& store, FaultTable& faults, Options options)
-    : store_(store), faults_(faults), options_(options) {}
+Collector::Collector(RecordStore& store, FaultTable& faults, MessagingService& messaging, Options options)
+    : store_(store), faults_(faults), faulty_(faults), messaging_(messaging), options_(options) {}
 
 HttpReply Collector::handle(HttpRequest& request) {
   const std::string refused =
@@ -150,8 +117,12 @@ HttpReply Collector::handle(HttpRequest& request) {
   if (method == "POST" && !knownPath) {
     return takeRecord(request);
   }
+  if (constexpr std::string_view kImages = MessagingService::kImagePath;
+      method == "GET" && request.path.starts_with(kImages)) {
+    return messaging_.image(std::string_view(request.path).substr(kImages.size()));
+  }
   return knownPath ? HttpReply::error(405, "this route does not know " + request.method)
-                   : HttpReply::error(404, "there is nothing here; GET / lists what there is");
+                   : HttpReply::error(404, "there is nothing here; GET /help lists what there is");
 }
 
 void Collector::interrupt() {
@@ -160,55 +131,7 @@ void Collector::interrupt() {
 }
 
 HttpReply Collector::takeRecord(HttpRequest& request) {
-  if (const auto hit = faults_.take(request.path)) {
-    return suffer(*hit, request);
-  }
-  if (auto refused = bodyRefusal(request)) {
-    return std::move(*refused);
-  }
-  std::string body;
-  return request.readBody(body) ? accept(request, body) : HttpReply::error(413, "the record is too long");
-}
-
-HttpReply Collector::suffer(const FaultTable::Hit& hit, HttpRequest& request) {
-  const Fault& fault = hit.fault;
-  std::string body;
-  if (fault.kind != FaultKind::CloseBefore && !request.readBody(body)) {
-    return HttpReply::closed();
-  }
-  if (fault.delay.count() > 0) {
-    faults_.waitForRemoval(hit, fault.delay);
-  }
-  const bool accepts = fault.status < 300;
-  switch (fault.kind) {
-    case FaultKind::Delay:
-      return accept(request, body);
-    case FaultKind::Status: {
-      HttpReply reply = accepts ? accept(request, body) : HttpReply::error(fault.status, "a fault is switched on");
-      reply.status = fault.status;
-      return reply;
-    }
-    case FaultKind::Hang:
-      return hang(hit, request);
-    case FaultKind::CloseBefore:
-    case FaultKind::CloseAfter:
-      return HttpReply::closed();
-    case FaultKind::LostReply:
-      accept(request, body);
-      return HttpReply::closed();
-    case FaultKind::Garbage: {
-      HttpReply reply = accepts ? accept(request, body) : HttpReply();
-      reply.status = fault.status;
-      reply.body = kGarbage;
-      return reply;
-    }
-    case FaultKind::Redirect: {
-      HttpReply reply = HttpReply::error(fault.status, "a fault is switched on");
-      reply.headers.emplace_back("Location", fault.location);
-      return reply;
-    }
-  }
-  return HttpReply::closed();
+  return faulty_.handle(request, [this](HttpRequest& whole, const std::string& body) { return accept(whole, body); });
 }
 
 HttpReply Collector::accept(HttpRequest& request, const std::string& body) {
@@ -216,25 +139,36 @@ HttpReply Collector::accept(HttpRequest& request, const std::string& body) {
   return record ? acceptedReply(*record, options_.strict) : HttpReply::error(507, "the record cannot be stored");
 }
 
-HttpReply Collector::hang(const FaultTable::Hit& hit, HttpRequest& request) {
-  while (!request.isGone() && !faults_.waitForRemoval(hit, kLookInterval)) {
-  }
-  return HttpReply::closed();
+HttpReply Collector::page(HttpRequest&) {
+  HttpReply reply;
+  reply.contentType = "text/html; charset=utf-8";
+  // The page shows what anybody posted: nothing in it may run or load from elsewhere.
+  reply.headers.emplace_back("Content-Security-Policy",
+                             "default-src 'none'; script-src 'unsafe-inline'; style-src 'unsafe-inline'; "
+                             "img-src 'self' data:; connect-src 'self'; base-uri 'none'; form-action 'none'");
+  reply.headers.emplace_back("Cache-Control", "no-cache");
+  reply.body = webPage();
+  return reply;
 }
 
-HttpReply Collector::index(HttpRequest&) {
-  HttpReply reply = HttpReply::error(200,
-                                     "kesu-dev collector\n"
-                                     "  POST /collect   one record\n"
-                                     "  GET  /all       counts\n"
-                                     "  GET  /good      good records (?after=ID&limit=N)\n"
-                                     "  GET  /bad       bad records, with what is wrong\n"
-                                     "  GET  /events    records as they arrive (server-sent events)\n"
-                                     "  GET  /keys      what the short keys mean\n"
-                                     "  GET  /faults    faults switched on; POST adds, PUT replaces, DELETE removes\n"
-                                     "  POST /reset     forget all records\n"
-                                     "  GET  /health    whether this runs");
-  return reply;
+HttpReply Collector::help(HttpRequest&) {
+  return HttpReply::error(200,
+                          "kesu-dev collector\n"
+                          "  GET  /          a page that shows all this live\n"
+                          "  POST /collect   one record\n"
+                          "  GET  /all       counts\n"
+                          "  GET  /good      good records (?after=ID&limit=N)\n"
+                          "  GET  /bad       bad records and requests, with what is wrong\n"
+                          "  GET  /events    records as they arrive (server-sent events)\n"
+                          "  GET  /messages  the messages served, with their receipts and button presses\n"
+                          "  GET  /keys      what the short keys mean\n"
+                          "  GET  /faults    faults switched on; POST adds, PUT replaces, DELETE removes\n"
+                          "  POST /reset     forget all records and who fetched which message\n"
+                          "  GET  /health    whether this runs");
+}
+
+HttpReply Collector::messages(HttpRequest&) {
+  return jsonReply(messaging_.report());
 }
 
 HttpReply Collector::all(HttpRequest&) {
@@ -283,7 +217,14 @@ HttpReply Collector::events(HttpRequest& request) {
 }
 
 HttpReply Collector::keys(HttpRequest&) {
-  return jsonReply(describeKeys());
+  Dictionary tables = describeKeys();
+  Array routes;
+  for (const MessagingRoute& route : messagingRoutes()) {
+    routes.emplace_back(route.productionPath);
+    routes.emplace_back(route.developmentPath);
+  }
+  tables.set("messagingRoutes", std::move(routes));
+  return jsonReply(tables);
 }
 
 HttpReply Collector::health(HttpRequest&) {
@@ -296,6 +237,7 @@ HttpReply Collector::reset(HttpRequest& request) {
   if (request.method == "POST") {
     request.readBody(body);
   }
+  messaging_.reset();
   return store_.reset() ? jsonReply({{"ok", true}}) : HttpReply::error(500, "the records cannot be removed");
 }
 

@@ -4,7 +4,9 @@
 #include <string>
 
 #include "Faults.h"
+#include "FaultyHandler.h"
 #include "HttpServer.h"
+#include "MessagingService.h"
 #include "RecordStore.h"
 
 namespace kesu::dev {
@@ -16,10 +18,12 @@ namespace kesu::dev {
 /// | `POST /collect` (or any path below that is not a route here) | takes one record |
 /// | `GET /all` | counts |
 /// | `GET /good`, `GET /bad` (`?after=ID&limit=N`) | records, the bad ones with what is wrong |
+/// | `GET /` | a page that shows it all live; `GET /help` the same list as this one |
+/// | `GET /messages`, `GET /images/NAME` | the messages served, with receipts and button presses; their pictures |
 /// | `GET /events` (`?after=ID`, header Last-Event-ID) | server-sent events: "record", "reset" |
 /// | `GET /keys` | what every short key means |
 /// | `GET`, `POST`, `PUT`, `DELETE /faults` | the faults switched on; adds; replaces those of a route; removes |
-/// | `POST /reset` (GET from a browser's address line too) | forgets all records |
+/// | `POST /reset` (GET from a browser's address line too) | forgets all records and who fetched which message |
 /// | `GET /health` | whether it runs |
 ///
 /// handle() is called on many threads at once.
@@ -34,7 +38,8 @@ class Collector {
   /// The path handed out for records.
   static constexpr const char* kRecordPath = "/collect";
 
-  Collector(RecordStore& store, FaultTable& faults, Options options);
+  /// The references must outlive the collector.
+  Collector(RecordStore& store, FaultTable& faults, MessagingService& messaging, Options options);
 
   /// Port that the guard compares the Host header with. Set before the first request.
   void servesPort(int port) { port_ = port; }
@@ -52,11 +57,11 @@ class Collector {
   struct RouteRow;
 
   HttpReply takeRecord(HttpRequest& request);
-  HttpReply suffer(const FaultTable::Hit& hit, HttpRequest& request);
   HttpReply accept(HttpRequest& request, const std::string& body);
-  HttpReply hang(const FaultTable::Hit& hit, HttpRequest& request);
 
-  HttpReply index(HttpRequest& request);
+  HttpReply page(HttpRequest& request);
+  HttpReply help(HttpRequest& request);
+  HttpReply messages(HttpRequest& request);
   HttpReply all(HttpRequest& request);
   HttpReply good(HttpRequest& request);
   HttpReply bad(HttpRequest& request);
@@ -75,6 +80,8 @@ class Collector {
 
   RecordStore& store_;
   FaultTable& faults_;
+  const FaultyHandler faulty_;
+  MessagingService& messaging_;
   const Options options_;
   int port_ = 0;
   std::atomic<int> followers_{0};

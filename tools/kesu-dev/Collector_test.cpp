@@ -148,7 +148,9 @@ TEST_F(CollectorTest, KeepsHeadersAndBodyOfARecord) {
 }
 
 TEST_F(CollectorTest, AnswersBadRecordsWith400WhenStrict) {
-  start({std::nullopt, "", true});
+  Services::Options options;
+  options.strict = true;
+  start(options);
   EXPECT_EQ(postStatus("{}"), 400);
   EXPECT_EQ(postStatus(testRecord("e")), 200);
   EXPECT_EQ(count("bad"), 1);
@@ -256,7 +258,8 @@ TEST_F(CollectorTest, TellsPathsApart) {
   EXPECT_EQ(count("good"), 1);
   EXPECT_EQ(client().Post("/all", "{}", "application/json")->status, 405);
   EXPECT_EQ(client().Put("/collect", "{}", "application/json")->status, 404);
-  EXPECT_EQ(client().Get("/")->status, 200);
+  EXPECT_NE(client().Get("/")->body.find("</html>"), std::string::npos);
+  EXPECT_NE(client().Get("/help")->body.find("POST /collect"), std::string::npos);
   EXPECT_EQ(client().Head("/events")->status, 200);
   EXPECT_NE(client().Get("/keys")->body.find(R"({"key":"kak","group":"common","meaning":"application key)"),
             std::string::npos);
@@ -329,7 +332,9 @@ TEST_F(CollectorTest, TakesInWhatAnEndedProgramLeftBehind) {
 
 TEST_F(CollectorTest, GoesToTheNextPortOnlyWhenNoneWasAsked) {
   std::string error;
-  EXPECT_EQ(Services::start({server_.port, "", false}, error), nullptr);
+  Services::Options taken;
+  taken.port = server_.port;
+  EXPECT_EQ(Services::start(taken, error), nullptr);
   EXPECT_NE(error.find("is taken"), std::string::npos) << error;
   const auto first = Services::start({}, error);
   const auto second = Services::start({}, error);

@@ -1,10 +1,12 @@
 #include "CommandLine.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <functional>
 #include <iterator>
 #include <optional>
 #include <string_view>
+#include <system_error>
 
 #include "Text.h"
 
@@ -18,17 +20,19 @@ using Apply = std::string (*)(CommandLine&, const std::string& value);
 
 struct Option {
   std::string_view name;
-  std::string_view commands;  // Letters of the commands that know it: s serve, r run, t tail, w show, c catalogue.
+  std::string_view
+      commands;  // Letters of the commands that know it: s serve, r run, t tail, w show, m messages, c catalogue.
   bool takesValue;
   Apply apply;
 };
 
+template <auto Member>
 std::string setPort(CommandLine& line, const std::string& value) {
   const auto port = parseDecimal(value);
   if (!port || *port > 65535) {
     return "a port is a number from 0 to 65535, not " + value;
   }
-  line.services.port = static_cast<int>(*port);
+  line.services.*Member = static_cast<int>(*port);
   return {};
 }
 
@@ -55,9 +59,16 @@ std::string setText(CommandLine& line, const std::string& value) {
   return {};
 }
 
-std::string setServedDatabase(CommandLine& line, const std::string& value) {
-  line.services.database = value;
+template <auto Member>
+std::string setServed(CommandLine& line, const std::string& value) {
+  line.services.*Member = value;
   return {};
+}
+
+std::string setMessages(CommandLine& line, const std::string& value) {
+  std::error_code ignored;
+  line.services.messages = value;
+  return std::filesystem::is_directory(value, ignored) ? "" : "--messages needs a directory, not " + value;
 }
 
 std::string setStrict(CommandLine& line, const std::string&) {
@@ -76,18 +87,20 @@ std::string setAll(CommandLine& line, const std::string&) {
 }
 
 constexpr Option kOptions[] = {
-    {"--port", "sr", true, setPort},
-    {"--db", "sr", true, setServedDatabase},
+    {"--port", "sr", true, setPort<&Services::Options::port>},
+    {"--messaging-port", "sr", true, setPort<&Services::Options::messagingPort>},
+    {"--messages", "sr", true, setMessages},
+    {"--db", "sr", true, setServed<&Services::Options::database>},
     {"--db", "w", true, setText<&CommandLine::database>},
     {"--ready-file", "sr", true, setText<&CommandLine::readyFile>},
     {"--strict", "sr", false, setStrict},
     {"--home", "r", true, setText<&CommandLine::home>},
-    {"--url", "tw", true, setText<&CommandLine::url>},
-    {"--format", "twc", true, setFormat},
-    {"-f", "twc", true, setFormat},
+    {"--url", "twm", true, setText<&CommandLine::url>},
+    {"--format", "twmc", true, setFormat},
+    {"-f", "twmc", true, setFormat},
     {"--all", "t", false, setAll},
     {"--once", "t", false, setOnce},
-    {"--width", "w", true, setWidth},
+    {"--width", "wm", true, setWidth},
 };
 
 struct CommandName {
@@ -102,7 +115,7 @@ constexpr CommandName kCommands[] = {
     {"--version", Command::Version, 'v'}, {"serve", Command::Serve, 's'},
     {"run", Command::Run, 'r'},           {"tail", Command::Tail, 't'},
     {"show", Command::Show, 'w'},         {"catalogue", Command::Catalogue, 'c'},
-    {"keys", Command::Keys, 'k'},
+    {"keys", Command::Keys, 'k'},         {"messages", Command::Messages, 'm'},
 };
 
 const Option* findOption(std::string_view name, char letter) {
@@ -174,20 +187,24 @@ CommandLine parseCommandLine(const std::vector<std::string>& arguments) {
 }
 
 std::string usageText() {
-  return R"(kesu-dev: a collector on this machine, for integrating and testing the Kesu library.
+  return R"(kesu-dev: a collector and a messaging service on this machine, for integrating and testing the Kesu library.
 
-  kesu-dev serve [OPTIONS]            collect until Ctrl-C
+  kesu-dev serve [OPTIONS]            serve until Ctrl-C
   kesu-dev run [OPTIONS] -- PROGRAM ARGUMENTS...
-                                      run a program against a collector of its own; ends with the program's status and
+                                      run a program against services of its own; ends with the program's status and
                                       a summary of what it sent
   kesu-dev tail [OPTIONS]             one line for each record as it arrives at a running collector
   kesu-dev show [OPTIONS]             a table of all records so far (also: kesu-dev tail --once)
+  kesu-dev messages [OPTIONS]         a table of the messages: how often each went out, its receipts, its button presses
   kesu-dev catalogue [-f human|json]  every event of the catalogue: who posts it and what it says
   kesu-dev keys                       every short key of a record and its meaning
   kesu-dev help | version
 
 serve and run:
   --port N           port on 127.0.0.1; 0 = any free one. Not given: 8470, or the next that is free
+  --messages DIR     serve the messages in this directory (a JSON file each, pictures beside them, tags.json); edit them
+                     while it runs. Not given: there are no messages
+  --messaging-port N port of the messaging service. Not given: any free one with --port 0, else 8490 or the next
   --db FILE          keep the records in this SQLite file (default: in memory)
   --ready-file FILE  write the addresses there once the collector answers, as shell assignments; removed at the end
   --strict           answer bad records with 400 instead of 200 (the library then drops them)
@@ -196,15 +213,16 @@ run also:
   --home DIR         home directory of the library in the program. Not given: KESU_HOME when you have set it, else an
                      empty directory that is removed afterwards, so that every run is a first launch
 
-tail and show:
+tail, show and messages:
   --url URL          the collector (default http://127.0.0.1:8470)
   -f, --format F     human (default) or json: one JSON object a line
   --all              tail: begin with the records that are there
   --db FILE          show: read this file instead of asking a collector
-  --width N          show: columns of the table (default: those of the terminal, else 120)
+  --width N          show, messages: columns of the table (default: those of the terminal, else 120)
 
-run sets KESU_OVERRIDE_SERVER, KESU_REACHABILITY_HOST and KESU_HOME for the program. The collector explains itself at
-its own address (GET /): records good and bad with what is wrong, a stream of events, faults to switch on.
+run sets KESU_OVERRIDE_SERVER, KESU_REACHABILITY_HOST, KESU_MESSAGING_HOST, KESU_CA_FILE and KESU_HOME for the
+program. Open the collector's address in a browser: records live with what every key means, messages with their
+receipts, faults to switch on. GET /help lists the same for scripts.
 )";
 }
 

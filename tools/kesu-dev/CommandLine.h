@@ -8,7 +8,7 @@
 
 namespace kesu::dev {
 
-enum class Command { Help, Version, Serve, Run, Tail, Show, Catalogue, Keys };
+enum class Command { Help, Version, Serve, Run, Tail, Show, Messages, Catalogue, Keys };
 
 enum class OutputFormat { Human, Json };
 
@@ -22,7 +22,7 @@ struct CommandLine {
   std::string home;                // run: home directory of the application; empty = see usageText().
   std::vector<std::string> child;  // run: the program and its arguments.
 
-  // tail, show, catalogue
+  // tail, show, messages, catalogue
   std::string url;       // The running server.
   std::string database;  // show: read this file instead of asking a server; empty = ask.
   OutputFormat format = OutputFormat::Human;

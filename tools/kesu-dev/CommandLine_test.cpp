@@ -18,13 +18,16 @@ CommandLine parse(const std::string& text) {
 }
 
 TEST(CommandLine, ReadsWhatServeCanDo) {
-  const CommandLine line = parse("serve --port 0 --db r.db --ready-file=ready --strict");
+  const CommandLine line =
+      parse("serve --port 0 --db r.db --ready-file=ready --strict --messages . --messaging-port 7");
   EXPECT_EQ(line.error, "");
   EXPECT_EQ(line.command, Command::Serve);
   EXPECT_EQ(line.services.port, 0);
   EXPECT_EQ(line.services.database, "r.db");
   EXPECT_EQ(line.readyFile, "ready");
   EXPECT_TRUE(line.services.strict);
+  EXPECT_EQ(line.services.messages, ".");
+  EXPECT_EQ(line.services.messagingPort, 7);
 }
 
 TEST(CommandLine, LeavesTheProgramsOptionsAlone) {
@@ -61,6 +64,7 @@ TEST(CommandLine, SaysWhatIsWrong) {
       {"serve --prot 1", "unknown option --prot"},
       {"serve --port", "--port needs a value"},
       {"serve --port 65536", "a port is a number from 0 to 65535, not 65536"},
+      {"serve --messages /no/such", "--messages needs a directory, not /no/such"},
       {"serve --strict=yes", "--strict takes no value"},
       {"serve --home h", "unknown option --home"},
       {"serve -- app", "only run takes a program behind --"},

@@ -31,18 +31,28 @@ void describe(const sockaddr_in& address, std::string& ip, int& port) {
 
 }  // namespace
 
-HttpConnection::HttpConnection(int socket) : socket_(socket), incoming_(kReadBytes) {
+HttpConnection::HttpConnection(int socket, ssl_ctx_st* tls) : socket_(socket), incoming_(kReadBytes) {
   const int on = 1;
   setsockopt(socket_, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
   fcntl(socket_, F_SETFD, FD_CLOEXEC);
+  if (tls != nullptr) {
+    tls_.emplace(*tls, socket_, [this](short events) { return waitFor(events, kTransferPatience); });
+  }
 }
 
 HttpConnection::~HttpConnection() {
+  if (tls_ && !aborted_) {
+    tls_->sayGoodbye();
+  }
   close(socket_);
 }
 
+bool HttpConnection::open() {
+  return !tls_ || tls_->accept();
+}
+
 bool HttpConnection::waitForRequest(std::chrono::milliseconds patience) {
-  return incomingBegin_ < incomingEnd_ || (waitFor(POLLIN, patience) && fill());
+  return incomingBegin_ < incomingEnd_ || (waitForInput(patience) && fill());
 }
 
 void HttpConnection::abort() {
@@ -56,29 +66,40 @@ bool HttpConnection::isGone() const {
 }
 
 bool HttpConnection::flush() {
+  const bool sent = tls_ ? !aborted_ && tls_->write(outgoing_) : sendAll();
+  if (!sent) {
+    abort();
+  }
+  outgoing_.clear();
+  return sent;
+}
+
+bool HttpConnection::sendAll() {
   std::size_t sent = 0;
   while (sent < outgoing_.size() && !aborted_) {
     const ssize_t count = send(socket_, outgoing_.data() + sent, outgoing_.size() - sent, MSG_NOSIGNAL | MSG_DONTWAIT);
     if (count >= 0) {
       sent += static_cast<std::size_t>(count);
     } else if (errno == EAGAIN ? !waitFor(POLLOUT, kTransferPatience) : errno != EINTR) {
-      abort();
+      return false;
     }
   }
-  outgoing_.clear();
   return !aborted_;
 }
 
 void HttpConnection::drain() {
+  if (tls_) {
+    tls_->sayGoodbye();
+  }
   shutdown(socket_, SHUT_WR);
   std::size_t total = incomingEnd_ - incomingBegin_;
-  while (total < kDrainBytes && waitFor(POLLIN, kDrainPatience) && fill()) {
+  while (total < kDrainBytes && waitForInput(kDrainPatience) && fill()) {
     total += incomingEnd_;
   }
 }
 
 bool HttpConnection::is_readable() const {
-  return incomingBegin_ < incomingEnd_ || waitFor(POLLIN, kTransferPatience);
+  return incomingBegin_ < incomingEnd_ || waitForInput(kTransferPatience);
 }
 
 bool HttpConnection::is_writable() const {
@@ -87,7 +108,7 @@ bool HttpConnection::is_writable() const {
 
 ssize_t HttpConnection::read(char* out, size_t size) {
   // An interim reply ("100 Continue") must be out before the body that it asks for can come in.
-  if (incomingBegin_ == incomingEnd_ && !(flush() && waitFor(POLLIN, kTransferPatience) && fill())) {
+  if (incomingBegin_ == incomingEnd_ && !(flush() && waitForInput(kTransferPatience) && fill())) {
     return -1;
   }
   const std::size_t count = std::min(size, incomingEnd_ - incomingBegin_);
@@ -128,11 +149,16 @@ bool HttpConnection::waitFor(short events, std::chrono::milliseconds patience) c
   return result > 0 && !aborted_;
 }
 
+bool HttpConnection::waitForInput(std::chrono::milliseconds patience) const {
+  return (tls_ && tls_->hasInput()) || waitFor(POLLIN, patience);
+}
+
 bool HttpConnection::fill() {
   ssize_t count = 0;
   do {
-    count = recv(socket_, incoming_.data(), incoming_.size(), 0);
-  } while (count < 0 && errno == EINTR);
+    count =
+        tls_ ? tls_->read(incoming_.data(), incoming_.size()) : recv(socket_, incoming_.data(), incoming_.size(), 0);
+  } while (!tls_ && count < 0 && errno == EINTR);
   incomingBegin_ = 0;
   incomingEnd_ = count > 0 ? static_cast<std::size_t>(count) : 0;
   return count > 0;

@@ -5,8 +5,11 @@
 #include <atomic>
 #include <chrono>
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
+
+#include "TlsChannel.h"
 
 namespace kesu::dev {
 
@@ -17,12 +20,15 @@ namespace kesu::dev {
 /// abort() and isGone() by any.
 class HttpConnection final : public httplib::Stream {
  public:
-  /// Takes over a connected socket.
-  explicit HttpConnection(int socket);
+  /// Takes over a connected socket. With `tls` the connection is encrypted; the context must outlive it.
+  HttpConnection(int socket, ssl_ctx_st* tls);
   ~HttpConnection() override;
 
   HttpConnection(const HttpConnection&) = delete;
   HttpConnection& operator=(const HttpConnection&) = delete;
+
+  /// Makes the connection ready: agrees on keys when it is encrypted. False when that fails.
+  bool open();
 
   /// Waits for the first byte of the next request. False when the sender closed, was silent too long, or on abort().
   bool waitForRequest(std::chrono::milliseconds patience);
@@ -53,10 +59,13 @@ class HttpConnection final : public httplib::Stream {
 
  private:
   bool waitFor(short events, std::chrono::milliseconds patience) const;
+  bool waitForInput(std::chrono::milliseconds patience) const;
   bool fill();
+  bool sendAll();
 
   const int socket_;
   std::atomic<bool> aborted_{false};
+  std::optional<TlsChannel> tls_;
   bool gathers_ = true;
   std::string outgoing_;
   std::vector<char> incoming_;

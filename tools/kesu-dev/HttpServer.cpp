@@ -14,7 +14,8 @@ namespace kesu::dev {
 namespace {
 
 // One worker serves one connection at a time. Our own HTTP client opens six; the rest is for tests that hang requests,
-// followers of the event stream and browsers.
+// followers of the event stream and browsers. TLS is ours too, inside HttpConnection: the HTTP library's own TLS server
+// leaves no hand on the connection.
 constexpr std::size_t kWorkers = 128;
 constexpr std::size_t kBodyLimitBytes = 16 * 1024 * 1024;
 constexpr std::size_t kPathLimitBytes = 1024;
@@ -139,7 +140,7 @@ HttpReply HttpReply::error(int status, const std::string& text) {
 
 class HttpServer::Implementation final : private httplib::Server {
  public:
-  explicit Implementation(HttpServer::Handler handler) : handler_(std::move(handler)) {
+  Implementation(HttpServer::Handler handler, ssl_ctx_st* tls) : handler_(std::move(handler)), tls_(tls) {
     // The library takes over the pool that it gets as a raw pointer.
     new_task_queue = [this] { return std::make_unique<Workers>([this] { countConnection(1); }).release(); };
     set_payload_max_length(kBodyLimitBytes);
@@ -233,11 +234,13 @@ class HttpServer::Implementation final : private httplib::Server {
   }
 
   void serveAll(socket_t socket) {
-    HttpConnection connection(socket);
+    HttpConnection connection(socket, tls_);
     if (!enter(connection)) {
       return;
     }
-    while (connection.waitForRequest(kIdlePatience) && serveOne(connection)) {
+    bool lives = connection.open();
+    while (lives) {
+      lives = connection.waitForRequest(kIdlePatience) && serveOne(connection);
     }
     current = Current();
     leave(connection);
@@ -277,6 +280,7 @@ class HttpServer::Implementation final : private httplib::Server {
   }
 
   const HttpServer::Handler handler_;
+  ssl_ctx_st* const tls_;
   std::thread listener_;
   Mutex mutex_;
   std::condition_variable_any left_;
@@ -285,7 +289,8 @@ class HttpServer::Implementation final : private httplib::Server {
   bool stopping_ KESU_GUARDED_BY(mutex_) = false;
 };
 
-HttpServer::HttpServer(Handler handler) : implementation_(std::make_unique<Implementation>(std::move(handler))) {}
+HttpServer::HttpServer(Handler handler, ssl_ctx_st* tls)
+    : implementation_(std::make_unique<Implementation>(std::move(handler), tls)) {}
 
 HttpServer::~HttpServer() {
   stop();

@@ -9,6 +9,8 @@
 #include <utility>
 #include <vector>
 
+struct ssl_ctx_st;
+
 namespace kesu::dev {
 
 /// One request, as a handler sees it. Lives as long as the handler runs.
@@ -52,13 +54,14 @@ struct HttpReply {
   static HttpReply error(int status, const std::string& text);
 };
 
-/// An HTTP/1.1 server on 127.0.0.1. The handler is called for every request, on several threads at once, one request
-/// at a time for a connection.
+/// An HTTP/1.1 server on 127.0.0.1, with or without TLS. The handler is called for every request, on several threads at
+/// once, one request at a time for a connection.
 class HttpServer {
  public:
   using Handler = std::function<HttpReply(HttpRequest&)>;
 
-  explicit HttpServer(Handler handler);
+  /// With `tls` every connection is encrypted; the context must outlive the server.
+  explicit HttpServer(Handler handler, ssl_ctx_st* tls = nullptr);
 
   /// Stops.
   ~HttpServer();

@@ -89,13 +89,15 @@ TEST_F(ProgramTest, SaysWhenThereIsNoProgram) {
 }
 
 TEST_F(ProgramTest, GivesTheProgramAddressesAndAHomeThatGoesAway) {
-  start(
-      {"run", "--port", "0", "--", "sh", "-c",
-       "env -u X | grep ^KESU_ | sed s/[0-9][0-9][0-9][0-9]*$/PORT/; printf 'home %s' $KESU_HOME; touch $KESU_HOME/x"});
+  start({"run", "--port", "0", "--", "sh", "-c",
+         "env -u X | grep ^KESU_ | sed s/[0-9][0-9][0-9][0-9]*$/PORT/; test -s $KESU_CA_FILE && echo trusted; printf "
+         "'home %s' $KESU_HOME; touch $KESU_HOME/x"});
   const std::string text = output();
   EXPECT_EQ(status(), 0);
   EXPECT_NE(text.find("KESU_REACHABILITY_HOST=127.0.0.1:PORT\n"), std::string::npos) << text;
   EXPECT_NE(text.find("KESU_OVERRIDE_SERVER=http://127.0.0.1:"), std::string::npos) << text;
+  EXPECT_NE(text.find("KESU_MESSAGING_HOST=127.0.0.1:PORT\n"), std::string::npos) << text;
+  EXPECT_NE(text.find("trusted\n"), std::string::npos) << text;
   const std::string home = text.substr(text.find("home ") + 5);
   EXPECT_TRUE(home.starts_with("/")) << home;
   EXPECT_FALSE(std::filesystem::exists(home)) << home;
@@ -121,7 +123,9 @@ TEST_F(ProgramTest, TakesTheProgramAlongWhenKilled) {
 
 TEST_F(ProgramTest, ShowAndTailPrintWhatACollectorHolds) {
   std::string error;
-  const auto services = Services::start({0, "", false}, error);
+  Services::Options options;
+  options.port = 0;
+  const auto services = Services::start(options, error);
   ASSERT_NE(services, nullptr) << error;
   services->store().add(testStored("e"));
   start({"show", "--url", services->url(), "--width", "100"});
@@ -131,6 +135,8 @@ TEST_F(ProgramTest, ShowAndTailPrintWhatACollectorHolds) {
   EXPECT_NE(output("}}\n").find("{\"id\":1,"), std::string::npos) << text_;
   kill(pid_, SIGTERM);
   EXPECT_EQ(status(), -SIGTERM);
+  start({"messages", "--url", services->url()});
+  EXPECT_NE(output().find("delivered  buttons pressed\n"), std::string::npos) << text_;
   EXPECT_EQ(statusOf({"show", "--url", "http://127.0.0.1:1"}), 1);
 }
 

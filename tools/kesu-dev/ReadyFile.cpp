@@ -5,6 +5,19 @@
 #include <system_error>
 
 namespace kesu::dev {
+namespace {
+
+// "NAME='value'": the directory for temporary files may hold blanks.
+std::string quotedForShell(const std::string& assignment) {
+  const std::size_t equals = assignment.find('=');
+  std::string text = assignment.substr(0, equals + 1) + "'";
+  for (const char c : assignment.substr(equals + 1)) {
+    text += c == '\'' ? "'\\''" : std::string(1, c);
+  }
+  return text + "'";
+}
+
+}  // namespace
 
 ReadyFile::~ReadyFile() {
   std::error_code ignored;
@@ -19,8 +32,10 @@ bool ReadyFile::write(const std::string& path, const Services& services) {
   }
   const std::string temporary = path + ".new";
   std::ofstream file(temporary, std::ios::trunc);
-  file << "KESU_DEV_URL=" << services.url() << "\nKESU_OVERRIDE_SERVER=" << services.recordUrl()
-       << "\nKESU_REACHABILITY_HOST=" << services.hostAndPort() << "\n";
+  file << "KESU_DEV_URL=" << services.url() << "\n";
+  for (const std::string& assignment : services.environment()) {
+    file << quotedForShell(assignment) << "\n";
+  }
   file.close();
   std::error_code error;
   std::filesystem::rename(temporary, path, error);

@@ -6,8 +6,8 @@
 
 namespace kesu::dev {
 
-/// Tells scripts that the services answer, and where: a file of shell assignments (KESU_DEV_URL, KESU_OVERRIDE_SERVER,
-/// KESU_REACHABILITY_HOST) that appears complete and is removed with this object.
+/// Tells scripts that the services answer, and where: a file of shell assignments (KESU_DEV_URL and those of
+/// Services::environment()) that appears complete and is removed with this object.
 class ReadyFile {
  public:
   /// No file yet.

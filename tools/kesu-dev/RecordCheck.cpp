@@ -26,11 +26,6 @@ bool isVersion(std::string_view text) {
          second + 1 < text.size();
 }
 
-bool isJsonType(std::string_view contentType) {
-  const std::string type = lowerAscii(contentType.substr(0, contentType.find(';')));
-  return type.substr(0, type.find_last_not_of(' ') + 1) == "application/json";
-}
-
 bool isMessageId(std::string_view text) {
   const auto isBase64 = [](char c) {
     return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '+' || c == '/';
@@ -133,6 +128,11 @@ bool wasStored(const Dictionary& body) {
 }
 
 }  // namespace
+
+bool isJsonType(std::string_view contentType) {
+  const std::string type = lowerAscii(contentType.substr(0, contentType.find(';')));
+  return type.substr(0, type.find_last_not_of(' ') + 1) == "application/json";
+}
 
 CheckResult checkRecord(const WireRecord& record) {
   CheckResult result;

@@ -33,6 +33,9 @@ struct CheckResult {
 /// How far "ase" may lie behind "ace" before a record counts as stored meanwhile, in milliseconds.
 inline constexpr std::int64_t kFreshMilliseconds = 2000;
 
+/// Whether a Content-Type says JSON, with parameters or without. Pure.
+bool isJsonType(std::string_view contentType);
+
 /// Checks one request against the wire format. Pure: no state, no clock, no I/O.
 CheckResult checkRecord(const WireRecord& record);
 

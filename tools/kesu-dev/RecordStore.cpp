@@ -109,6 +109,9 @@ std::string selectFor(RecordStore::Which which) {
     case RecordStore::Which::Bad:
       sql += "AND good = 0 ";
       break;
+    case RecordStore::Which::Messages:
+      sql += "AND destination = 'n' ";
+      break;
   }
   return sql + "ORDER BY id LIMIT ?2";
 }

@@ -39,7 +39,12 @@ Dictionary describeCounts(const CountsByDestination& counts);
 /// A file survives the death of this program at any moment; for a power cut it gives no promise (nothing is flushed).
 class RecordStore {
  public:
-  enum class Which { All, Good, Bad };
+  enum class Which {
+    All,
+    Good,
+    Bad,
+    Messages,  // Receipts and button presses of messages: destination "n".
+  };
 
   /// How the store stands, as seen by someone who follows it.
   struct News {

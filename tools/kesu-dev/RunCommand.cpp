@@ -15,6 +15,7 @@
 #include <string_view>
 #include <system_error>
 
+#include "MessageReport.h"
 #include "ReadyFile.h"
 #include "RecordText.h"
 #include "Services.h"
@@ -172,12 +173,12 @@ void printSummary(RecordStore& store) {
 
 int runAgainst(Services& services, const CommandLine& line, const BlockedSignals& signals) {
   const ProgramHome home(line.home);
-  std::vector<std::string> added{"KESU_OVERRIDE_SERVER=" + services.recordUrl(),
-                                 "KESU_REACHABILITY_HOST=" + services.hostAndPort()};
+  std::vector<std::string> added = services.environment();
   if (!home.path().empty()) {
     added.push_back("KESU_HOME=" + home.path());
   }
-  say("collects at " + services.url() + ", home " + home.path() + (home.isTemporary() ? " (removed at the end)" : ""));
+  say("collects at " + services.url() + ", messages at https://" + services.messagingHost() + ", home " + home.path() +
+      (home.isTemporary() ? " (removed at the end)" : ""));
   const Started started = startProgram(line.child, environmentWith(ownEnvironment(), added), signals);
   if (started.error != 0) {
     say("cannot run " + line.child.front() + ": " + std::strerror(started.error));
@@ -187,6 +188,9 @@ int runAgainst(Services& services, const CommandLine& line, const BlockedSignals
   services.settle();
   services.stop();
   printSummary(services.store());
+  if (!line.services.messages.empty()) {
+    std::fprintf(stderr, "\nMessages:\n%s", messageTable(services.messaging().report(), kSummaryWidth).c_str());
+  }
   return status;
 }
 

@@ -12,18 +12,20 @@ namespace {
 
 void printAddresses(const Services& services) {
   const std::string url = services.url();
+  std::printf("kesu-dev collects at %s, sends messages at https://%s\n\n", url.c_str(),
+              services.messagingHost().c_str());
+  for (const std::string& assignment : services.environment()) {
+    std::printf("  export %s\n", assignment.c_str());
+  }
   std::printf(
-      "kesu-dev collects at %s\n"
       "\n"
-      "  export KESU_OVERRIDE_SERVER=%s\n"
-      "  export KESU_REACHABILITY_HOST=%s\n"
-      "\n"
+      "  %s                         everything live, in a browser\n"
       "  kesu-dev tail --url %s     records as they arrive\n"
       "  kesu-dev show --url %s     all records so far\n"
-      "  %s/bad                     bad records, with what is wrong\n"
+      "  kesu-dev messages --url %s the messages and what became of them\n"
       "\n"
       "Ctrl-C ends it.\n",
-      url.c_str(), services.recordUrl().c_str(), services.hostAndPort().c_str(), url.c_str(), url.c_str(), url.c_str());
+      url.c_str(), url.c_str(), url.c_str(), url.c_str());
   std::fflush(stdout);
 }
 

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "HttpFetch.h"
+#include "MessageReport.h"
 #include "RecordText.h"
 #include "foundation/Json.h"
 
@@ -95,9 +96,13 @@ bool fetchAll(const ServerAddress& server, std::vector<StoredRecord>& records, F
   return true;
 }
 
+std::size_t widthFor(const CommandLine& line) {
+  return line.width != 0 ? line.width : terminalWidth();
+}
+
 void printRecords(const std::vector<StoredRecord>& records, const CommandLine& line) {
   if (line.format == OutputFormat::Human) {
-    print(recordTable(records, line.width != 0 ? line.width : terminalWidth()));
+    print(recordTable(records, widthFor(line)));
     return;
   }
   for (const StoredRecord& record : records) {
@@ -191,6 +196,20 @@ int runShow(const CommandLine& line) {
     return failToReach(line, result);
   }
   printRecords(records, line);
+  return 0;
+}
+
+int runMessages(const CommandLine& line) {
+  const std::optional<ServerAddress> server = parseServerUrl(line.url);
+  if (!server) {
+    return fail("not a URL of a collector: " + line.url);
+  }
+  const FetchResult result = fetch(*server, "/messages");
+  const std::optional<Value> parsed = result.status == 200 ? parseJson(result.body) : std::nullopt;
+  if (!parsed || parsed->dictionary() == nullptr) {
+    return failToReach(line, result);
+  }
+  print(line.format == OutputFormat::Json ? result.body + "\n" : messageTable(*parsed->dictionary(), widthFor(line)));
   return 0;
 }
 

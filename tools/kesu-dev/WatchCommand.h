@@ -11,4 +11,7 @@ int runTail(const CommandLine& line);
 /// `kesu-dev show`: prints all records so far. Returns the exit status.
 int runShow(const CommandLine& line);
 
+/// `kesu-dev messages`: prints the messages that are served and what became of them. Returns the exit status.
+int runMessages(const CommandLine& line);
+
 }  // namespace kesu::dev

@@ -47,6 +47,8 @@ int execute(const kesu::dev::CommandLine& line) {
       return kesu::dev::runTail(line);
     case kesu::dev::Command::Show:
       return kesu::dev::runShow(line);
+    case kesu::dev::Command::Messages:
+      return kesu::dev::runMessages(line);
     case kesu::dev::Command::Catalogue:
       return printCatalogue(line);
     case kesu::dev::Command::Keys:

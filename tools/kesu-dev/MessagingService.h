@@ -1,0 +1,72 @@
+#pragma once
+
+#include <kesu/foundation/Mutex.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "DeliveryLog.h"
+#include "FaultyHandler.h"
+#include "HttpServer.h"
+#include "MessageDirectory.h"
+#include "MessagingCheck.h"
+#include "RecordStore.h"
+
+namespace kesu::dev {
+
+/// The messaging and personalization service: answers applications from a directory of messages.
+///
+/// | Request | Answer |
+/// |---|---|
+/// | the routes of messagingRoutes(), in both modes | what the installation has not fetched yet; one message; the tags
+/// | | `GET /images/NAME` | a picture of the directory | | `POST /hook` | takes a call of a web hook and notes it |
+///
+/// A request that an application should not send is answered 4xx with what is wrong, and noted among the bad records.
+/// handle() is called on many threads at once.
+class MessagingService {
+ public:
+  /// A line for the developer's terminal. Called on any thread.
+  using Say = std::function<void(const std::string& line)>;
+
+  static constexpr const char* kImagePath = "/images/";
+  static constexpr const char* kHookPath = "/hook";
+
+  /// `directory` is given before the port is known, as the port is part of the messages: see serve(). The references
+  /// must outlive the service.
+  MessagingService(RecordStore& store, FaultTable& faults, Say say);
+
+  /// Serves this directory on that port from now on. Before the first request.
+  void serve(const std::string& directory, int port);
+
+  HttpReply handle(HttpRequest& request);
+
+  /// A picture of the directory, or 404.
+  HttpReply image(std::string_view name) const;
+
+  /// All that there is to know about the messages, for `GET /messages`.
+  Dictionary report();
+
+  /// Nothing was fetched by anybody, from here on.
+  void reset() { log_.clear(); }
+
+ private:
+  HttpReply answer(HttpRequest& request, const std::string& body);
+  HttpReply answerCall(const MessagingRoute& route, HttpRequest& request, const std::string& body);
+  HttpReply answerGood(MessagingCall call, HttpRequest& request, const std::string& body, const Dictionary& asked);
+  HttpReply singleMessage(HttpRequest& request, const std::string& body, const Dictionary& asked);
+  HttpReply takeHook(const std::string& body);
+  HttpReply refuse(HttpRequest& request, const std::string& body, int status, const std::vector<std::string>& reasons);
+  MessageReading read();
+
+  RecordStore& store_;
+  const FaultyHandler faulty_;
+  const Say say_;
+  MessageDirectory directory_{"", ""};
+  int port_ = 0;
+  DeliveryLog log_;
+  Mutex mutex_;
+  std::vector<std::string> problems_ KESU_GUARDED_BY(mutex_);  // Those told already.
+};
+
+}  // namespace kesu::dev
