@@ -17,8 +17,10 @@ namespace kesu {
 /// the pixels; what has no finite place is left out.
 class Canvas {
  public:
-  /// `scale` pixels make a point. The pixels are premultiplied 0xAARRGGBB and are drawn over, not cleared.
-  Canvas(std::uint32_t* pixels, int width, int height, int stride, double scale);
+  /// `scale` pixels make a point; `stride` pixels lead from one row to the next. The pixels are premultiplied
+  /// 0xAARRGGBB and are drawn over, not cleared. The first of them is `left` and `top` pixels away from the origin: a
+  /// part is drawn exactly as it is in the whole.
+  Canvas(std::uint32_t* pixels, int width, int height, int stride, double scale, int left = 0, int top = 0);
   ~Canvas();
   Canvas(const Canvas&) = delete;
   Canvas& operator=(const Canvas&) = delete;
@@ -32,9 +34,11 @@ class Canvas {
   /// What is not clipped away, in present coordinates.
   Rect clipBounds() const;
 
-  // Everything up to endGroup() is drawn together with this opacity.
+  // Everything up to endGroup() is drawn together with this opacity; save() and restore() lie within or around it.
   void beginGroup();
   void endGroup(double alpha);
+  /// Of the group, only what lies in the rounded rectangle: cheaper than clipping every single drawing in it.
+  void endGroup(double alpha, const Rect& rect, double cornerRadius);
 
   void clear(const Rect& rect);  ///< Makes it transparent.
   void fill(const Rect& rect, const Color& color, double cornerRadius = 0.0);
@@ -43,6 +47,7 @@ class Canvas {
   /// A line of this width inside the edges.
   void strokeInside(const Rect& rect, double width, const Color& color, double cornerRadius = 0.0);
   /// The shadow of a rounded rectangle: only what lies outside of it matters, since the rectangle covers the rest.
+  /// `blur` in points reaches about three times as far.
   void drawShadow(const Rect& rect, double cornerRadius, const Color& color, double opacity, double blur, Size offset);
   /// `source` in pixels of the image; stretched to `target`.
   void drawImage(const ImagePtr& image, const Rect& source, const Rect& target);
@@ -54,5 +59,8 @@ class Canvas {
   struct State;
   std::unique_ptr<State> state_;
 };
+
+/// Gives back blurred shadows and scaled pictures that are kept to be drawn again. Any thread.
+void releaseDrawingCaches();
 
 }  // namespace kesu

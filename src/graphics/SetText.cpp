@@ -1,0 +1,256 @@
+#include "graphics/SetText.h"
+
+#include <pango/pangocairo.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace kesu {
+namespace {
+
+// Setting 32 kB (650 lines of a message) takes about 35 ms and 3 MB on a desktop computer; it grows evenly.
+constexpr std::size_t kLongestTextBytes = std::size_t{32} * 1024;
+// One line on the widest screen holds less than this of any script.
+constexpr std::size_t kLongestLineBytes = std::size_t{4} * 1024;
+// The time for breaking one word grows with the square of its length: 64 kB without a space take 8 s.
+constexpr int kLongestWord = 160;
+constexpr int kLongestCluster = 480;
+
+constexpr gunichar kReplacement = 0xFFFD;
+constexpr gunichar kZeroWidthSpace = 0x200B;
+constexpr gunichar kZeroWidthJoiner = 0x200D;
+constexpr gunichar kLineSeparator = 0x2028;
+constexpr gunichar kParagraphSeparator = 0x2029;
+
+constexpr double kLargestSize = 2000.0;
+constexpr double kLargestBox = 1000000.0;
+
+void append(std::string& text, gunichar character) {
+  char bytes[6];
+  text.append(bytes, static_cast<std::size_t>(g_unichar_to_utf8(character, bytes)));
+}
+
+// Takes one character from the front of `rest`, which is not empty; a byte that begins none counts as one.
+gunichar takeCharacter(std::string_view& rest) {
+  const gunichar character =
+      rest.front() == '\0' ? 0 : g_utf8_get_char_validated(rest.data(), static_cast<gssize>(rest.size()));
+  const bool isValid = character < 0x110000;
+  const auto length = isValid ? static_cast<std::size_t>(g_unichar_to_utf8(character, nullptr)) : 1;
+  rest.remove_prefix(length);
+  return isValid ? character : kReplacement;
+}
+
+bool endsLine(gunichar character) {
+  return (character >= 0x0A && character <= 0x0D) || character == 0x85 || character == kLineSeparator ||
+         character == kParagraphSeparator;
+}
+
+gunichar lineEndFor(int lines) {
+  if (lines == 0) {
+    return '\n';
+  }
+  return lines == 1 ? ' ' : kLineSeparator;  // A limit of lines counts within a paragraph.
+}
+
+bool isControl(gunichar character) {
+  return (character < 0x20 && character != '\t') || (character >= 0x7F && character <= 0x9F);
+}
+
+// Breaks endless words, but not between a letter and its marks as long as there is any end to those.
+class WordBreaker {
+ public:
+  bool shouldBreakBefore(gunichar character) {
+    const bool joins = g_unichar_ismark(character) != FALSE || character == kZeroWidthJoiner ||
+                       previous_ == kZeroWidthJoiner || g_unichar_iszerowidth(character) != FALSE;
+    const bool breaks = count_ >= (joins ? kLongestCluster : kLongestWord);
+    count_ = breaks || g_unichar_isspace(character) != FALSE ? 0 : count_ + 1;
+    previous_ = character;
+    return breaks;
+  }
+
+ private:
+  int count_ = 0;
+  gunichar previous_ = 0;
+};
+
+struct Typeface {
+  const char* family;
+  PangoWeight weight;
+};
+
+Typeface typefaceFor(const std::string& name) {
+  if (name == "HelveticaNeue-Light") {
+    return {"Roboto", PANGO_WEIGHT_LIGHT};
+  }
+  const bool isStandard = name.empty() || name == "HelveticaNeue-Regular" || name == "HelveticaNeue";
+  return {isStandard ? "Roboto" : name.c_str(), PANGO_WEIGHT_NORMAL};
+}
+
+double usableSize(double size) {
+  return std::isfinite(size) && size > 0.0 ? std::min(size, kLargestSize) : 0.0;
+}
+
+bool isLimit(double length) {
+  return length > 0.0 && std::isfinite(length);
+}
+
+int toPango(double points) {
+  return static_cast<int>(std::lround(std::min(points, kLargestBox) * PANGO_SCALE));
+}
+
+double fromPango(int units) {
+  return static_cast<double>(units) / PANGO_SCALE;
+}
+
+void setFont(PangoLayout* layout, const Font& font, double factor) {
+  const Typeface typeface = typefaceFor(font.name);
+  PangoFontDescription* description = pango_font_description_new();
+  pango_font_description_set_family(description, typeface.family);
+  pango_font_description_set_weight(description, typeface.weight);
+  pango_font_description_set_absolute_size(description, std::max(1.0, usableSize(font.size) * factor * PANGO_SCALE));
+  pango_layout_set_font_description(layout, description);
+  pango_font_description_free(description);
+}
+
+void setRules(PangoLayout* layout, const TextStyle& style, Size box) {
+  const bool isCutLine = style.isSetSolid && style.lines == 1;
+  pango_layout_set_wrap(layout, isCutLine ? PANGO_WRAP_CHAR : PANGO_WRAP_WORD_CHAR);
+  pango_layout_set_width(layout, isLimit(box.width) ? toPango(box.width) : -1);
+  if (!style.isSetSolid && (style.lines > 0 || isLimit(box.height))) {
+    pango_layout_set_ellipsize(layout, PANGO_ELLIPSIZE_END);
+    pango_layout_set_height(layout, style.lines > 0 ? -style.lines : std::max(1, toPango(box.height)));
+  }
+  PangoAttrList* attributes = pango_attr_list_new();
+  pango_attr_list_insert(attributes, pango_attr_insert_hyphens_new(FALSE));
+  pango_layout_set_attributes(layout, attributes);
+  pango_attr_list_unref(attributes);
+}
+
+bool isRightToLeft(PangoLayoutLine* line) {
+  return pango_layout_line_get_resolved_direction(line) == PANGO_DIRECTION_RTL;
+}
+
+// How much of the free space of a line lies before it.
+double shareBefore(TextAlignment alignment, PangoLayoutLine* line) {
+  switch (alignment) {
+    case TextAlignment::Natural:
+      return isRightToLeft(line) ? 1.0 : 0.0;
+    case TextAlignment::Left:
+      return 0.0;
+    case TextAlignment::Center:
+      return 0.5;
+    case TextAlignment::Right:
+      return 1.0;
+  }
+  return 0.0;
+}
+
+// Without a font for them, some scripts report heights of thousands of kilometres, or negative ones.
+void clampHeight(PangoRectangle& extent, double fontSize) {
+  const int most = toPango(4.0 * fontSize + 4.0);
+  if (extent.height < 0 || extent.height > most || extent.y > 0 || extent.y < -most) {
+    extent.height = toPango(1.2 * fontSize);
+    extent.y = -toPango(0.95 * fontSize);
+  }
+}
+
+}  // namespace
+
+std::string settableText(std::string_view text, int lines) {
+  const std::size_t most =
+      lines > 0 ? std::min(kLongestTextBytes, kLongestLineBytes * static_cast<std::size_t>(lines)) : kLongestTextBytes;
+  std::string settable;
+  settable.reserve(std::min(text.size(), most) + 8);
+  WordBreaker breaker;
+  while (!text.empty() && settable.size() < most) {
+    gunichar character = takeCharacter(text);
+    if (character == '\r' && !text.empty() && text.front() == '\n') {
+      continue;
+    }
+    if (endsLine(character)) {
+      character = lineEndFor(lines);
+    } else if (isControl(character)) {
+      character = ' ';
+    }
+    if (breaker.shouldBreakBefore(character)) {
+      append(settable, kZeroWidthSpace);
+    }
+    append(settable, character);
+  }
+  return settable;
+}
+
+TextLayout::State::State(PangoContext* context, const std::string& text, const TextStyle& style, Size box)
+    : layout_(pango_layout_new(context)) {
+  if (text.empty() || usableSize(style.font.size) <= 0.0) {
+    return;
+  }
+  setFont(layout_, style.font, 1.0);
+  pango_layout_set_text(layout_, text.data(), static_cast<int>(text.size()));
+  if (style.lines == 1 && style.minimumScaleFactor < 1.0 && isLimit(box.width)) {
+    fitToWidth(style, box.width);
+  }
+  setRules(layout_, style, box);
+  collectLines(style, box);
+  align(style.alignment, isLimit(box.width) ? box.width : size.width);
+  if (isLimit(box.height)) {
+    size.height = std::min(size.height, box.height);
+  }
+}
+
+TextLayout::State::~State() {
+  g_object_unref(layout_);
+}
+
+// Called while the layout has no width: it tells that of the whole line.
+void TextLayout::State::fitToWidth(const TextStyle& style, double width) {
+  int natural = 0;
+  pango_layout_get_size(layout_, &natural, nullptr);
+  if (natural > toPango(width)) {
+    const double smallest = std::max(0.0, style.minimumScaleFactor);
+    setFont(layout_, style.font, std::max(smallest, width / fromPango(natural)));
+  }
+}
+
+void TextLayout::State::collectLines(const TextStyle& style, Size box) {
+  const double widest = isLimit(box.width) ? box.width : kLargestBox;
+  for (GSList* item = pango_layout_get_lines_readonly(layout_); item != nullptr; item = item->next) {
+    auto* glyphs = static_cast<PangoLayoutLine*>(item->data);
+    PangoRectangle extent;
+    pango_layout_line_get_extents(glyphs, nullptr, &extent);
+    clampHeight(extent, usableSize(style.font.size));
+    const double height = fromPango(extent.height);
+    const bool isOver = isLimit(box.height) && size.height + height > box.height + 0.5;
+    if (!lines.empty() && (isOver || (style.lines > 0 && lines.size() == static_cast<std::size_t>(style.lines)))) {
+      return;
+    }
+    const double width = std::clamp(fromPango(extent.width), 0.0, widest);
+    lines.push_back({glyphs, 0.0, size.height - fromPango(extent.y), width, height});
+    size.width = std::max(size.width, width);
+    size.height += height;
+  }
+}
+
+void TextLayout::State::align(TextAlignment alignment, double width) {
+  for (Line& line : lines) {
+    line.x = (width - line.width) * shareBefore(alignment, line.glyphs);
+  }
+}
+
+void TextLayout::State::draw(cairo_t* cairo) const {
+  double left = 0.0;
+  double top = 0.0;
+  double right = 0.0;
+  double bottom = 0.0;
+  cairo_clip_extents(cairo, &left, &top, &right, &bottom);
+  for (const Line& line : lines) {
+    // Accents may rise over their line, by less than its height.
+    if (line.baseline + line.height >= top && line.baseline - 2.0 * line.height <= bottom) {
+      cairo_move_to(cairo, line.x, line.baseline);
+      pango_cairo_show_layout_line(cairo, line.glyphs);
+    }
+  }
+  cairo_new_path(cairo);
+}
+
+}  // namespace kesu
