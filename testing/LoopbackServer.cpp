@@ -22,7 +22,7 @@
 namespace kesu::testing {
 namespace {
 
-constexpr std::size_t kReadSize = 16 * 1024;
+constexpr std::size_t kReadSize = std::size_t{16} * 1024;
 constexpr int kBacklog = 1024;
 constexpr int kMaxWaitForBytesMs = 1000;
 
@@ -458,7 +458,7 @@ void LoopbackServer::perform(Connection& connection, const ServerAction& action,
 }
 
 void LoopbackServer::sendFilling(Connection& connection, std::uint64_t length) {
-  const std::string filling(64 * 1024, 'x');
+  const std::string filling(std::size_t{64} * 1024, 'x');
   bool open = connection.write(replyHead(200, {}, length));
   while (open && length > 0) {
     const std::uint64_t count = std::min<std::uint64_t>(length, filling.size());

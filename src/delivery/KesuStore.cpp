@@ -15,7 +15,7 @@ namespace {
 constexpr std::int64_t kMostFiles = 5000;
 
 /// A record is a few hundred bytes; whatever is larger than this was not written by us.
-constexpr std::size_t kLargestFile = 16U * 1024U * 1024U;
+constexpr std::size_t kLargestFile = std::size_t{16} * 1024 * 1024;
 
 constexpr const char* kSource = "KesuStore";
 

@@ -59,7 +59,8 @@ std::optional<Date> dateOf(const CivilTime& time) {
     return std::nullopt;
   }
   const std::int64_t days = std::chrono::sys_days(day).time_since_epoch().count();
-  return Date{static_cast<double>(days * kSecondsOfDay + time.hour * 3600 + time.minute * 60 + time.second)};
+  return Date{static_cast<double>(days * kSecondsOfDay + std::int64_t{time.hour} * 3600 +
+                                  std::int64_t{time.minute} * 60 + time.second)};
 }
 
 std::string dayText(const CivilTime& time) {

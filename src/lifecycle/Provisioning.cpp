@@ -9,7 +9,7 @@ namespace kesu {
 namespace {
 
 /// Profiles are some ten kilobytes; a larger file is none.
-constexpr std::size_t kLargestProfile = 4U * 1024U * 1024U;
+constexpr std::size_t kLargestProfile = std::size_t{4} * 1024 * 1024;
 
 constexpr std::string_view kBegin = "<plist";
 constexpr std::string_view kEnd = "</plist>";

@@ -15,7 +15,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::size_t kInfoLimitBytes = 1024U * 1024U;
+constexpr std::size_t kInfoLimitBytes = std::size_t{1024} * 1024;
 
 constexpr std::pair<const char*, const char*> kOverlay[] = {{"KESU_OVERRIDE_SERVER", "KesuOverrideServer"},
                                                             {"KESU_MESSAGING_HOST", "KesuMessagingHost"},

@@ -25,7 +25,8 @@
 namespace kesu {
 namespace {
 
-constexpr std::size_t kStatBytes = 1024 * 1024;  // The line that is wanted follows one that grows with every interrupt.
+constexpr std::size_t kStatBytes =
+    std::size_t{1024} * 1024;  // The line that is wanted follows one that grows with every interrupt.
 constexpr double kScreenWidth = 1920.0;
 constexpr double kScreenHeight = 1080.0;
 constexpr double kClockWasSetSeconds = 0.5;
