@@ -29,11 +29,15 @@ Shadow finite(const Shadow& shadow) {
           Size{finite(shadow.offset.width), finite(shadow.offset.height)}};
 }
 
+ViewGeometry withFrame(ViewGeometry geometry, const Rect& frame) {
+  geometry.size = {positive(frame.width), positive(frame.height)};
+  geometry.center = {finite(frame.x) + geometry.size.width / 2.0, finite(frame.y) + geometry.size.height / 2.0};
+  return geometry;
+}
+
 }  // namespace
 
-View::View(const Rect& frame) {
-  View::setFrame(frame);
-}
+View::View(const Rect& frame) : model_(withFrame({}, frame)), presented_(model_) {}
 
 View::~View() {
   for (const ViewPtr& view : subviews_) {
@@ -50,10 +54,7 @@ Rect View::frame() const {
 }
 
 void View::setFrame(const Rect& frame) {
-  ViewGeometry next = model_;
-  next.size = {positive(frame.width), positive(frame.height)};
-  next.center = {finite(frame.x) + next.size.width / 2.0, finite(frame.y) + next.size.height / 2.0};
-  moveModel(next);
+  moveModel(withFrame(model_, frame));
 }
 
 void View::setCenter(Point center) {

@@ -241,6 +241,9 @@ void Window::updateFocus() {
 
 /// Null takes the focus away, but not what is known about where it was.
 void Window::focus(const ViewPtr& next) {
+  if (input_->focused.lock() != next) {
+    cancelSelect();
+  }
   const ViewPtr before = input_->focused.lock();
   if (next != nullptr) {
     input_->focusedPlace = placeInWindow(*next);
@@ -249,7 +252,6 @@ void Window::focus(const ViewPtr& next) {
   if (before == next) {
     return;
   }
-  cancelSelect();
   input_->focused = next;
   if (before != nullptr) {
     before->setFocused(false);

@@ -9,10 +9,12 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace kesu {
 
-/// A text in one font and colour. Main thread.
+/// A text in one font and colour, in the middle of the view's height. A screen reader reads it. Main thread.
 class KESU_API Label : public View {
  public:
   using View::View;
@@ -34,6 +36,9 @@ class KESU_API Label : public View {
 
   void draw(Canvas& canvas) const override;
 
+ protected:
+  AccessibilityInfo defaultAccessibility() const override;
+
  private:
   std::string text_;
   Font font_;
@@ -43,7 +48,8 @@ class KESU_API Label : public View {
   double minimumScaleFactor_ = 1.0;
 };
 
-/// A picture, stretched over the view or fitted into it. Main thread.
+/// A picture, stretched over the view or fitted into it, within the view's corners. A screen reader passes it over as
+/// long as it is not told what there is to see. Main thread.
 class KESU_API ImageView : public View {
  public:
   enum class ContentMode {
@@ -65,7 +71,7 @@ class KESU_API ImageView : public View {
   ContentMode contentMode_ = ContentMode::AspectFill;
 };
 
-/// Something to press. It can be focused while it is enabled. Main thread.
+/// Something to press, with a title of one line in its middle. Main thread.
 class KESU_API Button : public View {
  public:
   using Action = std::function<void(Button&)>;
@@ -77,7 +83,8 @@ class KESU_API Button : public View {
   void setFont(Font font);
   const Color& titleColor() const { return titleColor_; }
   void setTitleColor(const Color& color);
-  /// Drawn behind the title, stretched; null for none.
+  const ImagePtr& backgroundImage() const { return backgroundImage_; }
+  /// Drawn behind the title, stretched, within the view's corners; null for none.
   void setBackgroundImage(ImagePtr image);
   void setAction(Action action) { action_ = std::move(action); }
 
@@ -85,6 +92,9 @@ class KESU_API Button : public View {
   /// Runs the action.
   void activate() override;
   void draw(Canvas& canvas) const override;
+
+ protected:
+  AccessibilityInfo defaultAccessibility() const override;
 
  private:
   std::string title_;
@@ -94,17 +104,20 @@ class KESU_API Button : public View {
   Action action_;
 };
 
-/// What a table shows.
+/// What a table shows. It outlives the table, or is taken away from it.
 class KESU_API TableViewDataSource {
  public:
   virtual ~TableViewDataSource() = default;
+  /// Only so many as a remote can scroll through: rows beyond the first 10,000 are left out.
   virtual std::size_t numberOfRows() = 0;
   virtual double heightOfRow(std::size_t row) = 0;  ///< In points.
-  /// The view of a row, which the table places; `width` is the table's.
+  /// The view of a row, which the table places; `width` is the table's. Null leaves the row empty.
   virtual ViewPtr cellForRow(std::size_t row, double width) = 0;
 };
 
-/// Rows one below the other, scrolled with the remote while the table is focused. Main thread.
+/// Rows one below the other, scrolled with the remote while the table is focused. What is cut at an edge fades there,
+/// and a slim bar tells the place, when there is more than fits; a background that is not opaque leaves the fading out.
+/// Main thread.
 class KESU_API TableView : public View {
  public:
   explicit TableView(const Rect& frame);
@@ -117,19 +130,28 @@ class KESU_API TableView : public View {
   double scrollOffset() const { return offset_; }
   /// Scrolls to `offset` points from the top, at most to the end.
   void setScrollOffset(double offset, bool animated);
+  /// Scrolls so that the row begins at the top, as far as there is enough below it.
   void scrollToRow(std::size_t row, bool animated);
 
   /// Only when there is more than fits.
   bool canBecomeFocused() const override;
+  /// Up and Down scroll by about two lines of text, to the end at most; false when nothing is left that way.
   bool handleArrow(RemoteButton arrow) override;
-  void draw(Canvas& canvas) const override;
 
  protected:
   void sizeDidChange() override;
 
  private:
+  double largestOffset() const;
+  void scroll(double offset);
+  void placeIndicator();
+
   TableViewDataSource* source_ = nullptr;
+  std::vector<double> rowTops_;
   ViewPtr content_;
+  ViewPtr topFade_;
+  ViewPtr bottomFade_;
+  ViewPtr indicator_;
   double contentHeight_ = 0.0;
   double offset_ = 0.0;
 };

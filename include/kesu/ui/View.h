@@ -28,7 +28,7 @@ struct Shadow {
   Size offset{0.0, 0.0};
 
   /// How far the blur goes beyond the moved rectangle, in points: nothing is drawn farther out.
-  double reach() const { return 3.0 * radius; }
+  double reach() const { return 3.0 * radius + 1.0; }
 
   friend bool operator==(const Shadow&, const Shadow&) = default;
 };

@@ -1,0 +1,61 @@
+#include <kesu/ui/Controls.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "graphics/Canvas.h"
+
+namespace kesu {
+namespace {
+
+Rect around(Point center, double width, double height) {
+  return {center.x - width / 2.0, center.y - height / 2.0, width, height};
+}
+
+}  // namespace
+
+void ImageView::setImage(ImagePtr image) {
+  if (image != image_) {
+    image_ = std::move(image);
+    setNeedsDisplay();
+  }
+}
+
+void ImageView::setContentMode(ContentMode mode) {
+  if (mode != contentMode_) {
+    contentMode_ = mode;
+    setNeedsDisplay();
+  }
+}
+
+void ImageView::draw(Canvas& canvas) const {
+  const Rect box = presentedBounds();
+  if (image_ == nullptr || box.isEmpty()) {
+    return;
+  }
+  const Rect whole{0.0, 0.0, static_cast<double>(image_->width()), static_cast<double>(image_->height())};
+  const double scaleX = box.width / whole.width;
+  const double scaleY = box.height / whole.height;
+  canvas.save();
+  if (cornerRadius() > 0.0) {
+    canvas.clip(box, cornerRadius());
+  }
+  switch (contentMode_) {
+    case ContentMode::Fill:
+      canvas.drawImage(image_, whole, box);
+      break;
+    case ContentMode::AspectFit: {
+      const double scale = std::min(scaleX, scaleY);
+      canvas.drawImage(image_, whole, around(box.center(), whole.width * scale, whole.height * scale));
+      break;
+    }
+    case ContentMode::AspectFill: {
+      const double scale = std::max(scaleX, scaleY);
+      canvas.drawImage(image_, around(whole.center(), box.width / scale, box.height / scale), box);
+      break;
+    }
+  }
+  canvas.restore();
+}
+
+}  // namespace kesu

@@ -1,0 +1,151 @@
+#include <kesu/ui/Animator.h>
+#include <kesu/ui/Controls.h>
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+
+#include "graphics/Canvas.h"
+
+namespace kesu {
+namespace {
+
+constexpr std::size_t kMostRows = 10'000;
+constexpr double kHighestRow = 1e6;
+constexpr double kStep = 120.0;  // Of one press of an arrow, in points.
+constexpr double kScrollSeconds = 0.25;
+constexpr double kFadeHeight = 56.0;
+constexpr double kIndicatorWidth = 4.0;
+constexpr double kIndicatorMargin = 6.0;
+constexpr double kShortestIndicator = 32.0;
+
+/// Covers an edge at which rows are cut with the table's background, ever thinner towards the middle.
+class Fade : public View {
+ public:
+  explicit Fade(bool isAtTop) : isAtTop_(isAtTop) { setUserInteractionEnabled(false); }
+
+  void draw(Canvas& canvas) const override {
+    const Color color = superview() != nullptr ? superview()->backgroundColor() : Color::clear();
+    if (color.alpha >= 1.0) {
+      canvas.fillGradient(presentedBounds(), color.withAlpha(isAtTop_ ? 1.0 : 0.0),
+                          color.withAlpha(isAtTop_ ? 0.0 : 1.0));
+    }
+  }
+
+ private:
+  bool isAtTop_;
+};
+
+/// Tells the place in the rows, in grey, which shows on light and dark pictures alike.
+class Indicator : public View {
+ public:
+  Indicator() {
+    setUserInteractionEnabled(false);
+    setCornerRadius(kIndicatorWidth / 2.0);
+    setBackgroundColor({0.5, 0.5, 0.5, 0.75});
+  }
+};
+
+double sensibleHeight(double height) {
+  return height > 0.0 ? std::min(height, kHighestRow) : 0.0;
+}
+
+}  // namespace
+
+TableView::TableView(const Rect& frame)
+    : View(frame),
+      content_(std::make_shared<View>()),
+      topFade_(std::make_shared<Fade>(true)),
+      bottomFade_(std::make_shared<Fade>(false)),
+      indicator_(std::make_shared<Indicator>()) {
+  setClipsToBounds(true);
+  for (const ViewPtr& part : {content_, topFade_, bottomFade_, indicator_}) {
+    addSubview(part);
+  }
+  scroll(0.0);
+}
+
+void TableView::setDataSource(TableViewDataSource* source) {
+  source_ = source;
+  reloadData();
+}
+
+void TableView::reloadData() {
+  content_->removeAllSubviews();
+  rowTops_.clear();
+  contentHeight_ = 0.0;
+  const double width = bounds().width;
+  const std::size_t rows = source_ != nullptr ? std::min(source_->numberOfRows(), kMostRows) : 0;
+  for (std::size_t row = 0; row < rows; ++row) {
+    const double height = sensibleHeight(source_->heightOfRow(row));
+    if (const ViewPtr cell = source_->cellForRow(row, width)) {
+      cell->setFrame({0.0, contentHeight_, width, height});
+      content_->addSubview(cell);
+    }
+    rowTops_.push_back(contentHeight_);
+    contentHeight_ += height;
+  }
+  scroll(offset_);
+}
+
+void TableView::setScrollOffset(double offset, bool animated) {
+  if (animated) {
+    animate(kScrollSeconds, [&] { scroll(offset); });
+  } else {
+    scroll(offset);
+  }
+}
+
+void TableView::scrollToRow(std::size_t row, bool animated) {
+  if (row < rowTops_.size()) {
+    setScrollOffset(rowTops_[row], animated);
+  }
+}
+
+bool TableView::canBecomeFocused() const {
+  return largestOffset() > 0.0;
+}
+
+bool TableView::handleArrow(RemoteButton arrow) {
+  const bool isVertical = arrow == RemoteButton::Up || arrow == RemoteButton::Down;
+  const double wanted = std::clamp(offset_ + (arrow == RemoteButton::Up ? -kStep : kStep), 0.0, largestOffset());
+  if (!isVertical || wanted == offset_) {
+    return false;
+  }
+  setScrollOffset(wanted, true);
+  return true;
+}
+
+void TableView::sizeDidChange() {
+  scroll(offset_);
+}
+
+double TableView::largestOffset() const {
+  return std::ceil(std::max(0.0, contentHeight_ - bounds().height));
+}
+
+/// Moves everything to its place for an offset.
+void TableView::scroll(double offset) {
+  offset_ = std::isnan(offset) ? 0.0 : std::clamp(offset, 0.0, largestOffset());
+  const Rect box = bounds();
+  const double fadeHeight = std::min(kFadeHeight, box.height / 4.0);
+  content_->setFrame({0.0, -offset_, box.width, contentHeight_});
+  topFade_->setFrame({0.0, 0.0, box.width, fadeHeight});
+  topFade_->setAlpha(offset_ / kFadeHeight);
+  bottomFade_->setFrame({0.0, box.height - fadeHeight, box.width, fadeHeight});
+  bottomFade_->setAlpha((largestOffset() - offset_) / kFadeHeight);
+  placeIndicator();
+}
+
+void TableView::placeIndicator() {
+  const Rect box = bounds();
+  const double track = std::max(0.0, box.height - 2.0 * kIndicatorMargin);
+  const double share = contentHeight_ > 0.0 ? box.height / contentHeight_ : 1.0;
+  const double length = std::min(track, std::max(kShortestIndicator, track * share));
+  const double part = largestOffset() > 0.0 ? offset_ / largestOffset() : 0.0;
+  indicator_->setFrame({box.width - kIndicatorMargin - kIndicatorWidth, kIndicatorMargin + (track - length) * part,
+                        kIndicatorWidth, length});
+  indicator_->setAlpha(largestOffset() > 0.0 ? 1.0 : 0.0);
+}
+
+}  // namespace kesu
