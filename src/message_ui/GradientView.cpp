@@ -1,0 +1,11 @@
+#include "message_ui/GradientView.h"
+
+#include "graphics/Canvas.h"
+
+namespace kesu {
+
+void GradientView::draw(Canvas& canvas) const {
+  canvas.fillGradient(bounds(), top_, bottom_);
+}
+
+}  // namespace kesu

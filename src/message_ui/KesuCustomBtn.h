@@ -1,0 +1,54 @@
+#pragma once
+
+#include <kesu/ui/Controls.h>
+
+#include <cstdint>
+#include <functional>
+
+namespace kesu {
+
+/// The button of message cards: it grows and throws a shadow while it has the focus, and looks pushed in while the
+/// remote's button is held. Main thread. Call setup() after making one: without it the focus would scale it to nothing.
+class KesuCustomBtn : public Button {
+ public:
+  using Button::Button;
+
+  /// Sets the properties below to what message cards use.
+  void setup();
+
+  double focusedScaleFactor() const { return focusedScaleFactor_; }
+  void setFocusedScaleFactor(double factor) { focusedScaleFactor_ = factor; }
+  double focusedShadowRadius() const { return focusedShadowRadius_; }
+  void setFocusedShadowRadius(double radius) { focusedShadowRadius_ = radius; }
+  double focusedShadowOpacity() const { return focusedShadowOpacity_; }
+  void setFocusedShadowOpacity(double opacity) { focusedShadowOpacity_ = opacity; }
+  Size shadowOffsetFocussed() const { return shadowOffsetFocussed_; }
+  void setShadowOffsetFocussed(Size offset) { shadowOffsetFocussed_ = offset; }
+  const Color& shadowColor() const { return shadowColor_; }
+  void setShadowColor(const Color& color) { shadowColor_ = color; }
+  double animationDuration() const { return animationDuration_; }  ///< Seconds.
+  void setAnimationDuration(double seconds) { animationDuration_ = seconds; }
+
+  void didUpdateFocus() override;
+  void pressesBegan(RemoteButton button) override;
+  void pressesEnded(RemoteButton button) override;
+  void pressesCancelled(RemoteButton button) override;
+
+ private:
+  void animateLook(void (KesuCustomBtn::*look)());
+  void lookFocused();
+  void lookNormal();
+  void lookPressed();
+  void lookReleased();
+  void setShadowOffset(Size offset);
+
+  double focusedScaleFactor_ = 0.0;
+  double focusedShadowRadius_ = 0.0;
+  double focusedShadowOpacity_ = 0.0;
+  Size shadowOffsetFocussed_;
+  Color shadowColor_ = Color::clear();
+  double animationDuration_ = 0.0;
+  std::uint64_t looks_ = 0;  // How many looks have been begun.
+};
+
+}  // namespace kesu

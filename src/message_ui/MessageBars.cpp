@@ -1,0 +1,205 @@
+#include "message_ui/MessageBars.h"
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+#include <utility>
+
+#include "foundation/NumberText.h"
+#include "graphics/Canvas.h"
+#include "graphics/TextLayout.h"
+
+namespace kesu {
+namespace {
+
+constexpr double kButtonRadius = 6.0;
+constexpr double kButtonBorder = 1.0;
+constexpr double kCounterScale = 0.85;
+constexpr double kTitleScale = 0.8;
+constexpr Color kDarkBar{0.11, 0.12, 0.14, 1.0};
+constexpr Color kLightBar{0.95, 0.95, 0.97, 1.0};
+
+/// An arrow has no face of its own: while it is focused it gets a faint one, that it can be told from the other.
+class ArrowButton : public KesuCustomBtn {
+ public:
+  using KesuCustomBtn::KesuCustomBtn;
+
+  void didUpdateFocus() override {
+    KesuCustomBtn::didUpdateFocus();
+    setBackgroundColor(isFocused() ? titleColor().withAlpha(0.2) : Color::clear());
+  }
+};
+
+/// Keeps its title short enough to be read while it is focused: the card cuts off what is wider.
+class ActionButton : public KesuCustomBtn {
+ public:
+  using KesuCustomBtn::KesuCustomBtn;
+
+  void setFace(ImagePtr face) { face_ = std::move(face); }
+
+  void draw(Canvas& canvas) const override {
+    const Rect box = bounds();
+    canvas.save();
+    canvas.clip(box, cornerRadius());
+    canvas.drawImage(face_, {0.0, 0.0, 1.0, 1.0}, box);
+    canvas.restore();
+    const double width = actionTitleWidth(frame(), kCardWidth, focusedScaleFactor());
+    if (title().empty() || width <= 0.0) {
+      return;
+    }
+    const TextLayout layout(title(), {font(), TextAlignment::Center, 1, kTitleScale}, {width, box.height});
+    canvas.drawText(layout, {(box.width - width) / 2.0, (box.height - layout.size().height) / 2.0}, titleColor());
+  }
+
+ private:
+  ImagePtr face_;
+};
+
+std::uint32_t channel(double part, double alpha) {
+  return static_cast<std::uint32_t>(std::lround(std::clamp(part, 0.0, 1.0) * alpha * 255.0));
+}
+
+void dressButton(KesuCustomBtn& button, const Font& font, const Color& border) {
+  button.setup();
+  button.setFont(font);
+  button.setCornerRadius(kButtonRadius);
+  button.setBorder(kButtonBorder, border);
+  button.setClipsToBounds(true);
+}
+
+std::string counterText(std::int64_t index, std::size_t count) {
+  return "Showing " + decimal(index + 1) + " of " + decimal(static_cast<std::int64_t>(count)) + " in-app messages";
+}
+
+Color barColor(const BarContent& content, const Color& text) {
+  return content.bar.value_or(isLight(text) ? kDarkBar : kLightBar);
+}
+
+}  // namespace
+
+ImagePtr imageWithColor(const Color& color) {
+  const double alpha = std::clamp(color.alpha, 0.0, 1.0);
+  const std::uint32_t pixel = channel(1.0, alpha) << 24U | channel(color.red, alpha) << 16U |
+                              channel(color.green, alpha) << 8U | channel(color.blue, alpha);
+  return std::make_shared<const Image>(1, 1, std::vector<std::uint32_t>{pixel});
+}
+
+// The paging bar's background lies under the focused action button and its shadow, its text and arrows over them.
+MessageBars::MessageBars(Pressed actionPressed, Pressed arrowPressed)
+    : actionPressed_(std::move(actionPressed)), arrowPressed_(std::move(arrowPressed)) {
+  bottomBar_->addSubview(pagingBackground_);
+  bottomBar_->addSubview(buttonBar_);
+  bottomBar_->addSubview(pagingBar_);
+  pagingBar_->addSubview(counter_);
+  counter_->setFont(kCounterFont);
+  counter_->setAlignment(TextAlignment::Center);
+  counter_->setMinimumScaleFactor(kCounterScale);
+}
+
+MessageBars::~MessageBars() {
+  for (const auto& button : buttons_) {
+    button->setAction({});
+  }
+  for (const auto& arrow : {previous_, next_}) {
+    if (arrow != nullptr) {
+      arrow->setAction({});
+    }
+  }
+}
+
+void MessageBars::show(const BarContent& content) {
+  showButtons(content);
+  const double top = buttonBar_->bounds().height;
+  const double pagingHeight = content.count > 0 ? kBarHeight : 0.0;
+  pagingBar_->setFrame({0.0, top, kCardWidth, pagingHeight});
+  pagingBackground_->setFrame(pagingBar_->frame());
+  Rect frame = bottomBar_->frame();
+  frame.width = kCardWidth;
+  frame.height = top + pagingHeight;
+  bottomBar_->setFrame(frame);
+  showPaging(content);
+}
+
+void MessageBars::showButtons(const BarContent& content) {
+  const std::size_t count = content.data != nullptr ? content.data->buttonCount() : 0;
+  buttons_.clear();
+  buttonBar_->removeAllSubviews();
+  controlBar_ = nullptr;
+  buttonBar_->setFrame({0.0, 0.0, kCardWidth, count > 0 ? kBarHeight : 0.0});
+  buttonBar_->setBackgroundColor(content.canvas);
+  if (count == 0) {
+    return;
+  }
+  controlBar_ = std::make_shared<View>(buttonBar_->bounds());
+  buttonBar_->addSubview(controlBar_);
+  for (const Rect& frame : actionButtonFrames(count, kCardWidth)) {
+    const std::size_t index = buttons_.size();
+    auto button = std::make_shared<ActionButton>(frame);
+    dressButton(*button, kActionFont, Color::white().withAlpha(0.35));
+    button->setTitle(content.data->buttonTitleAtIndex(index).value_or(""));
+    button->setTitleColor(content.data->buttonTitleColorAtIndex(index).value_or(Color::white()));
+    button->setFace(imageWithColor(content.data->buttonBackgroundAtIndex(index).value_or(Color::clear())));
+    button->setTag(static_cast<std::int64_t>(index));
+    button->setAction(actionPressed_);
+    button->setAccessibility({AccessibilityInfo::Role::Button, button->title(), ""});
+    controlBar_->addSubview(button);
+    buttons_.push_back(std::move(button));
+  }
+}
+
+void MessageBars::showPaging(const BarContent& content) {
+  const Color color = content.text.value_or(Color::white());
+  const bool isShown = content.count > 0;
+  pagingBackground_->setBackgroundColor(barColor(content, color));
+  pagingBar_->setHidden(!isShown);
+  counter_->setFrame(pagingFrames(kCardWidth).label);
+  counter_->setText(counterText(content.index, content.count));
+  counter_->setTextColor(color);
+  counter_->setAccessibility({AccessibilityInfo::Role::Text, counter_->text(), ""});
+  const auto count = static_cast<std::int64_t>(content.count);
+  showArrow(previous_, isShown && content.index > 0, kPreviousTag, color);
+  showArrow(next_, isShown && content.index + 1 < count, kNextTag, color);
+}
+
+void MessageBars::showArrow(std::shared_ptr<KesuCustomBtn>& arrow, bool isShown, std::int64_t tag, const Color& color) {
+  if (!isShown) {
+    if (arrow != nullptr) {
+      arrow->setAction({});
+      arrow->removeFromSuperview();
+      arrow = nullptr;
+    }
+    return;
+  }
+  if (arrow != nullptr) {
+    return;
+  }
+  const bool isNext = tag == kNextTag;
+  const PagingFrames frames = pagingFrames(kCardWidth);
+  arrow = std::make_shared<ArrowButton>(isNext ? frames.next : frames.previous);
+  dressButton(*arrow, kArrowFont, Color::clear());
+  arrow->setTitle(isNext ? "\u276F" : "\u276E");
+  arrow->setTitleColor(color);
+  arrow->setBackgroundImage(imageWithColor(Color::clear()));
+  arrow->setTag(tag);
+  arrow->setAction(arrowPressed_);
+  arrow->setAccessibility({AccessibilityInfo::Role::Button, isNext ? "Next message" : "Previous message", ""});
+  pagingBar_->addSubview(arrow);
+}
+
+View* MessageBars::firstFocus() const {
+  if (!buttons_.empty()) {
+    return buttons_.front().get();
+  }
+  return next_ != nullptr ? next_.get() : previous_.get();
+}
+
+View* MessageBars::focusAfter(std::int64_t arrowTag) const {
+  const auto& same = arrowTag == kNextTag ? next_ : previous_;
+  const auto& other = arrowTag == kNextTag ? previous_ : next_;
+  if (same != nullptr) {
+    return same.get();
+  }
+  return other != nullptr ? other.get() : firstFocus();
+}
+
+}  // namespace kesu

@@ -1,0 +1,79 @@
+#pragma once
+
+#include <kesu/graphics/Image.h>
+#include <kesu/ui/Controls.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "message_ui/KesuCustomBtn.h"
+#include "message_ui/MessageLayout.h"
+#include "messaging/InAppTemplateData.h"
+
+namespace kesu {
+
+// Tags of the arrows; hosts are told them as the index of a button.
+inline constexpr std::int64_t kPreviousTag = 10;
+inline constexpr std::int64_t kNextTag = 11;
+
+/// [imageWithColor:] A picture of one pixel in this colour, to be stretched.
+ImagePtr imageWithColor(const Color& color);
+
+/// What a message's bars show.
+struct BarContent {
+  const InAppTemplateData* data = nullptr;  ///< Its buttons are shown; null for none.
+  std::int64_t index = 0;                   ///< Of the message, from 0.
+  std::size_t count = 0;                    ///< Of messages; without any there is no paging bar.
+  Color canvas = Color::white();            ///< What the action buttons lie on.
+  std::optional<Color> text;                ///< Of arrows and counter; white when unset.
+  std::optional<Color> bar;                 ///< Behind them; by default dark behind light text, light behind dark.
+};
+
+/// What lies under a message: the row of its action buttons, and the paging bar. Main thread.
+class MessageBars {
+ public:
+  using Pressed = Button::Action;
+
+  /// Who is told of pressed action buttons (tag: the button's index) and of arrows.
+  MessageBars(Pressed actionPressed, Pressed arrowPressed);
+  /// The views may live on; their buttons do nothing any more.
+  ~MessageBars();
+
+  MessageBars(const MessageBars&) = delete;
+  MessageBars& operator=(const MessageBars&) = delete;
+
+  /// Shows the bars of a message. Arrows that stay are the same views as before, so that the focus stays on them.
+  void show(const BarContent& content);
+
+  const ViewPtr& bottomBarView() const { return bottomBar_; }    ///< All of it.
+  const ViewPtr& buttonBarView() const { return buttonBar_; }    ///< The row of buttons: 80 high, or 0 without.
+  const ViewPtr& controlBarView() const { return controlBar_; }  ///< Holds the buttons; null without.
+
+  /// What the remote begins with: the first action button, else the next arrow, else the previous one, else null.
+  View* firstFocus() const;
+  /// Where the focus goes after paging with an arrow: to it, else to the other one, else to the first button, else
+  /// null.
+  View* focusAfter(std::int64_t arrowTag) const;
+
+ private:
+  void showButtons(const BarContent& content);
+  void showPaging(const BarContent& content);
+  void showArrow(std::shared_ptr<KesuCustomBtn>& arrow, bool isShown, std::int64_t tag, const Color& color);
+
+  Pressed actionPressed_;
+  Pressed arrowPressed_;
+  ViewPtr bottomBar_ = std::make_shared<View>();
+  ViewPtr pagingBackground_ = std::make_shared<View>();
+  ViewPtr buttonBar_ = std::make_shared<View>();
+  ViewPtr pagingBar_ = std::make_shared<View>();
+  ViewPtr controlBar_;
+  std::shared_ptr<Label> counter_ = std::make_shared<Label>();
+  std::shared_ptr<KesuCustomBtn> previous_;
+  std::shared_ptr<KesuCustomBtn> next_;
+  std::vector<std::shared_ptr<KesuCustomBtn>> buttons_;
+};
+
+}  // namespace kesu

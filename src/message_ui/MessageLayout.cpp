@@ -1,0 +1,153 @@
+#include "message_ui/MessageLayout.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "graphics/TextLayout.h"
+
+namespace kesu {
+namespace {
+
+constexpr double kVisiblePart = static_cast<double>(0.9F);  // Kept: a single-precision number, widened.
+constexpr double kTallestImage = 16384.0;
+constexpr double kActionButtonHeight = 74.0;
+constexpr double kActionButtonTop = 2.0;
+constexpr double kSideMargin = (kCardWidth - kCardTextWidth) / 2.0;
+constexpr double kNoTitleHeight = 24.0;
+constexpr double kOverlaidTitleMargin = 16.0;
+constexpr double kScrimAbove = 72.0;  // The gradient begins well above the title, so that no edge shows.
+constexpr double kLegibleContrast = 1.6;
+constexpr double kLightLuminance = 0.4;
+
+double rounded(double height) {
+  return std::ceil(height) + 1.0;
+}
+
+// The eye's brightness of a colour, from 0 to 1, as contrast ratios are reckoned.
+double luminance(const Color& color) {
+  const auto linear = [](double part) {
+    return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+  };
+  return 0.2126 * linear(color.red) + 0.7152 * linear(color.green) + 0.0722 * linear(color.blue);
+}
+
+double contrast(double one, double other) {
+  return (std::max(one, other) + 0.05) / (std::min(one, other) + 0.05);
+}
+
+double textPart(const MessageMeasures& measures) {
+  return measures.messageHeight ? *measures.messageHeight + kCardGap : kCardGap;
+}
+
+bool hasOwnTitle(const MessageMeasures& measures) {
+  return measures.titleHeight.has_value() && !measures.textOverlapsImage;
+}
+
+double titlePart(const MessageMeasures& measures) {
+  return hasOwnTitle(measures) ? *measures.titleHeight + kCardGap + kCardGap : kNoTitleHeight;
+}
+
+void placeOverImage(CellFrames& frames, double wantedHeight) {
+  const double bottom = frames.image.bottom() - kOverlaidTitleMargin;
+  const double height = std::clamp(bottom - kCardGap, 0.0, wantedHeight);
+  frames.title = {kSideMargin, std::max(0.0, bottom - height), kCardTextWidth, height};
+  const double top = std::max(0.0, frames.title.y - kScrimAbove);
+  frames.scrim = {0.0, top, kCardWidth, frames.image.bottom() - top};
+}
+
+}  // namespace
+
+double heightForText(std::optional<std::string_view> text, const std::optional<Font>& font, double width) {
+  return text && font ? rounded(heightOfText(*text, *font, width)) : 0.0;
+}
+
+double titleHeight(std::string_view title, const Font& font) {
+  TextStyle style;
+  style.font = font;
+  style.lines = kTitleLines;
+  const TextLayout layout(title, style, {kCardTextWidth, 0.0});
+  return std::min(heightForText(title, font, kCardTextWidth), rounded(layout.size().height));
+}
+
+Size clippedSizeFromImageSize(Size image, double width) {
+  if (!(image.width > 0.0 && image.height > 0.0)) {
+    return {};
+  }
+  const double factor = width / image.width;
+  const double height = factor * image.height;
+  return std::isfinite(height) && height > 0.0 ? Size{width, std::min(height, kTallestImage)} : Size{};
+}
+
+double calculateContentHeight(const MessageMeasures& measures) {
+  return measures.imageHeight + kCardGap + textPart(measures) + titlePart(measures) + kCardGap;
+}
+
+double calculateVisibleHeight(double screenHeight, bool hasButtons) {
+  return screenHeight * kVisiblePart - (hasButtons ? kBarHeight + kBarHeight : kBarHeight);
+}
+
+double virtualHeight(double contentHeight, double visibleHeight) {
+  return std::min(contentHeight, visibleHeight);
+}
+
+std::vector<Rect> actionButtonFrames(std::size_t count, double barWidth) {
+  const std::size_t shown = std::min(count, kMostActionButtons);
+  const auto number = static_cast<double>(shown);
+  const double width = std::max(0.0, (barWidth - (number + 1.0) * kCardGap) / std::max(1.0, number));
+  std::vector<Rect> frames;
+  for (std::size_t i = 0; i < shown; ++i) {
+    const auto index = static_cast<double>(i);
+    frames.push_back({(index + 1.0) * kCardGap + index * width, kActionButtonTop, width, kActionButtonHeight});
+  }
+  return frames;
+}
+
+double actionTitleWidth(const Rect& button, double barWidth, double scale) {
+  const double center = button.center().x;
+  const double toNearerEnd = std::min(center, barWidth - center);
+  return std::max(0.0, std::min(button.width, 2.0 * toNearerEnd / std::max(1.0, scale)) - 2.0 * kCardGap);
+}
+
+PagingFrames pagingFrames(double barWidth) {
+  constexpr Size kArrow{96.0, 64.0};
+  constexpr Size kLabel{250.0, 40.0};
+  constexpr double kArrowMargin = 16.0;  // A focused arrow, which is larger, still lies inside the bar.
+  const double arrowTop = (kBarHeight - kArrow.height) / 2.0;
+  return {{kArrowMargin, arrowTop, kArrow.width, kArrow.height},
+          {barWidth - kArrowMargin - kArrow.width, arrowTop, kArrow.width, kArrow.height},
+          {barWidth / 2.0 - kLabel.width / 2.0, (kBarHeight - kLabel.height) / 2.0, kLabel.width, kLabel.height}};
+}
+
+// The gaps add up to what calculateContentHeight() allows for.
+CellFrames cellFrames(const MessageMeasures& measures) {
+  CellFrames frames;
+  frames.height = calculateContentHeight(measures);
+  frames.image = {0.0, 0.0, kCardWidth, measures.imageHeight};
+  double top = measures.imageHeight + kNoTitleHeight;
+  if (hasOwnTitle(measures)) {
+    const double above = measures.messageHeight ? 2.0 * kCardGap : 2.5 * kCardGap;
+    frames.title = {kSideMargin, measures.imageHeight + above, kCardTextWidth, *measures.titleHeight};
+    top = frames.title.bottom() + kCardGap;
+  } else if (measures.titleHeight) {
+    placeOverImage(frames, *measures.titleHeight);
+  }
+  if (measures.messageHeight) {
+    frames.message = {kSideMargin, top, kCardTextWidth, *measures.messageHeight};
+  }
+  return frames;
+}
+
+Color legibleColor(const Color& wanted, const Color& background) {
+  const double behind = luminance(background);
+  if (contrast(luminance(wanted), behind) >= kLegibleContrast) {
+    return wanted;
+  }
+  constexpr Color kInk{0.09, 0.1, 0.12, 1.0};
+  return isLight(background) ? kInk : Color::white();
+}
+
+bool isLight(const Color& color) {
+  return luminance(color) > kLightLuminance;
+}
+
+}  // namespace kesu

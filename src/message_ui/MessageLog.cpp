@@ -1,0 +1,64 @@
+#include "message_ui/MessageLog.h"
+
+#include <string>
+
+#include "foundation/Describe.h"
+#include "foundation/Json.h"
+#include "support/KesuPriorityLogger.h"
+
+namespace kesu {
+namespace {
+
+constexpr int kLevel = 3;
+
+std::string entry(const Dictionary& dictionary, std::string_view key) {
+  const Value* value = dictionary.find(key);
+  return value != nullptr ? describe(*value) : "(null)";
+}
+
+int integerEntry(const Dictionary& dictionary, std::string_view key) {
+  const Value* value = dictionary.find(key);
+  return value != nullptr ? static_cast<int>(value->integerValue()) : 0;
+}
+
+std::string element(const Array& button, std::size_t index) {
+  return index < button.size() ? describe(button[index]) : "(null)";
+}
+
+void logButton(const Value& entryOfButton) {
+  static const Array kNone;
+  const Array& button = entryOfButton.array() != nullptr ? *entryOfButton.array() : kNone;
+  KESU_LOG(kLevel, "Button title = %s, deep-link URL = %s, buttonBgColor = %s, buttonTextColor = %s",
+           element(button, 0).c_str(), element(button, 1).c_str(), element(button, 2).c_str(),
+           (button.empty() ? "(null)" : describe(button.back())).c_str());
+}
+
+void logTemplate(const Dictionary& data) {
+  KESU_LOG(kLevel, "image source URL = %s,imageWidth = %d,imageHeight = %d,msgColor = %s,titleColor = %s",
+           entry(data, "imageSourceURL").c_str(), integerEntry(data, "imageWidth"), integerEntry(data, "imageHeight"),
+           entry(data, "msgColor").c_str(), entry(data, "titleColor").c_str());
+  const Value* buttons = data.find("buttons");
+  if (const Array* entries = buttons != nullptr ? buttons->array() : nullptr) {
+    for (const Value& button : *entries) {
+      logButton(button);
+    }
+  }
+}
+
+}  // namespace
+
+void logMessageContent(const Dictionary& body) {
+  if (!KesuPriorityLogger::sharedLogger().shows(kLevel)) {
+    return;
+  }
+  static const Dictionary kNone;
+  const Value* value = body.find("payload");
+  const Dictionary& payload = value != nullptr && value->dictionary() != nullptr ? *value->dictionary() : kNone;
+  KESU_LOG(kLevel, "title = %s , message = %s, template-id = %s", entry(payload, "title").c_str(),
+           entry(payload, "msg").c_str(), entry(payload, "templateId").c_str());
+  const std::string* json = payload.findText("templateData");
+  const auto data = json != nullptr ? parseJson(*json) : std::nullopt;
+  logTemplate(data && data->dictionary() != nullptr ? *data->dictionary() : kNone);
+}
+
+}  // namespace kesu

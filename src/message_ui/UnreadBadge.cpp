@@ -1,0 +1,43 @@
+#include "message_ui/UnreadBadge.h"
+
+#include <utility>
+
+#include "foundation/NumberText.h"
+
+namespace kesu {
+namespace {
+
+constexpr double kSide = 26.0;
+constexpr double kOverhang = 13.0;
+constexpr double kCornerRadius = 14.0;
+constexpr double kFontSize = 14.0;
+
+}  // namespace
+
+Rect unreadBadgeFrame(const Rect& viewFrame) {
+  return {viewFrame.right() - kOverhang, viewFrame.y - kOverhang, kSide, kSide};
+}
+
+std::shared_ptr<Label> makeUnreadBadge(std::int64_t count, const Rect& viewFrame) {
+  auto badge = std::make_shared<Label>(unreadBadgeFrame(viewFrame));
+  badge->setText(decimal(count));
+  badge->setTextColor(Color::white());
+  badge->setAlignment(TextAlignment::Center);
+  badge->setFont(Font::system(kFontSize));
+  badge->setBackgroundColor(Color::redColor());
+  badge->setBorder(1.0, Color::clear());
+  badge->setCornerRadius(kCornerRadius);
+  badge->setClipsToBounds(true);
+  badge->setShadow({Color::clear(), 0.0, badge->shadow().radius, {0.0, 0.0}});
+  return badge;
+}
+
+void addUnreadBadge(View& view, std::int64_t count) {
+  if (View* superview = view.superview()) {
+    const auto badge = makeUnreadBadge(count, view.frame());
+    superview->addSubview(badge);
+    superview->bringSubviewToFront(*badge);
+  }
+}
+
+}  // namespace kesu

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <kesu/ui/Controls.h>
+
+#include <cstdint>
+#include <memory>
+
+namespace kesu {
+
+/// The frame of a badge on a view's upper right corner, in the coordinates of the view's superview.
+Rect unreadBadgeFrame(const Rect& viewFrame);
+
+/// A badge that shows this count, also when it is 0.
+/// Kept: its corner radius is larger than half of its side.
+std::shared_ptr<Label> makeUnreadBadge(std::int64_t count, const Rect& viewFrame);
+
+/// [addBadge:] Adds such a badge beside the view, in front of everything in its superview; each call adds another one.
+/// Nothing happens for a view without superview. Main thread.
+void addUnreadBadge(View& view, std::int64_t count);
+
+}  // namespace kesu
