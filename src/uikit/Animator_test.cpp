@@ -1,0 +1,240 @@
+#include "uikit/Animator.h"
+
+#include <gtest/gtest.h>
+#include <kesu/ui/Containers.h>
+
+#include <cmath>
+
+#include "testing/ScopedPlatform.h"
+
+namespace kesu {
+namespace {
+
+class AnimatorTest : public ::testing::Test {
+ protected:
+  ~AnimatorTest() override {
+    while (animator.isRunning()) {
+      animator.finishAll();
+    }
+  }
+
+  AnimationCompletion note(const std::string& name) {
+    return [this, name](bool finished) { heard += name + (finished ? "+" : "-"); };
+  }
+  std::string take() { return std::exchange(heard, {}); }
+  double alpha() const { return view->presented().alpha; }
+  double x() const { return view->presented().center.x; }
+
+  testing::ScopedPlatform platform;
+  Animator& animator = Animator::shared();
+  std::shared_ptr<View> view = std::make_shared<View>(Rect{0.0, 0.0, 100.0, 100.0});
+  std::string heard;
+};
+
+TEST_F(AnimatorTest, GoesSlowlyAtBothEnds) {
+  animate(
+      0.4, [&] { view->setAlpha(0.0); }, note("a"));
+  EXPECT_EQ(view->alpha(), 0.0) << "the aim is told at once";
+  EXPECT_EQ(alpha(), 1.0);
+  animator.tick(10.0);
+  EXPECT_EQ(alpha(), 1.0) << "the first tick is the beginning";
+  animator.tick(10.1);
+  EXPECT_NEAR(alpha(), 1.0 - 0.15625, 1e-9);
+  animator.tick(10.2);
+  EXPECT_NEAR(alpha(), 0.5, 1e-9);
+  animator.tick(10.3);
+  EXPECT_NEAR(alpha(), 0.15625, 1e-9);
+  EXPECT_EQ(heard, "");
+  animator.tick(10.4);
+  EXPECT_EQ(alpha(), 0.0);
+  EXPECT_EQ(heard, "a+");
+  EXPECT_FALSE(animator.isRunning());
+}
+
+TEST_F(AnimatorTest, MovesEveryValueOnItsOwn) {
+  const Shadow shadow{Color::redColor(), 0.5, 9.0, {2.0, 4.0}};
+  view->setShadow({Color::black(), 0.0, 1.0, {0.0, 0.0}});
+  animate(1.0, [&] {
+    view->setFrame({100.0, 200.0, 300.0, 50.0});
+    view->setTransform({2.0, 3.0, 10.0, 20.0});
+    view->setShadow(shadow);
+  });
+  animator.tick(0.0);
+  animator.tick(0.5);
+  const ViewGeometry half{
+      {150.0, 137.5}, {200.0, 75.0}, {1.5, 2.0, 5.0, 10.0}, 1.0, {{0.5, 0.0, 0.0, 1.0}, 0.25, 5.0, {1.0, 2.0}}};
+  EXPECT_TRUE(view->presented() == half);
+  view->setTransform({});
+  animator.tick(1.0);
+  EXPECT_EQ(view->presented().size, (Size{300.0, 50.0}));
+  EXPECT_EQ(view->presented().shadow, shadow);
+  EXPECT_TRUE(view->presented().transform.isIdentity());
+}
+
+TEST_F(AnimatorTest, GoesOnFromWhereItIsWhenAnotherTakesOver) {
+  animate(
+      1.0,
+      [&] {
+        view->setAlpha(0.0);
+        view->setCenter({150.0, 50.0});
+      },
+      note("a"));
+  animator.tick(0.0);
+  animator.tick(0.5);
+  animate(
+      1.0, [&] { view->setAlpha(1.0); }, note("b"));
+  animator.tick(0.6);
+  EXPECT_NEAR(alpha(), 0.5, 1e-9);
+  animator.tick(1.0);
+  EXPECT_EQ(x(), 150.0);
+  EXPECT_EQ(take(), "a-") << "one of its values did not arrive, the other had its time";
+  animator.tick(1.1);
+  EXPECT_NEAR(alpha(), 0.75, 1e-9);
+  view->setAlpha(0.25);
+  EXPECT_EQ(alpha(), 0.25);
+  EXPECT_EQ(heard, "") << "nobody is called in the midst of a change";
+  EXPECT_TRUE(animator.isRunning());
+  platform.settle();
+  EXPECT_EQ(take(), "b-");
+  EXPECT_FALSE(animator.isRunning());
+}
+
+TEST_F(AnimatorTest, LeavesAnAnimationToTheSameAimAlone) {
+  animate(
+      0.3, [&] { view->setAlpha(0.0); }, note("a"));
+  animator.tick(0.0);
+  animate(
+      0.3, [&] { view->setAlpha(0.0); }, note("b"));
+  view->setAlpha(0.0);
+  EXPECT_EQ(alpha(), 1.0);
+  animator.tick(0.1);
+  animator.tick(0.3);
+  EXPECT_EQ(take(), "a+");
+  animator.tick(0.4);
+  EXPECT_EQ(take(), "b+") << "one without anything to move takes its time all the same";
+}
+
+TEST_F(AnimatorTest, SetsAtOnceWithoutDuration) {
+  for (const double seconds : {0.0, -1.0, std::nan("")}) {
+    view->setAlpha(1.0);
+    animate(
+        seconds, [&] { view->setAlpha(0.5); }, note("a"));
+    EXPECT_EQ(alpha(), 0.5);
+    EXPECT_EQ(take(), "a+");
+  }
+  animate(
+      1.0,
+      [&] {
+        view->setCenter({1.0, 1.0});
+        animate(
+            0.0, [&] { view->setAlpha(0.0); }, note("in"));
+        auto made = std::make_shared<View>(Rect{5.0, 5.0, 10.0, 10.0});
+        EXPECT_EQ(made->presented().size.width, 10.0) << "what is new does not grow from nothing";
+      },
+      note("out"));
+  EXPECT_EQ(alpha(), 0.0);
+  EXPECT_EQ(x(), 50.0);
+  EXPECT_EQ(take(), "in+");
+}
+
+TEST_F(AnimatorTest, LetsCompletionsDoAnything) {
+  animate(
+      0.1, [&] { view->setAlpha(0.0); },
+      [&](bool) {
+        heard += "a";
+        animate(
+            0.1, [&] { view->setAlpha(1.0); },
+            [&](bool) {
+              view.reset();
+              heard += "b";
+            });
+      });
+  animate(
+      5.0,
+      [&] {
+        view->setCenter({9.0, 9.0});
+      },
+      note("c"));
+  animator.tick(0.0);
+  animator.tick(0.1);
+  EXPECT_EQ(heard, "a");
+  animator.tick(0.2);
+  animator.tick(0.3);
+  EXPECT_EQ(view, nullptr);
+  EXPECT_EQ(take(), "abc-") << "the view that went away ends its other animation";
+  EXPECT_FALSE(animator.isRunning());
+}
+
+TEST_F(AnimatorTest, FollowsEndsThatCauseEndsInOneFrame) {
+  animate(
+      0.2, [&] { view->setTransform(Transform::scale(1.2)); },
+      [&](bool finished) {
+        heard += finished ? "a+" : "a-";
+        view->setTransform(Transform::scale(1.2));
+      });
+  animator.tick(0.0);
+  animate(
+      0.2, [&] { view->setTransform({}); },
+      [&](bool finished) {
+        heard += finished ? "b+" : "b-";
+        view->setTransform({});
+      });
+  animator.tick(0.1);
+  EXPECT_EQ(take(), "a-b-");
+  EXPECT_TRUE(view->presented().transform.isIdentity());
+}
+
+TEST_F(AnimatorTest, NeverGoesBackInTime) {
+  animate(
+      1.0, [&] { view->setAlpha(0.0); }, note("a"));
+  animator.tick(100.0);
+  animator.tick(100.5);
+  animator.tick(3.0);
+  animator.tick(std::nan(""));
+  EXPECT_NEAR(alpha(), 0.5, 1e-9);
+  animator.tick(3.5);
+  EXPECT_EQ(take(), "a+") << "the clock went on from where it fell back to";
+}
+
+TEST_F(AnimatorTest, EndsWhatNobodyDraws) {
+  animate(
+      0.3, [&] { view->setAlpha(0.0); }, note("a"));
+  platform.mainLoop.runFor(1.2);
+  EXPECT_EQ(alpha(), 1.0);
+  platform.mainLoop.runFor(0.2);
+  EXPECT_EQ(alpha(), 0.0);
+  EXPECT_EQ(take(), "a+");
+  EXPECT_EQ(platform.mainLoop.nextDue(), std::nullopt) << "an idle application has no timer";
+  animate(
+      0.3, [&] { view->setAlpha(1.0); }, note("b"));
+  animator.tick(0.0);
+  animator.tick(0.3);
+  EXPECT_EQ(take(), "b+");
+  EXPECT_EQ(platform.mainLoop.nextDue(), std::nullopt);
+}
+
+TEST_F(AnimatorTest, WaitsForWhomDrawsSlowly) {
+  animate(
+      0.3, [&] { view->setAlpha(0.0); }, note("a"));
+  platform.mainLoop.runFor(1.0);
+  animator.tick(1.0);
+  platform.mainLoop.runFor(1.0);
+  EXPECT_EQ(alpha(), 1.0) << "somebody draws";
+  platform.mainLoop.runFor(1.0);
+  EXPECT_EQ(take(), "a+") << "but not any more";
+}
+
+TEST_F(AnimatorTest, WantsFrames) {
+  Window window;
+  window.makeKeyAndVisible();
+  window.addSubview(view);
+  const std::uint64_t before = window.changeCount();
+  animate(0.3, [&] { view->setAlpha(0.0); });
+  const std::uint64_t moving = window.changeCount();
+  EXPECT_GT(moving, before);
+  animate(0.3, [] {});
+  EXPECT_GT(window.changeCount(), moving);
+}
+
+}  // namespace
+}  // namespace kesu
