@@ -1,0 +1,306 @@
+#include <gtest/gtest.h>
+#include <kesu/ui/Containers.h>
+#include <kesu/ui/Controls.h>
+#include <kesu/ui/GestureRecognizer.h>
+
+#include "uikit/AccessibilityTree.h"
+
+namespace kesu {
+namespace {
+
+/// A button that says what happens to it: "+b" focused, "-b" not any more, "b<" pressed, "b>" let go, "bx" cancelled,
+/// "b!" activated.
+class Probe : public Button {
+ public:
+  Probe(std::string name, const Rect& frame, std::string& heard) : Button(frame), heard_(heard) {
+    setTitle(std::move(name));
+  }
+
+  void didUpdateFocus() override { say((isFocused() ? "+" : "-") + title()); }
+  void pressesBegan(RemoteButton /*button*/) override { say(title() + "<"); }
+  void pressesEnded(RemoteButton /*button*/) override { say(title() + ">"); }
+  void pressesCancelled(RemoteButton /*button*/) override { say(title() + "x"); }
+  void activate() override {
+    say(title() + "!");
+    Button::activate();
+  }
+
+ private:
+  void say(const std::string& what) { heard_ += what + " "; }
+
+  std::string& heard_;
+};
+
+/// A backdrop over the whole screen, in it a card with three buttons in a row, a and b and c.
+class WindowInputTest : public ::testing::Test, private GestureRecognizerDelegate {
+ protected:
+  WindowInputTest() {
+    backdrop->setModal(true);
+    backdrop->addSubview(card);
+    a = add("a", 0.0);
+    b = add("b", 200.0);
+    c = add("c", 400.0);
+    listen(*backdrop, "menu");
+  }
+
+  std::shared_ptr<Probe> add(const std::string& name, double x) {
+    auto button = std::make_shared<Probe>(name, Rect{x, 0.0, 100.0, 50.0}, heard);
+    card->addSubview(button);
+    return button;
+  }
+
+  /// Shows the backdrop; the focus lies on the first button then.
+  void open() {
+    window.addSubview(backdrop);
+    window.updateFocus();
+    heard.clear();
+  }
+
+  std::shared_ptr<TapGestureRecognizer> listen(View& view, const std::string& name) {
+    auto tap = std::make_shared<TapGestureRecognizer>([this, name](GestureRecognizer& one) {
+      heard += name + (one.state() == GestureRecognizer::State::Ended ? "! " : "? ");
+    });
+    tap->setAllowedPressTypes({RemoteButton::Menu});
+    tap->setDelegate(this);
+    view.addGestureRecognizer(tap);
+    return tap;
+  }
+
+  void listenToSwipes(View& view, SwipeDirection direction, const std::string& name) {
+    view.addGestureRecognizer(std::make_shared<SwipeGestureRecognizer>(
+        direction, [this, name](GestureRecognizer&) { heard += name + "! "; }));
+  }
+
+  bool click(RemoteButton button) {
+    const bool began = window.press(button, PressPhase::Began);
+    return window.press(button, PressPhase::Ended) && began;
+  }
+  std::string take() { return std::exchange(heard, {}); }
+
+  std::string heard;
+  bool mayTouch = true;
+  std::vector<View*> touched;
+  Window window;
+  std::shared_ptr<View> backdrop = std::make_shared<View>(Rect{0.0, 0.0, 1920.0, 1080.0});
+  std::shared_ptr<View> card = std::make_shared<View>(Rect{100.0, 900.0, 500.0, 180.0});
+  std::shared_ptr<Probe> a, b, c;
+
+ private:
+  bool shouldReceiveTouch(GestureRecognizer& /*recognizer*/, View& view) override {
+    touched.push_back(&view);
+    return mayTouch;
+  }
+};
+
+TEST_F(WindowInputTest, TakesPressesOnlyWhileSomethingIsModal) {
+  EXPECT_FALSE(click(RemoteButton::Select) || click(RemoteButton::Menu) || click(RemoteButton::Up));
+  EXPECT_FALSE(window.swipe(SwipeDirection::Left) || window.tap({5.0, 5.0}));
+  window.addSubview(backdrop);
+  EXPECT_EQ(window.focusedView(), a.get()) << "the first in reading order";
+  EXPECT_EQ(take(), "+a ");
+  EXPECT_TRUE(click(RemoteButton::PlayPause)) << "what nobody waits for is swallowed";
+  EXPECT_TRUE(window.swipe(SwipeDirection::Up));
+  EXPECT_EQ(take(), "");
+  backdrop->setHidden(true);
+  EXPECT_EQ(window.modalView(), nullptr);
+  EXPECT_EQ(window.focusedView(), nullptr);
+  EXPECT_FALSE(a->isFocused());
+  EXPECT_EQ(take(), "-a ");
+}
+
+TEST_F(WindowInputTest, MovesTheFocusByArrows) {
+  open();
+  click(RemoteButton::Right);
+  EXPECT_EQ(take(), "-a +b ");
+  window.press(RemoteButton::Right, PressPhase::Began);
+  window.press(RemoteButton::Right, PressPhase::Began);
+  window.press(RemoteButton::Right, PressPhase::Ended);
+  EXPECT_EQ(take(), "-b +c ") << "a held arrow goes on, to the end";
+  EXPECT_TRUE(click(RemoteButton::Up));
+  EXPECT_EQ(window.focusedView(), c.get());
+  EXPECT_EQ(card->drawingOrder().back(), c.get());
+  window.setFocusedView(a.get());
+  EXPECT_EQ(card->drawingOrder().back(), a.get()) << "drawn over its neighbours";
+  EXPECT_EQ(card->subviews().back(), c) << "but in its place";
+}
+
+TEST_F(WindowInputTest, FocusesOnlyWhatCanBeUsed) {
+  open();
+  const std::vector<std::function<void(bool)>> switches = {
+      [&](bool on) { b->setHidden(!on); },
+      [&](bool on) { b->setAlpha(on ? 1.0 : 0.0); },
+      [&](bool on) { b->setUserInteractionEnabled(on); },
+      [&](bool on) {
+        b->setFrame({200.0, 0.0, on ? 100.0 : 0.0, 50.0});
+      },
+      [&](bool on) { on ? card->addSubview(b) : b->removeFromSuperview(); },
+  };
+  for (const auto& turn : switches) {
+    window.setFocusedView(b.get());
+    EXPECT_EQ(window.focusedView(), b.get());
+    turn(false);
+    EXPECT_NE(window.focusedView(), b.get());
+    EXPECT_FALSE(b->isFocused());
+    window.setFocusedView(b.get());
+    EXPECT_NE(window.focusedView(), b.get());
+    turn(true);
+  }
+  card->setUserInteractionEnabled(false);
+  EXPECT_EQ(window.focusedView(), nullptr) << "nothing inside of it can be";
+  View other({0.0, 0.0, 10.0, 10.0});
+  window.setFocusedView(&other);
+  card->setUserInteractionEnabled(true);
+  EXPECT_NE(window.focusedView(), nullptr);
+}
+
+TEST_F(WindowInputTest, HandsTheFocusToTheNeighbour) {
+  open();
+  window.setFocusedView(c.get());
+  c->removeFromSuperview();
+  EXPECT_EQ(window.focusedView(), b.get());
+  auto again = add("d", 190.0);
+  b->removeFromSuperview();
+  b.reset();
+  EXPECT_EQ(window.focusedView(), again.get()) << "what comes instead of it";
+  auto front = std::make_shared<View>(Rect{0.0, 0.0, 300.0, 300.0});
+  auto only = std::make_shared<Probe>("o", Rect{0.0, 0.0, 10.0, 10.0}, heard);
+  front->addSubview(only);
+  front->setModal(true);
+  window.addSubview(front);
+  EXPECT_EQ(window.modalView(), front.get());
+  EXPECT_EQ(window.focusedView(), only.get()) << "the frontmost modal view has it";
+  front->removeFromSuperview();
+  EXPECT_NE(window.focusedView(), nullptr);
+}
+
+TEST_F(WindowInputTest, ActivatesOnceWhenSelectIsLetGo) {
+  open();
+  click(RemoteButton::Select);
+  EXPECT_EQ(take(), "a< a> a! ");
+  window.press(RemoteButton::Select, PressPhase::Began);
+  window.press(RemoteButton::Select, PressPhase::Began);
+  EXPECT_EQ(take(), "a< ") << "a held button begins once";
+  window.press(RemoteButton::Select, PressPhase::Cancelled);
+  EXPECT_FALSE(window.press(RemoteButton::Select, PressPhase::Ended));
+  EXPECT_EQ(take(), "ax ");
+  window.press(RemoteButton::Select, PressPhase::Began);
+  click(RemoteButton::Right);
+  window.press(RemoteButton::Select, PressPhase::Ended);
+  EXPECT_EQ(take(), "a< ax -a +b ") << "the focus has left what was pressed";
+  window.press(RemoteButton::Select, PressPhase::Began);
+  window.cancelPresses();
+  window.press(RemoteButton::Select, PressPhase::Ended);
+  EXPECT_EQ(take(), "b< bx ");
+}
+
+TEST_F(WindowInputTest, LeavesTheEndOfAPressToWhomItBeganWith) {
+  EXPECT_FALSE(window.press(RemoteButton::Menu, PressPhase::Began));
+  open();
+  EXPECT_FALSE(window.press(RemoteButton::Menu, PressPhase::Ended));
+  EXPECT_EQ(take(), "") << "what the host was asked for closes nothing here";
+  EXPECT_TRUE(window.press(RemoteButton::Menu, PressPhase::Began));
+  backdrop->removeFromSuperview();
+  EXPECT_TRUE(window.press(RemoteButton::Menu, PressPhase::Ended));
+  EXPECT_EQ(take(), "-a ") << "and the other way round";
+}
+
+TEST_F(WindowInputTest, ReachesExactlyOneRecogniser) {
+  open();
+  click(RemoteButton::Menu);
+  EXPECT_EQ(take(), "menu! ");
+  listen(*card, "card");
+  auto side = std::make_shared<View>(Rect{0.0, 0.0, 50.0, 50.0});
+  listen(*side, "side");
+  backdrop->addSubview(side);
+  click(RemoteButton::Menu);
+  EXPECT_EQ(take(), "card! ") << "around the focused view first";
+  card->setUserInteractionEnabled(false);
+  click(RemoteButton::Menu);
+  EXPECT_EQ(take(), "-a side! ") << "else the frontmost";
+  backdrop->setAlpha(0.0);
+  EXPECT_TRUE(click(RemoteButton::Menu)) << "what fades away takes presses, but does nothing with them";
+  EXPECT_EQ(take(), "");
+}
+
+TEST_F(WindowInputTest, HandsSwipesOn) {
+  open();
+  auto table = std::make_shared<View>(Rect{0.0, 60.0, 500.0, 100.0});
+  listenToSwipes(*table, SwipeDirection::Left, "left");
+  card->addSubview(table);
+  window.swipe(SwipeDirection::Left);
+  EXPECT_EQ(take(), "left! ");
+  listenToSwipes(*card, SwipeDirection::Left, "nearer");
+  window.swipe(SwipeDirection::Left);
+  EXPECT_EQ(take(), "nearer! ");
+  window.swipe(SwipeDirection::Right);
+  EXPECT_EQ(take(), "-a +b ") << "without a recogniser it moves the focus";
+}
+
+TEST_F(WindowInputTest, TapsWhatLiesThere) {
+  open();
+  EXPECT_TRUE(window.tap({320.0, 920.0}));
+  EXPECT_EQ(take(), "-a +b b! ");
+  EXPECT_EQ(std::exchange(touched, {}), (std::vector<View*>{b.get()})) << "the backdrop is asked all the same";
+  window.tap({10.0, 10.0});
+  EXPECT_EQ(take(), "menu! ");
+  EXPECT_EQ(touched.back(), backdrop.get());
+  mayTouch = false;
+  window.tap({110.0, 1070.0});
+  EXPECT_EQ(touched.back(), card.get());
+  b->setUserInteractionEnabled(false);
+  window.tap({320.0, 920.0});
+  EXPECT_EQ(take(), "-b +c ");
+}
+
+TEST_F(WindowInputTest, SurvivesWhateverACallbackTakesAway) {
+  open();
+  a->setAction([&](Button&) {
+    backdrop->removeFromSuperview();
+    card->removeAllSubviews();
+    backdrop.reset();
+    card.reset();
+    a.reset();
+  });
+  window.press(RemoteButton::Select, PressPhase::Began);
+  window.press(RemoteButton::Select, PressPhase::Ended);
+  EXPECT_EQ(window.focusedView(), nullptr);
+  EXPECT_EQ(window.modalView(), nullptr);
+  EXPECT_TRUE(window.subviews().empty());
+  auto next = std::make_shared<View>(Rect{0.0, 0.0, 100.0, 100.0});
+  next->setModal(true);
+  next->addGestureRecognizer(std::make_shared<SwipeGestureRecognizer>(
+      SwipeDirection::Up, [&](GestureRecognizer&) { std::exchange(next, nullptr)->removeFromSuperview(); }));
+  window.addSubview(next);
+  EXPECT_TRUE(window.swipe(SwipeDirection::Up));
+  EXPECT_EQ(next, nullptr);
+}
+
+TEST_F(WindowInputTest, ReadsTheModalViewWithItsHeadingFirst) {
+  auto behind = std::make_shared<Label>(Rect{0.0, 0.0, 100.0, 20.0});
+  behind->setText("behind");
+  window.addSubview(behind);
+  EXPECT_EQ(accessibilityTree(window).size(), 1u);
+  open();
+  card->setAccessibility({AccessibilityInfo::Role::Dialog, "Message", ""});
+  const auto label = [&](const std::string& text, const Rect& frame) {
+    auto one = std::make_shared<Label>(frame);
+    one->setText(text);
+    card->addSubview(one);
+    return one;
+  };
+  label("text", {0.0, -200.0, 100.0, 20.0});
+  label("title", {0.0, -100.0, 100.0, 20.0})->setAccessibility({AccessibilityInfo::Role::Heading, "", "1"});
+  label("hidden", {0.0, -150.0, 100.0, 20.0})->setHidden(true);
+  label("ornament", {0.0, -150.0, 100.0, 20.0})->setAccessibility({});
+  card->addSubview(std::make_shared<ImageView>(Rect{0.0, -150.0, 100.0, 20.0}));
+  std::string read;
+  for (const AccessibilityNode& node : accessibilityTree(window)) {
+    read += node.label + node.value + (node.isFocused ? "* " : " ");
+  }
+  EXPECT_EQ(read, "Message title1 text a* b c ");
+  EXPECT_EQ(accessibilityTree(window).back().role, AccessibilityInfo::Role::Button);
+  EXPECT_EQ(accessibilityTree(window).back().frame, (Rect{500.0, 900.0, 100.0, 50.0}));
+}
+
+}  // namespace
+}  // namespace kesu
