@@ -7,20 +7,29 @@
 
 namespace kesu {
 
-/// What a picture may cost. The defaults are for pictures from the network.
+/// What a picture may cost. The defaults are for pictures from the network: whatever such a file holds, decoding it
+/// takes less than 64 MiB, the picture included.
 struct ImageLimits {
+  /// Longest file.
   std::size_t inputBytes = std::size_t{8} * 1024 * 1024;
-  int side = 4096;                                          ///< Longest width or height in pixels.
-  std::size_t pixels = std::size_t{16} * 1024 * 1024;       ///< Most pixels.
-  std::size_t progressivePixels = std::size_t{4} * 1024 * 1024;  ///< Most pixels of a progressive JPEG.
+
+  /// Longest width or height in pixels.
+  int side = 4096;
+
+  /// Most pixels: 61 MiB of them, and the rest is for the libraries.
+  std::size_t pixels = 16'000'000;
+
+  /// Most pixels of a file that its library holds as a whole beside the picture: a JPEG that is progressive or has its
+  /// colours one after the other, a WebP that is lossless or has an opacity.
+  std::size_t progressivePixels = std::size_t{4} * 1024 * 1024;
 };
 
 /// What came of decoding.
 enum class ImageStatus {
   Decoded,      ///< There is a picture.
   UnknownKind,  ///< Neither PNG, JPEG, WebP nor GIF, by its first bytes.
-  TooLarge,     ///< Over a limit; nothing was decoded.
-  Damaged       ///< Cut short or not what its first bytes say.
+  TooLarge,     ///< Over a limit by its header, before anything was decoded; or there was no memory for it.
+  Damaged       ///< Cut short, not what its first bytes say, or of a rare kind that is not read (an animated WebP).
 };
 
 struct DecodedImage {
@@ -29,7 +38,10 @@ struct DecodedImage {
 };
 
 /// Decodes PNG, JPEG (turned as its EXIF orientation says, CMYK too), WebP and the first frame of a GIF, told apart by
-/// their first bytes. Any thread, but slow: never the main one. Never throws; memory stays within what the limits allow.
+/// their first bytes. Faults inside the coded pixels that a library can bridge do not count as damage, a missing end
+/// does.
+///
+/// Any thread, but slow (up to a second for the largest): never the main one. Never throws.
 DecodedImage decodeImage(std::string_view bytes, const ImageLimits& limits = {});
 
 }  // namespace kesu
