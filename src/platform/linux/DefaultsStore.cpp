@@ -4,8 +4,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
+#include <iterator>
+#include <limits>
 #include <optional>
 #include <system_error>
 
@@ -38,6 +41,7 @@ constexpr char kMakeTables[] =
 // processes that share the file do not give the same one.
 constexpr int kNumberShift = 32;
 constexpr std::uint32_t kNumberMask = 0x7fffffff;
+constexpr std::int64_t kStampMask = std::numeric_limits<std::int64_t>::max();
 constexpr std::int64_t kSuffixesPerEntry = std::int64_t{1} << kNumberShift;
 
 // A path as part of a "file:" name, where "?", "#" and "%" have a meaning.
@@ -217,6 +221,7 @@ StoreStatus DefaultsStore::prepareStatements() {
       {"SELECT number FROM entry WHERE key=?1", statements_.numberOf},
       {"SELECT id FROM suffix WHERE id BETWEEN ?1 AND ?2 ORDER BY id DESC LIMIT 1", statements_.lastSuffix},
       {"REPLACE INTO suffix(id, text) VALUES(?1, ?2)", statements_.append},
+      {"UPDATE entry SET value=?3 WHERE key=?1 AND kind=?2 AND value=?4 RETURNING number", statements_.restamp},
   };
   for (const Source& source : sources) {
     const StoreStatus status = prepare(source.sql, source.statement);
@@ -243,7 +248,9 @@ StoreStatus DefaultsStore::load(LoadedEntries& entries) {
     }
     last = key;
     if (std::optional<Value> value = columnValue(rows.get(), 2)) {
-      entries.push_back({sqlite3_column_int64(rows.get(), 1), std::move(key), std::move(*value)});
+      const bool isInParts = columnIsInParts(rows.get(), 2);
+      const std::int64_t stamp = isInParts ? sqlite3_column_int64(rows.get(), 3) & kStampMask : -1;
+      entries.push_back({sqlite3_column_int64(rows.get(), 1), std::move(key), std::move(*value), stamp, {}});
     } else {
       ++unreadableCount_;
     }
@@ -257,7 +264,10 @@ StoreStatus DefaultsStore::loadSuffixes(LoadedEntries& entries) {
   if (status != StoreStatus::Ok) {
     return status;
   }
-  std::map<std::int64_t, std::string> grown;
+  std::map<std::int64_t, LoadedEntry*> byNumber;
+  for (LoadedEntry& entry : entries) {
+    byNumber[entry.number] = &entry;
+  }
   int code = SQLITE_ROW;
   std::int64_t last = -1;
   while ((code = sqlite3_step(rows.get())) == SQLITE_ROW) {
@@ -266,16 +276,36 @@ StoreStatus DefaultsStore::loadSuffixes(LoadedEntries& entries) {
       return failed(SQLITE_CORRUPT);
     }
     last = id;
-    grown[id >> kNumberShift].append(columnBytes(rows.get(), 1));
+    const auto entry = byNumber.find(id >> kNumberShift);
+    if (entry != byNumber.end() && !addSuffix(*entry->second, columnBytes(rows.get(), 1))) {
+      ++unreadableCount_;
+    }
   }
   for (LoadedEntry& entry : entries) {
-    const auto suffix = grown.find(entry.number);
     const std::string* text = entry.value.text();
-    if (suffix != grown.end() && text != nullptr) {
-      entry.value = Value(*text + suffix->second);
+    if (text != nullptr && !entry.grown.empty()) {
+      entry.value = Value(*text + entry.grown);
+    }
+    if (entry.stamp >= 0) {
+      rows_.insert_or_assign(entry.key, Rows{true, entry.stamp, entry.number << kNumberShift, {}});
     }
   }
   return code == SQLITE_DONE ? StoreStatus::Ok : failed(code);
+}
+
+// Takes a row that continues the entry's text or is a part of its array. False when it is no such part.
+bool DefaultsStore::addSuffix(LoadedEntry& entry, std::string_view text) {
+  if (entry.stamp < 0) {
+    entry.grown.append(text);
+    return true;
+  }
+  std::optional<Value> part = parsePropertyList(text);
+  Array* elements = part ? part->array() : nullptr;
+  if (elements == nullptr) {
+    return false;
+  }
+  std::move(elements->begin(), elements->end(), std::back_inserter(*entry.value.array()));
+  return true;
 }
 
 StoreStatus DefaultsStore::write(const std::vector<StoreChange>& changes) {
@@ -332,6 +362,8 @@ StoreStatus DefaultsStore::apply(const StoreChange& change) {
   switch (change.kind) {
     case StoreChange::Kind::Put:
       return put(change.key, change.value, change.text);
+    case StoreChange::Kind::PutParts:
+      return putParts(change);
     case StoreChange::Kind::Remove:
       return remove(change.key);
     case StoreChange::Kind::Append:
@@ -363,8 +395,52 @@ StoreStatus DefaultsStore::put(std::string_view key, const Value& value, const s
   if (status == StoreStatus::Ok) {
     status = removeSuffixes(number);
   }
-  rows_.insert_or_assign(std::string(key), Rows{false, number << kNumberShift, {}});
+  rows_.insert_or_assign(std::string(key), Rows{false, -1, number << kNumberShift, {}});
   return status;
+}
+
+StoreStatus DefaultsStore::putParts(const StoreChange& change) {
+  std::int64_t stamp = 0;
+  sqlite3_randomness(sizeof(stamp), &stamp);
+  stamp &= kStampMask;
+  std::int64_t number = -1;
+  StoreStatus status = putStamp(change, stamp, number);
+  if (status == StoreStatus::Ok) {
+    const auto behind = static_cast<std::int64_t>(change.partCount);
+    status = removeSuffixes(number, change.isWhole ? 0 : behind);
+  }
+  const std::int64_t first = number << kNumberShift;
+  for (const auto& [place, text] : change.parts) {
+    if (status == StoreStatus::Ok) {
+      status = putSuffix(first + static_cast<std::int64_t>(place), text);
+    }
+  }
+  if (status == StoreStatus::Ok) {
+    rows_.insert_or_assign(std::string(change.key), Rows{true, stamp, first, {}});
+  }
+  return status;
+}
+
+// Puts the array's row or, for parts, changes the stamp that was left there last; then tells the row's number.
+StoreStatus DefaultsStore::putStamp(const StoreChange& change, std::int64_t stamp, std::int64_t& number) {
+  if (change.isWhole) {
+    std::uint32_t drawn = 0;
+    sqlite3_randomness(sizeof(drawn), &drawn);
+    number = drawn & kNumberMask;
+    bindText(statements_.put.get(), 1, change.key);
+    bindParts(statements_.put.get(), 2, stamp);
+    sqlite3_bind_int64(statements_.put.get(), 4, number);
+    return run(statements_.put.get(), &number);
+  }
+  const auto known = rows_.find(change.key);
+  if (known == rows_.end() || known->second.stamp < 0) {
+    return StoreStatus::Stale;
+  }
+  bindText(statements_.restamp.get(), 1, change.key);
+  bindParts(statements_.restamp.get(), 2, stamp);
+  sqlite3_bind_int64(statements_.restamp.get(), 4, known->second.stamp);
+  const StoreStatus status = run(statements_.restamp.get(), &number);
+  return status == StoreStatus::Ok && number < 0 ? StoreStatus::Stale : status;
 }
 
 StoreStatus DefaultsStore::remove(std::string_view key) {
@@ -375,9 +451,9 @@ StoreStatus DefaultsStore::remove(std::string_view key) {
   return status == StoreStatus::Ok && number >= 0 ? removeSuffixes(number) : status;
 }
 
-StoreStatus DefaultsStore::removeSuffixes(std::int64_t number) {
+StoreStatus DefaultsStore::removeSuffixes(std::int64_t number, std::int64_t from) {
   const std::int64_t first = number << kNumberShift;
-  sqlite3_bind_int64(statements_.removeSuffixes.get(), 1, first);
+  sqlite3_bind_int64(statements_.removeSuffixes.get(), 1, first + from);
   sqlite3_bind_int64(statements_.removeSuffixes.get(), 2, first + kSuffixesPerEntry - 1);
   return run(statements_.removeSuffixes.get());
 }
@@ -394,14 +470,18 @@ StoreStatus DefaultsStore::append(std::string_view key, std::string_view suffix)
   Rows& rows = known->second;
   rows.hasSuffixes = true;
   rows.tailText.append(suffix);
-  sqlite3_bind_int64(statements_.append.get(), 1, rows.tail);
-  bindText(statements_.append.get(), 2, rows.tailText);
-  const StoreStatus status = run(statements_.append.get());
+  const StoreStatus status = putSuffix(rows.tail, rows.tailText);
   if (rows.tailText.size() >= kSuffixBytes) {
     ++rows.tail;
     rows.tailText.clear();
   }
   return status;
+}
+
+StoreStatus DefaultsStore::putSuffix(std::int64_t id, std::string_view text) {
+  sqlite3_bind_int64(statements_.append.get(), 1, id);
+  bindText(statements_.append.get(), 2, text);
+  return run(statements_.append.get());
 }
 
 StoreStatus DefaultsStore::findRows(std::string_view key) {
@@ -416,7 +496,7 @@ StoreStatus DefaultsStore::findRows(std::string_view key) {
   sqlite3_bind_int64(statements_.lastSuffix.get(), 1, first);
   sqlite3_bind_int64(statements_.lastSuffix.get(), 2, first + kSuffixesPerEntry - 1);
   status = run(statements_.lastSuffix.get(), &last);
-  rows_.insert_or_assign(std::string(key), Rows{true, last + 1, {}});
+  rows_.insert_or_assign(std::string(key), Rows{true, -1, last + 1, {}});
   return status;
 }
 

@@ -18,6 +18,8 @@ enum class StoreStatus {
   Ok,        ///< Done, and in the hands of the system.
   ReadOnly,  ///< The values were read, but none can be written. The store is closed again.
   Busy,      ///< Another process holds the file. Nothing was changed; worth another try.
+  Stale,     ///< Parts were to be replaced of an array that the file does not have so. Nothing was changed; the whole
+             ///< array can be written.
   Corrupt,   ///< The file is damaged or no store of ours. It should be set aside.
   Failed     ///< Not permitted, no space, input/output error. Nothing was changed.
 };
@@ -25,15 +27,20 @@ enum class StoreStatus {
 /// One change that a transaction makes to the store.
 struct StoreChange {
   enum class Kind {
-    Put,     ///< `value` replaces what is under the key, appended texts included.
-    Remove,  ///< The key goes, appended texts included.
-    Append   ///< `text` is added to the text under the key, which is there.
+    Put,       ///< `value` replaces what is under the key, appended texts included.
+    PutParts,  ///< `parts` replace those of the array under the key, which then has `partCount` of them; all of it when
+               ///< `isWhole`.
+    Remove,    ///< The key goes, appended texts included.
+    Append     ///< `text` is added to the text under the key, which is there.
   };
 
   Kind kind = Kind::Put;
   std::string_view key;
   Value value;       ///< For Put.
   std::string text;  ///< For Append: the suffix. For Put of an array or dictionary: its property list, if made already.
+  std::map<std::size_t, std::string> parts;  ///< Property lists of parts of an array by their place.
+  std::size_t partCount = 0;
+  bool isWhole = false;
 };
 
 /// The file behind LinuxUserDefaults: a SQLite database with a journal beside it (its write-ahead log).
@@ -42,12 +49,19 @@ struct StoreChange {
 /// one page of 1 KB however long the text is. A suffix row is rewritten until it holds kSuffixBytes; that keeps the
 /// number of rows, and with it the time of open(), small. The file and its companions are private to the user (0600).
 ///
+/// A long array lies in parts of kPartElements elements, a row of "suffix" each, so that a change in it writes the
+/// parts that it touches. Its row in "entry" holds a random number that every write changes: whoever finds another
+/// number than its own last one knows that another process has written, and writes the whole array.
+///
 /// One thread at a time: the owner holds a mutex around every call. Nothing waits for the disk, except destruction. It
 /// does not log; failureText() says what went wrong.
 class DefaultsStore {
  public:
   /// A suffix row that holds this many bytes is full.
   static constexpr std::size_t kSuffixBytes = 256;
+
+  /// Elements in each part of a long array but the last. Part of the format on disk.
+  static constexpr std::size_t kPartElements = 16;
 
   /// How long an operation waits for another process.
   static constexpr int kBusyTimeoutMs = 50;
@@ -105,19 +119,23 @@ class DefaultsStore {
   /// What is known of the rows of a key.
   struct Rows {
     bool hasSuffixes = false;
-    std::int64_t tail = 0;  // Id of the suffix row that the next append goes to.
-    std::string tailText;   // What that row holds already.
+    std::int64_t stamp = -1;  // Of an array in parts: the number that the last write left; else -1.
+    std::int64_t tail = 0;    // Id of the suffix row that the next append goes to.
+    std::string tailText;     // What that row holds already.
   };
   using KnownRows = std::map<std::string, Rows, std::less<>>;
 
   struct Statements {
-    SqliteStatement begin, commit, rollback, hold, put, update, remove, removeSuffixes, numberOf, lastSuffix, append;
+    SqliteStatement begin, commit, rollback, hold, put, update, remove, removeSuffixes, numberOf, lastSuffix, append,
+        restamp;
   };
 
   struct LoadedEntry {
     std::int64_t number = 0;
     std::string key;
     Value value;
+    std::int64_t stamp = -1;
+    std::string grown;  // What its suffix rows add to a text.
   };
   using LoadedEntries = std::vector<LoadedEntry>;
 
@@ -136,10 +154,14 @@ class DefaultsStore {
   StoreStatus apply(const StoreChange& change);
   bool isOneStatement(const StoreChange& change) const;
   StoreStatus put(std::string_view key, const Value& value, const std::string& listText);
+  StoreStatus putParts(const StoreChange& change);
+  StoreStatus putStamp(const StoreChange& change, std::int64_t stamp, std::int64_t& number);
   StoreStatus remove(std::string_view key);
   StoreStatus append(std::string_view key, std::string_view suffix);
   StoreStatus findRows(std::string_view key);
-  StoreStatus removeSuffixes(std::int64_t number);
+  StoreStatus removeSuffixes(std::int64_t number, std::int64_t from = 0);
+  StoreStatus putSuffix(std::int64_t id, std::string_view text);
+  bool addSuffix(LoadedEntry& entry, std::string_view text);
 
   StoreStatus prepare(const char* sql, SqliteStatement& statement);
   StoreStatus execute(const char* sql);

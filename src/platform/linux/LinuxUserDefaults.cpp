@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <span>
 #include <utility>
 
 #include "foundation/PropertyList.h"
@@ -17,6 +18,38 @@ constexpr int kCheckpointPasses = 3;
 
 bool isContainer(const Value& value) {
   return value.array() != nullptr || value.dictionary() != nullptr;
+}
+
+// Long enough to be written in parts.
+bool isLongArray(const Value& value) {
+  constexpr std::size_t kShortest = 4 * DefaultsStore::kPartElements;
+  return value.array() != nullptr && value.array()->size() >= kShortest;
+}
+
+std::size_t partCount(const Array& array) {
+  return (array.size() + DefaultsStore::kPartElements - 1) / DefaultsStore::kPartElements;
+}
+
+std::span<const Value> part(const Array& array, std::size_t place) {
+  const std::size_t begin = std::min(place * DefaultsStore::kPartElements, array.size());
+  return {array.data() + begin, std::min(DefaultsStore::kPartElements, array.size() - begin)};
+}
+
+// Adds the property lists of the parts that `former` (null: nothing) does not have in their place. False when one
+// cannot be a property list.
+bool addParts(const Array& array, const Array* former, std::map<std::size_t, std::string>& parts) {
+  for (std::size_t place = 0; place < partCount(array); ++place) {
+    const std::span<const Value> elements = part(array, place);
+    if (former != nullptr && std::ranges::equal(elements, part(*former, place))) {
+      continue;
+    }
+    std::optional<std::string> list = writePropertyList(Array(elements.begin(), elements.end()));
+    if (!list) {
+      return false;
+    }
+    parts.insert_or_assign(place, std::move(*list));
+  }
+  return true;
 }
 
 // Equal, and for reals the same bits: -0.0 replaces 0.0.
@@ -123,6 +156,9 @@ bool LinuxUserDefaults::holds(std::string_view key, const Value& value) {
 
 bool LinuxUserDefaults::set(std::string_view key, Value value) {
   openOnce();
+  if (isLongArray(value)) {
+    return setInParts(key, std::move(value));
+  }
   {
     const MutexLock lock(stateMutex_);
     if (holds(key, value)) {
@@ -142,6 +178,35 @@ bool LinuxUserDefaults::set(std::string_view key, Value value) {
   entry.text = entry.isText ? *value.text() : std::string();
   entry.value = entry.isText ? Value() : std::move(value);
   entry.list = std::move(*list);
+  return true;
+}
+
+// What is compared with must not change until the new array has taken its place: hence one lock for all of it.
+bool LinuxUserDefaults::setInParts(std::string_view key, Value value) {
+  const Array& array = *value.array();
+  const MutexLock lock(stateMutex_);
+  auto slot = entries_.find(key);
+  const bool isLong = slot != entries_.end() && slot->second.isPresent && isLongArray(slot->second.value);
+  const Array* former = isLong ? slot->second.value.array() : nullptr;
+  std::map<std::size_t, std::string> parts;
+  if (!addParts(array, former, parts)) {
+    return false;
+  }
+  if (isLong && parts.empty() && former->size() == array.size()) {
+    return true;
+  }
+  if (isLong) {
+    mark(slot, Unsaved::Parts);
+  } else {
+    slot = entries_.try_emplace(std::string(key)).first;
+    clear(slot);
+  }
+  Entry& entry = slot->second;
+  entry.isPresent = true;
+  parts.merge(entry.parts);
+  entry.parts = std::move(parts);
+  entry.parts.erase(entry.parts.lower_bound(partCount(array)), entry.parts.end());
+  entry.value = std::move(value);
   return true;
 }
 
@@ -242,6 +307,9 @@ bool LinuxUserDefaults::synchronize() {
 
 bool LinuxUserDefaults::write() {
   StoreStatus status = writePending();
+  if (status == StoreStatus::Stale) {
+    status = writePending();
+  }
   if (status == StoreStatus::Corrupt) {
     status = replaceStore();
   }
@@ -295,6 +363,14 @@ void LinuxUserDefaults::collect() {
     if (entry.unsaved == Unsaved::Suffix) {
       change.kind = StoreChange::Kind::Append;
       change.text = entry.text.substr(entry.savedSize);
+    } else if (entry.isPresent && isLongArray(entry.value)) {
+      change.kind = StoreChange::Kind::PutParts;
+      change.isWhole = entry.unsaved == Unsaved::All;
+      change.partCount = partCount(*entry.value.array());
+      change.parts = std::exchange(entry.parts, {});
+      if (change.isWhole && change.parts.size() < change.partCount) {
+        addParts(*entry.value.array(), nullptr, change.parts);
+      }
     } else if (entry.isPresent) {
       change.kind = StoreChange::Kind::Put;
       change.value = entry.isText ? Value(entry.text) : entry.value;
@@ -315,7 +391,8 @@ void LinuxUserDefaults::giveBack() {
     if (entry.unsaved != Unsaved::All) {
       entry.savedSize = pending.savedSize;
     }
-    mark(pending.entry, pending.unsaved);
+    // The property lists of parts are gone by now; an array that was to be changed in parts is written whole.
+    mark(pending.entry, pending.unsaved == Unsaved::Parts ? Unsaved::All : pending.unsaved);
   }
 }
 

@@ -26,6 +26,9 @@ namespace kesu {
 /// and replaced: by an empty one when it is found at opening, by what is in memory when it is found later. Each kind of
 /// failure is logged once (level 2).
 ///
+/// A long array costs by what is different from the one before: set() compares, and synchronize() writes the parts that
+/// are others.
+///
 /// Two processes can share the file: of two values written under one key the later stays. Neither sees what the other
 /// writes after opening. A process forked from the one that made this object reads and changes its own copy in memory
 /// and writes nothing.
@@ -65,6 +68,7 @@ class LinuxUserDefaults final : public UserDefaults {
   enum class Unsaved {
     Nothing,  ///< The file has it all.
     Suffix,   ///< The text has grown past `savedSize`.
+    Parts,    ///< `parts` of the array are others.
     All       ///< Another value or none.
   };
 
@@ -73,7 +77,8 @@ class LinuxUserDefaults final : public UserDefaults {
     bool isText = false;
     Value value;       // Unless it is a text.
     std::string text;  // A text that grows in place.
-    std::string list;  // The property list of `value` until it is saved, when it is an array or dictionary.
+    std::string list;  // The property list of `value` until it is saved, when it is a dictionary or a short array.
+    std::map<std::size_t, std::string> parts;  // Of a long array: the property lists of parts that are not saved.
     Unsaved unsaved = Unsaved::Nothing;
     std::size_t savedSize = 0;
   };
@@ -98,6 +103,7 @@ class LinuxUserDefaults final : public UserDefaults {
   void warnOnce(bool& warned, const std::string& text) KESU_REQUIRES(storeMutex_);
   void logWarnings() KESU_EXCLUDES(storeMutex_);
 
+  bool setInParts(std::string_view key, Value value) KESU_EXCLUDES(stateMutex_);
   bool holds(std::string_view key, const Value& value) KESU_REQUIRES(stateMutex_);
   void mark(Entries::iterator entry, Unsaved unsaved) KESU_REQUIRES(stateMutex_);
   void clear(Entries::iterator entry) KESU_REQUIRES(stateMutex_);

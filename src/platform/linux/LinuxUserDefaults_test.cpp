@@ -140,6 +140,40 @@ TEST_F(LinuxUserDefaultsTest, WritesNothingForAValueThatIsThereAlready) {
   }
 }
 
+TEST_F(LinuxUserDefaultsTest, WritesWhatIsNewInALongArrayOnly) {
+  Array list(5000, "an element with some text in it");
+  open()->set("list", list);
+  const auto defaults = open();
+  defaults->set("list", list);
+  EXPECT_TRUE(defaults->synchronize());
+  const off_t whole = sizeOf(directory_ / (kName + "-wal"));
+  for (int i = 0; i < 10; ++i) {
+    list[static_cast<std::size_t>(i) * 400] = i;
+    list.push_back(i);
+    defaults->set("list", list);
+    EXPECT_TRUE(defaults->synchronize());
+  }
+  EXPECT_LT(sizeOf(directory_ / (kName + "-wal")) - whole, whole / 2);
+  EXPECT_EQ(open()->get("list"), Value(list));
+}
+
+TEST_F(LinuxUserDefaultsTest, ALongArrayOfTwoProcessesIsNeverMixed) {
+  open()->synchronize();
+  const auto first = open();
+  const auto second = open();
+  Array ofFirst(200, "first");
+  for (int i = 0; i < 5; ++i) {
+    ofFirst[static_cast<std::size_t>(i) * 30] = i;
+    first->set("list", ofFirst);
+    EXPECT_TRUE(first->synchronize());
+    EXPECT_EQ(open()->get("list"), Value(ofFirst));
+    const Array ofSecond(100, i);
+    second->set("list", ofSecond);
+    EXPECT_TRUE(second->synchronize());
+    EXPECT_EQ(open()->get("list"), Value(ofSecond));
+  }
+}
+
 TEST_F(LinuxUserDefaultsTest, AsksForACheckpointWhenTheJournalGrowsAndEmptiesIt) {
   const auto defaults = open();
   int asked = 0;
@@ -342,12 +376,18 @@ TEST_F(LinuxUserDefaultsTest, AFullDiskIsWaitedOut) {
 TEST_F(LinuxUserDefaultsTest, ALockedFileIsWrittenOnceItIsFree) {
   const auto defaults = open();
   defaults->appendString("flow", "a");
+  Array list(200, "x");
+  defaults->set("list", list);
   EXPECT_TRUE(defaults->synchronize());
   OtherProgram other(directory_ / kName);
   ASSERT_TRUE(other.run("BEGIN IMMEDIATE"));
+  list[0] = 0;
+  defaults->set("list", list);
   defaults->appendString("flow", "b");
   defaults->set("key", 1);
   EXPECT_FALSE(defaults->synchronize());
+  list[100] = 1;
+  defaults->set("list", list);
   defaults->appendString("flow", "c");
   defaults->remove("key");
   EXPECT_FALSE(defaults->synchronize());
@@ -356,6 +396,7 @@ TEST_F(LinuxUserDefaultsTest, ALockedFileIsWrittenOnceItIsFree) {
   const auto next = open();
   EXPECT_EQ(next->text("flow"), "abc");
   EXPECT_EQ(next->get("key"), std::nullopt);
+  EXPECT_EQ(next->get("list"), Value(list));
   EXPECT_TRUE(warnings().empty());
 }
 
@@ -410,15 +451,29 @@ TEST_F(LinuxUserDefaultsTest, AForkedChildWritesNothing) {
   EXPECT_EQ(open()->text("flow"), "x");
 }
 
+constexpr std::size_t kNumbers = 100;
+
+/// The last kNumbers numbers, each in its place.
+Array lastNumbers(int number) {
+  Array numbers(kNumbers, 0);
+  for (int i = std::max(1, number - static_cast<int>(kNumbers) + 1); i <= number; ++i) {
+    numbers[static_cast<std::size_t>(i) % kNumbers] = i;
+  }
+  return numbers;
+}
+
 /// What the child of the kill test does until it dies: one transaction after another, each told to `acknowledgements`.
 int writeForEver(const std::string& directory, int acknowledgements) {
   LinuxUserDefaults defaults(directory);
   int number = static_cast<int>(defaults.integer("number"));
   defaults.takeString("flow");
   defaults.set("first", number + 1);
+  Array numbers = defaults.get("numbers").value_or(Array(kNumbers, 0)).array()[0];
   while (true) {
     ++number;
     defaults.set("number", number);
+    numbers[static_cast<std::size_t>(number) % kNumbers] = number;
+    defaults.set("numbers", numbers);
     defaults.set("list", Array{number, "text " + std::to_string(number)});
     defaults.appendString("flow", std::to_string(number) + ",");
     if (!defaults.synchronize() || ::write(acknowledgements, &number, sizeof(number)) != sizeof(number)) {
@@ -463,6 +518,7 @@ TEST_F(LinuxUserDefaultsTest, WhatWasAcknowledgedSurvivesEveryKill) {
     EXPECT_GE(number, acknowledged);
     EXPECT_LE(number, acknowledged + 1);
     EXPECT_EQ(defaults->get("list"), Value(Array{number, "text " + std::to_string(number)}));
+    EXPECT_EQ(defaults->get("numbers"), Value(lastNumbers(number)));
     std::string flow;
     for (auto i = static_cast<int>(defaults->integer("first")); i <= number; ++i) {
       flow += std::to_string(i) + ",";

@@ -8,7 +8,16 @@ namespace kesu {
 namespace {
 
 // The column "kind". Written to disk: never renumber.
-enum class StoredKind : int { Bool = 1, Integer = 2, Real = 3, Text = 4, Data = 5, Date = 6, PropertyList = 7 };
+enum class StoredKind : int {
+  Bool = 1,
+  Integer = 2,
+  Real = 3,
+  Text = 4,
+  Data = 5,
+  Date = 6,
+  PropertyList = 7,
+  ArrayInParts = 8
+};
 
 StoredKind storedKind(const Value& value) {
   switch (value.kind()) {
@@ -67,6 +76,15 @@ void bindValue(sqlite3_stmt* statement, int kindPosition, const Value& value, co
   bindContent(statement, kindPosition + 1, value, listText);
 }
 
+void bindParts(sqlite3_stmt* statement, int kindPosition, std::int64_t stamp) {
+  sqlite3_bind_int(statement, kindPosition, static_cast<int>(StoredKind::ArrayInParts));
+  sqlite3_bind_int64(statement, kindPosition + 1, stamp);
+}
+
+bool columnIsInParts(sqlite3_stmt* row, int kindColumn) {
+  return sqlite3_column_int(row, kindColumn) == static_cast<int>(StoredKind::ArrayInParts);
+}
+
 std::string_view columnBytes(sqlite3_stmt* row, int column) {
   const void* bytes = sqlite3_column_blob(row, column);
   return {static_cast<const char*>(bytes),
@@ -93,6 +111,8 @@ std::optional<Value> columnValue(sqlite3_stmt* row, int kindColumn) {
       return Value(Date{columnReal(row, column)});
     case StoredKind::PropertyList:
       return parsePropertyList(columnBytes(row, column));
+    case StoredKind::ArrayInParts:
+      return Value(Array());
   }
   return std::nullopt;
 }

@@ -3,6 +3,7 @@
 #include <kesu/foundation/Value.h>
 #include <sqlite3.h>
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -19,6 +20,12 @@ void bindText(sqlite3_stmt* statement, int position, std::string_view text);
 /// Binds the kind at `kindPosition` and the content at the position after it. `listText` is the property list of an
 /// array or dictionary, and not looked at for other kinds.
 void bindValue(sqlite3_stmt* statement, int kindPosition, const Value& value, const std::string& listText);
+
+/// Binds what stands for an array that lies in parts: its kind, and the stamp of the last write.
+void bindParts(sqlite3_stmt* statement, int kindPosition, std::int64_t stamp);
+
+/// Whether the row is that of an array in parts. Its value is an empty array then, for the parts to be added to.
+bool columnIsInParts(sqlite3_stmt* row, int kindColumn);
 
 /// The bytes of a text or blob column. Valid until the next step.
 std::string_view columnBytes(sqlite3_stmt* row, int column);

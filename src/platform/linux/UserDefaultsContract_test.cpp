@@ -5,6 +5,7 @@
 #include <functional>
 #include <limits>
 #include <memory>
+#include <random>
 
 #include "platform/linux/LinuxUserDefaults.h"
 #include "testing/FakeUserDefaults.h"
@@ -124,6 +125,53 @@ TEST_P(UserDefaultsContractTest, RefusesWhatIsNoPropertyList) {
   }
   EXPECT_EQ(defaults().text("key"), "old");
   EXPECT_EQ(sortedKeys(), std::vector<std::string>{"key"});
+}
+
+// What an array may go through: growing, shrinking, changes in the middle, other values in between.
+void changeAtRandom(Array& array, std::mt19937& random) {
+  const std::size_t place = array.empty() ? 0 : random() % array.size();
+  switch (random() % 5) {
+    case 0:
+      array.insert(array.end(), random() % 100, Dictionary{{"number", random()}});
+      return;
+    case 1:
+      array.resize(array.size() - place);
+      return;
+    case 2:
+      array.erase(array.begin(), array.begin() + static_cast<std::ptrdiff_t>(std::min<std::size_t>(place, 40)));
+      return;
+    default:
+      array.resize(std::max<std::size_t>(array.size(), 70), "filling");
+      array[place] = random();
+  }
+}
+
+TEST_P(UserDefaultsContractTest, ALongArrayComesBackWhateverChangesInIt) {
+  std::mt19937 random(5);
+  Array array;
+  for (int step = 0; step < 300; ++step) {
+    SCOPED_TRACE(step);
+    changeAtRandom(array, random);
+    EXPECT_TRUE(defaults().set("list", array));
+    ASSERT_EQ(defaults().get("list"), Value(array));
+    if (random() % 3 == 0) {
+      EXPECT_TRUE(defaults().synchronize());
+    }
+    if (random() % 10 == 0) {
+      synchronizeAndRestart();
+      ASSERT_EQ(defaults().get("list"), Value(array));
+    }
+    if (random() % 20 == 0) {
+      defaults().appendString("list", "text");
+    }
+  }
+  array.resize(200, 1);
+  EXPECT_TRUE(defaults().set("list", array));
+  Array refused = array;
+  refused[150] = Null{};
+  EXPECT_FALSE(defaults().set("list", refused));
+  synchronizeAndRestart();
+  EXPECT_EQ(defaults().get("list"), Value(array));
 }
 
 // Each row is a history of one key: "=x" sets, "+x" appends, "-" removes, "t" takes, "i" sets an integer, "s" writes.
