@@ -12,6 +12,8 @@
 
 #include "Services.h"
 #include "TestRecord.h"
+#include "testing/ScopedEnvironment.h"
+#include "testing/TemporaryDirectory.h"
 
 namespace kesu::dev {
 namespace {
@@ -19,8 +21,9 @@ namespace {
 constexpr int kPatienceMs = 60'000;
 
 // The real program as a process of its own; its standard output is read here, its standard error is thrown away.
-class ProgramTest : public testing::Test {
+class ProgramTest : public ::testing::Test {
  protected:
+  ProgramTest() { environment_.set("TMPDIR", temporary_.path()); }
   ~ProgramTest() override { close(output_); }
 
   void start(std::vector<std::string> arguments) {
@@ -71,6 +74,9 @@ class ProgramTest : public testing::Test {
     return status();
   }
 
+  // A program that is killed leaves its certificate behind.
+  kesu::testing::TemporaryDirectory temporary_;
+  kesu::testing::ScopedEnvironment environment_;
   pid_t pid_ = -1;
   int output_ = -1;
   std::string text_;
@@ -114,7 +120,7 @@ TEST_F(ProgramTest, HandsTerminationOn) {
 
 TEST_F(ProgramTest, TakesTheProgramAlongWhenKilled) {
   // Nobody is left to remove a temporary home.
-  start({"run", "--port", "0", "--home", testing::TempDir(), "--", "sh", "-c", "echo up; exec sleep 600"});
+  start({"run", "--port", "0", "--home", ::testing::TempDir(), "--", "sh", "-c", "echo up; exec sleep 600"});
   output("up");
   kill(pid_, SIGKILL);
   EXPECT_EQ(output(), "up\n") << "the program still holds the pipe";

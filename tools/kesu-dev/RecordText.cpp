@@ -162,6 +162,9 @@ std::string recordName(const StoredRecord& record, const Dictionary& body) {
   if (record.destination == "i") {
     return "installation";
   }
+  if (record.destination.empty()) {
+    return printable(record.path);  // A request to the messaging service, or nothing that could be a record.
+  }
   return textUnder(body, record.destination == "n" ? "action" : "~e");
 }
 
@@ -232,7 +235,8 @@ std::string summaryTable(const CountsByDestination& counts, std::size_t width) {
   for (const auto& [destination, one] : counts) {
     const DestinationInfo* info = findDestination(destination);
     const std::string code = destination.empty() ? "-" : printable(destination);
-    addCounts(table, code, info != nullptr ? std::string(info->meaning) : "no known destination", one);
+    const std::string unknown = destination.empty() ? "requests that are no records" : "no known destination";
+    addCounts(table, code, info != nullptr ? std::string(info->meaning) : unknown, one);
   }
   addCounts(table, "all", "", sum(counts));
   return table.text();
