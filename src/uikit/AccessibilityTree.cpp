@@ -24,7 +24,8 @@ void appendInReadingOrder(std::vector<Block> blocks, Block& nodes) {
   std::vector<Rect> frames;
   std::ranges::transform(blocks, std::back_inserter(frames), [](const Block& block) { return block.front().frame; });
   std::vector<std::size_t> order = readingOrder(frames);
-  std::ranges::stable_partition(order, [&](std::size_t one) { return blocks[one].front().role == Role::Heading; });
+  std::stable_partition(order.begin(), order.end(),
+                        [&](std::size_t one) { return blocks[one].front().role == Role::Heading; });
   for (const std::size_t one : order) {
     std::ranges::move(blocks[one], std::back_inserter(nodes));
   }

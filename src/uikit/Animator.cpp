@@ -213,7 +213,7 @@ void Animator::State::finish(std::uint64_t lastOfThem) {
 void Animator::State::endGroups(const std::function<bool(const Group&)>& isOver) {
   const auto isEnding = [&](const Group& group) { return !group.isOpen && isOver(group); };
   std::erase_if(motions, [&](const Motion& motion) { return isEnding(*groupOf(motion.group)); });
-  const auto first = std::ranges::stable_partition(groups, std::not_fn(isEnding)).begin();
+  const auto first = std::stable_partition(groups.begin(), groups.end(), std::not_fn(isEnding));
   ended.insert(ended.end(), std::make_move_iterator(first), std::make_move_iterator(groups.end()));
   groups.erase(first, groups.end());
 }

@@ -81,7 +81,7 @@ std::vector<View*> View::drawingOrder() const {
   std::vector<View*> order;
   order.reserve(subviews_.size());
   std::ranges::transform(subviews_, std::back_inserter(order), &ViewPtr::get);
-  std::ranges::stable_partition(order, [](const View* view) { return !view->isFocused_; });
+  std::stable_partition(order.begin(), order.end(), [](const View* view) { return !view->isFocused_; });
   return order;
 }
 
