@@ -1,6 +1,7 @@
 #include "message_ui/MessagePaging.h"
 
 #include <algorithm>
+#include <string>
 
 #include "message_ui/MessageBars.h"
 
@@ -10,7 +11,8 @@ namespace {
 bool isRead(const Value& header) {
   const Dictionary* dictionary = header.dictionary();
   const Value* flag = dictionary != nullptr ? dictionary->find("contentRead") : nullptr;
-  return flag != nullptr && flag->integerValue() != 0;
+  const std::string* text = flag != nullptr ? flag->text() : nullptr;
+  return flag != nullptr && (flag->realValue() != 0.0 || (text != nullptr && (*text == "YES" || *text == "true")));
 }
 
 }  // namespace

@@ -1,0 +1,102 @@
+#pragma once
+
+#include <kesu/ui/Containers.h>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "delivery/KesuPost.h"
+#include "delivery/KesuStore.h"
+#include "device/KesuMetrics.h"
+#include "foundation/Base64.h"
+#include "foundation/Json.h"
+#include "graphics/PngEncoder.h"
+#include "message_ui/KesuInAppPresenter.h"
+#include "messaging/KesuImageCache.h"
+#include "messaging/KesuInAppMessagesRequester.h"
+#include "messaging/KesuInbox.h"
+#include "messaging/MessageImageLoader.h"
+#include "records/DefaultsKeys.h"
+#include "records/DeploymentSettings.h"
+#include "uikit/Animator.h"
+
+namespace kesu::testing {
+
+inline std::string jsonText(const Dictionary& dictionary) {
+  std::string text;
+  writeJson(dictionary, text);
+  return text;
+}
+
+/// The service's list of headers for these message identifiers; the campaign of message "m" is "c-m".
+inline std::string headersReply(const std::vector<std::string>& identifiers) {
+  Array list;
+  for (const std::string& identifier : identifiers) {
+    list.push_back(Dictionary{{"mid", identifier}, {"cid", "c-" + identifier}});
+  }
+  return jsonText({{"metadatalist", std::move(list)}});
+}
+
+/// The service's reply to a request for one message.
+inline std::string bodyReply(const std::string& title, const std::string& message, const Dictionary& templateData = {},
+                             const std::string& templateId = "p_temp_2") {
+  return jsonText({{"payload", Dictionary{{"title", title},
+                                          {"msg", message},
+                                          {"templateId", templateId},
+                                          {"templateData", jsonText(templateData)}}}});
+}
+
+/// The "buttons" of template data: title and action each.
+inline Array buttonEntries(const std::vector<std::pair<std::string, std::string>>& buttons) {
+  Array entries;
+  for (const auto& [title, action] : buttons) {
+    entries.push_back(Value(Array{Value(title), Value(action)}));
+  }
+  return entries;
+}
+
+/// A picture of this size within a "data:" URL.
+inline std::string pictureUrl(int width, int height) {
+  const std::vector<std::uint32_t> pixels(static_cast<std::size_t>(width) * static_cast<std::size_t>(height),
+                                          0xFF336699U);
+  const std::string png = encodePng(Image(width, height, pixels)).value_or("");
+  return "data:image/png;base64," + base64Encode({reinterpret_cast<const std::uint8_t*>(png.data()), png.size()});
+}
+
+/// A presenter with everything that it works with, on a platform of doubles, and a window that is key.
+struct MessageScreen {
+  explicit MessageScreen(Platform& on) : platform(on) {
+    platform.defaults.set(kAppKeyDefault, "key");
+    platform.defaults.set(kInstanceIdDefault, "kaid");
+    platform.defaults.set(kInstanceId2Default, "kaid2");
+    window.makeKeyAndVisible();
+  }
+  ~MessageScreen() { Animator::shared().finishAll(); }
+
+  MessageScreen(const MessageScreen&) = delete;
+  MessageScreen& operator=(const MessageScreen&) = delete;
+
+  /// A press of a button of the remote, down and up.
+  void press(RemoteButton button) {
+    window.press(button, PressPhase::Began);
+    window.press(button, PressPhase::Ended);
+  }
+
+  Platform& platform;
+  Window window;
+  DeploymentSettings settings{platform.bundle};
+  KesuMetrics metrics{platform.device, platform.reachability, platform.locale, settings};
+  KesuStore store{platform.files, platform.defaults, platform.clock};
+  KesuPost post{platform.http, platform.defaults, platform.clock, settings, store};
+  KesuInAppMessagesRequester requester{platform.http, platform.defaults, platform.clock, settings, post};
+  KesuInbox inbox{platform.defaults, requester};
+  MessageImageLoader loader{platform.http, platform.imageWorker};
+  KesuImageCache cache{platform.files, platform.imageWorker, platform.notifications};
+  std::optional<KesuInAppPresenter> presenter{
+      std::in_place, KesuInAppPresenter::Services{platform, inbox, loader, cache, post, metrics}};
+};
+
+}  // namespace kesu::testing
