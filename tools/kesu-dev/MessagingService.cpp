@@ -15,6 +15,7 @@ namespace kesu::dev {
 namespace {
 
 constexpr std::size_t kHookShown = 400;
+constexpr std::size_t kHookBytesKept = 8 * 1024;
 
 std::string instanceOf(const Dictionary& asked) {
   return *asked.findText("kaid") + "\n" + *asked.findText("kaid2");
@@ -106,8 +107,9 @@ HttpReply MessagingService::singleMessage(HttpRequest& request, const std::strin
 }
 
 HttpReply MessagingService::takeHook(const std::string& body) {
-  log_.addHook({nowMilliseconds(), validUtf8(body)});
-  say_("web hook called: " + printable(shortened(validUtf8(body), kHookShown)));
+  const std::string kept = validUtf8(std::string_view(body).substr(0, kHookBytesKept));
+  log_.addHook({nowMilliseconds(), kept});
+  say_("web hook called: " + printable(shortened(kept, kHookShown)));
   return jsonReply({{"ok", true}});
 }
 

@@ -80,7 +80,8 @@ class MessagingTest : public ::testing::Test {
   }
 
   std::int64_t count(const std::string& body = kAsking) const {
-    const Value* value = objectFrom(put("/api/inapp/count/", body)->body).find("count");
+    const Dictionary reply = objectFrom(put("/api/inapp/count/", body)->body);
+    const Value* value = reply.find("count");
     return value == nullptr ? -1 : value->integerValue();
   }
 
