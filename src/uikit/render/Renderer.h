@@ -10,20 +10,23 @@
 
 namespace kesu {
 
-/// Draws the views of a window: every composited view into a picture of its own, again only where it changed. Main
-/// thread.
+/// Draws the views of a window: every composited view into a picture of its own, again only where it changed. A
+/// composited view inside another one lies over all that the outer one shows. Main thread.
 class Renderer {
  public:
   Renderer();
   ~Renderer();
 
-  /// The layers of the window at this size of the screen.
+  /// The layers of the window at this size of the screen. Once there are none any more, all memory is given back.
   const std::vector<FrameLayer>& layers(Window& window, int pixelWidth, int pixelHeight);
 
-  /// The same, composed into one picture.
+  /// The same, composed into one picture. Both may be used in turn; each tells what changed since its own last frame.
   const FlatFrame& flatten(Window& window, int pixelWidth, int pixelHeight);
 
-  /// Gives back all memory; the next frame draws everything again.
+  /// The same as a picture to keep, without being a frame. Null when the screen has no size.
+  ImagePtr snapshot(Window& window, int pixelWidth, int pixelHeight);
+
+  /// Gives back all memory, the fonts too; the next frame draws everything again.
   void releaseMemory();
 
  private:

@@ -1,0 +1,167 @@
+#include <kesu/ui/Containers.h>
+#include <kesu/ui/Overlay.h>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "uikit/AccessibilityTree.h"
+#include "uikit/Animator.h"
+#include "uikit/KeyWindow.h"
+#include "uikit/render/Renderer.h"
+
+namespace kesu {
+namespace {
+
+constexpr int kLargestSide = 16384;
+constexpr double kScreenWidth = 1920.0;
+constexpr double kScreenHeight = 1080.0;
+
+/// Asks the host for a frame, once until it has drawn one.
+struct FrameRequest {
+  void ask() {
+    if (!std::exchange(isAsked, true) && callback) {
+      callback();
+    }
+  }
+
+  std::function<void()> callback;
+  bool isAsked = false;
+};
+
+}  // namespace
+
+struct Overlay::State {
+  Window& window();
+  void beginFrame(double nowSeconds);
+  void endFrame();
+  bool differs() const;
+  Point toPoints(double x, double y) const;
+
+  Renderer renderer;
+  std::unique_ptr<Window> ownWindow;
+  // Windows hold it weakly: one may live longer than the overlay.
+  std::shared_ptr<FrameRequest> request = std::make_shared<FrameRequest>();
+  const Window* watched = nullptr;  // Only to be compared: it may be gone.
+  const Window* drawn = nullptr;    // The same.
+  std::uint64_t drawnChanges = 0;
+  bool isSizeNew = false;
+  int width = 1920;
+  int height = 1080;
+};
+
+/// The window that the user sees, made when there is none, and listened to.
+Window& Overlay::State::window() {
+  if (keyWindow() == nullptr) {
+    ownWindow = std::make_unique<Window>();
+    ownWindow->makeKeyAndVisible();
+    watched = nullptr;
+  }
+  Window& window = *keyWindow();
+  if (watched != &window) {
+    watched = &window;
+    window.setChangeCallback([asking = std::weak_ptr(request)] {
+      if (const std::shared_ptr<FrameRequest> alive = asking.lock()) {
+        alive->ask();
+      }
+    });
+  }
+  return window;
+}
+
+void Overlay::State::beginFrame(double nowSeconds) {
+  window().updateFocus();
+  Animator::shared().tick(nowSeconds);
+}
+
+void Overlay::State::endFrame() {
+  drawn = keyWindow();
+  drawnChanges = drawn != nullptr ? drawn->changeCount() : 0;
+  isSizeNew = false;
+  request->isAsked = differs();
+}
+
+bool Overlay::State::differs() const {
+  const Window* window = keyWindow();
+  const bool isOther = window != drawn && (drawn != nullptr || (window != nullptr && !window->subviews().empty()));
+  return isSizeNew || isOther || (window != nullptr && window->changeCount() != drawnChanges && window == drawn) ||
+         Animator::shared().isRunning();
+}
+
+Point Overlay::State::toPoints(double x, double y) const {
+  const double scale = height / kScreenHeight;
+  return {(x - (width - kScreenWidth * scale) / 2.0) / scale, y / scale};
+}
+
+Overlay::Overlay() : state_(std::make_unique<State>()) {
+  state_->window();
+}
+
+Overlay::~Overlay() = default;
+
+void Overlay::setPixelSize(int width, int height) {
+  const int columns = std::clamp(width, 1, kLargestSide);
+  const int rows = std::clamp(height, 1, kLargestSide);
+  if (columns != state_->width || rows != state_->height) {
+    state_->width = columns;
+    state_->height = rows;
+    state_->isSizeNew = true;
+    state_->request->ask();
+  }
+}
+
+bool Overlay::isModal() const {
+  return state_->window().modalView() != nullptr;
+}
+
+bool Overlay::press(RemoteButton button, PressPhase phase) {
+  return state_->window().press(button, phase);
+}
+
+bool Overlay::swipe(SwipeDirection direction) {
+  return state_->window().swipe(direction);
+}
+
+bool Overlay::tap(double x, double y) {
+  return std::isfinite(x) && std::isfinite(y) && state_->window().tap(state_->toPoints(x, y));
+}
+
+void Overlay::cancelPresses() {
+  state_->window().cancelPresses();
+}
+
+bool Overlay::needsFrame() const {
+  return state_->differs();
+}
+
+void Overlay::setNeedsFrameCallback(std::function<void()> callback) {
+  state_->request->callback = std::move(callback);
+  state_->request->isAsked = false;
+  if (state_->differs()) {
+    state_->request->ask();
+  }
+}
+
+const std::vector<FrameLayer>& Overlay::layers(double nowSeconds) {
+  state_->beginFrame(nowSeconds);
+  const std::vector<FrameLayer>& layers = state_->renderer.layers(state_->window(), state_->width, state_->height);
+  state_->endFrame();
+  return layers;
+}
+
+const FlatFrame& Overlay::flatten(double nowSeconds) {
+  state_->beginFrame(nowSeconds);
+  const FlatFrame& frame = state_->renderer.flatten(state_->window(), state_->width, state_->height);
+  state_->endFrame();
+  return frame;
+}
+
+ImagePtr Overlay::snapshot() {
+  return state_->renderer.snapshot(state_->window(), state_->width, state_->height);
+}
+
+std::vector<AccessibilityNode> Overlay::accessibilityTree() const {
+  return kesu::accessibilityTree(state_->window());
+}
+
+}  // namespace kesu

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+namespace kesu {
+
+/// Transparent pixels to draw into, in pages of their own: they take no memory before somebody writes to them and give
+/// it back at once, which an allocator does not.
+class PixelStore {
+ public:
+  PixelStore() = default;
+  /// Is empty without a size and when there is no memory for so many.
+  PixelStore(int width, int height);
+
+  std::uint32_t* pixels() const { return pixels_.get(); }
+
+ private:
+  struct Release {
+    Release() : bytes(0) {}
+    explicit Release(std::size_t size) : bytes(size) {}
+    void operator()(std::uint32_t* pixels) const;
+
+    std::size_t bytes;
+  };
+  std::unique_ptr<std::uint32_t, Release> pixels_;
+};
+
+}  // namespace kesu

@@ -1,0 +1,115 @@
+#include "uikit/render/ViewPainter.h"
+
+#include <kesu/ui/Containers.h>
+
+#include <algorithm>
+#include <typeinfo>
+
+namespace kesu {
+namespace {
+
+bool isDrawn(const View& view) {
+  return !view.isHidden() && view.presented().alpha > 0.0;
+}
+
+// Other classes may draw something.
+bool isBareView(const View& view) {
+  return typeid(view) == typeid(View) || typeid(view) == typeid(Window);
+}
+
+Rect boundsOf(const View& view) {
+  return {0.0, 0.0, view.presented().size.width, view.presented().size.height};
+}
+
+void paintContent(Canvas& canvas, const View& view) {
+  if (isBareView(view)) {
+    return;
+  }
+  canvas.save();
+  canvas.clip(boundsOf(view));
+  if (view.cornerRadius() > 0.0) {
+    canvas.beginGroup();
+    view.draw(canvas);
+    canvas.endGroup(1.0, boundsOf(view), view.cornerRadius());
+  } else {
+    view.draw(canvas);
+  }
+  canvas.restore();
+}
+
+void paintInSuperview(Canvas& canvas, const View& view, PaintScope scope) {
+  const ViewGeometry& geometry = view.presented();
+  const Transform& transform = geometry.transform;
+  const Rect extent = view.drawnExtent();
+  if (!isDrawn(view) || transform.scaleX == 0.0 || transform.scaleY == 0.0 ||
+      extent.intersected(canvas.clipBounds()).isEmpty()) {
+    return;
+  }
+  canvas.save();
+  if (geometry.alpha < 1.0) {
+    canvas.clip(extent.inset(-1.0, -1.0));  // A group takes as much memory as there is to draw on.
+    canvas.beginGroup();
+  }
+  canvas.save();
+  canvas.translate(geometry.center.x + transform.moveX, geometry.center.y + transform.moveY);
+  canvas.scale(transform.scaleX, transform.scaleY);
+  canvas.translate(-geometry.size.width / 2.0, -geometry.size.height / 2.0);
+  paintView(canvas, view, scope);
+  canvas.restore();
+  if (geometry.alpha < 1.0) {
+    canvas.endGroup(geometry.alpha);
+  }
+  canvas.restore();
+}
+
+void paintInside(Canvas& canvas, const View& view, PaintScope scope) {
+  paintContent(canvas, view);
+  for (const View* inner : view.drawingOrder()) {
+    if (scope == PaintScope::Everything || !inner->isComposited()) {
+      paintInSuperview(canvas, *inner, scope);
+    }
+  }
+}
+
+void paintClipped(Canvas& canvas, const View& view, PaintScope scope) {
+  const Rect bounds = boundsOf(view);
+  canvas.save();
+  canvas.clip(bounds);
+  if (view.cornerRadius() > 0.0) {
+    canvas.beginGroup();
+    canvas.fill(bounds, view.backgroundColor());
+    paintInside(canvas, view, scope);
+    canvas.endGroup(1.0, bounds, view.cornerRadius());
+  } else {
+    canvas.fill(bounds, view.backgroundColor());
+    paintInside(canvas, view, scope);
+  }
+  canvas.restore();
+}
+
+}  // namespace
+
+void paintView(Canvas& canvas, const View& view, PaintScope scope) {
+  const Rect bounds = boundsOf(view);
+  if (view.clipsToBounds()) {
+    paintClipped(canvas, view, scope);
+  } else {
+    const Shadow& shadow = view.presented().shadow;
+    if (shadow.opacity > 0.0) {
+      canvas.drawShadow(bounds, view.cornerRadius(), shadow.color, shadow.opacity, shadow.radius, shadow.offset);
+    }
+    canvas.fill(bounds, view.backgroundColor(), view.cornerRadius());
+    paintInside(canvas, view, scope);
+  }
+  canvas.strokeInside(bounds, view.borderWidth(), view.borderColor(), view.cornerRadius());
+}
+
+bool isPlainColor(const View& view) {
+  const bool hasBorder = view.borderWidth() > 0.0 && view.borderColor().alpha > 0.0;
+  const bool hasShadow = view.presented().shadow.opacity > 0.0 && !view.clipsToBounds();
+  return isBareView(view) && !hasBorder && !hasShadow && view.cornerRadius() <= 0.0 &&
+         std::ranges::none_of(view.subviews(),
+                              [](const ViewPtr& inner) { return !inner->isComposited() && isDrawn(*inner); });
+}
+
+}  // namespace kesu
