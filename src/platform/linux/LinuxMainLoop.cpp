@@ -7,6 +7,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <utility>
 
 #include "platform/ServiceLog.h"
 
@@ -18,9 +20,9 @@ constexpr int kBlindWaitMilliseconds = 50;
 // About three years: later timers are armed again when this one fires.
 constexpr double kLongestAlarmSeconds = 1e8;
 
-bool watch(int epoll, int fd) {
+bool watch(int epoll, int fd, std::uint32_t events = EPOLLIN) {
   epoll_event event{};
-  event.events = EPOLLIN;
+  event.events = events;
   return ::epoll_ctl(epoll, EPOLL_CTL_ADD, fd, &event) == 0;
 }
 
@@ -32,6 +34,41 @@ LinuxMainLoop::LinuxMainLoop()
     epoll_.reset();
     serviceLog(2, "The main loop has no descriptor to wait on.");
   }
+}
+
+std::size_t LinuxMainLoop::pump(double budgetSeconds) {
+  if (telling_ >= 0 && !isDead() && hasUrgentNews()) {
+    post([this] {
+      if (onUrgent_) {
+        onUrgent_();
+      }
+    });
+  }
+  return QueuedMainLoop::pump(budgetSeconds);
+}
+
+bool LinuxMainLoop::hasUrgentNews() const {
+  pollfd wanted{telling_, POLLPRI, 0};
+  return ::poll(&wanted, 1, 0) == 1 && (wanted.revents & POLLPRI) != 0;
+}
+
+bool LinuxMainLoop::watchUrgent(int waking, int telling, Task onUrgent) {
+  if (isDead() || !watch(epoll_.get(), waking, EPOLLPRI)) {
+    return false;
+  }
+  waking_ = waking;
+  telling_ = telling;
+  onUrgent_ = std::move(onUrgent);
+  return true;
+}
+
+void LinuxMainLoop::unwatchUrgent() {
+  if (waking_ >= 0) {
+    ::epoll_ctl(epoll_.get(), EPOLL_CTL_DEL, waking_, nullptr);
+  }
+  waking_ = -1;
+  telling_ = -1;
+  onUrgent_ = nullptr;
 }
 
 double LinuxMainLoop::loopNow() {

@@ -18,6 +18,16 @@ class LinuxMainLoop final : public QueuedMainLoop {
   LinuxMainLoop();
 
   int fd() override { return epoll_.get(); }
+  std::size_t pump(double budgetSeconds = 0.004) override;
+
+  /// Runs `onUrgent` as a task of a pump() that finds urgent data (POLLPRI) on `telling`; `waking`, a second descriptor
+  /// for the same news, makes fd() readable for them. Two, because a pressure file tells its news only once, to whoever
+  /// asks first: the host that polls fd() would take them away from pump(). Costs every pump() one system call.
+  ///
+  /// One pair at a time, owned by the caller, who calls unwatchUrgent() before closing it. False where a descriptor
+  /// cannot be watched. Main thread.
+  bool watchUrgent(int waking, int telling, Task onUrgent);
+  void unwatchUrgent();
 
  protected:
   double loopNow() override;
@@ -27,10 +37,15 @@ class LinuxMainLoop final : public QueuedMainLoop {
   void setAlarm(std::optional<double> dueSeconds) override;
 
  private:
+  bool hasUrgentNews() const;
+
   ForkGuard forkGuard_;
   WakeEvent tasks_;
   UniqueFd timer_;
   UniqueFd epoll_;
+  int waking_ = -1;
+  int telling_ = -1;
+  Task onUrgent_;
 };
 
 }  // namespace kesu

@@ -21,6 +21,7 @@
 #include "platform/linux/LinuxLocale.h"
 #include "platform/linux/LinuxLogSink.h"
 #include "platform/linux/LinuxMainLoop.h"
+#include "platform/linux/LinuxMemoryPressure.h"
 #include "platform/linux/LinuxRandom.h"
 #include "platform/linux/LinuxReachabilitySource.h"
 #include "platform/linux/LinuxUrlOpener.h"
@@ -58,6 +59,8 @@ struct LinuxServices {
         reachability(mainLoop),
         log(options.logSink),
         urlOpener(options.urlOpener),
+        pressure(
+            ownMainLoop, [this] { return ownClock.monotonic(); }, [this] { warnOfMemory(); }),
         platform{chosen<Clock>(options.clock, ownClock),
                  random,
                  files,
@@ -83,6 +86,14 @@ struct LinuxServices {
     defaults.onCheckpointWanted([this] { background.post([this] { checkpointUnlessEnding(); }); });
     notifications.addObserver(kApplicationWillTerminateNotification, nullptr,
                               [this](const Notification&) { isEnding.store(true); });
+    // In the first pump: a program that has none cannot be told anyway. A host's own loop has no place for triggers.
+    ownMainLoop.post([this] { pressure.start(); });
+  }
+
+  void warnOfMemory() {
+    if (!isEnding.load()) {
+      notifications.post(kApplicationDidReceiveMemoryWarningNotification);
+    }
   }
 
   // A checkpoint waits for the disk, and the next start makes up for it.
@@ -110,6 +121,7 @@ struct LinuxServices {
   LinuxLogSink log;
   LinuxUrlOpener urlOpener;
   NotificationCenter notifications;
+  LinuxMemoryPressure pressure;
   Platform platform;
 };
 
