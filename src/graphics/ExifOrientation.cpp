@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <utility>
-#include <vector>
 
 #include "graphics/BigEndian.h"
 
@@ -69,18 +68,18 @@ Flips flipsOf(Orientation orientation) {
 }
 
 /// Follows each cycle of the permutation once: a second copy of a large picture would not fit the memory that decoding
-/// may use.
+/// may use. Placed pixels are marked in their opacity, which is known.
 void transpose(Pixels& pixels, std::size_t width, std::size_t height) {
-  std::vector<bool> isPlaced(pixels.size());
+  constexpr std::uint32_t kUnplaced = 0x80000000;
   for (std::size_t start = 0; start < pixels.size(); ++start) {
     std::uint32_t carried = pixels[start];
-    for (std::size_t from = start; !isPlaced[from];) {
-      const std::size_t to = from % width * height + from / width;
-      std::swap(carried, pixels[to]);
-      isPlaced[from] = true;
-      from = to;
+    for (std::size_t at = start; (pixels[start] & kUnplaced) != 0;) {
+      at = at % width * height + at / width;
+      std::swap(carried, pixels[at]);
+      pixels[at] &= ~kUnplaced;
     }
   }
+  std::ranges::for_each(pixels, [](std::uint32_t& pixel) { pixel |= kUnplaced; });
 }
 
 }  // namespace

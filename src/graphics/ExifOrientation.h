@@ -22,8 +22,8 @@ enum class Orientation {
 /// Upright where it tells none or is damaged.
 Orientation exifOrientation(std::string_view segment);
 
-/// Turns the pixels upright where they lie; width and height change places where the turn asks for it. Needs one more
-/// bit a pixel while it works.
+/// Turns the pixels, which are opaque, upright where they lie; width and height change places where the turn asks for
+/// it. Needs no more memory.
 void turnUpright(Pixels& pixels, int& width, int& height, Orientation orientation);
 
 }  // namespace kesu

@@ -1,0 +1,16 @@
+// Fuzzes: graphics
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string_view>
+
+#include "graphics/DataUrl.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const std::string_view url{reinterpret_cast<const char*>(data), size};
+  const auto carried = kesu::dataOfUrl(url);
+  if (carried && (!kesu::isDataUrl(url) || carried->size() > size)) {
+    std::abort();
+  }
+  return 0;
+}
