@@ -16,9 +16,9 @@ namespace kesu::dev {
 namespace {
 
 constexpr std::chrono::milliseconds kTransferPatience{15'000};
-constexpr std::size_t kReadBytes = 16 * 1024;
-constexpr std::size_t kGatherBytes = 64 * 1024;
-constexpr std::size_t kDrainBytes = 1024 * 1024;
+constexpr std::size_t kReadBytes = std::size_t{16} * 1024;
+constexpr std::size_t kGatherBytes = std::size_t{64} * 1024;
+constexpr std::size_t kDrainBytes = std::size_t{1024} * 1024;
 constexpr std::chrono::milliseconds kDrainPatience{200};
 
 // A connection of which one side is unknown is described as the loopback it must be.

@@ -17,7 +17,7 @@ namespace {
 // followers of the event stream and browsers. TLS is ours too, inside HttpConnection: the HTTP library's own TLS server
 // leaves no hand on the connection.
 constexpr std::size_t kWorkers = 128;
-constexpr std::size_t kBodyLimitBytes = 16 * 1024 * 1024;
+constexpr std::size_t kBodyLimitBytes = std::size_t{16} * 1024 * 1024;
 constexpr std::size_t kPathLimitBytes = 1024;
 constexpr int kBacklog = 512;
 constexpr std::chrono::milliseconds kIdlePatience{60'000};

@@ -19,7 +19,7 @@ namespace {
 constexpr std::string_view kTagsFile = "tags.json";
 constexpr std::string_view kOriginMark = "{service}";
 constexpr const char* kImageFolder = "/images/";
-constexpr std::uintmax_t kFileLimitBytes = 16 * 1024 * 1024;
+constexpr std::uintmax_t kFileLimitBytes = std::uintmax_t{16} * 1024 * 1024;
 
 // Nothing when there is no such regular file (a pipe would never end), or it is too large.
 std::optional<std::string> contentOf(const std::filesystem::path& path) {

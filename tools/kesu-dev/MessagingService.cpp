@@ -15,7 +15,7 @@ namespace kesu::dev {
 namespace {
 
 constexpr std::size_t kHookShown = 400;
-constexpr std::size_t kHookBytesKept = 8 * 1024;
+constexpr std::size_t kHookBytesKept = 8192;
 
 std::string instanceOf(const Dictionary& asked) {
   return *asked.findText("kaid") + "\n" + *asked.findText("kaid2");

@@ -1,6 +1,9 @@
 #include <gtest/gtest.h>
 #include <httplib.h>
 #include <kesu/foundation/Mutex.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -279,63 +282,50 @@ TEST_F(MessagingTest, ShowsReceiptsAndPressesBesideTheirMessage) {
   EXPECT_NE(said().find("web hook called"), std::string::npos);
 }
 
-TEST_F(MessagingTest, FillsInThePictureAndTheServicesAddress) {
+TEST_F(MessagingTest, ServesThePicturesOfItsDirectoryOnly) {
   std::filesystem::create_directory(directory_ / "secret");
-  const std::string picture("\x89PNG\r\n\x1a\n\0\0\0\rIHDR\0\0\4\x88\0\0\2\x8c", 24);
-  write("p.png", picture);
-  write("secret/p.png", picture);
-  write("a.json",
-        messageFile("m1", R"({"imageFile":"p.png","imageWidth":7,"buttons":[["A","{service}/hook?wh=true"]]})"));
-  const Message message = [&] {
-    std::string problem;
-    return MessageDirectory(directory_.path(), "https://h:1").message("a.json", problem).value();
-  }();
-  EXPECT_EQ(*message.full.find("payload")->dictionary()->findText("templateData"),
-            R"({"imageSourceURL":"https://h:1/images/p.png","imageHeight":652,"imageWidth":7,)"
-            R"("buttons":[["A","https://h:1/hook?wh=true"]]})");
+  write("p.png", "a picture");
+  write("a.json", "{}");
+  write("secret/p.png", "a secret");
   for (const bool encrypted : {true, false}) {
     const auto get = [&](const char* path) { return encrypted ? client()->Get(path) : collector().Get(path); };
-    EXPECT_EQ(get("/images/p.png")->body, picture);
+    EXPECT_EQ(get("/images/p.png")->body, "a picture");
     EXPECT_EQ(get("/images/p.png")->get_header_value("Content-Type"), "image/png");
     for (const char* path : {"/images/", "/images/q.png", "/images/a.json", "/images/secret/p.png",
-                             "/images/..%2fp.png", "/images/secret%2fp.png"}) {
+                             "/images/..%2fp.png", "/images/secret%2fp.png", "/images/.p.png"}) {
       EXPECT_EQ(get(path)->status, 404) << path;
     }
   }
 }
 
-TEST_F(MessagingTest, SkipsBrokenFilesAndSaysWhyOnce) {
-  const struct {
-    const char* file;
-    std::string content;
-    const char* problem;
-  } rows[] = {
-      {"a.json", "{", "a.json: is not valid JSON"},
-      {"b.json", "[]", "b.json: is JSON but not an object"},
-      {"c.json", R"({"cid":"c","payload":{}})", "c.json: \"mid\" must be a text that is not empty"},
-      {"d.json", R"({"mid":"m","payload":{}})", "d.json: \"cid\" must be a text"},
-      {"e.json", R"({"mid":"m","cid":""})", "e.json: \"payload\" must be an object"},
-      {"f.json", messageFile("m", R"({"imageFile":"../p.png"})"),
-       "f.json: \"imageFile\" ../p.png is no picture beside this file"},
-      {"g.json", messageFile("m", R"({"imageFile":"g.png"})"),
-       "g.json: \"imageFile\" g.png is no PNG, JPEG, GIF or WebP picture"},
-      {"tags.json", R"({"tags":7})", "tags.json: \"tags\" must be a list of texts"},
-      {"y.json", messageFile("m"), ""},
-      {"z.json", messageFile("m"), "z.json: has the \"mid\" and \"cid\" of y.json"},
-  };
-  write("g.png", "no picture");
-  for (const auto& row : rows) {
-    write(row.file, row.content);
-  }
+TEST_F(MessagingTest, TellsOfASkippedFileOnceUntilItIsMended) {
+  const std::string line = "skipped a.json: is not valid JSON\n";
+  write("a.json", "{");
+  EXPECT_EQ(count(), 0);
+  EXPECT_EQ(count(), 0);
+  EXPECT_EQ(said(), line);
+  EXPECT_EQ(listFrom(report(), "problems"), Array{"a.json: is not valid JSON"});
+  write("a.json", messageFile("m1"));
   EXPECT_EQ(count(), 1);
-  EXPECT_EQ(count(), 1);
-  for (const auto& row : rows) {
-    const std::string line = "skipped " + std::string(row.problem) + "\n";
-    const std::string all = said();
-    EXPECT_EQ(all.find(line) != std::string::npos, *row.problem != '\0') << all;
-    EXPECT_TRUE(*row.problem == '\0' || all.find(line) == all.rfind(line)) << row.problem;
-  }
-  EXPECT_EQ(listFrom(report(), "problems").size(), std::size(rows) - 1);
+  write("a.json", "{");
+  EXPECT_EQ(count(), 0);
+  EXPECT_EQ(said(), line + line);
+}
+
+TEST_F(MessagingTest, TakesNothingThatIsNotEncryptedAndStopsBesideIt) {
+  const int port = std::stoi(services_->messagingHost().substr(std::string("127.0.0.1:").size()));
+  EXPECT_FALSE(httplib::Client("127.0.0.1", port).Put("/api/inapp/count/", kAsking, "application/json"));
+  const int silent = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_port = htons(static_cast<std::uint16_t>(port));
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  ASSERT_EQ(connect(silent, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+  EXPECT_EQ(count(), 0);
+  services_->stop();
+  char byte = 0;
+  EXPECT_LE(recv(silent, &byte, 1, 0), 0);
+  close(silent);
 }
 
 TEST_F(MessagingTest, ExamplesAreWholeAndAwkwardOnesGoThrough) {
