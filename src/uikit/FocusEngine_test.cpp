@@ -75,8 +75,12 @@ TEST(FocusEngineTest, MovesAsTheEyeExpects) {
 }
 
 TEST(FocusEngineTest, GoesFurtherAsideBeforeAnythingIsLost) {
-  const Rects steep = {{0.0, 0.0, 10.0, 10.0}, {30.0, 500.0, 10.0, 10.0}};
-  EXPECT_TRUE(isConnected(steep));
+  // The second item is nearest to none, and too far aside of the first one.
+  const Rects aside = {{50.0, 60.0, 30.0, 110.0}, {110.0, 0.0, 150.0, 110.0}, {80.0, 160.0, 150.0, 110.0}};
+  EXPECT_TRUE(isConnected(aside));
+  EXPECT_EQ(moved(aside, 2, RemoteButton::Right), kNone) << "but no further than needed";
+  const Rects hidden = {{140.0, 90.0, 140.0, 80.0}, {160.0, 180.0, 10.0, 60.0}, {120.0, 170.0, 20.0, 100.0}};
+  EXPECT_TRUE(isConnected(hidden)) << "an arrow leaves its nearest aim for one that nothing else leads to";
   const Rects overlapping(5, {3.0, 3.0, 50.0, 50.0});
   EXPECT_TRUE(isConnected(overlapping)) << "even what lies in one place";
   const Rects empty(3, Rect{});
