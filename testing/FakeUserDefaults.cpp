@@ -25,6 +25,11 @@ std::optional<Value> FakeUserDefaults::get(std::string_view key) {
   return found != values_.end() ? std::optional<Value>(found->second) : std::nullopt;
 }
 
+bool FakeUserDefaults::contains(std::string_view key) {
+  const MutexLock lock(mutex_);
+  return values_.contains(key);
+}
+
 bool FakeUserDefaults::set(std::string_view key, Value value) {
   if (!isPropertyListValue(value)) {
     return false;

@@ -20,6 +20,7 @@ class FakeUserDefaults final : public UserDefaults {
   explicit FakeUserDefaults(const Dictionary& onDisk);
 
   std::optional<Value> get(std::string_view key) override;
+  bool contains(std::string_view key) override;
   bool set(std::string_view key, Value value) override;
   void remove(std::string_view key) override;
   void appendString(std::string_view key, std::string_view suffix) override;

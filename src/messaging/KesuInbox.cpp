@@ -154,7 +154,7 @@ void KesuInbox::keepHeaders(KesuInAppMessageType type, const Object& reply, cons
   // Kept: the list is not trimmed at 20 entries, however it grows.
   if (appendMarked(merged, list, false) > 0) {
     store(kHeadersDefault, type == KesuInAppMessageType::All ? Value(merged) : Value(std::move(merged)));
-    if (!defaults_.get(kPreviousHeadersDefault)) {
+    if (!defaults_.contains(kPreviousHeadersDefault)) {
       store(kPreviousHeadersDefault, "");
     }
     defaults_.synchronize();

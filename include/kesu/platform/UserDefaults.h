@@ -23,6 +23,9 @@ class KESU_API UserDefaults {
   /// A copy of the value under `key`, or nothing. A text that grew by appendString() comes back whole.
   virtual std::optional<Value> get(std::string_view key) = 0;
 
+  /// Whether there is a value under `key`, found without copying it.
+  virtual bool contains(std::string_view key) = 0;
+
   /// Stores a value. False when it is no property-list value; the old value then stays.
   virtual bool set(std::string_view key, Value value) = 0;
 

@@ -144,6 +144,13 @@ std::optional<Value> LinuxUserDefaults::get(std::string_view key) {
   return entry.isText ? Value(entry.text) : entry.value;
 }
 
+bool LinuxUserDefaults::contains(std::string_view key) {
+  openOnce();
+  const MutexLock lock(stateMutex_);
+  const auto found = entries_.find(key);
+  return found != entries_.end() && found->second.isPresent;
+}
+
 bool LinuxUserDefaults::holds(std::string_view key, const Value& value) {
   const auto found = entries_.find(key);
   if (found == entries_.end() || !found->second.isPresent) {

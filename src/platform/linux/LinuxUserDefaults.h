@@ -55,6 +55,7 @@ class LinuxUserDefaults final : public UserDefaults {
   void onCheckpointWanted(std::function<void()> ask) { askForCheckpoint_ = std::move(ask); }
 
   std::optional<Value> get(std::string_view key) override;
+  bool contains(std::string_view key) override;
   bool set(std::string_view key, Value value) override;
   void remove(std::string_view key) override;
   void appendString(std::string_view key, std::string_view suffix) override;

@@ -167,6 +167,8 @@ TEST_P(UserDefaultsContractTest, ALongArrayComesBackWhateverChangesInIt) {
   }
   array.resize(200, 1);
   EXPECT_TRUE(defaults().set("list", array));
+  EXPECT_TRUE(defaults().contains("list"));
+  EXPECT_FALSE(defaults().contains("other"));
   Array refused = array;
   refused[150] = Null{};
   EXPECT_FALSE(defaults().set("list", refused));

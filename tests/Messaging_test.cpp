@@ -1,0 +1,218 @@
+// Messages and tags as a host asks for them: on doubles, and over real TLS.
+#include "facade/Wiring.h"
+#include "foundation/Json.h"
+#include "graphics/PngEncoder.h"
+#include "messaging/InAppTemplateData.h"
+#include "testing/LoopbackServer.h"
+#include "testing/RealPlatform.h"
+#include "testing/SdkFixture.h"
+#include "testing/TemporaryDirectory.h"
+#include "testing/TestCertificates.h"
+
+namespace kesu {
+namespace {
+
+using testing::LoopbackServer;
+using testing::RealPlatform;
+using testing::ServedRequest;
+using testing::ServerAction;
+using Type = KesuInAppMessageType;
+
+std::string jsonText(const Object& value) {
+  std::string text;
+  writeJson(value ? *value : Value("nil"), text);
+  return text;
+}
+
+class MessagesOfAHostTest : public testing::SdkFixture {
+ protected:
+  Kesu::ObjectHandler listen() {
+    return [this](const Object& result) { told.push_back(jsonText(result)); };
+  }
+
+  /// Answers the request that is `fromEnd` places from the last.
+  void answer(const std::string& body, std::size_t fromEnd = 1) {
+    platform.http.answer(platform.http.requestCount() - fromEnd, 200, body);
+    platform.settle();
+  }
+
+  std::vector<std::string> told;
+};
+
+TEST_F(MessagesOfAHostTest, NeedsTheInitialisation) {
+  const std::function<void()> operations[] = {
+      [] { Kesu::countNewUnFetched({}); }, [] { Kesu::getMessageHeadersForType(Type::Read, {}); },
+      [] { Kesu::getMessageBodyWithCampaignID("c", "m", {}); }, [] { Kesu::getMessagesForType(Type::Read, {}); }};
+  for (const auto& operation : operations) {
+    try {
+      operation();
+      ADD_FAILURE() << "should throw";
+    } catch (const InternalInconsistencyException& exception) {
+      EXPECT_TRUE(std::string(exception.what()).starts_with("KesuAppKey needs to be set via initializeWithKey:"));
+    }
+  }
+  EXPECT_FALSE(Kesu::previousReadMessages());
+  EXPECT_NE(Kesu::registerForButtonClickOnInAppMessageWithSelector([](const KesuInAppStatus&) {}), 0U);
+  EXPECT_EQ(Kesu::registerForButtonClickOnInAppMessageWithSelector({}), 0U);
+  EXPECT_EQ(platform.http.requestCount(), 0U);
+}
+
+TEST_F(MessagesOfAHostTest, GoFromHeaderToBodyAndSurviveARestart) {
+  launch();
+  answerAll(200);
+  Kesu::getMessageHeadersForType(Type::Unread, listen());
+  answer(R"({"metadatalist":[{"mid":"m","cid":"c"}]})");
+  EXPECT_FALSE(Kesu::previousReadMessages()) << "not the text that stands for none";
+  Kesu::getMessageBodyWithCampaignID("c", "m", listen());
+  const auto requests = platform.http.requests();
+  EXPECT_TRUE(requests[requests.size() - 2].url.ends_with("/api/inapp/getmessage/"));
+  EXPECT_EQ(text(lastBody(), "action"), "delivered") << "right behind the request";
+  EXPECT_EQ(text(lastBody(), "kaid"), platform.defaults.text("localKaid"));
+  answer(R"({"payload":{"title":"Hello"}})", 2);
+  die();
+  launch();
+  answerAll(200);
+  Kesu::getMessageBodyWithCampaignID("c", "m", listen());
+  Kesu::getMessageHeadersForType(Type::Read, listen());
+  EXPECT_EQ(told, (std::vector<std::string>{R"([{"mid":"m","cid":"c"}])", R"({"payload":{"title":"Hello"}})",
+                                            R"({"payload":{"title":"Hello"}})",
+                                            R"([{"mid":"m","cid":"c","contentRead":true}])"}));
+  EXPECT_EQ(jsonText(Kesu::previousReadMessages()), told.back());
+}
+
+TEST_F(MessagesOfAHostTest, AnswersForTagsThatWereFetchedBefore) {
+  launch();
+  answerAll(200);
+  KesuPersonalizationIntelligence::sharedInstance().getTags(listen());
+  answer(R"({"tags":"{\"tags\":[\"gold\"]}"})");
+  relaunch();
+  EXPECT_TRUE(KesuPersonalizationIntelligence::isTagSet("gold"));
+  EXPECT_TRUE(KesuPersonalizationIntelligence::areAnyTagsSet({"silver", "gold"}));
+  EXPECT_FALSE(KesuPersonalizationIntelligence::areAllTagsSet({"silver", "gold"}));
+  EXPECT_EQ(told, std::vector<std::string>{R"(["gold"])"});
+}
+
+/// The library against a messaging service over TLS and a collector, both on this machine.
+class MessagesOverTlsTest : public ::testing::Test {
+ protected:
+  MessagesOverTlsTest() {
+    platform.bundle.dictionary.set("KesuMessagingHost", "127.0.0.1:" + std::to_string(service.port()));
+    service.onPath("/api/inapp/count/", ServerAction::reply(200, R"({"count":2})"));
+    service.onPath("/api/inapp/newUnFetched/", ServerAction::reply(200, R"({"metadatalist":[{"mid":"m","cid":"c"}]})"));
+    service.onPath("/api/inapp/getInAppMessages/", ServerAction::reply(200, R"({"payloadlist":[{"mid":"m"}]})"));
+    service.onPath("/api/inapp/getmessage/", ServerAction::reply(200, R"({"payload":{"title":null}})"));
+    service.onPath("/api/user-personalization/gettags",
+                   ServerAction::reply(200, R"({"tags":"{\"tags\":[\"gold\",\"sports\"]}"})"));
+    service.onPath("/api/devmode/inapp/count/", ServerAction::reply(200, R"({"count":99})"));
+    Kesu::initialize("key");
+  }
+
+  static LinuxHttpClientOptions trusting(const testing::TestCertificates& certificates) {
+    LinuxHttpClientOptions options;
+    options.caFile = certificates.caFile();
+    return options;
+  }
+
+  Kesu::ObjectHandler listen() {
+    return [this](const Object& result) { told.push_back(jsonText(result)); };
+  }
+  bool awaitTold(std::size_t count) {
+    return platform.pumpUntil([&] { return told.size() >= count; });
+  }
+
+  testing::TemporaryDirectory home;
+  testing::TestCertificates certificates;
+  LoopbackServer service{certificates.server().certificateFile, certificates.server().keyFile};
+  LoopbackServer collector;
+  RealPlatform platform{home.path(), collector.url(), trusting(certificates)};
+  std::vector<std::string> told;
+};
+
+TEST_F(MessagesOverTlsTest, ServesEveryQuestion) {
+  Kesu::countNewUnFetched([this](std::int64_t count) { told.push_back(std::to_string(count)); });
+  ASSERT_TRUE(awaitTold(1));
+  Kesu::getMessageHeadersForType(Type::All, listen());
+  ASSERT_TRUE(awaitTold(2));
+  Kesu::getMessagesForType(Type::Unread, listen());
+  ASSERT_TRUE(awaitTold(3));
+  Kesu::getMessageBodyWithCampaignID("c", "m", listen());
+  ASSERT_TRUE(awaitTold(4));
+  KesuPersonalizationIntelligence::getTags(listen());
+  ASSERT_TRUE(awaitTold(5));
+  platform.bundle.dictionary.set("devmode", "TRUE");
+  Kesu::countNewUnFetched([this](std::int64_t count) { told.push_back(std::to_string(count)); });
+  ASSERT_TRUE(awaitTold(6));
+  EXPECT_EQ(told, (std::vector<std::string>{"2", R"([{"mid":"m","cid":"c","contentRead":false}])", R"([{"mid":"m"}])",
+                                            R"({"payload":{"title":""}})", R"(["gold","sports"])", "99"}));
+  const std::pair<const char*, const char*> lines[] = {{"PUT", "/api/inapp/count/"},
+                                                       {"POST", "/api/inapp/newUnFetched/"},
+                                                       {"POST", "/api/inapp/getInAppMessages/"},
+                                                       {"PUT", "/api/inapp/getmessage/"},
+                                                       {"PUT", "/api/user-personalization/gettags"},
+                                                       {"PUT", "/api/devmode/inapp/count/"}};
+  const auto requests = service.requests();
+  ASSERT_EQ(requests.size(), std::size(lines));
+  for (std::size_t i = 0; i < requests.size(); ++i) {
+    EXPECT_EQ(requests[i].method + requests[i].target, std::string(lines[i].first) + lines[i].second);
+  }
+}
+
+TEST_F(MessagesOverTlsTest, SendsKeyAndIdentifiersAndTheReceiptToTheCollector) {
+  const std::size_t before = collector.requestCount();
+  Kesu::getMessageBodyWithCampaignID("c", "m", listen());
+  ASSERT_TRUE(awaitTold(1));
+  ASSERT_TRUE(collector.waitForRequests(before + 1));
+  const ServedRequest request = service.requests().front();
+  const Dictionary body = *parseJson(request.body)->dictionary();
+  EXPECT_EQ(*body.findText("kaid"), platform.defaults.text("localKaid"));
+  EXPECT_EQ(*body.findText("kaid2"), platform.defaults.text("localKaid2"));
+  EXPECT_EQ(*body.findText("mid") + *body.findText("cid") + *body.findText("kak"), "mckey");
+  std::string names;
+  for (const auto& [name, value] : request.headers) {
+    names += name + ";";
+  }
+  EXPECT_EQ(names, "Host;Content-Type;Accept-Encoding;Content-Length;");
+  const ServedRequest receipt = collector.requests().back();
+  EXPECT_EQ(receipt.header("t"), "n");
+  EXPECT_TRUE(receipt.body.starts_with(R"({"mid":"m","cid":"c","kak":"key","kaid":")")) << receipt.body;
+}
+
+TEST_F(MessagesOverTlsTest, AnswersNothingWhenTheServiceMisbehaves) {
+  LoopbackServer stranger;
+  const ServerAction actions[] = {ServerAction::reply(500, R"({"count":1})"),
+                                  ServerAction::reset(),
+                                  ServerAction::cutBody(100, "{"),
+                                  ServerAction::badGzip(),
+                                  ServerAction::endless(5'000'000),
+                                  ServerAction::redirect(307, stranger.url()),
+                                  ServerAction::reply(200, "")};
+  for (const ServerAction& action : actions) {
+    service.onPath("/api/inapp/count/", action);
+    const std::size_t before = told.size();
+    Kesu::countNewUnFetched([this](std::int64_t count) { told.push_back(std::to_string(count)); });
+    ASSERT_TRUE(awaitTold(before + 1));
+    EXPECT_EQ(told.back(), "0");
+  }
+  EXPECT_EQ(told.size(), std::size(actions)) << "each handler once";
+  EXPECT_EQ(stranger.requestCount(), 0U) << "no body goes to another host";
+}
+
+TEST_F(MessagesOverTlsTest, FetchesPicturesOnTheImageWorkerAndCachesThem) {
+  const Image picture(2, 1, {0xFF112233, 0xFF445566});
+  service.onPath("/i.png", ServerAction::reply(200, *encodePng(picture)));
+  const InAppTemplateData data({{"imageSourceURL", service.url("/i.png")}}, false);
+  std::atomic<bool> isThere{false};
+  data.downloadImageWithCompletionHandler(wiring().imageLoader, [&](const ImagePtr& image) {
+    sharedImageCache().cacheImage(image, data.imageURL());
+    isThere = image != nullptr;
+  });
+  ASSERT_TRUE(platform.pumpUntil([&] { return isThere.load(); }));
+  ASSERT_TRUE(platform.imageWorker.drain(10.0));
+  Application::shared().didReceiveMemoryWarning();
+  const ImagePtr cached = sharedImageCache().imageForURLString(data.imageURL());
+  ASSERT_NE(cached, nullptr);
+  EXPECT_EQ(cached->pixels()[1], picture.pixels()[1]);
+}
+
+}  // namespace
+}  // namespace kesu
