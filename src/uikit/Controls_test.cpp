@@ -195,6 +195,14 @@ TEST_F(TableTest, FadesWhereRowsAreCutAndTellsThePlace) {
   EXPECT_NEAR(place.frame().bottom(), 194.0, 1e-9);
   EXPECT_DOUBLE_EQ(place.frame().height, length);
   EXPECT_TRUE(Drawing(top).isEmpty()) << "nothing to fade into";
+  Window window;
+  window.addSubview(table);
+  table->setModal(true);
+  EXPECT_EQ(window.focusedView(), table.get());
+  EXPECT_EQ(place.frame().width, 8.0) << "seen to be focused";
+  table->setModal(false);
+  EXPECT_EQ(window.focusedView(), nullptr);
+  EXPECT_EQ(place.frame().width, 4.0);
   table->setBackgroundColor(Color::redColor());
   EXPECT_GT(Drawing(top).at(5, 0) >> 24, 240u);
   EXPECT_LT(Drawing(top).at(5, 19) >> 24, 200u);

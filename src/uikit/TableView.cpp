@@ -16,6 +16,9 @@ constexpr double kStep = 120.0;  // Of one press of an arrow, in points.
 constexpr double kScrollSeconds = 0.25;
 constexpr double kFadeHeight = 56.0;
 constexpr double kIndicatorWidth = 4.0;
+constexpr double kFocusedIndicatorWidth = 8.0;
+constexpr double kFocusSeconds = 0.2;
+constexpr Color kIndicatorColor{0.5, 0.5, 0.5, 0.75};  // Shows on light and dark pictures alike.
 constexpr double kIndicatorMargin = 6.0;
 constexpr double kShortestIndicator = 32.0;
 
@@ -36,15 +39,9 @@ class Fade : public View {
   bool isAtTop_;
 };
 
-/// Tells the place in the rows, in grey, which shows on light and dark pictures alike.
-class Indicator : public View {
- public:
-  Indicator() {
-    setUserInteractionEnabled(false);
-    setCornerRadius(kIndicatorWidth / 2.0);
-    setBackgroundColor({0.5, 0.5, 0.5, 0.75});
-  }
-};
+bool isLight(const Color& color) {
+  return color.alpha > 0.5 && 0.3 * color.red + 0.6 * color.green + 0.1 * color.blue > 0.5;
+}
 
 double sensibleHeight(double height) {
   return height > 0.0 ? std::min(height, kHighestRow) : 0.0;
@@ -57,8 +54,10 @@ TableView::TableView(const Rect& frame)
       content_(std::make_shared<View>()),
       topFade_(std::make_shared<Fade>(true)),
       bottomFade_(std::make_shared<Fade>(false)),
-      indicator_(std::make_shared<Indicator>()) {
+      indicator_(std::make_shared<View>()) {
   setClipsToBounds(true);
+  indicator_->setUserInteractionEnabled(false);
+  indicator_->setBackgroundColor(kIndicatorColor);
   for (const ViewPtr& part : {content_, topFade_, bottomFade_, indicator_}) {
     addSubview(part);
   }
@@ -116,6 +115,12 @@ bool TableView::handleArrow(RemoteButton arrow) {
   return true;
 }
 
+void TableView::didUpdateFocus() {
+  const Color outstanding = isLight(backgroundColor()) ? Color::black() : Color::white();
+  indicator_->setBackgroundColor(isFocused() ? outstanding.withAlpha(kIndicatorColor.alpha) : kIndicatorColor);
+  animate(kFocusSeconds, [this] { placeIndicator(); });
+}
+
 void TableView::sizeDidChange() {
   scroll(offset_);
 }
@@ -143,8 +148,10 @@ void TableView::placeIndicator() {
   const double share = contentHeight_ > 0.0 ? box.height / contentHeight_ : 1.0;
   const double length = std::min(track, std::max(kShortestIndicator, track * share));
   const double part = largestOffset() > 0.0 ? offset_ / largestOffset() : 0.0;
-  indicator_->setFrame({box.width - kIndicatorMargin - kIndicatorWidth, kIndicatorMargin + (track - length) * part,
-                        kIndicatorWidth, length});
+  const double width = isFocused() ? kFocusedIndicatorWidth : kIndicatorWidth;
+  indicator_->setCornerRadius(width / 2.0);
+  indicator_->setFrame(
+      {box.width - kIndicatorMargin - width, kIndicatorMargin + (track - length) * part, width, length});
   indicator_->setAlpha(largestOffset() > 0.0 ? 1.0 : 0.0);
 }
 

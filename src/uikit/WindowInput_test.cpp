@@ -3,7 +3,11 @@
 #include <kesu/ui/Controls.h>
 #include <kesu/ui/GestureRecognizer.h>
 
+#include <cmath>
+#include <random>
+
 #include "uikit/AccessibilityTree.h"
+#include "uikit/Animator.h"
 
 namespace kesu {
 namespace {
@@ -273,6 +277,97 @@ TEST_F(WindowInputTest, SurvivesWhateverACallbackTakesAway) {
   window.addSubview(next);
   EXPECT_TRUE(window.swipe(SwipeDirection::Up));
   EXPECT_EQ(next, nullptr);
+}
+
+/// Does anything to the views, out of callbacks too.
+class Monkey {
+ public:
+  Monkey(Window& window, View& modal) : window_(window), modal_(modal) {}
+
+  void step() {
+    const ViewPtr view = views_.empty() ? nullptr : views_[number(views_.size())];
+    const double amount = static_cast<double>(number(400));
+    const auto button = static_cast<RemoteButton>(number(7));
+    const std::vector<std::function<void()>> deeds = {
+        [&] { add(); },
+        [&] { modal_.setModal(number(20) != 0); },
+        [&] { window_.press(button, static_cast<PressPhase>(number(3))); },
+        [&] { window_.press(button, PressPhase::Began); },
+        [&] {
+          window_.tap({amount, static_cast<double>(number(400))});
+        },
+        [&] { window_.swipe(static_cast<SwipeDirection>(number(4))); },
+        [&] { Animator::shared().tick(now_ += amount / 1000.0); },
+        [&] { view != nullptr ? views_[number(views_.size())]->addSubview(view) : add(); },
+        [&] { view != nullptr ? view->setHidden(number(3) == 0) : add(); },
+        [&] { animate(amount / 500.0, [&] { view != nullptr ? view->setAlpha(amount / 300.0 - 0.2) : add(); }); },
+        [&] {
+          animate(
+              0.2,
+              [&] {
+                view != nullptr ? view->setCenter({amount, amount}) : add();
+              },
+              [this](bool) { remove(); });
+        },
+        [&] { view != nullptr ? window_.setFocusedView(view.get()) : add(); },
+        [&] { remove(); },
+    };
+    deeds[number(deeds.size())]();
+  }
+
+ private:
+  std::size_t number(std::size_t below) { return random_() % below; }
+
+  void add() {
+    auto button = std::make_shared<Button>(Rect{static_cast<double>(number(400)), static_cast<double>(number(400)),
+                                                static_cast<double>(number(90)), 50.0});
+    button->setAction([this](Button&) { step(); });
+    button->addGestureRecognizer(
+        std::make_shared<SwipeGestureRecognizer>(SwipeDirection::Left, [this](GestureRecognizer&) { remove(); }));
+    (views_.empty() || number(2) == 0 ? modal_ : *views_[number(views_.size())]).addSubview(button);
+    views_.push_back(button);
+  }
+
+  void remove() {
+    if (!views_.empty()) {
+      const std::size_t index = number(views_.size());
+      std::exchange(views_[index], views_.back())->removeFromSuperview();
+      views_.pop_back();
+    }
+  }
+
+  Window& window_;
+  View& modal_;
+  std::vector<ViewPtr> views_;
+  std::minstd_rand random_{5};
+  double now_ = 0.0;
+};
+
+std::size_t countFocused(const View& view) {
+  std::size_t count = view.isFocused() ? 1 : 0;
+  for (const ViewPtr& subview : view.subviews()) {
+    count += countFocused(*subview);
+  }
+  return count;
+}
+
+TEST_F(WindowInputTest, HasOneFocusWhateverHappens) {
+  backdrop->removeAllSubviews();
+  window.addSubview(backdrop);
+  Monkey monkey(window, *backdrop);
+  int withFocus = 0;
+  for (int step = 0; step < 5000; ++step) {
+    monkey.step();
+    View* focused = window.focusedView();
+    withFocus += focused != nullptr ? 1 : 0;
+    ASSERT_EQ(countFocused(window), focused != nullptr ? 1u : 0u) << step;
+    ASSERT_TRUE(focused == nullptr || (focused->isFocused() && window.modalView()->contains(*focused))) << step;
+    ASSERT_TRUE(std::isfinite(backdrop->takeDamage().width) && backdrop->drawnExtent().width < 1e6) << step;
+  }
+  EXPECT_GT(withFocus, 1000);
+  while (Animator::shared().isRunning()) {
+    Animator::shared().finishAll();
+  }
 }
 
 TEST_F(WindowInputTest, ReadsTheModalViewWithItsHeadingFirst) {

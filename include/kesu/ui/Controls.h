@@ -137,6 +137,7 @@ class KESU_API TableView : public View {
   bool canBecomeFocused() const override;
   /// Up and Down scroll by about two lines of text, to the end at most; false when nothing is left that way.
   bool handleArrow(RemoteButton arrow) override;
+  void didUpdateFocus() override;
 
  protected:
   void sizeDidChange() override;
