@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "DeliveryLog.h"
@@ -32,11 +33,11 @@ class MessagingService {
   static constexpr const char* kImagePath = "/images/";
   static constexpr const char* kHookPath = "/hook";
 
-  /// `directory` is given before the port is known, as the port is part of the messages: see serve(). The references
-  /// must outlive the service.
+  /// Serves nothing yet; the references must outlive the service.
   MessagingService(RecordStore& store, FaultTable& faults, Say say);
 
-  /// Serves this directory on that port from now on. Before the first request.
+  /// Serves this directory (empty: no messages) on that port from now on; the port stands in the addresses of pictures
+  /// and web hooks. Tells of broken files at once. Before the first request.
   void serve(const std::string& directory, int port);
 
   HttpReply handle(HttpRequest& request);
@@ -66,7 +67,7 @@ class MessagingService {
   int port_ = 0;
   DeliveryLog log_;
   Mutex mutex_;
-  std::vector<std::string> problems_ KESU_GUARDED_BY(mutex_);  // Those told already.
+  std::vector<std::string> problems_ KESU_GUARDED_BY(mutex_);  // Of the last reading: told already.
 };
 
 }  // namespace kesu::dev
