@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <stdexcept>
 
 #include "CatalogueTable.h"
 
@@ -160,6 +161,9 @@ bool ScriptHost::perform(const ScriptLine& line) {
     found->second(line);
   } catch (const kesu::InternalInconsistencyException& exception) {
     error_ = std::string(exception.name()) + ": " + exception.what();
+    return false;
+  } catch (const std::runtime_error& exception) {
+    error_ = exception.what();
     return false;
   }
   kesu::MainLoop::shared().pump();

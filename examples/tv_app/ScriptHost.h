@@ -3,6 +3,7 @@
 #include <functional>
 #include <map>
 #include <string>
+#include <utility>
 
 #include "ScriptClock.h"
 #include "ScriptLine.h"
@@ -13,8 +14,13 @@ namespace tv {
 /// pumped in between.
 class ScriptHost {
  public:
+  using Command = std::function<void(const ScriptLine&)>;
+
   /// `clock` is the one that the library uses; it must outlive the host.
   explicit ScriptHost(ScriptClock& clock);
+
+  /// Adds a command. It throws std::runtime_error with a reason to end the script.
+  void add(const std::string& name, Command command) { table_[name] = std::move(command); }
 
   /// Does one line. False, with a reason in error(), for an unknown command or misuse of the library.
   bool perform(const ScriptLine& line);
@@ -31,8 +37,6 @@ class ScriptHost {
   static const char* commands();
 
  private:
-  using Command = std::function<void(const ScriptLine&)>;
-
   void callCatalogue(const ScriptLine& line);
   void addLifeCycle();
   void addEvents();

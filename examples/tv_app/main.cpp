@@ -1,20 +1,22 @@
-// A host that a script drives: tv_app --script FILE, or "-" to take the lines from standard input as they come.
+// A small TV app that uses the library: in a window for people, or driven by a script (tv_app --script FILE, or "-" to
+// take the lines from standard input as they come).
 #include <kesu/kesu.h>
 #include <poll.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cstdio>
-#include <cstring>
 #include <fstream>
-#include <iostream>
+#include <stdexcept>
 #include <string>
 
+#include "Options.h"
+#include "ScreenScript.h"
 #include "ScriptHost.h"
 
 namespace {
 
 constexpr int kMisuse = 2;
+constexpr const char* kAppKey = "example-tv";
 
 int complain(const std::string& place, const std::string& reason) {
   std::fprintf(stderr, "tv_app: %s: %s\n", place.c_str(), reason.c_str());
@@ -68,18 +70,62 @@ int performInput(tv::ScriptHost& host) {
   return 0;
 }
 
+int runScript(const tv::Options& options) {
+  static tv::ScriptClock clock;  // The library's exit handler still asks it.
+  tv::ScreenScript screen(options.width, options.height, options.stateFile);
+  kesu::PlatformOptions platform;
+  platform.clock = &clock;
+  platform.urlOpener = [&](const std::string& url) { return screen.openLink(url); };
+  kesu::installLinuxPlatform(platform);
+  tv::ScriptHost host(clock);
+  screen.addTo(host);
+  return options.script == "-" ? performInput(host) : performFile(host, options.script);
+}
+
+int runWindow(const tv::Options& options) {
+  tv::TvApp* shown = nullptr;
+  kesu::PlatformOptions platform;
+  platform.urlOpener = [&](const std::string& url) { return shown != nullptr && shown->openLink(url); };
+  kesu::installLinuxPlatform(platform);
+  kesu::Kesu::initialize(kAppKey);
+
+  tv::Display display(options.isFullScreen ? tv::Display::Kind::FullScreen : tv::Display::Kind::Window, options.width,
+                      options.height);
+  kesu::Application::shared().didFinishLaunching();
+  {
+    tv::TvApp app(display.renderer(), options.stateFile);
+    shown = &app;
+    if (options.showsMessages) {
+      app.showMessages();
+    }
+    app.run();
+    shown = nullptr;
+  }
+  kesu::Application::shared().willTerminate();
+  return 0;
+}
+
+void printUsage() {
+  std::printf(
+      "usage: tv_app [--window] [--size WxH] [--fullscreen] [--show-messages] [--state FILE]\n"
+      "       tv_app --script FILE [--size WxH] [--state FILE]    (\"-\" reads lines from standard input)\n\n"
+      "  --show-messages  show the popup at once\n"
+      "  --state FILE     write a line for every change of screen or focus\n\n"
+      "Keys: arrows, Return, Escape. Commands of scripts:\n\n%s%s",
+      tv::ScriptHost::commands(), tv::ScreenScript::commands());
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 3 || std::strcmp(argv[1], "--script") != 0) {
-    std::printf("usage: tv_app --script FILE    (\"-\" reads lines from standard input)\n\n%s",
-                tv::ScriptHost::commands());
-    return argc == 2 && std::strcmp(argv[1], "--help") == 0 ? 0 : kMisuse;
+  const tv::Options options = tv::parseOptions(argc, argv);
+  if (options.wantsHelp || !options.error.empty()) {
+    printUsage();
+    return options.wantsHelp ? 0 : complain("command line", options.error);
   }
-  tv::ScriptClock clock;
-  kesu::PlatformOptions options;
-  options.clock = &clock;
-  kesu::installLinuxPlatform(options);
-  tv::ScriptHost host(clock);
-  return std::strcmp(argv[2], "-") == 0 ? performInput(host) : performFile(host, argv[2]);
+  try {
+    return options.script.empty() ? runWindow(options) : runScript(options);
+  } catch (const std::runtime_error& error) {
+    return complain("cannot go on", error.what());
+  }
 }

@@ -143,6 +143,7 @@ class SdlOverlay {
   bool needsFrame() const { return overlay_.needsFrame(); }
 
   Overlay& overlay() { return overlay_; }
+  const Overlay& overlay() const { return overlay_; }
 
  private:
   struct DestroyTexture {

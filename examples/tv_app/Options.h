@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+
+namespace tv {
+
+/// What the command line asks for.
+struct Options {
+  std::string script;  ///< "-" for standard input; empty for a window.
+  std::string stateFile;
+  int width = 1920;
+  int height = 1080;
+  bool isFullScreen = false;
+  bool showsMessages = false;
+  bool wantsHelp = false;
+  std::string error;  ///< Empty when all is well.
+};
+
+Options parseOptions(int argc, char** argv);
+
+}  // namespace tv

@@ -1,0 +1,140 @@
+#include "ScreenScript.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <map>
+#include <stdexcept>
+#include <utility>
+
+namespace tv {
+namespace {
+
+constexpr double kDefaultFrameSeconds = 0.5;
+constexpr Uint32 kFrameMilliseconds = 16;
+
+const char* nameOf(kesu::AccessibilityInfo::Role role) {
+  using Role = kesu::AccessibilityInfo::Role;
+  switch (role) {
+    case Role::None:
+      return "none";
+    case Role::Dialog:
+      return "dialog";
+    case Role::Heading:
+      return "heading";
+    case Role::Text:
+      return "text";
+    case Role::Image:
+      return "image";
+    case Role::Button:
+      return "button";
+  }
+  return "";
+}
+
+kesu::KesuInAppMessageType messageType(const std::string& name) {
+  if (name == "unread") {
+    return kesu::KesuInAppMessageType::Unread;
+  }
+  if (name == "read") {
+    return kesu::KesuInAppMessageType::Read;
+  }
+  if (name == "all") {
+    return kesu::KesuInAppMessageType::All;
+  }
+  throw std::runtime_error("messages are unread, read or all, not \"" + name + "\"");
+}
+
+void pushKey(Uint32 type, SDL_Keycode key) {
+  SDL_Event event{};
+  event.key.type = type;
+  event.key.state = type == SDL_KEYDOWN ? SDL_PRESSED : SDL_RELEASED;
+  event.key.keysym.sym = key;
+  SDL_PushEvent(&event);
+}
+
+}  // namespace
+
+ScreenScript::ScreenScript(int width, int height, std::string stateFile)
+    : width_(width), height_(height), stateFile_(std::move(stateFile)) {}
+
+void ScreenScript::addTo(ScriptHost& host) {
+  host.add("press", [this](const ScriptLine& line) { press(line.word(0)); });
+  host.add("link", [this](const ScriptLine& line) {
+    if (!app().openLink(line.word(0))) {
+      throw std::runtime_error("no such place: \"" + line.word(0) + "\"");
+    }
+  });
+  host.add("show-messages",
+           [this](const ScriptLine& line) { app().mailbox().show(messageType(line.word(0, "unread"))); });
+  host.add("dismiss", [this](const ScriptLine&) { app().mailbox().dismiss(); });
+  host.add("frame", [this](const ScriptLine& line) { drawFor(line.number(0).value_or(kDefaultFrameSeconds)); });
+  host.add("screenshot", [this](const ScriptLine& line) { saveScreenshot(line.word(0)); });
+  host.add("focus", [this](const ScriptLine&) {
+    std::printf("tv_app: focus is on %s\n", app().focus().c_str());
+    std::fflush(stdout);
+  });
+  host.add("accessibility", [this](const ScriptLine&) { printAccessibility(); });
+}
+
+const char* ScreenScript::commands() {
+  return "Screen (drawn into memory)\n"
+         "  press BUTTON          press up, down, left, right, select, menu or play\n"
+         "  link URL              open a link such as example-tv://show/night-train\n"
+         "  show-messages [TYPE]  show the messages of this type: unread, read or all\n"
+         "  dismiss               take the popup away\n"
+         "  frame SECONDS         run the main loop and draw for so long\n"
+         "  screenshot FILE       draw, and write what is on the screen as PNG\n"
+         "  focus                 print what is focused\n"
+         "  accessibility         print what a screen reader is told of the popup\n";
+}
+
+TvApp& ScreenScript::app() {
+  if (app_ == nullptr) {
+    display_ = std::make_unique<Display>(Display::Kind::OffScreen, width_, height_);
+    app_ = std::make_unique<TvApp>(display_->renderer(), stateFile_);
+    app_->step();
+  }
+  return *app_;
+}
+
+// The same way as from a keyboard.
+void ScreenScript::press(const std::string& button) {
+  static const std::map<std::string, SDL_Keycode> keys = {
+      {"up", SDLK_UP},         {"down", SDLK_DOWN},   {"left", SDLK_LEFT},     {"right", SDLK_RIGHT},
+      {"select", SDLK_RETURN}, {"menu", SDLK_ESCAPE}, {"play", SDLK_AUDIOPLAY}};
+  const auto key = keys.find(button);
+  if (key == keys.end()) {
+    throw std::runtime_error("the remote has no button \"" + button + "\"");
+  }
+  TvApp& pressed = app();
+  pushKey(SDL_KEYDOWN, key->second);
+  pushKey(SDL_KEYUP, key->second);
+  pressed.step();
+}
+
+void ScreenScript::drawFor(double seconds) {
+  TvApp& drawn = app();
+  const Uint64 end = SDL_GetTicks64() + static_cast<Uint64>(std::max(seconds, 0.0) * 1000.0);
+  do {
+    drawn.step();
+    SDL_Delay(kFrameMilliseconds);
+  } while (SDL_GetTicks64() < end);
+}
+
+void ScreenScript::saveScreenshot(const std::string& path) {
+  app().step();
+  if (!display_->saveScreenshot(path)) {
+    throw std::runtime_error("cannot write \"" + path + "\"");
+  }
+}
+
+void ScreenScript::printAccessibility() {
+  for (const kesu::AccessibilityNode& node : app().overlay().accessibilityTree()) {
+    std::printf("tv_app: %s %-7s \"%s\"%s%s%s at %.0f,%.0f %.0fx%.0f\n", node.isFocused ? "*" : " ", nameOf(node.role),
+                node.label.c_str(), node.value.empty() ? "" : " = \"", node.value.c_str(),
+                node.value.empty() ? "" : "\"", node.frame.x, node.frame.y, node.frame.width, node.frame.height);
+  }
+  std::fflush(stdout);
+}
+
+}  // namespace tv
