@@ -74,7 +74,9 @@ FontSet::FontSet(const FontChoice& choice) : map_(pango_cairo_font_map_new_for_f
   avoidRounding(context_);
 }
 
+// A font map that is destroyed with a configuration never lets go of it.
 FontSet::~FontSet() {
+  pango_fc_font_map_set_config(reinterpret_cast<PangoFcFontMap*>(map_), nullptr);
   g_object_unref(context_);
   g_object_unref(map_);
 }

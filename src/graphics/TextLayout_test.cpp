@@ -10,6 +10,7 @@
 
 #include "graphics/Canvas.h"
 #include "graphics/FontSet.h"
+#include "testing/FontRelease.h"
 
 namespace kesu {
 namespace {

@@ -6,6 +6,7 @@
 
 #include <memory>
 
+#include "testing/FontRelease.h"
 #include "uikit/Animator.h"
 #include "uikit/KeyWindow.h"
 

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <cairo.h>
+#include <fontconfig/fontconfig.h>
+#include <gtest/gtest.h>
+
+#include "graphics/TextLayout.h"
+
+namespace kesu {
+
+/// Has a test program end without fonts. LeakSanitizer takes what fontconfig holds for lost, since it finds its parts
+/// by offsets instead of pointers. A program's main() may not want to do the same: a host shares fontconfig with the
+/// library. Include this in one test file of every program that sets texts.
+class FontRelease : public testing::Environment {
+ public:
+  void TearDown() override {
+    releaseFonts();
+    cairo_debug_reset_static_data();
+    FcFini();
+  }
+};
+
+inline testing::Environment* const kFontRelease = testing::AddGlobalTestEnvironment(new FontRelease);
+
+}  // namespace kesu
