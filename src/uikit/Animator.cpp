@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "uikit/KeyWindow.h"
+#include "uikit/ViewProperty.h"
 
 namespace kesu {
 namespace {
@@ -20,14 +21,10 @@ constexpr double kPatienceSeconds = 1.0;  // How long after its end an animation
 constexpr double kWholeWay = 1.0 - 1e-9;  // Sums of frame times are a little off.
 constexpr int kCompletionRounds = 8;      // Completions that end other animations are followed this far in one frame.
 
-enum class Property { Center, Size, Transform, Alpha, Shadow };
-constexpr Property kProperties[] = {Property::Center, Property::Size, Property::Transform, Property::Alpha,
-                                    Property::Shadow};
-
 /// One value of a view on its way.
 struct Motion {
   View* view;
-  Property property;
+  ViewProperty property;
   std::uint64_t group;
   ViewGeometry from;  // Only the property counts.
   ViewGeometry to;
@@ -48,66 +45,6 @@ struct Group {
     return part < kWholeWay ? part : 1.0;
   }
 };
-
-double mix(double from, double to, double part) {
-  return part >= 1.0 ? to : from + (to - from) * part;
-}
-
-Color mix(const Color& from, const Color& to, double part) {
-  return {mix(from.red, to.red, part), mix(from.green, to.green, part), mix(from.blue, to.blue, part),
-          mix(from.alpha, to.alpha, part)};
-}
-
-Size mix(const Size& from, const Size& to, double part) {
-  return {mix(from.width, to.width, part), mix(from.height, to.height, part)};
-}
-
-Transform mix(const Transform& from, const Transform& to, double part) {
-  return {mix(from.scaleX, to.scaleX, part), mix(from.scaleY, to.scaleY, part), mix(from.moveX, to.moveX, part),
-          mix(from.moveY, to.moveY, part)};
-}
-
-Shadow mix(const Shadow& from, const Shadow& to, double part) {
-  return {mix(from.color, to.color, part), mix(from.opacity, to.opacity, part), mix(from.radius, to.radius, part),
-          mix(from.offset, to.offset, part)};
-}
-
-bool isSame(Property property, const ViewGeometry& one, const ViewGeometry& other) {
-  switch (property) {
-    case Property::Center:
-      return one.center == other.center;
-    case Property::Size:
-      return one.size == other.size;
-    case Property::Transform:
-      return one.transform == other.transform;
-    case Property::Alpha:
-      return one.alpha == other.alpha;
-    case Property::Shadow:
-      return one.shadow == other.shadow;
-  }
-  return true;
-}
-
-/// Sets one property of `geometry` to what lies at `part` of the way.
-void place(Property property, const ViewGeometry& from, const ViewGeometry& to, double part, ViewGeometry& geometry) {
-  switch (property) {
-    case Property::Center:
-      geometry.center = {mix(from.center.x, to.center.x, part), mix(from.center.y, to.center.y, part)};
-      break;
-    case Property::Size:
-      geometry.size = mix(from.size, to.size, part);
-      break;
-    case Property::Transform:
-      geometry.transform = mix(from.transform, to.transform, part);
-      break;
-    case Property::Alpha:
-      geometry.alpha = mix(from.alpha, to.alpha, part);
-      break;
-    case Property::Shadow:
-      geometry.shadow = mix(from.shadow, to.shadow, part);
-      break;
-  }
-}
 
 /// Slow at both ends.
 double eased(double part) {
@@ -134,8 +71,8 @@ struct Animator::State : std::enable_shared_from_this<Animator::State> {
   std::optional<MainLoop::TimerId> timer;
 
   Group* groupOf(std::uint64_t id);
-  void takeOver(const View& view, std::optional<Property> property);
-  void send(View& view, Property property, const ViewGeometry& to);
+  void takeOver(const View& view, std::optional<ViewProperty> property);
+  void send(View& view, ViewProperty property, const ViewGeometry& to);
   void advance(double time);
   void finish(std::uint64_t lastOfThem);
   void endGroups(const std::function<bool(const Group&)>& isOver);
@@ -153,7 +90,7 @@ Group* Animator::State::groupOf(std::uint64_t id) {
 }
 
 /// Takes one property of a view, or all, away from the animations that move it now: they end unfinished.
-void Animator::State::takeOver(const View& view, std::optional<Property> property) {
+void Animator::State::takeOver(const View& view, std::optional<ViewProperty> property) {
   const auto isTaken = [&](const Motion& motion) {
     return motion.view == &view && (!property || motion.property == *property);
   };
@@ -169,7 +106,7 @@ void Animator::State::takeOver(const View& view, std::optional<Property> propert
 }
 
 /// Starts one property on its way in the innermost call of animate().
-void Animator::State::send(View& view, Property property, const ViewGeometry& to) {
+void Animator::State::send(View& view, ViewProperty property, const ViewGeometry& to) {
   const std::uint64_t id = open.back();
   const auto own = std::ranges::find_if(motions, [&](const Motion& motion) {
     return motion.view == &view && motion.property == property && motion.group == id;
@@ -191,7 +128,7 @@ void Animator::State::advance(double time) {
   }
   for (const Motion& motion : motions) {
     ViewGeometry next = motion.view->presented();
-    place(motion.property, motion.from, motion.to, eased(groupOf(motion.group)->partAt(time)), next);
+    moveTo(motion.property, motion.from, motion.to, eased(groupOf(motion.group)->partAt(time)), next);
     present(*motion.view, next);
   }
   endGroups([&](const Group& group) { return group.partAt(time) >= 1.0; });
@@ -202,7 +139,7 @@ void Animator::State::finish(std::uint64_t lastOfThem) {
   for (const Motion& motion : motions) {
     if (motion.group <= lastOfThem) {
       ViewGeometry next = motion.view->presented();
-      place(motion.property, motion.from, motion.to, 1.0, next);
+      moveTo(motion.property, motion.from, motion.to, 1.0, next);
       present(*motion.view, next);
     }
   }
@@ -335,7 +272,7 @@ void Animator::finishAll() {
 void Animator::viewMoved(View& view, const ViewGeometry& from, const ViewGeometry& to) {
   const bool isGradual = !state_->open.empty() && state_->open.back() != 0;
   ViewGeometry next = view.presented();
-  for (const Property property : kProperties) {
+  for (const ViewProperty property : kViewProperties) {
     if (isSame(property, from, to)) {
       continue;
     }
@@ -346,7 +283,7 @@ void Animator::viewMoved(View& view, const ViewGeometry& from, const ViewGeometr
     if (view.isAnimated_) {
       state_->takeOver(view, property);
     }
-    place(property, to, to, 1.0, next);
+    moveTo(property, to, to, 1.0, next);
   }
   if (isGradual) {
     view.isAnimated_ = true;

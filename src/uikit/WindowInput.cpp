@@ -1,5 +1,4 @@
 #include <kesu/ui/Containers.h>
-#include <kesu/ui/GestureRecognizer.h>
 
 #include <algorithm>
 #include <bitset>
@@ -7,13 +6,12 @@
 #include <utility>
 
 #include "uikit/FocusEngine.h"
+#include "uikit/InputTargets.h"
 
 namespace kesu {
 namespace {
 
 constexpr std::size_t kButtons = static_cast<std::size_t>(RemoteButton::PlayPause) + 1;
-
-using RecognizerPtr = std::shared_ptr<GestureRecognizer>;
 
 bool isArrow(RemoteButton button) {
   return button <= RemoteButton::Right;
@@ -31,138 +29,6 @@ RemoteButton arrowOf(SwipeDirection direction) {
       break;
   }
   return RemoteButton::Down;
-}
-
-/// Whether a view itself, without those around it, can be seen and used.
-bool takesPart(const View& view) {
-  return !view.isHidden() && view.alpha() > 0.0 && view.isUserInteractionEnabled();
-}
-
-bool takesPartWithAncestors(const View& view) {
-  const View* one = &view;
-  while (one != nullptr && takesPart(*one)) {
-    one = one->superview();
-  }
-  return one == nullptr;
-}
-
-bool isFocusable(const View& view) {
-  return view.canBecomeFocused() && !view.bounds().isEmpty();
-}
-
-void findModal(View& view, View*& found) {
-  if (view.isHidden()) {
-    return;
-  }
-  found = view.isModal() ? &view : found;
-  for (View* subview : view.drawingOrder()) {
-    findModal(*subview, found);
-  }
-}
-
-void collectFocusable(View& view, std::vector<ViewPtr>& found) {
-  if (!takesPart(view)) {
-    return;
-  }
-  if (isFocusable(view)) {
-    found.push_back(view.shared_from_this());
-  }
-  for (const ViewPtr& subview : view.subviews()) {
-    collectFocusable(*subview, found);
-  }
-}
-
-std::vector<ViewPtr> focusableIn(View& modal) {
-  std::vector<ViewPtr> found;
-  if (modal.superview() != nullptr && takesPartWithAncestors(modal)) {
-    collectFocusable(modal, found);
-  }
-  return found;
-}
-
-Rect placeInWindow(const View& view) {
-  const Point origin = view.toWindow({});
-  return {origin.x, origin.y, view.bounds().width, view.bounds().height};
-}
-
-std::vector<Rect> placesOf(const std::vector<ViewPtr>& views) {
-  std::vector<Rect> places;
-  std::ranges::transform(views, std::back_inserter(places), [](const ViewPtr& view) { return placeInWindow(*view); });
-  return places;
-}
-
-/// The last recogniser of a view that was added and fits, or null.
-template <typename Fits>
-RecognizerPtr recognizerOf(const View& view, Fits fits) {
-  const auto& all = view.gestureRecognizers();
-  const auto found = std::find_if(all.rbegin(), all.rend(), [&](const RecognizerPtr& one) { return fits(*one); });
-  return found != all.rend() ? *found : nullptr;
-}
-
-template <typename Fits>
-RecognizerPtr frontmostRecognizer(const View& view, Fits fits) {
-  if (!takesPart(view)) {
-    return nullptr;
-  }
-  const std::vector<View*> order = view.drawingOrder();
-  for (auto subview = order.rbegin(); subview != order.rend(); ++subview) {
-    if (RecognizerPtr found = frontmostRecognizer(**subview, fits)) {
-      return found;
-    }
-  }
-  return recognizerOf(view, fits);
-}
-
-/// From the focused view outwards to the modal one, else the frontmost.
-template <typename Fits>
-RecognizerPtr findRecognizer(const View& modal, const View* focused, Fits fits) {
-  if (!takesPartWithAncestors(modal)) {
-    return nullptr;
-  }
-  for (const View* view = focused; view != nullptr && modal.contains(*view); view = view->superview()) {
-    if (RecognizerPtr found = recognizerOf(*view, fits)) {
-      return found;
-    }
-  }
-  return frontmostRecognizer(modal, fits);
-}
-
-RecognizerPtr recognizerOfPress(const View& modal, const View* focused, RemoteButton button) {
-  return findRecognizer(modal, focused, [button](const GestureRecognizer& one) {
-    const auto* tap = dynamic_cast<const TapGestureRecognizer*>(&one);
-    return tap != nullptr && std::ranges::count(tap->allowedPressTypes(), button) > 0;
-  });
-}
-
-RecognizerPtr recognizerOfSwipe(const View& modal, const View* focused, SwipeDirection direction) {
-  return findRecognizer(modal, focused, [direction](const GestureRecognizer& one) {
-    const auto* swipe = dynamic_cast<const SwipeGestureRecognizer*>(&one);
-    return swipe != nullptr && swipe->direction() == direction;
-  });
-}
-
-/// What a tap does: one of the two, or neither.
-struct Tapped {
-  RecognizerPtr recognizer;
-  ViewPtr view;
-};
-
-/// Every delegate around the touched view is asked; the innermost that may and can takes the tap.
-Tapped whatTapReaches(View& modal, View& touched) {
-  Tapped tapped;
-  for (View* view = &touched; view != nullptr && modal.contains(*view); view = view->superview()) {
-    for (const RecognizerPtr& one : std::vector<RecognizerPtr>(view->gestureRecognizers())) {
-      const bool isTap = dynamic_cast<TapGestureRecognizer*>(one.get()) != nullptr;
-      const bool mayTake = isTap && (one->delegate() == nullptr || one->delegate()->shouldReceiveTouch(*one, touched));
-      if (mayTake && tapped.recognizer == nullptr && tapped.view == nullptr) {
-        tapped.recognizer = one;
-      }
-    }
-    if (isFocusable(*view) && tapped.recognizer == nullptr && tapped.view == nullptr) {
-      tapped.view = view->shared_from_this();
-    }
-  }
-  return tapped;
 }
 
 }  // namespace
@@ -195,11 +61,7 @@ void Window::didChange() {
 }
 
 View* Window::modalView() const {
-  View* found = nullptr;
-  for (View* view : drawingOrder()) {
-    findModal(*view, found);
-  }
-  return isHidden() ? nullptr : found;
+  return isHidden() ? nullptr : frontmostModal(*this);
 }
 
 View* Window::focusedView() const {
@@ -372,7 +234,7 @@ bool Window::tap(Point point) {
   if (modal == nullptr) {
     return false;
   }
-  View* touched = takesPartWithAncestors(*modal) ? modal->hitTest(modal->fromWindow(point)) : nullptr;
+  View* touched = touchedView(*modal, point);
   if (touched != nullptr) {
     const ViewPtr kept = touched->shared_from_this();
     const Tapped tapped = whatTapReaches(*modal, *touched);

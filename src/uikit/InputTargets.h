@@ -1,0 +1,45 @@
+#pragma once
+
+#include <kesu/ui/GestureRecognizer.h>
+#include <kesu/ui/View.h>
+
+#include <memory>
+#include <vector>
+
+namespace kesu {
+
+// What a press, a swipe or a tap on a modal view is for. Hidden and transparent views and those that take no part in
+// interaction are never found, nor is anything inside of them.
+
+using RecognizerPtr = std::shared_ptr<GestureRecognizer>;
+
+/// The modal view in front of all others inside of `root`, or null. It may be transparent.
+View* frontmostModal(const View& root);
+
+/// Everything that can be focused, in the order of the tree.
+std::vector<ViewPtr> focusableIn(View& modal);
+
+/// Where a view lies in its window, transforms left out.
+Rect placeInWindow(const View& view);
+std::vector<Rect> placesOf(const std::vector<ViewPtr>& views);
+
+/// The tap recogniser that allows a button: from the focused view, which may be null, outwards to the modal one, else
+/// the frontmost. Null without any.
+RecognizerPtr recognizerOfPress(const View& modal, const View* focused, RemoteButton button);
+
+/// The recogniser of a swipe, found the same way.
+RecognizerPtr recognizerOfSwipe(const View& modal, const View* focused, SwipeDirection direction);
+
+/// The view at a point of the window, or null.
+View* touchedView(View& modal, Point point);
+
+/// Who takes a tap: a recogniser, or a view to be focused and activated, or neither.
+struct Tapped {
+  RecognizerPtr recognizer;
+  ViewPtr view;
+};
+
+/// The innermost around the touched view that can and may take a tap; every delegate on the way out is asked.
+Tapped whatTapReaches(View& modal, View& touched);
+
+}  // namespace kesu
