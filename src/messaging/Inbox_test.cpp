@@ -335,14 +335,14 @@ TEST_F(InboxTest, SurvivesMutatedReplies) {
       {R"({"metadatalist":)" + list + "}", [&] { inbox.kesu_getMessageHeadersForType(Type::All, listen()); }},
       {R"({"payloadlist":)" + list + "}", [&] { inbox.kesu_getMessagesForType(Type::Unread, listen()); }},
       {list.substr(1, list.size() - 2), [&] { inbox.kesu_getMessageWithContentID("", "m", listen()); }}};
-  for (const auto& [reply, ask] : parsers) {
+  for (const auto& parser : parsers) {
     int left = testing::kMutations;
-    testing::forEachMutation(reply, [&](const std::string& damaged) {
+    testing::forEachMutation(parser.first, [&](const std::string& damaged) {
       if (left-- % 100 == 0) {
         platform.defaults.remove(kHeadersDefault);
         platform.defaults.remove(kReadMessagesDefault);
       }
-      ask();
+      parser.second();
       const bool hasReceipt = platform.http.request(platform.http.requestCount() - 1).headers.front().first == "t";
       platform.http.answer(platform.http.requestCount() - (hasReceipt ? 2 : 1), 200, damaged);
       platform.settle();
