@@ -69,6 +69,7 @@ inline std::string pictureUrl(int width, int height) {
 /// A presenter with everything that it works with, on a platform of doubles, and a window that is key.
 struct MessageScreen {
   explicit MessageScreen(Platform& on) : platform(on) {
+    current_ = this;
     platform.defaults.set(kAppKeyDefault, "key");
     platform.defaults.set(kInstanceIdDefault, "kaid");
     platform.defaults.set(kInstanceId2Default, "kaid2");
@@ -96,7 +97,11 @@ struct MessageScreen {
   MessageImageLoader loader{platform.http, platform.imageWorker};
   KesuImageCache cache{platform.files, platform.imageWorker, platform.notifications};
   std::optional<KesuInAppPresenter> presenter{
-      std::in_place, KesuInAppPresenter::Services{platform, inbox, loader, cache, post, metrics}};
+      std::in_place, KesuInAppPresenter::Services{platform, inbox, loader,
+                                                  []() -> KesuImageCache& { return current_->cache; }, post, metrics}};
+
+ private:
+  static inline MessageScreen* current_ = nullptr;
 };
 
 }  // namespace kesu::testing

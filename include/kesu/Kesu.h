@@ -2,15 +2,21 @@
 
 #include <kesu/Export.h>
 #include <kesu/foundation/Value.h>
+#include <kesu/graphics/Color.h>
 #include <kesu/messaging/KesuInAppMessageType.h>
 #include <kesu/messaging/KesuInAppStatus.h>
 #include <kesu/platform/NotificationCenter.h>
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 
 namespace kesu {
+
+class View;
+class ViewController;
+struct KesuInAppOptions;
 
 /// The entry of the library. A host calls initialize() once, early, on its main thread; from then on everything else
 /// may be called. Nothing here waits for the network.
@@ -104,6 +110,53 @@ class KESU_API Kesu {
   /// handler, which is not registered. Does not need initialize().
   static NotificationCenter::Token registerForButtonClickOnInAppMessageWithSelector(
       std::function<void(const KesuInAppStatus&)> handler);
+
+  // The message popup. Main thread. It appears in the key window (see kesu::Overlay) once the messages are there; while
+  // it is up, or on its way, further shows are ignored. Before initialize() these throw InternalInconsistencyException.
+
+  /// Told about pressed buttons and about paging (index 10 or 11, status 3).
+  using InAppHandler = std::function<void(const KesuInAppStatus& status)>;
+
+  /// [Kesu
+  /// showInAppNotificationUI:forDisplayMessages:msgNavBarButtonsTextColor:msgNavBarButtonsBgColor:msgNavBarBgColor:
+  /// msgNavBarCounterTextColor:]
+  /// Shows messages for a screen of the host (or null), which is told of pressed buttons if it is also a
+  /// KesuInAppMessageDelegate. The colours are those of the bar with the arrows; unset ones have their defaults.
+  static void showInAppNotificationUI(ViewController* controller, KesuInAppMessageType displayMessages,
+                                      std::optional<Color> msgNavBarButtonsTextColor,
+                                      std::optional<Color> msgNavBarButtonsBgColor,
+                                      std::optional<Color> msgNavBarBgColor,
+                                      std::optional<Color> msgNavBarCounterTextColor);
+
+  /// [Kesu showUnreadInAppNotificationUI:] The same for unread messages: blue on a white bar.
+  static void showUnreadInAppNotificationUI(ViewController* controller);
+
+  /// [Kesu showInAppNotificationUIForDisplayMessages:navigationTextColor:withCompletionHandler:]
+  /// Shows messages; `handler` is told of pressed buttons.
+  static void showInAppNotificationUIForDisplayMessages(KesuInAppMessageType displayMessages,
+                                                        std::optional<Color> navigationTextColor, InAppHandler handler);
+
+  /// [Kesu showInAppNotificationUIForDisplayMessages:msgNavBarButtonsTextColor:msgNavBarButtonsBgColor:
+  /// msgNavBarBgColor:msgNavBarCounterTextColor:withCompletionHandler:] The same with all colours.
+  static void showInAppNotificationUIForDisplayMessages(KesuInAppMessageType displayMessages,
+                                                        std::optional<Color> msgNavBarButtonsTextColor,
+                                                        std::optional<Color> msgNavBarButtonsBgColor,
+                                                        std::optional<Color> msgNavBarBgColor,
+                                                        std::optional<Color> msgNavBarCounterTextColor,
+                                                        InAppHandler handler);
+
+  /// [Kesu showUnreadInAppNotificationUIWithCompletionHandler:] The same for unread messages: white on a dark bar.
+  static void showUnreadInAppNotificationUIWithCompletionHandler(InAppHandler handler);
+
+  /// [Kesu dismissInAppNotificationUI:] Closes the popup, or gives up what is on its way.
+  static void dismissInAppNotificationUI(bool animated);
+
+  /// [Kesu addBadge:] Adds a red badge with the number of new messages at the upper right corner of a view, once the
+  /// service has told it; each call adds another one. Nothing happens for null, and when the view has gone by then.
+  static void addBadge(View* view);
+
+  /// What the host changes about the popup (kesu/message_ui/KesuInAppOptions.h), from the next show on.
+  static void setInAppOptions(KesuInAppOptions options);
 
  private:
   struct Shared {};

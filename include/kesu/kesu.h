@@ -11,6 +11,8 @@
 #include <kesu/delivery/ConnectionMetrics.h>
 #include <kesu/foundation/Exception.h>
 #include <kesu/foundation/Value.h>
+#include <kesu/message_ui/KesuInAppMessageDelegate.h>
+#include <kesu/message_ui/KesuInAppOptions.h>
 #include <kesu/messaging/KesuInAppMessageType.h>
 #include <kesu/messaging/KesuInAppStatus.h>
 #include <kesu/personalization/KesuPersonalizationIntelligence.h>

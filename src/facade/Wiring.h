@@ -8,6 +8,7 @@
 #include "device/KesuMetrics.h"
 #include "lifecycle/KesuManager.h"
 #include "lifecycle/screens/ScreenTracker.h"
+#include "message_ui/KesuInAppPresenter.h"
 #include "messaging/KesuImageCache.h"
 #include "messaging/KesuInAppMessagesRequester.h"
 #include "messaging/KesuInbox.h"
@@ -16,6 +17,10 @@
 #include "records/DeploymentSettings.h"
 
 namespace kesu {
+
+/// [KesuImageCache sharedImageCache] The cache of message pictures, made (with its directory) at the first call. Any
+/// thread.
+KesuImageCache& sharedImageCache();
 
 /// Every object of the library and who knows whom: created in this order, on the installed platform, at the first call.
 struct Wiring {
@@ -30,6 +35,7 @@ struct Wiring {
   KesuInAppMessagesRequester requester{platform.http, platform.defaults, platform.clock, settings, post};
   KesuInbox inbox{platform.defaults, requester};
   MessageImageLoader imageLoader{platform.http, platform.imageWorker};
+  KesuInAppPresenter presenter{{platform, inbox, imageLoader, &sharedImageCache, post, metrics}};
   PersonalizationTags tags{platform.http, platform.defaults, settings};
   ScreenTracker& screens = sharedScreenTracker();
   KesuManager manager{platform, settings, metrics, post, resendPass, screens};
@@ -37,9 +43,5 @@ struct Wiring {
 
 /// The objects of this process, made at the first call. Never destroyed.
 Wiring& wiring();
-
-/// [KesuImageCache sharedImageCache] The cache of message pictures, made (with its directory) at the first call. Any
-/// thread.
-KesuImageCache& sharedImageCache();
 
 }  // namespace kesu

@@ -140,7 +140,7 @@ class Chance {
 
   void mayCloseInside() {
     ++shown;
-    if (upTo(8) == 0) {
+    if (screen_->presenter && upTo(8) == 0) {
       screen_->presenter->dismissViewController(upTo(2) == 0);
     }
   }

@@ -434,7 +434,7 @@ void KesuInAppPresenter::loadImage() {
 void KesuInAppPresenter::takeImage(const ImagePtr& original, const ImagePtr& shown, const std::string& url,
                                    const Turn& turn) {
   if (original != nullptr) {
-    services_.cache.cacheImage(original, url);
+    services_.cache().cacheImage(original, url);
   }
   if (shown == nullptr || !turn.isCurrent() || popupController_ == nullptr) {
     return;

@@ -51,7 +51,7 @@ class KesuInAppPresenter final : public KesuPopoverDelegate, public TableViewDat
     Platform& platform;
     KesuInbox& inbox;
     MessageImageLoader& loader;
-    KesuImageCache& cache;
+    KesuImageCache& (*cache)();  ///< Made when the first picture comes.
     KesuPost& post;
     KesuMetrics& metrics;
   };

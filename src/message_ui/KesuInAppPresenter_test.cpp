@@ -8,6 +8,7 @@
 
 #include "messaging/ButtonClicks.h"
 #include "support/KesuPriorityLogger.h"
+#include "testing/FontRelease.h"
 #include "testing/MessageScreen.h"
 #include "testing/RecordingPoster.h"
 #include "testing/ScopedPlatform.h"

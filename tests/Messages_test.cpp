@@ -1,0 +1,180 @@
+#include <kesu/graphics/Color.h>
+#include <kesu/ui/Controls.h>
+#include <kesu/ui/Overlay.h>
+#include <kesu/ui/View.h>
+
+#include "testing/SdkFixture.h"
+
+namespace kesu {
+namespace {
+
+/// The whole library, with a host's screen over which messages appear.
+class MessagesTest : public testing::SdkFixture {
+ protected:
+  /// Answers the oldest open request for a path; everything else stays open.
+  bool answer(const std::string& path, const std::string& reply) {
+    const auto requests = platform.http.requests();
+    for (std::size_t i = 0; i < requests.size(); ++i) {
+      if (requests[i].url.find(path) != std::string::npos && platform.http.answer(i, 200, reply)) {
+        platform.settle();
+        return true;
+      }
+    }
+    return false;
+  }
+
+  /// Lets the service answer a show with these headers and its first message.
+  void deliver(const char* metadataList) {
+    platform.settle();
+    ASSERT_TRUE(answer("/api/inapp/newUnFetched/", std::string(R"({"metadatalist":)") + metadataList + "}"));
+    deliverBody();
+  }
+
+  void deliverBody() {
+    ASSERT_TRUE(answer("/api/inapp/getmessage/",
+                       R"({"payload":{"title":"New season","msg":"Watch it now","templateId":"p","templateData":
+                       "{\"buttons\":[[\"Watch\",\"tv://watch\",\"#112233\",\"#ffffff\"]]}"}})"));
+    frames(0.4);
+  }
+
+  void frames(double seconds) {
+    overlay.layers(now);
+    now += seconds;
+    overlay.layers(now);
+    platform.settle();
+  }
+
+  void press(RemoteButton button) {
+    EXPECT_TRUE(overlay.press(button, PressPhase::Began));
+    EXPECT_TRUE(overlay.press(button, PressPhase::Ended));
+    platform.settle();
+  }
+
+  std::string heard() {
+    std::string text;
+    for (const AccessibilityNode& node : overlay.accessibilityTree()) {
+      text += node.label + (node.isFocused ? "* " : " ");
+    }
+    return text;
+  }
+
+  void show() {
+    Kesu::showUnreadInAppNotificationUIWithCompletionHandler(
+        [this](const KesuInAppStatus& status) { told.push_back(status); });
+  }
+
+  Overlay overlay;
+  std::vector<KesuInAppStatus> told;
+  double now = 5.0;
+};
+
+constexpr const char* kTwoHeaders = R"([{"mid":"a","cid":"c"},{"mid":"b","cid":"d"}])";
+
+TEST_F(MessagesTest, RunsFromShowToPressedButton) {
+  launch();
+  answerAll(200);
+  std::vector<KesuInAppStatus> notified;
+  Kesu::registerForButtonClickOnInAppMessageWithSelector(
+      [&](const KesuInAppStatus& status) { notified.push_back(status); });
+  show();
+  EXPECT_FALSE(overlay.isModal());
+  deliver(kTwoHeaders);
+  ASSERT_TRUE(overlay.isModal());
+  EXPECT_EQ(heard(), "New season New season Watch it now Watch* Showing 1 of 2 in-app messages Next message ");
+  forgetRequests();
+  press(RemoteButton::Select);
+  EXPECT_EQ(platform.urlOpener.urls, std::vector<std::string>{"tv://watch"});
+  ASSERT_EQ(told.size(), 1U);
+  EXPECT_EQ(told[0], (KesuInAppStatus{0, "a", "c", "Watch", {}, 2, {}}));
+  EXPECT_EQ(notified, told);
+  EXPECT_EQ(destinations(), "ne");
+  EXPECT_EQ(text(body(0), "action"), "cta");
+  EXPECT_EQ(text(body(0), "btnName"), "Watch");
+  EXPECT_EQ(text(body(1), "~e"), "Kesu.InAppCallToAction");
+  press(RemoteButton::Down);
+  press(RemoteButton::Select);
+  deliverBody();
+  ASSERT_EQ(told.size(), 2U);
+  EXPECT_EQ(told[1], (KesuInAppStatus{11, "b", "d", {}, {}, 3, {}}));
+  EXPECT_NE(heard().find("Previous message* Showing 2 of 2 "), std::string::npos) << heard();
+  press(RemoteButton::Menu);
+  EXPECT_TRUE(overlay.isModal()) << "it slides out";
+  frames(0.4);
+  EXPECT_FALSE(overlay.isModal());
+  EXPECT_FALSE(overlay.press(RemoteButton::Menu, PressPhase::Began)) << "the host's again";
+}
+
+TEST_F(MessagesTest, IgnoresShowsWhileOneIsUpAndShowsAgainAfterwards) {
+  launch();
+  show();
+  show();
+  deliver(kTwoHeaders);
+  EXPECT_FALSE(answer("newUnFetched/", "{}")) << "asked once";
+  show();
+  platform.settle();
+  EXPECT_FALSE(answer("newUnFetched/", "{}"));
+  Kesu::dismissInAppNotificationUI(false);
+  EXPECT_FALSE(overlay.isModal());
+  Kesu::showInAppNotificationUIForDisplayMessages(KesuInAppMessageType::All, Color::blueColor(), {});
+  deliver("[]");
+  EXPECT_TRUE(overlay.isModal());
+  endProcess();
+  platform.settle();
+  EXPECT_FALSE(overlay.isModal()) << "nothing of the library stays";
+}
+
+struct Host : ViewController, KesuInAppMessageDelegate {
+  void inAppMessageButtonHandlerWithIndex(std::int64_t, const std::string& title, const std::string&,
+                                          std::int64_t) override {
+    titles += title;
+  }
+  std::string titles;
+};
+
+TEST_F(MessagesTest, TellsTheScreenThatIsADelegate) {
+  launch();
+  Host host;
+  Kesu::showUnreadInAppNotificationUI(&host);
+  deliver(kTwoHeaders);
+  press(RemoteButton::Select);
+  EXPECT_EQ(host.titles, "Watch");
+}
+
+TEST_F(MessagesTest, AddsABadgeOnceTheCountIsThere) {
+  launch();
+  const auto shelf = std::make_shared<View>();
+  auto icon = std::make_shared<View>(Rect{100.0, 100.0, 50.0, 50.0});
+  shelf->addSubview(icon);
+  Kesu::addBadge(nullptr);
+  Kesu::addBadge(icon.get());
+  Kesu::addBadge(icon.get());
+  platform.settle();
+  ASSERT_TRUE(answer("/count/", R"({"count":3})"));
+  ASSERT_EQ(shelf->subviews().size(), 2U);
+  const auto badge = std::dynamic_pointer_cast<Label>(shelf->subviews()[1]);
+  EXPECT_EQ(badge->text(), "3");
+  EXPECT_EQ(badge->frame(), (Rect{137.0, 87.0, 26.0, 26.0}));
+  icon->removeFromSuperview();
+  icon.reset();
+  ASSERT_TRUE(answer("/count/", R"({"count":3})"));
+  EXPECT_EQ(shelf->subviews().size(), 1U) << "the view has gone";
+}
+
+TEST_F(MessagesTest, NeedsTheKey) {
+  const auto view = std::make_shared<View>();
+  const std::function<void()> calls[] = {
+      [] { Kesu::showInAppNotificationUI(nullptr, KesuInAppMessageType::All, {}, {}, {}, {}); },
+      [] { Kesu::showUnreadInAppNotificationUI(nullptr); },
+      [] { Kesu::showInAppNotificationUIForDisplayMessages(KesuInAppMessageType::All, {}, {}); },
+      [] { Kesu::showInAppNotificationUIForDisplayMessages(KesuInAppMessageType::All, {}, {}, {}, {}, {}); },
+      [] { Kesu::showUnreadInAppNotificationUIWithCompletionHandler({}); },
+      [] { Kesu::dismissInAppNotificationUI(true); },
+      [&] { Kesu::addBadge(view.get()); }};
+  for (const auto& call : calls) {
+    EXPECT_THROW(call(), InternalInconsistencyException);
+  }
+  Kesu::setInAppOptions({});
+}
+
+}  // namespace
+}  // namespace kesu
