@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "foundation/SharedInstance.h"
 #include "uikit/KeyWindow.h"
 #include "uikit/ViewProperty.h"
 
@@ -223,13 +224,17 @@ void Animator::State::timerFired(std::uint64_t lastOfTimer) {
 }
 
 Animator& Animator::shared() {
-  static Animator animator;
-  return animator;
+  return SharedInstance<Animator>::get();
 }
 
 Animator::Animator() : state_(std::make_shared<State>()) {}
 
-Animator::~Animator() = default;
+// Completions may own views, which say so here when they go.
+Animator::~Animator() {
+  state_->motions.clear();
+  const std::vector<Group> groups = std::exchange(state_->groups, {});
+  const std::vector<Group> ended = std::exchange(state_->ended, {});
+}
 
 void Animator::animate(double durationSeconds, const std::function<void()>& changes, AnimationCompletion completion) {
   const std::shared_ptr<State> state = state_;

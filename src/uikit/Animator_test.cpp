@@ -5,6 +5,7 @@
 
 #include <cmath>
 
+#include "foundation/SharedInstance.h"
 #include "testing/ScopedPlatform.h"
 
 namespace kesu {
@@ -13,8 +14,8 @@ namespace {
 class AnimatorTest : public ::testing::Test {
  protected:
   ~AnimatorTest() override {
-    while (animator.isRunning()) {
-      animator.finishAll();
+    while (Animator::shared().isRunning()) {
+      Animator::shared().finishAll();
     }
   }
 
@@ -26,7 +27,6 @@ class AnimatorTest : public ::testing::Test {
   double x() const { return view->presented().center.x; }
 
   testing::ScopedPlatform platform;
-  Animator& animator = Animator::shared();
   std::shared_ptr<View> view = std::make_shared<View>(Rect{0.0, 0.0, 100.0, 100.0});
   std::string heard;
 };
@@ -36,19 +36,19 @@ TEST_F(AnimatorTest, GoesSlowlyAtBothEnds) {
       0.4, [&] { view->setAlpha(0.0); }, note("a"));
   EXPECT_EQ(view->alpha(), 0.0) << "the aim is told at once";
   EXPECT_EQ(alpha(), 1.0);
-  animator.tick(10.0);
+  Animator::shared().tick(10.0);
   EXPECT_EQ(alpha(), 1.0) << "the first tick is the beginning";
-  animator.tick(10.1);
+  Animator::shared().tick(10.1);
   EXPECT_NEAR(alpha(), 1.0 - 0.15625, 1e-9);
-  animator.tick(10.2);
+  Animator::shared().tick(10.2);
   EXPECT_NEAR(alpha(), 0.5, 1e-9);
-  animator.tick(10.3);
+  Animator::shared().tick(10.3);
   EXPECT_NEAR(alpha(), 0.15625, 1e-9);
   EXPECT_EQ(heard, "");
-  animator.tick(10.4);
+  Animator::shared().tick(10.4);
   EXPECT_EQ(alpha(), 0.0);
   EXPECT_EQ(heard, "a+");
-  EXPECT_FALSE(animator.isRunning());
+  EXPECT_FALSE(Animator::shared().isRunning());
 }
 
 TEST_F(AnimatorTest, MovesEveryValueOnItsOwn) {
@@ -59,13 +59,13 @@ TEST_F(AnimatorTest, MovesEveryValueOnItsOwn) {
     view->setTransform({2.0, 3.0, 10.0, 20.0});
     view->setShadow(shadow);
   });
-  animator.tick(0.0);
-  animator.tick(0.5);
+  Animator::shared().tick(0.0);
+  Animator::shared().tick(0.5);
   const ViewGeometry half{
       {150.0, 137.5}, {200.0, 75.0}, {1.5, 2.0, 5.0, 10.0}, 1.0, {{0.5, 0.0, 0.0, 1.0}, 0.25, 5.0, {1.0, 2.0}}};
   EXPECT_TRUE(view->presented() == half);
   view->setTransform({});
-  animator.tick(1.0);
+  Animator::shared().tick(1.0);
   EXPECT_EQ(view->presented().size, (Size{300.0, 50.0}));
   EXPECT_EQ(view->presented().shadow, shadow);
   EXPECT_TRUE(view->presented().transform.isIdentity());
@@ -79,38 +79,38 @@ TEST_F(AnimatorTest, GoesOnFromWhereItIsWhenAnotherTakesOver) {
         view->setCenter({150.0, 50.0});
       },
       note("a"));
-  animator.tick(0.0);
-  animator.tick(0.5);
+  Animator::shared().tick(0.0);
+  Animator::shared().tick(0.5);
   animate(
       1.0, [&] { view->setAlpha(1.0); }, note("b"));
-  animator.tick(0.6);
+  Animator::shared().tick(0.6);
   EXPECT_NEAR(alpha(), 0.5, 1e-9);
-  animator.tick(1.0);
+  Animator::shared().tick(1.0);
   EXPECT_EQ(x(), 150.0);
   EXPECT_EQ(take(), "a-") << "one of its values did not arrive, the other had its time";
-  animator.tick(1.1);
+  Animator::shared().tick(1.1);
   EXPECT_NEAR(alpha(), 0.75, 1e-9);
   view->setAlpha(0.25);
   EXPECT_EQ(alpha(), 0.25);
   EXPECT_EQ(heard, "") << "nobody is called in the midst of a change";
-  EXPECT_TRUE(animator.isRunning());
+  EXPECT_TRUE(Animator::shared().isRunning());
   platform.settle();
   EXPECT_EQ(take(), "b-");
-  EXPECT_FALSE(animator.isRunning());
+  EXPECT_FALSE(Animator::shared().isRunning());
 }
 
 TEST_F(AnimatorTest, LeavesAnAnimationToTheSameAimAlone) {
   animate(
       0.3, [&] { view->setAlpha(0.0); }, note("a"));
-  animator.tick(0.0);
+  Animator::shared().tick(0.0);
   animate(
       0.3, [&] { view->setAlpha(0.0); }, note("b"));
   view->setAlpha(0.0);
   EXPECT_EQ(alpha(), 1.0);
-  animator.tick(0.1);
-  animator.tick(0.3);
+  Animator::shared().tick(0.1);
+  Animator::shared().tick(0.3);
   EXPECT_EQ(take(), "a+");
-  animator.tick(0.4);
+  Animator::shared().tick(0.4);
   EXPECT_EQ(take(), "b+") << "one without anything to move takes its time all the same";
 }
 
@@ -155,14 +155,14 @@ TEST_F(AnimatorTest, LetsCompletionsDoAnything) {
         view->setCenter({9.0, 9.0});
       },
       note("c"));
-  animator.tick(0.0);
-  animator.tick(0.1);
+  Animator::shared().tick(0.0);
+  Animator::shared().tick(0.1);
   EXPECT_EQ(heard, "a");
-  animator.tick(0.2);
-  animator.tick(0.3);
+  Animator::shared().tick(0.2);
+  Animator::shared().tick(0.3);
   EXPECT_EQ(view, nullptr);
   EXPECT_EQ(take(), "abc-") << "the view that went away ends its other animation";
-  EXPECT_FALSE(animator.isRunning());
+  EXPECT_FALSE(Animator::shared().isRunning());
 }
 
 TEST_F(AnimatorTest, FollowsEndsThatCauseEndsInOneFrame) {
@@ -172,14 +172,14 @@ TEST_F(AnimatorTest, FollowsEndsThatCauseEndsInOneFrame) {
         heard += finished ? "a+" : "a-";
         view->setTransform(Transform::scale(1.2));
       });
-  animator.tick(0.0);
+  Animator::shared().tick(0.0);
   animate(
       0.2, [&] { view->setTransform({}); },
       [&](bool finished) {
         heard += finished ? "b+" : "b-";
         view->setTransform({});
       });
-  animator.tick(0.1);
+  Animator::shared().tick(0.1);
   EXPECT_EQ(take(), "a-b-");
   EXPECT_TRUE(view->presented().transform.isIdentity());
 }
@@ -187,12 +187,12 @@ TEST_F(AnimatorTest, FollowsEndsThatCauseEndsInOneFrame) {
 TEST_F(AnimatorTest, NeverGoesBackInTime) {
   animate(
       1.0, [&] { view->setAlpha(0.0); }, note("a"));
-  animator.tick(100.0);
-  animator.tick(100.5);
-  animator.tick(3.0);
-  animator.tick(std::nan(""));
+  Animator::shared().tick(100.0);
+  Animator::shared().tick(100.5);
+  Animator::shared().tick(3.0);
+  Animator::shared().tick(std::nan(""));
   EXPECT_NEAR(alpha(), 0.5, 1e-9);
-  animator.tick(3.5);
+  Animator::shared().tick(3.5);
   EXPECT_EQ(take(), "a+") << "the clock went on from where it fell back to";
 }
 
@@ -207,8 +207,8 @@ TEST_F(AnimatorTest, EndsWhatNobodyDraws) {
   EXPECT_EQ(platform.mainLoop.nextDue(), std::nullopt) << "an idle application has no timer";
   animate(
       0.3, [&] { view->setAlpha(1.0); }, note("b"));
-  animator.tick(0.0);
-  animator.tick(0.3);
+  Animator::shared().tick(0.0);
+  Animator::shared().tick(0.3);
   EXPECT_EQ(take(), "b+");
   EXPECT_EQ(platform.mainLoop.nextDue(), std::nullopt);
 }
@@ -217,11 +217,21 @@ TEST_F(AnimatorTest, WaitsForWhomDrawsSlowly) {
   animate(
       0.3, [&] { view->setAlpha(0.0); }, note("a"));
   platform.mainLoop.runFor(1.0);
-  animator.tick(1.0);
+  Animator::shared().tick(1.0);
   platform.mainLoop.runFor(1.0);
   EXPECT_EQ(alpha(), 1.0) << "somebody draws";
   platform.mainLoop.runFor(1.0);
   EXPECT_EQ(take(), "a+") << "but not any more";
+}
+
+TEST_F(AnimatorTest, LetsGoOfWhatItsCompletionsOwn) {
+  const std::weak_ptr<View> gone = view;
+  animate(
+      0.3, [&] { view->setAlpha(0.0); }, [owned = view](bool) {});
+  view.reset();
+  EXPECT_FALSE(gone.expired());
+  resetSharedInstances();
+  EXPECT_TRUE(gone.expired());
 }
 
 TEST_F(AnimatorTest, WantsFrames) {

@@ -23,6 +23,11 @@ bool isFocusable(const View& view) {
   return view.canBecomeFocused() && !view.bounds().isEmpty();
 }
 
+/// Null for a window as well, which nobody shares.
+ViewPtr superviewOf(const View& view) {
+  return view.superview() != nullptr ? view.superview()->weak_from_this().lock() : nullptr;
+}
+
 void findModal(View& view, View*& found) {
   if (view.isHidden()) {
     return;
@@ -130,7 +135,8 @@ View* touchedView(View& modal, Point point) {
 
 Tapped whatTapReaches(View& modal, View& touched) {
   Tapped tapped;
-  for (View* view = &touched; view != nullptr && modal.contains(*view); view = view->superview()) {
+  const ViewPtr innermost = touched.shared_from_this();  // A delegate may take anything away.
+  for (ViewPtr view = innermost; view != nullptr && modal.contains(*view); view = superviewOf(*view)) {
     for (const RecognizerPtr& one : std::vector<RecognizerPtr>(view->gestureRecognizers())) {
       const bool isTap = dynamic_cast<TapGestureRecognizer*>(one.get()) != nullptr;
       const bool mayTake = isTap && (one->delegate() == nullptr || one->delegate()->shouldReceiveTouch(*one, touched));
@@ -139,7 +145,7 @@ Tapped whatTapReaches(View& modal, View& touched) {
       }
     }
     if (isFocusable(*view) && tapped.recognizer == nullptr && tapped.view == nullptr) {
-      tapped.view = view->shared_from_this();
+      tapped.view = view;
     }
   }
   return tapped;

@@ -102,14 +102,16 @@ void Window::updateFocus() {
 }
 
 /// Null takes the focus away, but not what is known about where it was.
-void Window::focus(const ViewPtr& next) {
-  if (input_->focused.lock() != next) {
+void Window::focus(const ViewPtr& wanted) {
+  if (input_->focused.lock() != wanted) {
     cancelSelect();
   }
+  View* modal = modalView();  // What was cancelled may have closed it.
+  const ViewPtr next = wanted != nullptr && modal != nullptr && modal->contains(*wanted) ? wanted : nullptr;
   const ViewPtr before = input_->focused.lock();
   if (next != nullptr) {
     input_->focusedPlace = placeInWindow(*next);
-    input_->focusedIn = modalView()->weak_from_this();
+    input_->focusedIn = modal->weak_from_this();
   }
   if (before == next) {
     return;
@@ -236,7 +238,7 @@ bool Window::tap(Point point) {
   }
   View* touched = touchedView(*modal, point);
   if (touched != nullptr) {
-    const ViewPtr kept = touched->shared_from_this();
+    const ViewPtr kept = modal->shared_from_this();
     const Tapped tapped = whatTapReaches(*modal, *touched);
     if (tapped.recognizer != nullptr) {
       tapped.recognizer->recognize();

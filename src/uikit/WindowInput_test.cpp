@@ -23,11 +23,18 @@ class Probe : public Button {
   void didUpdateFocus() override { say((isFocused() ? "+" : "-") + title()); }
   void pressesBegan(RemoteButton /*button*/) override { say(title() + "<"); }
   void pressesEnded(RemoteButton /*button*/) override { say(title() + ">"); }
-  void pressesCancelled(RemoteButton /*button*/) override { say(title() + "x"); }
+  void pressesCancelled(RemoteButton /*button*/) override {
+    say(title() + "x");
+    if (onCancel) {
+      onCancel();
+    }
+  }
   void activate() override {
     say(title() + "!");
     Button::activate();
   }
+
+  std::function<void()> onCancel;
 
  private:
   void say(const std::string& what) { heard_ += what + " "; }
@@ -83,6 +90,7 @@ class WindowInputTest : public ::testing::Test, private GestureRecognizerDelegat
 
   std::string heard;
   bool mayTouch = true;
+  std::function<void()> onTouch;
   std::vector<View*> touched;
   Window window;
   std::shared_ptr<View> backdrop = std::make_shared<View>(Rect{0.0, 0.0, 1920.0, 1080.0});
@@ -92,6 +100,9 @@ class WindowInputTest : public ::testing::Test, private GestureRecognizerDelegat
  private:
   bool shouldReceiveTouch(GestureRecognizer& /*recognizer*/, View& view) override {
     touched.push_back(&view);
+    if (onTouch) {
+      onTouch();
+    }
     return mayTouch;
   }
 };
@@ -254,6 +265,24 @@ TEST_F(WindowInputTest, TapsWhatLiesThere) {
   b->setUserInteractionEnabled(false);
   window.tap({320.0, 920.0});
   EXPECT_EQ(take(), "-b +c ");
+}
+
+TEST_F(WindowInputTest, ForgetsAnAimThatACallbackTookAway) {
+  open();
+  a->onCancel = [&] { backdrop->removeFromSuperview(); };
+  window.press(RemoteButton::Select, PressPhase::Began);
+  window.press(RemoteButton::Right, PressPhase::Began);
+  EXPECT_EQ(take(), "a< ax -a ");
+  EXPECT_FALSE(b->isFocused());
+  open();
+  onTouch = [&] {
+    backdrop->removeFromSuperview();
+    card->removeFromSuperview();
+    card.reset();
+    backdrop.reset();
+  };
+  EXPECT_TRUE(window.tap({110.0, 1070.0})) << "asking may close it, too";
+  EXPECT_EQ(window.focusedView(), nullptr);
 }
 
 TEST_F(WindowInputTest, SurvivesWhateverACallbackTakesAway) {

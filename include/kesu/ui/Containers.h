@@ -125,7 +125,7 @@ class KESU_API Window : public View {
 
   void resignKey();
   void didChange();
-  void focus(const ViewPtr& next);
+  void focus(const ViewPtr& wanted);
   void beginPress(RemoteButton button);
   void endPress(RemoteButton button);
   void cancelSelect();
