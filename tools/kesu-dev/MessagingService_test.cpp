@@ -312,6 +312,14 @@ TEST_F(MessagingTest, TellsOfASkippedFileOnceUntilItIsMended) {
   EXPECT_EQ(said(), line + line);
 }
 
+TEST_F(MessagingTest, RefusesWhatAWebPageMaySend) {
+  for (const httplib::Headers& headers :
+       {httplib::Headers{{"Host", "page.example"}}, httplib::Headers{{"Origin", "https://page.example"}},
+        httplib::Headers{{"Sec-Fetch-Site", "cross-site"}}}) {
+    EXPECT_EQ(client()->Put("/api/inapp/count/", headers, kAsking, "application/json")->status, 421);
+  }
+}
+
 TEST_F(MessagingTest, TakesNothingThatIsNotEncryptedAndStopsBesideIt) {
   const int port = std::stoi(services_->messagingHost().substr(std::string("127.0.0.1:").size()));
   EXPECT_FALSE(httplib::Client("127.0.0.1", port).Put("/api/inapp/count/", kAsking, "application/json"));

@@ -9,6 +9,8 @@
 #include <array>
 #include <csignal>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 
 #include "Services.h"
 #include "TestRecord.h"
@@ -151,7 +153,10 @@ TEST_F(ProgramTest, ServeEndsOnTerminationAndRemovesItsReadyFile) {
       (std::filesystem::temp_directory_path() / ("kesu_dev_ready_" + std::to_string(getpid()))).string();
   start({"serve", "--port", "0", "--ready-file", file});
   output("Ctrl-C");
-  EXPECT_TRUE(std::filesystem::exists(file));
+  std::ifstream ready(file);
+  const std::string written{std::istreambuf_iterator<char>(ready), {}};
+  EXPECT_NE(written.find("\nKESU_MESSAGING_HOST='127.0.0.1:"), std::string::npos) << written;
+  EXPECT_NE(written.find("\nKESU_CA_FILE='" + temporary_.path()), std::string::npos) << written;
   kill(pid_, SIGTERM);
   EXPECT_NE(output().find("all"), std::string::npos);
   EXPECT_EQ(status(), 0);
