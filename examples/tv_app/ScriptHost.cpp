@@ -9,6 +9,7 @@
 #include <stdexcept>
 
 #include "CatalogueTable.h"
+#include "MessageCommands.h"
 
 namespace tv {
 namespace {
@@ -38,6 +39,7 @@ ScriptHost::ScriptHost(ScriptClock& clock) : clock_(clock) {
   addEvents();
   addUser();
   addScript();
+  table_.merge(messageCommands());
 }
 
 void ScriptHost::addLifeCycle() {
@@ -140,6 +142,13 @@ const char* ScriptHost::commands() {
          "  traits k=v ...        post traits of the user\n"
          "  token BYTES           report the token for push notifications\n"
          "  push [ID] k=v ...     report a push notification with these entries (mid, cid)\n"
+         "Messages and tags (TYPE: 0 new, 1 read before, 2 all)\n"
+         "  count                 print how many new messages there are\n"
+         "  headers TYPE          print the headers of messages\n"
+         "  messages TYPE         print full messages\n"
+         "  body CID MID          print one message, which then counts as read\n"
+         "  tags                  fetch and print the personalization tags\n"
+         "  is-tag TAG            print whether that tag was among those fetched last\n"
          "Script\n"
          "  pump SECONDS          run the main loop for so long\n"
          "  clock +SECONDS        move the clock\n"

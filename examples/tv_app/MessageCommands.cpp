@@ -1,0 +1,102 @@
+#include "MessageCommands.h"
+
+#include <kesu/kesu.h>
+
+#include <algorithm>
+#include <cstdio>
+
+namespace tv {
+namespace {
+
+using Command = std::function<void(const ScriptLine&)>;
+
+void print(const std::string& what, const std::string& text) {
+  std::printf("tv_app: %s: %s\n", what.c_str(), text.c_str());
+  std::fflush(stdout);
+}
+
+// On one line, whatever the text holds.
+std::string quoted(std::string text) {
+  std::replace_if(
+      text.begin(), text.end(), [](char character) { return character >= 0 && character < ' '; }, ' ');
+  return "\"" + text + "\"";
+}
+
+std::string readable(const kesu::Value& value);
+
+std::string readable(const kesu::Array& array) {
+  std::string text = "[";
+  for (const kesu::Value& element : array) {
+    text += (text.size() > 1 ? ", " : "") + readable(element);
+  }
+  return text + "]";
+}
+
+std::string readable(const kesu::Dictionary& dictionary) {
+  std::string text = "{";
+  for (const auto& [key, value] : dictionary) {
+    text += (text.size() > 1 ? ", " : "") + key + ": " + readable(value);
+  }
+  return text + "}";
+}
+
+std::string readable(const kesu::Value& value) {
+  switch (value.kind()) {
+    case kesu::Value::Kind::Bool:
+      return *value.boolean() ? "yes" : "no";
+    case kesu::Value::Kind::Integer:
+      return std::to_string(*value.integer());
+    case kesu::Value::Kind::Real:
+      return std::to_string(*value.real());
+    case kesu::Value::Kind::Text:
+      return quoted(*value.text());
+    case kesu::Value::Kind::Array:
+      return readable(*value.array());
+    case kesu::Value::Kind::Dictionary:
+      return readable(*value.dictionary());
+    case kesu::Value::Kind::Null:
+      return "null";
+    case kesu::Value::Kind::Data:
+    case kesu::Value::Kind::Date:
+      break;
+  }
+  return "...";
+}
+
+// Prints what a handler of the library is told.
+std::function<void(const kesu::Object&)> printer(const std::string& what) {
+  return [what](const kesu::Object& result) { print(what, result ? readable(*result) : "none"); };
+}
+
+// The type of messages that the first word names; 0 without one.
+kesu::KesuInAppMessageType typeIn(const ScriptLine& line) {
+  return static_cast<kesu::KesuInAppMessageType>(static_cast<std::int64_t>(line.number(0).value_or(0)));
+}
+
+void fetchBody(const ScriptLine& line) {
+  kesu::Kesu::getMessageBodyWithCampaignID(line.word(0), line.word(1), printer("body"));
+}
+
+void askForTag(const ScriptLine& line) {
+  const bool isSet = kesu::KesuPersonalizationIntelligence::isTagSet(line.word(0));
+  print("is-tag " + line.word(0), isSet ? "yes" : "no");
+}
+
+}  // namespace
+
+std::map<std::string, Command> messageCommands() {
+  return {
+      {"count",
+       [](const ScriptLine&) {
+         kesu::Kesu::countNewUnFetched([](std::int64_t count) { print("count", std::to_string(count)); });
+       }},
+      {"headers",
+       [](const ScriptLine& line) { kesu::Kesu::getMessageHeadersForType(typeIn(line), printer("headers")); }},
+      {"messages", [](const ScriptLine& line) { kesu::Kesu::getMessagesForType(typeIn(line), printer("messages")); }},
+      {"body", fetchBody},
+      {"tags", [](const ScriptLine&) { kesu::KesuPersonalizationIntelligence::getTags(printer("tags")); }},
+      {"is-tag", askForTag},
+  };
+}
+
+}  // namespace tv
