@@ -51,6 +51,9 @@ class Painter {
   Painter(const Painter&) = delete;
   Painter& operator=(const Painter&) = delete;
 
+  /// The renderer has lost its textures: they are made anew.
+  void forget() { textures_.clear(); }
+
   /// Begins a frame on the whole of the renderer's output.
   void begin();
 

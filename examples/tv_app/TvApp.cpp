@@ -94,6 +94,10 @@ void TvApp::handle(const SDL_Event& event) {
     case SDL_WINDOWEVENT:
       handleWindow(event.window.event);
       break;
+    case SDL_RENDER_TARGETS_RESET:
+    case SDL_RENDER_DEVICE_RESET:
+      painter_.forget();
+      break;
     case SDL_CONTROLLERDEVICEADDED:
       SDL_GameControllerOpen(event.cdevice.which);
       break;
