@@ -45,7 +45,7 @@ class InAppTemplateData {
   Size imageSize() const { return {static_cast<double>(imageWidth_), static_cast<double>(imageHeight_)}; }
 
   /// [titleColor], [messageColor], [canvasColor] The message's colour, white without one; nothing when its text names
-  /// no colour.
+  /// no colour. Kept: white is for a missing text only, messages rely on it.
   std::optional<Color> titleColor() const { return colorOf(titleColorHex_); }
   std::optional<Color> messageColor() const { return colorOf(msgColor_); }
   std::optional<Color> canvasColor() const { return colorOf(canvasBgColor_); }

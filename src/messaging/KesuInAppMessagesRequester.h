@@ -38,7 +38,7 @@ class KesuInAppMessagesRequester {
 
   /// [messageWithMid:andCid:withKak:withKaid:withKaid2:withCompletionHandler:] One message, the whole reply; right
   /// behind the request, not waiting for its reply, the receipt "delivered" goes to the collector. Missing identifiers
-  /// are left out of both.
+  /// are left out of both. Kept: the receipt goes even if the fetch fails later; the service counts deliveries so.
   void messageWithMid(const Object& mid, const Object& cid, const ServiceCredentials& who, Handler handler);
 
   /// [getAllMessages:withKaid:withKaid2:withCompletionHandler:] The new messages in full: "payloadlist".

@@ -63,7 +63,7 @@ std::string identifierText(const Object& identifier) {
   return identifier ? describe(*identifier) : std::string();
 }
 
-// Null becomes "", one level deep.
+// Kept: null becomes "" at this level only, and not in arrays; hosts test for "" where the service sends null.
 Dictionary withoutNulls(const Dictionary& dictionary) {
   Dictionary copy;
   copy.reserve(dictionary.size());

@@ -59,7 +59,7 @@ class KesuInbox {
   void kesu_getMessageWithContentID(const Object& contentID, const Object& messageID, ObjectHandler handler);
 
   /// [kesu_previousReadMessages] The headers that were known before the last fetch; "" when there was none, nil when
-  /// nothing is kept.
+  /// nothing is kept. Kept: hosts tell "none yet" by that text.
   Object kesu_previousReadMessages();
 
  private:
