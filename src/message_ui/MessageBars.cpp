@@ -16,18 +16,23 @@ constexpr double kButtonRadius = 6.0;
 constexpr double kButtonBorder = 1.0;
 constexpr double kCounterScale = 0.85;
 constexpr double kTitleScale = 0.8;
+constexpr double kArrowFace = 0.2;  // How much of the arrow's colour is in the face behind it.
 constexpr Color kDarkBar{0.11, 0.12, 0.14, 1.0};
 constexpr Color kLightBar{0.95, 0.95, 0.97, 1.0};
 
-/// An arrow has no face of its own: while it is focused it gets a faint one, that it can be told from the other.
+/// An arrow has no face of its own: while it is focused it gets a faint one, that it can be told from the other. The
+/// face is opaque, since the button's shadow lies behind it.
 class ArrowButton : public KesuCustomBtn {
  public:
-  using KesuCustomBtn::KesuCustomBtn;
+  ArrowButton(const Rect& frame, const Color& face) : KesuCustomBtn(frame), face_(face) {}
 
   void didUpdateFocus() override {
     KesuCustomBtn::didUpdateFocus();
-    setBackgroundColor(isFocused() ? titleColor().withAlpha(0.2) : Color::clear());
+    setBackgroundColor(isFocused() ? face_ : Color::clear());
   }
+
+ private:
+  Color face_;
 };
 
 /// Keeps its title short enough to be read while it is focused: the card cuts off what is wider.
@@ -55,6 +60,11 @@ class ActionButton : public KesuCustomBtn {
   ImagePtr face_;
 };
 
+Color mixed(const Color& one, const Color& other, double part) {
+  const auto mix = [part](double from, double to) { return from + (to - from) * part; };
+  return {mix(one.red, other.red), mix(one.green, other.green), mix(one.blue, other.blue), 1.0};
+}
+
 std::uint32_t channel(double part, double alpha) {
   return static_cast<std::uint32_t>(std::lround(std::clamp(part, 0.0, 1.0) * alpha * 255.0));
 }
@@ -65,6 +75,12 @@ void dressButton(KesuCustomBtn& button, const Font& font, const Color& border) {
   button.setCornerRadius(kButtonRadius);
   button.setBorder(kButtonBorder, border);
   button.setClipsToBounds(true);
+}
+
+// What lies above is drawn over: else a seam shows where edges fall between pixels.
+Rect withOverlap(const Rect& frame) {
+  constexpr double kOverlap = 2.0;
+  return frame.isEmpty() ? frame : Rect{frame.x, frame.y - kOverlap, frame.width, frame.height + kOverlap};
 }
 
 std::string counterText(std::int64_t index, std::size_t count) {
@@ -84,15 +100,16 @@ ImagePtr imageWithColor(const Color& color) {
   return std::make_shared<const Image>(1, 1, std::vector<std::uint32_t>{pixel});
 }
 
-// The paging bar's background lies under the focused action button and its shadow, its text and arrows over them.
+// Backgrounds lie under the focused action button and its shadow, the counter and the arrows over them.
 MessageBars::MessageBars(Pressed actionPressed, Pressed arrowPressed)
     : actionPressed_(std::move(actionPressed)), arrowPressed_(std::move(arrowPressed)) {
   bottomBar_->addSubview(pagingBackground_);
+  bottomBar_->addSubview(buttonBackground_);
   bottomBar_->addSubview(buttonBar_);
   bottomBar_->addSubview(pagingBar_);
   pagingBar_->addSubview(counter_);
   counter_->setFont(kCounterFont);
-  counter_->setAlignment(TextAlignment::Center);
+  counter_->setAlignment(TextAlignment::Left);
   counter_->setMinimumScaleFactor(kCounterScale);
 }
 
@@ -112,7 +129,7 @@ void MessageBars::show(const BarContent& content) {
   const double top = buttonBar_->bounds().height;
   const double pagingHeight = content.count > 0 ? kBarHeight : 0.0;
   pagingBar_->setFrame({0.0, top, kCardWidth, pagingHeight});
-  pagingBackground_->setFrame(pagingBar_->frame());
+  pagingBackground_->setFrame(withOverlap(pagingBar_->frame()));
   Rect frame = bottomBar_->frame();
   frame.width = kCardWidth;
   frame.height = top + pagingHeight;
@@ -126,7 +143,8 @@ void MessageBars::showButtons(const BarContent& content) {
   buttonBar_->removeAllSubviews();
   controlBar_ = nullptr;
   buttonBar_->setFrame({0.0, 0.0, kCardWidth, count > 0 ? kBarHeight : 0.0});
-  buttonBar_->setBackgroundColor(content.canvas);
+  buttonBackground_->setFrame(count > 0 ? withOverlap(buttonBar_->frame()) : Rect{});
+  buttonBackground_->setBackgroundColor(content.canvas);
   if (count == 0) {
     return;
   }
@@ -150,18 +168,20 @@ void MessageBars::showButtons(const BarContent& content) {
 void MessageBars::showPaging(const BarContent& content) {
   const Color color = content.text.value_or(Color::white());
   const bool isShown = content.count > 0;
-  pagingBackground_->setBackgroundColor(barColor(content, color));
+  const Color bar = barColor(content, color);
+  pagingBackground_->setBackgroundColor(bar);
   pagingBar_->setHidden(!isShown);
   counter_->setFrame(pagingFrames(kCardWidth).label);
   counter_->setText(counterText(content.index, content.count));
   counter_->setTextColor(color);
   counter_->setAccessibility({AccessibilityInfo::Role::Text, counter_->text(), ""});
   const auto count = static_cast<std::int64_t>(content.count);
-  showArrow(previous_, isShown && content.index > 0, kPreviousTag, color);
-  showArrow(next_, isShown && content.index + 1 < count, kNextTag, color);
+  showArrow(previous_, isShown && content.index > 0, kPreviousTag, color, bar);
+  showArrow(next_, isShown && content.index + 1 < count, kNextTag, color, bar);
 }
 
-void MessageBars::showArrow(std::shared_ptr<KesuCustomBtn>& arrow, bool isShown, std::int64_t tag, const Color& color) {
+void MessageBars::showArrow(std::shared_ptr<KesuCustomBtn>& arrow, bool isShown, std::int64_t tag, const Color& color,
+                            const Color& bar) {
   if (!isShown) {
     if (arrow != nullptr) {
       arrow->setAction({});
@@ -175,7 +195,7 @@ void MessageBars::showArrow(std::shared_ptr<KesuCustomBtn>& arrow, bool isShown,
   }
   const bool isNext = tag == kNextTag;
   const PagingFrames frames = pagingFrames(kCardWidth);
-  arrow = std::make_shared<ArrowButton>(isNext ? frames.next : frames.previous);
+  arrow = std::make_shared<ArrowButton>(isNext ? frames.next : frames.previous, mixed(bar, color, kArrowFace));
   dressButton(*arrow, kArrowFont, Color::clear());
   arrow->setTitle(isNext ? "\u276F" : "\u276E");
   arrow->setTitleColor(color);

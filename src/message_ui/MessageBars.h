@@ -61,12 +61,14 @@ class MessageBars {
  private:
   void showButtons(const BarContent& content);
   void showPaging(const BarContent& content);
-  void showArrow(std::shared_ptr<KesuCustomBtn>& arrow, bool isShown, std::int64_t tag, const Color& color);
+  void showArrow(std::shared_ptr<KesuCustomBtn>& arrow, bool isShown, std::int64_t tag, const Color& color,
+                 const Color& bar);
 
   Pressed actionPressed_;
   Pressed arrowPressed_;
   ViewPtr bottomBar_ = std::make_shared<View>();
   ViewPtr pagingBackground_ = std::make_shared<View>();
+  ViewPtr buttonBackground_ = std::make_shared<View>();
   ViewPtr buttonBar_ = std::make_shared<View>();
   ViewPtr pagingBar_ = std::make_shared<View>();
   ViewPtr controlBar_;

@@ -110,12 +110,14 @@ double actionTitleWidth(const Rect& button, double barWidth, double scale) {
 
 PagingFrames pagingFrames(double barWidth) {
   constexpr Size kArrow{96.0, 64.0};
-  constexpr Size kLabel{250.0, 40.0};
+  constexpr double kLabelOffset = 125.0;  // From the middle to where the text begins: about half of its length.
+  constexpr double kLabelHeight = 40.0;
   constexpr double kArrowMargin = 16.0;  // A focused arrow, which is larger, still lies inside the bar.
   const double arrowTop = (kBarHeight - kArrow.height) / 2.0;
-  return {{kArrowMargin, arrowTop, kArrow.width, kArrow.height},
-          {barWidth - kArrowMargin - kArrow.width, arrowTop, kArrow.width, kArrow.height},
-          {barWidth / 2.0 - kLabel.width / 2.0, (kBarHeight - kLabel.height) / 2.0, kLabel.width, kLabel.height}};
+  const Rect previous{kArrowMargin, arrowTop, kArrow.width, kArrow.height};
+  const Rect next = previous.movedBy(barWidth - kArrowMargin - previous.right(), 0.0);
+  const double left = barWidth / 2.0 - kLabelOffset;
+  return {previous, next, {left, (kBarHeight - kLabelHeight) / 2.0, next.x - kCardGap - left, kLabelHeight}};
 }
 
 // The gaps add up to what calculateContentHeight() allows for.
