@@ -34,6 +34,7 @@ void measureIdle(Figures& figures);
 void measureLogging(Figures& figures);
 void measureSize(Figures& figures);
 void measureScreens(Figures& figures);
+void measurePopup(Figures& figures);
 
 // The programs.
 int fillStore(const std::vector<std::string>& arguments);   ///< HOME COUNT: stores that many records.

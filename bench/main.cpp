@@ -22,7 +22,7 @@ const std::vector<Row> kRows = {
     {"log", &measureLogging},   {"start", &measureStart},       {"store", &measureStoreWrite},
     {"exit", &measureExit},     {"failures", &measureFailures}, {"read", &measureReadBack},
     {"resend", &measureResend}, {"delivery", &measureDelivery}, {"delivery-tls", &measureDeliveryOverTls},
-    {"idle", &measureIdle},     {"size", &measureSize},
+    {"idle", &measureIdle},     {"size", &measureSize},         {"popup", &measurePopup},
 };
 
 const std::vector<Program> kPrograms = {{"fill-store", &fillStore}, {"post-and-end", &postAndEnd}};
