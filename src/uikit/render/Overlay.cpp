@@ -13,7 +13,7 @@
 namespace kesu {
 namespace {
 
-constexpr int kLargestSide = 16384;
+constexpr int kLargestSide = 8192;
 constexpr double kScreenWidth = 1920.0;
 constexpr double kScreenHeight = 1080.0;
 
