@@ -15,6 +15,7 @@ constexpr std::size_t kLongestLineBytes = std::size_t{4} * 1024;
 // The time for breaking one word grows with the square of its length: 64 kB without a space take 8 s.
 constexpr int kLongestWord = 160;
 constexpr int kLongestCluster = 480;
+constexpr int kLongestRow = 64;
 
 constexpr gunichar kReplacement = 0xFFFD;
 constexpr gunichar kZeroWidthSpace = 0x200B;
@@ -56,13 +57,17 @@ bool isControl(gunichar character) {
   return (character < 0x20 && character != '\t') || (character >= 0x7F && character <= 0x9F);
 }
 
-// Breaks endless words, but not between a letter and its marks as long as there is any end to those.
+bool joins(gunichar character) {
+  return character == kZeroWidthJoiner || g_unichar_ismark(character) != FALSE ||
+         g_unichar_iszerowidth(character) != FALSE;
+}
+
+// Breaks endless words, between letters and not between a letter and its marks.
 class WordBreaker {
  public:
   bool shouldBreakBefore(gunichar character) {
-    const bool joins = g_unichar_ismark(character) != FALSE || character == kZeroWidthJoiner ||
-                       previous_ == kZeroWidthJoiner || g_unichar_iszerowidth(character) != FALSE;
-    const bool breaks = count_ >= (joins ? kLongestCluster : kLongestWord);
+    const bool isInside = joins(character) || previous_ == kZeroWidthJoiner;
+    const bool breaks = count_ >= (isInside ? kLongestCluster : kLongestWord);
     count_ = breaks || g_unichar_isspace(character) != FALSE ? 0 : count_ + 1;
     previous_ = character;
     return breaks;
@@ -71,6 +76,21 @@ class WordBreaker {
  private:
   int count_ = 0;
   gunichar previous_ = 0;
+};
+
+// Leaves out what no text has: spaces and marks in rows without end, which take as long to set as endless words.
+class RowLimit {
+ public:
+  bool isOver(gunichar character) {
+    const bool isBlank = character == ' ' || character == '\t';
+    blanks_ = isBlank ? blanks_ + 1 : 0;
+    marks_ = joins(character) ? marks_ + 1 : 0;
+    return blanks_ > kLongestRow || marks_ > kLongestRow;
+  }
+
+ private:
+  int blanks_ = 0;
+  int marks_ = 0;
 };
 
 struct Typeface {
@@ -162,6 +182,7 @@ std::string settableText(std::string_view text, int lines) {
   std::string settable;
   settable.reserve(std::min(text.size(), most) + 8);
   WordBreaker breaker;
+  RowLimit limit;
   while (!text.empty() && settable.size() < most) {
     gunichar character = takeCharacter(text);
     if (character == '\r' && !text.empty() && text.front() == '\n') {
@@ -171,6 +192,9 @@ std::string settableText(std::string_view text, int lines) {
       character = lineEndFor(lines);
     } else if (isControl(character)) {
       character = ' ';
+    }
+    if (limit.isOver(character)) {
+      continue;
     }
     if (breaker.shouldBreakBefore(character)) {
       append(settable, kZeroWidthSpace);

@@ -159,6 +159,11 @@ TEST_F(TextLayoutTest, CutsTextThatNobodyReadsToTheEnd) {
   const TextLayout endless(repeated("x", 1000000), styleOf(0), {557.0, 0.0});
   EXPECT_GT(endless.lineCount(), 300);
   EXPECT_LE(endless.size().width, 557.0);
+  // So does setting rows of spaces and marks, of which only the first are kept.
+  const double wide = TextLayout("a" + repeated(" ", 64) + "b", styleOf(1), {}).size().width;
+  EXPECT_EQ(TextLayout("a" + repeated(" ", 1000000) + "b", styleOf(1), {}).size().width, wide);
+  EXPECT_EQ(TextLayout("a" + repeated("\u0301", 500000) + "b", styleOf(1), {}).size().width,
+            TextLayout("a" + repeated("\u0301", 64) + "b", styleOf(1), {}).size().width);
 }
 
 TEST_F(TextLayoutTest, HasSizesWithoutAnyFont) {
