@@ -123,6 +123,21 @@ TEST_F(MessagesTest, IgnoresShowsWhileOneIsUpAndShowsAgainAfterwards) {
   EXPECT_FALSE(overlay.isModal()) << "nothing of the library stays";
 }
 
+TEST_F(MessagesTest, ShowsAgainWhenTheHostHasDestroyedItsWindow) {
+  auto window = std::make_unique<Window>();
+  window->makeKeyAndVisible();
+  launch();
+  show();
+  deliver(kTwoHeaders);
+  EXPECT_FALSE(window->subviews().empty());
+  window.reset();
+  EXPECT_FALSE(overlay.isModal());
+  show();
+  platform.settle();
+  ASSERT_TRUE(answer("newUnFetched/", R"({"metadatalist":[]})"));
+  EXPECT_TRUE(overlay.isModal());
+}
+
 struct Host : ViewController, KesuInAppMessageDelegate {
   void inAppMessageButtonHandlerWithIndex(std::int64_t, const std::string& title, const std::string&,
                                           std::int64_t) override {

@@ -26,7 +26,7 @@ KesuInAppPresenter& initializedPresenter() {
 void show(ViewController* controller, KesuInAppMessageType type, const KesuInAppPresenter::Colors& colors,
           Kesu::InAppHandler handler) {
   KesuInAppPresenter& presenter = initializedPresenter();
-  if (presenter.isInAppShown()) {
+  if (presenter.isInAppShown() && !presenter.hasLostItsWindow()) {
     return;
   }
   presenter.setColors(colors);
@@ -82,6 +82,7 @@ void Kesu::addBadge(View* view) {
       addUnreadBadge(*alive, count);
     }
   });
+  wiring().presenter.loadFonts();
 }
 
 void Kesu::setInAppOptions(KesuInAppOptions options) {

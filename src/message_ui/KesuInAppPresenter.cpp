@@ -11,29 +11,16 @@
 #include "graphics/TextLayout.h"
 #include "message_ui/MessageLog.h"
 #include "message_ui/MessagePaging.h"
+#include "message_ui/SensibleOptions.h"
 #include "support/KesuPriorityLogger.h"
 
 namespace kesu {
 namespace {
 
 constexpr int kWidestPicture = 1160;  // The card's width on the finest screens, in pixels.
-constexpr double kLargestInset = 400.0;
 constexpr std::int64_t kStatusOtherMessage = 3;
 
 KesuInAppPresenter* sharedPresenter = nullptr;
-
-double sensibleInset(double inset) {
-  return inset > 0.0 ? std::min(inset, kLargestInset) : 0.0;
-}
-
-EdgeInsets sensibleInsets(const EdgeInsets& insets) {
-  return {sensibleInset(insets.top), sensibleInset(insets.left), sensibleInset(insets.bottom),
-          sensibleInset(insets.right)};
-}
-
-double sensibleScale(double scale) {
-  return std::isfinite(scale) ? std::clamp(scale, 0.5, 3.0) : 1.0;
-}
 
 std::optional<std::string> textIn(const Object& value) {
   const std::string* text = value ? value->text() : nullptr;
@@ -71,9 +58,7 @@ void KesuInAppPresenter::setCallbacks(CompletionBlock block, KesuInAppMessageDel
 }
 
 void KesuInAppPresenter::setOptions(KesuInAppOptions options) {
-  options_ = std::move(options);
-  options_.screenInsets = sensibleInsets(options_.screenInsets);
-  options_.textScale = sensibleScale(options_.textScale);
+  options_ = sensibleOptions(std::move(options));
 }
 
 void KesuInAppPresenter::forgetDelegate(const KesuInAppMessageDelegate* delegate) {
@@ -88,8 +73,6 @@ void KesuInAppPresenter::tell(const std::function<void()>& callback) {
     copy();
   }
 }
-
-// --- Fetching ---
 
 void KesuInAppPresenter::presentWithController(ViewController* controller, KesuInAppMessageType type) {
   if (popupController_ != nullptr) {
@@ -106,11 +89,15 @@ void KesuInAppPresenter::presentWithController(ViewController* controller, KesuI
   fetchUnreadMessage();
 }
 
-// The fonts are loaded while the service is thinking.
-void KesuInAppPresenter::fetchUnreadMessage() {
+void KesuInAppPresenter::loadFonts() {
   if (!areFontsReady()) {
     services_.platform.imageWorker.post([] { prepareFonts(); });
   }
+}
+
+// The fonts are loaded while the service is thinking.
+void KesuInAppPresenter::fetchUnreadMessage() {
+  loadFonts();
   services_.inbox.kesu_getMessageHeadersForType(inappMessageType_,
                                                 [this, turn = turns_.begin()](const Object& headers) {
                                                   if (turn.isCurrent()) {
@@ -217,8 +204,6 @@ void KesuInAppPresenter::whenFontsReady(std::function<void()> step) {
   });
 }
 
-// --- Layout ---
-
 bool KesuInAppPresenter::hasMessage() const {
   return model_ && (!model_->title.empty() || !model_->msg.empty() || hasPicture(templateData()) ||
                     (templateData() != nullptr && templateData()->buttonCount() > 0));
@@ -274,8 +259,6 @@ ViewPtr KesuInAppPresenter::loadCurrentTemplate(std::size_t /*row*/, double /*wi
   cell_->showImage(image_, false);
   return cell_;
 }
-
-// --- The popup ---
 
 void KesuInAppPresenter::showPopover() {
   const Turn turn = turns_.current();
@@ -348,6 +331,10 @@ void KesuInAppPresenter::focus(View* view) {
   }
 }
 
+bool KesuInAppPresenter::hasLostItsWindow() const {
+  return popupController_ != nullptr && popupController_->contentView().superview() == nullptr;
+}
+
 void KesuInAppPresenter::fitHeight(double barHeightBefore) {
   const double height = virtualHeight(contentHeight_, visibleHeight_);
   if (tableView_->bounds().height != height) {
@@ -356,8 +343,6 @@ void KesuInAppPresenter::fitHeight(double barHeightBefore) {
     popupController_->redock();
   }
 }
-
-// --- Paging ---
 
 void KesuInAppPresenter::swipeGestureHandle(SwipeDirection direction) {
   page(direction == SwipeDirection::Left ? kNextTag : kPreviousTag);
@@ -398,8 +383,6 @@ void KesuInAppPresenter::didPage(std::int64_t tag) {
     block(status);
   }
 }
-
-// --- The picture ---
 
 ImagePtr KesuInAppPresenter::imageWithImage(const ImagePtr& image, int width) {
   if (image == nullptr || image->width() <= width) {
@@ -449,8 +432,6 @@ void KesuInAppPresenter::takeImage(const ImagePtr& original, const ImagePtr& sho
     cell_->showImage(shown, true);
   }
 }
-
-// --- Buttons and the end ---
 
 // All that is needed is taken along: by the time it is needed the popup may show something else.
 void KesuInAppPresenter::inAppButtonClicked(const Button& button) {

@@ -92,6 +92,8 @@ class KesuInAppPresenter final : public KesuPopoverDelegate, public TableViewDat
   void inAppButtonClicked(const Button& button);
   /// [fetchUnreadMessageCount] Asks how many messages are new; unreadMessageCount() tells once the answer is there.
   void fetchUnreadMessageCount();
+  /// Has the fonts loaded on the image worker, unless they are there.
+  void loadFonts();
   /// [orientationChanged] Lays the popup out again for the screen's geometry.
   void orientationChanged();
 
@@ -107,6 +109,7 @@ class KesuInAppPresenter final : public KesuPopoverDelegate, public TableViewDat
   std::int64_t showIndex() const { return showIndex_; }
   const std::optional<InAppModel>& model() const { return model_; }
   bool isInAppShown() const { return isInAppShown_; }  ///< From present to close, fetching included.
+  bool hasLostItsWindow() const;  ///< Something is up, but the host has destroyed the window, or never had one.
   bool textOverlapsImage() const { return textOverlapsImage_; }
   std::int64_t unreadMessageCount() const { return unreadMessageCount_; }
   double contentHeight() const { return contentHeight_; }

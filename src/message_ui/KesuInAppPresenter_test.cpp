@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "graphics/TextLayout.h"
+#include "message_ui/SensibleOptions.h"
 #include "messaging/ButtonClicks.h"
 #include "support/KesuPriorityLogger.h"
 #include "testing/FontRelease.h"
@@ -155,6 +157,18 @@ TEST_F(PresenterTest, ShowsTheEmptyStateWhateverGoesWrongWithHeaders) {
     pass(0.4);
     EXPECT_TRUE(screen.window.subviews().empty());
   }
+}
+
+TEST_F(PresenterTest, LoadsFontsOnTheWorkerAndWaitsForThem) {
+  releaseFonts();
+  platform.defaults.set("midcidArray", Array());
+  presenter().presentWithController(nullptr, KesuInAppMessageType::Read);
+  platform.mainLoop.runAll();
+  EXPECT_FALSE(areFontsReady());
+  EXPECT_FALSE(isUp());
+  platform.settle();
+  EXPECT_TRUE(areFontsReady());
+  EXPECT_TRUE(isUp());
 }
 
 TEST_F(PresenterTest, StartsWhereItsRuleSays) {
@@ -337,6 +351,9 @@ TEST_F(PresenterTest, HeedsTheHostsOptions) {
   show({"x"}, bodyReply("Title", "Text"));
   const double plainHeight = presenter().contentHeight();
   presenter().dismissViewController(false);
+  EXPECT_EQ(sensibleOptions({{-1.0, NAN, 1e9, 5.0}, NAN, {}, {}, {}, {}, {}, {}}).screenInsets,
+            (EdgeInsets{0.0, 0.0, 400.0, 5.0}));
+  EXPECT_EQ(sensibleOptions({{}, NAN, {}, {}, {}, {}, {}, {}}).textScale, 1.0);
   presenter().setOptions(options);
   show({"a", "b"}, bodyReply("Title", "Text"));
   EXPECT_EQ(presenter().responseValue().size(), 1U);
