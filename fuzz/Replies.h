@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <functional>
+#include <string>
+
+#include "delivery/KesuPost.h"
+#include "delivery/KesuStore.h"
+#include "messaging/KesuInbox.h"
+#include "testing/ScopedPlatform.h"
+
+namespace kesu::fuzz {
+
+/// The messaging client on doubles. Each input is a reply; what becomes of it must be one of the
+/// described outcomes.
+struct Client {
+  testing::ScopedPlatform platform;
+  DeploymentSettings settings{platform.bundle};
+  KesuStore store{platform.files, platform.defaults, platform.clock};
+  KesuPost post{platform.http, platform.defaults, platform.clock, settings, store};
+  KesuInAppMessagesRequester requester{platform.http, platform.defaults, platform.clock, settings, post};
+  KesuInbox inbox{platform.defaults, requester};
+  int told = 0;
+
+  /// A handler that counts its calls and checks what it is told.
+  KesuInbox::ObjectHandler listen(const std::function<bool(const Value&)>& isDescribed) {
+    return [this, isDescribed](const Object& result) {
+      ++told;
+      if (result && !isDescribed(*result)) {
+        std::abort();
+      }
+    };
+  }
+
+  /// Answers the first request with the input; the handler must then have been called once.
+  void answer(const std::uint8_t* data, std::size_t size) {
+    platform.http.answer(0, 200, std::string(reinterpret_cast<const char*>(data), size));
+    platform.settle();
+    if (told != 1) {
+      std::abort();
+    }
+  }
+};
+
+}  // namespace kesu::fuzz
