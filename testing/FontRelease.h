@@ -16,7 +16,9 @@ class FontRelease : public testing::Environment {
   void TearDown() override {
     releaseFonts();
     cairo_debug_reset_static_data();
-    FcFini();
+    FcConfig* nothing = FcConfigCreate();  // FcFini() would not wait for threads that still look up fonts.
+    FcConfigSetCurrent(nothing);
+    FcConfigDestroy(nothing);
   }
 };
 
