@@ -47,6 +47,7 @@ void Display::openWindow(bool isFullScreen, int width, int height) {
     fail();
   }
   renderer_.reset(SDL_CreateRenderer(window_.get(), -1, SDL_RENDERER_PRESENTVSYNC));
+  SDL_FlushEvent(SDL_WINDOWEVENT);  // Choosing a renderer hides and shows the window: nobody went away.
   SDL_ShowCursor(isFullScreen ? SDL_DISABLE : SDL_ENABLE);
 }
 

@@ -53,7 +53,7 @@ std::string describe(const kesu::KesuInAppStatus& status) {
     case 3:
       return status.urlString ? "Cannot open " + *status.urlString : "";
     case 4:
-      return "The message says \"" + status.urlString.value_or("") + "\"";
+      return "This is yours: " + status.urlString.value_or("");
     case 5:
       return status.error ? "That did not work" : "Done";
     default:

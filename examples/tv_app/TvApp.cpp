@@ -15,7 +15,9 @@ namespace {
 
 constexpr Uint64 kFrameMilliseconds = 16;
 constexpr Uint64 kToastMilliseconds = 3500;
-constexpr float kLongestStepSeconds = 0.1F;  // After a pause everything goes on from where it was.
+constexpr float kLongestStepSeconds = 0.1F;     // After a pause everything goes on from where it was.
+constexpr std::int64_t kIdentifierForHost = 4;  // KesuInAppStatus::status.
+constexpr std::int64_t kFirstArrow = 10;        // KesuInAppStatus::buttonIndex of the arrows that page.
 constexpr std::string_view kLinkScheme = "example-tv://";
 
 }  // namespace
@@ -24,7 +26,7 @@ TvApp::TvApp(SDL_Renderer& renderer, const std::string& stateFile)
     : renderer_(renderer),
       painter_(renderer),
       overlay_(&renderer),
-      mailbox_([this](const auto& status) { say(describe(status)); }) {
+      mailbox_([this](const auto& status) { messageAnswered(status); }) {
   if (!stateFile.empty()) {
     state_.open(stateFile);
   }
@@ -178,6 +180,29 @@ void TvApp::say(const std::string& text) {
   isStale_ = true;
 }
 
+// The popup stays until somebody closes it: this app does when one of the message's buttons was pressed, whatever it
+// led to. Such a button may hand an identifier to the host: "list/ID" puts a show on the list.
+void TvApp::messageAnswered(const kesu::KesuInAppStatus& status) {
+  if (status.buttonIndex >= kFirstArrow) {
+    return;
+  }
+  mailbox_.dismiss();
+  const std::string word = status.status == kIdentifierForHost ? status.urlString.value_or("") : "";
+  const Show* show = word.starts_with("list/") ? findShow(word.substr(5)) : nullptr;
+  if (show != nullptr) {
+    myList_.insert(show->id);
+    say(show->title + " is on your list");
+  } else {
+    say(describe(status));
+  }
+}
+
+// Without news, what was read before.
+void TvApp::showMessages() {
+  using enum kesu::KesuInAppMessageType;
+  mailbox_.show(mailbox_.unread() > 0 ? Unread : All);
+}
+
 void TvApp::push(std::unique_ptr<Screen> screen) {
   leaveScreen();
   screens_.push_back(std::move(screen));
@@ -220,7 +245,8 @@ bool TvApp::openLink(const std::string& url) {
     return false;
   }
   const std::string path = url.substr(kLinkScheme.size());
-  const Show* show = path.starts_with("show/") ? findShow(path.substr(5)) : nullptr;
+  const std::string id = path.substr(std::min(path.size(), path.find('/') + 1));
+  const Show* show = path.starts_with("show/") || path.starts_with("trailer/") ? findShow(id) : nullptr;
   if (show != nullptr) {
     showDetail(*show);
   } else if (path == "settings") {
@@ -233,12 +259,17 @@ std::string TvApp::focus() const {
   if (!overlay_.overlay().isModal()) {
     return screen().name() + ": " + screen().focus();
   }
+  std::string title;
+  std::string focused = "nothing";
   for (const kesu::AccessibilityNode& node : overlay_.overlay().accessibilityTree()) {
+    if (title.empty()) {
+      title = node.label;  // A popup tells its title first.
+    }
     if (node.isFocused) {
-      return "Popup: " + node.label;
+      focused = node.label;
     }
   }
-  return "Popup: nothing";
+  return title.empty() ? "Popup" : "Popup \"" + title + "\": " + focused;
 }
 
 void TvApp::noticeChanges() {

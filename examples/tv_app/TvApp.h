@@ -30,10 +30,11 @@ class TvApp : public Navigator {
   /// Takes the events that are there, lets the library work, and draws if something has changed. Never waits.
   void step();
 
-  /// example-tv://show/ID opens a show, example-tv://settings the settings. Returns whether the link is one of these.
+  /// example-tv://show/ID and example-tv://trailer/ID open a show, example-tv://settings the settings. Returns whether
+  /// the link is one of these.
   bool openLink(const std::string& url);
 
-  /// Where the user is, and on what: "Shelf: Night Train", or "Popup: ..." while a message is shown.
+  /// Where the user is, and on what: Shelf: Night Train, or Popup "Title": Button while a message is shown.
   std::string focus() const;
 
   Mailbox& mailbox() { return mailbox_; }
@@ -41,13 +42,14 @@ class TvApp : public Navigator {
 
   void showDetail(const Show& show) override;
   void showSettings() override;
-  void showMessages() override { mailbox_.show(); }
+  void showMessages() override;
   void goBack() override;
   void say(const std::string& text) override;
   std::int64_t unreadMessages() const override { return mailbox_.unread(); }
 
  private:
   Screen& screen() const { return *screens_.back(); }
+  void messageAnswered(const kesu::KesuInAppStatus& status);
   void push(std::unique_ptr<Screen> screen);
   void enterScreen();
   void leaveScreen();

@@ -96,7 +96,7 @@ int runWindow(const tv::Options& options) {
     tv::TvApp app(display.renderer(), options.stateFile);
     shown = &app;
     if (options.showsMessages) {
-      app.showMessages();
+      app.mailbox().show();
     }
     app.run();
     shown = nullptr;
