@@ -1,5 +1,7 @@
 #include "message_ui/MessageBars.h"
 
+#include <kesu/ui/Containers.h>
+
 #include <algorithm>
 #include <cmath>
 #include <string>
@@ -35,10 +37,24 @@ class ArrowButton : public KesuCustomBtn {
   Color face_;
 };
 
-/// Keeps its title short enough to be read while it is focused: the card cuts off what is wider.
+}  // namespace
+
+/// Keeps its title short enough to be read while it is focused: the card cuts off what is wider. Down leads to an arrow
+/// wherever that lies, since there is nothing else below.
 class ActionButton : public KesuCustomBtn {
  public:
   using KesuCustomBtn::KesuCustomBtn;
+
+  void setWayDown(std::weak_ptr<View> arrow) { wayDown_ = std::move(arrow); }
+
+  bool handleArrow(RemoteButton arrow) override {
+    const ViewPtr below = arrow == RemoteButton::Down ? wayDown_.lock() : nullptr;
+    if (below == nullptr || window() == nullptr) {
+      return false;
+    }
+    window()->setFocusedView(below.get());
+    return true;
+  }
 
   void setFace(ImagePtr face) { face_ = std::move(face); }
 
@@ -58,7 +74,10 @@ class ActionButton : public KesuCustomBtn {
 
  private:
   ImagePtr face_;
+  std::weak_ptr<View> wayDown_;
 };
+
+namespace {
 
 Color mixed(const Color& one, const Color& other, double part) {
   const auto mix = [part](double from, double to) { return from + (to - from) * part; };
@@ -114,14 +133,19 @@ MessageBars::MessageBars(Pressed actionPressed, Pressed arrowPressed)
 }
 
 MessageBars::~MessageBars() {
-  for (const auto& button : buttons_) {
-    button->setAction({});
-  }
+  dropButtons();
   for (const auto& arrow : {previous_, next_}) {
     if (arrow != nullptr) {
       arrow->setAction({});
     }
   }
+}
+
+void MessageBars::dropButtons() {
+  for (const auto& button : buttons_) {
+    button->setAction({});
+  }
+  buttons_.clear();
 }
 
 void MessageBars::show(const BarContent& content) {
@@ -139,7 +163,7 @@ void MessageBars::show(const BarContent& content) {
 
 void MessageBars::showButtons(const BarContent& content) {
   const std::size_t count = content.data != nullptr ? content.data->buttonCount() : 0;
-  buttons_.clear();
+  dropButtons();
   buttonBar_->removeAllSubviews();
   controlBar_ = nullptr;
   buttonBar_->setFrame({0.0, 0.0, kCardWidth, count > 0 ? kBarHeight : 0.0});
@@ -178,6 +202,11 @@ void MessageBars::showPaging(const BarContent& content) {
   const auto count = static_cast<std::int64_t>(content.count);
   showArrow(previous_, isShown && content.index > 0, kPreviousTag, color, bar);
   showArrow(next_, isShown && content.index + 1 < count, kNextTag, color, bar);
+  for (const auto& button : buttons_) {
+    const bool isLeft = button->frame().center().x < kCardWidth / 2.0;
+    const auto& nearer = isLeft ? previous_ : next_;
+    button->setWayDown(nearer != nullptr ? nearer : isLeft ? next_ : previous_);
+  }
 }
 
 void MessageBars::showArrow(std::shared_ptr<KesuCustomBtn>& arrow, bool isShown, std::int64_t tag, const Color& color,

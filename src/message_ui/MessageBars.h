@@ -22,6 +22,8 @@ inline constexpr std::int64_t kNextTag = 11;
 /// [imageWithColor:] A picture of one pixel in this colour, to be stretched.
 ImagePtr imageWithColor(const Color& color);
 
+class ActionButton;
+
 /// What a message's bars show.
 struct BarContent {
   const InAppTemplateData* data = nullptr;  ///< Its buttons are shown; null for none.
@@ -59,6 +61,7 @@ class MessageBars {
   View* focusAfter(std::int64_t arrowTag) const;
 
  private:
+  void dropButtons();
   void showButtons(const BarContent& content);
   void showPaging(const BarContent& content);
   void showArrow(std::shared_ptr<KesuCustomBtn>& arrow, bool isShown, std::int64_t tag, const Color& color,
@@ -75,7 +78,7 @@ class MessageBars {
   std::shared_ptr<Label> counter_ = std::make_shared<Label>();
   std::shared_ptr<KesuCustomBtn> previous_;
   std::shared_ptr<KesuCustomBtn> next_;
-  std::vector<std::shared_ptr<KesuCustomBtn>> buttons_;
+  std::vector<std::shared_ptr<ActionButton>> buttons_;
 };
 
 }  // namespace kesu
