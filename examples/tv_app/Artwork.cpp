@@ -47,7 +47,7 @@ float elevation(Land land, float x, int ridge, std::uint32_t seed) {
   switch (land) {
     case Land::Mountains: {
       const float peaks = 1.0F - std::abs(2.0F * fractal(x * (1.6F + nearness * 1.5F), seed, 6) - 1.0F);
-      return peaks * (0.34F - 0.2F * nearness);
+      return peaks * peaks * (0.36F - 0.2F * nearness);
     }
     case Land::Hills:
       return fractal(x * 1.8F, seed, 3) * 0.22F;
@@ -181,9 +181,9 @@ class ScenePainter {
       }
     }
     if (scene_.land == Land::Mountains && !scene_.hasStars && ridge < 2) {
-      const float jags = 0.05F * fractal(x * 9.0F + y * 17.0F, scene_.seed, 3);
-      color =
-          mix(color, {0.97F, 0.95F, 0.98F}, 0.85F * cover(y - top - 0.02F - jags - 0.25F * (kHorizon - 0.06F - top)));
+      const float jags = 0.10F * smoothNoise(x * 26.0F, scene_.seed) + 0.04F * smoothNoise(x * 83.0F, scene_.seed + 1);
+      const float snowLine = (ridge == 0 ? 0.35F : 0.45F) + jags;
+      color = mix(color, {0.98F, 0.95F, 0.96F}, 0.85F * cover(y - snowLine));
     }
     return color;
   }
@@ -237,7 +237,7 @@ class ScenePainter {
     const float hill = 0.09F * std::exp(-dx * dx * 14.0F) + 0.012F * fractal(x * 14.0F, 9, 3) - 0.015F;
     color = mix(color, scene_.near, y < shore ? cover(shore - y - hill) : 0.0F);
     color = mix(color, scene_.near, y < shore ? 0.0F : 0.6F * cover(y - shore - hill * 0.6F));  // Its reflection.
-    const float tower = std::max({std::abs(dx) - 0.036F + up * 0.035F, -up, up - 0.35F});
+    const float tower = std::max({std::abs(dx) - 0.036F + up * 0.035F, -up, up - 0.36F});
     const bool isStripe = std::fmod(up + 1.0F, 0.14F) < 0.07F;
     color = mix(color, isStripe ? Rgb{0.86F, 0.83F, 0.80F} : Rgb{0.55F, 0.16F, 0.16F}, cover(tower));
     color = mix(color, scene_.light, cover(boxDistance(dx, lampY, 0.018F, 0.02F, 0.002F)));

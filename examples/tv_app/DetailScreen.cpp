@@ -155,7 +155,7 @@ void DetailScreen::drawButton(Painter& painter, Button button, float x, float wi
   const bool isFocused = button == focused_;
   const SDL_FRect rect{x, kButtonTop, width, kButtonHeight};
   if (isFocused) {
-    painter.shadow(rect, 28.0F, 0.6F);
+    painter.shadow(rect, kButtonHeight / 2.0F, 28.0F, 0.6F);
   }
   const SDL_Color ink = isFocused ? palette::kBack : palette::kBright;
   painter.roundRect(rect, kButtonHeight / 2.0F, isFocused ? palette::kBright : palette::kGlass,

@@ -79,11 +79,11 @@ void Painter::roundRect(const SDL_FRect& rect, float radius, SDL_Color color, fl
        [&](int width, int height) { return paintMask(width, height, roundedBox(radius * scale_)); });
 }
 
-void Painter::shadow(const SDL_FRect& rect, float reach, float opacity, float zoom) {
+void Painter::shadow(const SDL_FRect& rect, float radius, float reach, float opacity, float zoom) {
   const SDL_FRect outer{rect.x - reach, rect.y - reach / 2.0F, rect.w + 2.0F * reach, rect.h + 2.0F * reach};
   mask("shadow " + sizeText(outer), outer, zoom, {0, 0, 0, static_cast<Uint8>(opacity * 255.0F)},
        [&](int width, int height) {
-         return paintMask(width, height, roundedBox(reach * scale_), 2.0F * reach * scale_);
+         return paintMask(width, height, roundedBox((radius + reach) * scale_), 2.0F * reach * scale_);
        });
 }
 

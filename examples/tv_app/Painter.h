@@ -59,7 +59,8 @@ class Painter {
 
   void fill(const SDL_FRect& rect, SDL_Color color);
   void roundRect(const SDL_FRect& rect, float radius, SDL_Color color, float zoom = 1.0F);
-  void shadow(const SDL_FRect& rect, float reach, float opacity, float zoom = 1.0F);
+  /// What a rectangle with round corners throws, `reach` points far.
+  void shadow(const SDL_FRect& rect, float radius, float reach, float opacity, float zoom = 1.0F);
   void icon(Icon icon, const SDL_FRect& rect, SDL_Color color);
 
   /// A picture that is kept under `key`; `maker` paints it the first time, `sharpness` times as large as it is shown.

@@ -177,7 +177,7 @@ void SettingsScreen::drawRow(Painter& painter, Row row, float y) {
   const bool isFocused = row == focused_;
   const SDL_FRect rect{660.0F, y, 1164.0F, 144.0F};
   if (isFocused) {
-    painter.shadow(rect, 32.0F, 0.6F);
+    painter.shadow(rect, 24.0F, 32.0F, 0.6F);
   }
   painter.roundRect(rect, 24.0F, isFocused ? palette::kBright : palette::kGlass, isFocused ? 1.02F : 1.0F);
   const SDL_Color ink = isFocused ? palette::kBack : palette::kBright;

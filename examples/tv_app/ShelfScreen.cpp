@@ -234,7 +234,7 @@ void ShelfScreen::drawRow(Painter& painter, std::size_t row, float y) {
 void ShelfScreen::drawCard(Painter& painter, const Show& show, const SDL_FRect& rect, float zoom, bool isFocused) {
   const SDL_FRect large = grown(rect, zoom);
   const float lift = (zoom - 1.0F) / (kFocusZoom - 1.0F);
-  painter.shadow(rect, 34.0F, 0.75F * lift, zoom);
+  painter.shadow(rect, kCornerRadius, 34.0F, 0.75F * lift, zoom);
   const SDL_FRect frame{rect.x - 4.0F, rect.y - 4.0F, rect.w + 8.0F, rect.h + 8.0F};
   painter.roundRect(frame, kCornerRadius + 4.0F, {255, 255, 255, static_cast<Uint8>(255.0F * lift)}, zoom);
   painter.picture(

@@ -169,7 +169,7 @@ void TvApp::drawToast() {
   const TextStyle style{Weight::Medium, 28.0F, palette::kBack};
   const float width = painter_.textWidth(toast_, style) + 80.0F;
   const SDL_FRect rect{(kScreenWidth - width) / 2.0F, 950.0F, width, 72.0F};
-  painter_.shadow(rect, 30.0F, 0.7F);
+  painter_.shadow(rect, 36.0F, 30.0F, 0.7F);
   painter_.roundRect(rect, 36.0F, palette::kBright);
   painter_.centeredText(toast_, kScreenWidth / 2.0F, 968.0F, style);
 }
