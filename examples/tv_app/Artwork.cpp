@@ -17,6 +17,11 @@ Rgb mix(Rgb from, Rgb to, float part) {
           std::lerp(from.blue, to.blue, part)};
 }
 
+Rgb colorOf(std::uint32_t pixel) {
+  const auto part = [&](int shift) { return static_cast<float>((pixel >> shift) & 255U) / 255.0F; };
+  return {part(16), part(8), part(0)};
+}
+
 std::uint32_t hash(std::uint32_t number) {
   number = (number ^ (number >> 16)) * 0x7feb352dU;
   number = (number ^ (number >> 15)) * 0x846ca68bU;
@@ -111,7 +116,7 @@ class ScenePainter {
   float cover(float distance) const { return std::clamp(0.5F - distance * height_, 0.0F, 1.0F); }
 
   Rgb sky(float x, float y) const {
-    Rgb color = mix(scene_.skyTop, scene_.skyBottom, smoothStep(0.0F, kHorizon + 0.1F, y));
+    Rgb color = mix(skyTop_, skyBottom_, smoothStep(0.0F, kHorizon + 0.1F, y));
     if (scene_.hasStars && random(static_cast<int>(x * 300.0F) * 577 + static_cast<int>(y * 300.0F), 77) > 0.9975F) {
       color = mix(color, {1.0F, 1.0F, 1.0F}, 0.7F * (1.0F - y));
     }
@@ -122,26 +127,26 @@ class ScenePainter {
   }
 
   Rgb sun(Rgb color, float x, float y) const {
-    if (scene_.sunRadius <= 0.0F) {
+    if (scene_.sun.radius <= 0.0F) {
       return color;
     }
-    const float distance = std::hypot(x - scene_.sunX * aspect_, y - scene_.sunY) - scene_.sunRadius;
+    const float distance = std::hypot(x - scene_.sun.x * aspect_, y - scene_.sun.y) - scene_.sun.radius;
     const float glow = 0.55F * std::exp(-std::max(distance, 0.0F) * 5.0F);
-    return mix(color, scene_.light, std::max(glow, cover(distance)));
+    return mix(color, light_, std::max(glow, cover(distance)));
   }
 
   Rgb planet(Rgb color, float x, float y) const {
-    const float dx = x - scene_.sunX * aspect_;
-    const float dy = y - scene_.sunY;
-    const float distance = std::hypot(dx, dy) - scene_.sunRadius;
-    const float day = smoothStep(-0.9F, 0.8F, (-dx - dy) / scene_.sunRadius);
+    const float dx = x - scene_.sun.x * aspect_;
+    const float dy = y - scene_.sun.y;
+    const float distance = std::hypot(dx, dy) - scene_.sun.radius;
+    const float day = smoothStep(-0.9F, 0.8F, (-dx - dy) / scene_.sun.radius);
     const float bands = 0.75F + 0.25F * smoothNoise((dy + dx * 0.25F) * 42.0F, scene_.seed);
-    color = mix(color, scene_.light, 0.22F * std::exp(-std::max(distance, 0.0F) * 9.0F));
-    const Rgb lit = mix({0.03F, 0.02F, 0.07F}, scene_.light, day * bands);
+    color = mix(color, light_, 0.22F * std::exp(-std::max(distance, 0.0F) * 9.0F));
+    const Rgb lit = mix({0.03F, 0.02F, 0.07F}, light_, day * bands);
     color = mix(color, lit, cover(distance));
-    const float ring = std::hypot(dx + dy * 0.4F, (dy - dx * 0.22F) * 4.2F) - scene_.sunRadius * 1.65F;
+    const float ring = std::hypot(dx + dy * 0.4F, (dy - dx * 0.22F) * 4.2F) - scene_.sun.radius * 1.65F;
     const bool isBehind = distance < 0.0F && dy < dx * 0.22F;
-    return isBehind ? color : mix(color, scene_.light, 0.55F * cover(std::abs(ring) - 0.022F));
+    return isBehind ? color : mix(color, light_, 0.55F * cover(std::abs(ring) - 0.022F));
   }
 
   Rgb aurora(Rgb color, float x, float y) const {
@@ -150,7 +155,7 @@ class ScenePainter {
       const float base = 0.30F + 0.12F * static_cast<float>(band) + 0.16F * (smoothNoise(x * 1.7F, seed) - 0.5F);
       const float rays = 0.35F + 0.65F * smoothNoise(x * 22.0F + y * 3.0F, seed + 5);
       const float fall = y < base ? std::exp((y - base) * 7.0F) : std::exp((base - y) * 38.0F);
-      const Rgb tint = mix({0.55F, 0.35F, 0.95F}, scene_.light, smoothStep(base - 0.3F, base, y));
+      const Rgb tint = mix({0.55F, 0.35F, 0.95F}, light_, smoothStep(base - 0.3F, base, y));
       color = mix(color, tint, 0.75F * rays * fall);
     }
     return color;
@@ -158,26 +163,26 @@ class ScenePainter {
 
   Rgb water(float x, float y) const {
     const float depth = (y - kHorizon) / (1.0F - kHorizon);
-    Rgb color = mix(mix(scene_.skyBottom, scene_.near, 0.35F), scene_.near, smoothStep(0.0F, 0.9F, depth));
+    Rgb color = mix(mix(skyBottom_, near_, 0.35F), near_, smoothStep(0.0F, 0.9F, depth));
     const int line = static_cast<int>(std::sqrt(depth) * 60.0F);
     const float ripple =
         smoothNoise(x * (24.0F - 16.0F * depth) + random(line, 3) * 40.0F, static_cast<unsigned>(line));
-    const float spread = 0.05F + scene_.sunRadius + 0.22F * depth;
-    const float away = std::abs(x - scene_.sunX * aspect_) / spread;
-    return mix(color, scene_.light, smoothStep(0.45F, 0.9F, ripple) * std::exp(-away * away) * (1.0F - 0.6F * depth));
+    const float spread = 0.05F + scene_.sun.radius + 0.22F * depth;
+    const float away = std::abs(x - scene_.sun.x * aspect_) / spread;
+    return mix(color, light_, smoothStep(0.45F, 0.9F, ripple) * std::exp(-away * away) * (1.0F - 0.6F * depth));
   }
 
   Rgb land(float x, float y, float top, int ridge) const {
     const float nearness = static_cast<float>(ridge + 1) / kRidges;
-    Rgb color = mix(mix(scene_.skyBottom, scene_.near, 0.35F), scene_.near, nearness);
-    color = mix(color, scene_.skyBottom, 0.28F * (1.0F - nearness) * smoothStep(0.0F, 0.35F, y - top));
+    Rgb color = mix(mix(skyBottom_, near_, 0.35F), near_, nearness);
+    color = mix(color, skyBottom_, 0.28F * (1.0F - nearness) * smoothStep(0.0F, 0.35F, y - top));
     if (scene_.land == Land::City && ridge > 0) {
       const int column = static_cast<int>(x * 90.0F);
       const int row = static_cast<int>(y * 60.0F);
       const bool isWindow =
           x * 90.0F - static_cast<float>(column) < 0.55F && y * 60.0F - static_cast<float>(row) < 0.5F;
       if (isWindow && y > top + 0.012F && random(column * 131 + row, scene_.seed) > 0.66F) {
-        color = mix(color, scene_.light, 0.35F + 0.5F * nearness);
+        color = mix(color, light_, 0.35F + 0.5F * nearness);
       }
     }
     if (scene_.land == Land::Mountains && !scene_.hasStars && ridge < 2) {
@@ -209,7 +214,7 @@ class ScenePainter {
     const float arch = y < kDeck + 0.1F ? std::hypot(middle, y - kDeck - 0.1F) - 0.068F : middle - 0.068F;
     const float stone = std::max(kDeck - y, -arch);
     const float height = smoothStep(0.95F, kDeck, y);
-    return mix(color, mix(scene_.near, scene_.skyBottom, 0.08F + 0.3F * height), cover(stone));
+    return mix(color, mix(near_, skyBottom_, 0.08F + 0.3F * height), cover(stone));
   }
 
   Rgb train(Rgb color, float x, float y) const {
@@ -217,12 +222,12 @@ class ScenePainter {
     const float along = end - x;
     const float coach = std::fmod(along + 9.0F, 0.3F);
     const float body = boxDistance(coach - 0.15F, y - 0.632F, 0.145F, 0.024F, 0.01F);
-    color = mix(color, scene_.near, along > 0.0F ? cover(body) : 0.0F);
+    color = mix(color, near_, along > 0.0F ? cover(body) : 0.0F);
     const float pane = std::fmod(coach, 0.036F) - 0.018F;
     const bool isLit = along > 0.0F && coach > 0.03F && coach < 0.27F;
-    color = mix(color, scene_.light, isLit ? cover(boxDistance(pane, y - 0.627F, 0.011F, 0.009F, 0.003F)) : 0.0F);
+    color = mix(color, light_, isLit ? cover(boxDistance(pane, y - 0.627F, 0.011F, 0.009F, 0.003F)) : 0.0F);
     const float beam = std::max(std::abs(y - 0.635F) - 0.012F + along * 0.09F, along);
-    return mix(color, scene_.light, along < 0.0F ? 0.5F * std::exp(along * 5.0F) * cover(beam) : 0.0F);
+    return mix(color, light_, along < 0.0F ? 0.5F * std::exp(along * 5.0F) * cover(beam) : 0.0F);
   }
 
   Rgb lighthouse(Rgb color, float x, float y) const {
@@ -231,20 +236,24 @@ class ScenePainter {
     const float lampY = up - 0.375F;
     const float beam = std::abs(lampY + dx * 0.12F) - 0.012F + dx * 0.10F;
     if (dx < 0.0F) {
-      color = mix(color, scene_.light, 0.45F * std::exp(dx * 1.3F) * smoothStep(0.02F, -0.05F, beam));
+      color = mix(color, light_, 0.45F * std::exp(dx * 1.3F) * smoothStep(0.02F, -0.05F, beam));
     }
     const float shore = kHorizon + 0.05F;
     const float hill = 0.09F * std::exp(-dx * dx * 14.0F) + 0.012F * fractal(x * 14.0F, 9, 3) - 0.015F;
-    color = mix(color, scene_.near, y < shore ? cover(shore - y - hill) : 0.0F);
-    color = mix(color, scene_.near, y < shore ? 0.0F : 0.6F * cover(y - shore - hill * 0.6F));  // Its reflection.
+    color = mix(color, near_, y < shore ? cover(shore - y - hill) : 0.0F);
+    color = mix(color, near_, y < shore ? 0.0F : 0.6F * cover(y - shore - hill * 0.6F));  // Its reflection.
     const float tower = std::max({std::abs(dx) - 0.036F + up * 0.035F, -up, up - 0.36F});
     const bool isStripe = std::fmod(up + 1.0F, 0.14F) < 0.07F;
     color = mix(color, isStripe ? Rgb{0.86F, 0.83F, 0.80F} : Rgb{0.55F, 0.16F, 0.16F}, cover(tower));
-    color = mix(color, scene_.light, cover(boxDistance(dx, lampY, 0.018F, 0.02F, 0.002F)));
-    return mix(color, scene_.near, cover(boxDistance(dx, up - 0.405F, 0.026F, 0.012F, 0.008F)));
+    color = mix(color, light_, cover(boxDistance(dx, lampY, 0.018F, 0.02F, 0.002F)));
+    return mix(color, near_, cover(boxDistance(dx, up - 0.405F, 0.026F, 0.012F, 0.008F)));
   }
 
   const Scene& scene_;
+  Rgb skyTop_ = colorOf(scene_.skyTop);
+  Rgb skyBottom_ = colorOf(scene_.skyBottom);
+  Rgb light_ = colorOf(scene_.light);
+  Rgb near_ = colorOf(scene_.near);
   float height_;
   float aspect_;
   std::array<std::vector<float>, kRidges> tops_;
@@ -258,11 +267,6 @@ std::uint32_t byteOf(float part) {
 std::uint32_t opaque(Rgb color, int column, int row) {
   const float step = (static_cast<float>((column * 5 + row * 3) & 7) - 3.5F) / 8.0F / 255.0F;
   return 0xff000000U | byteOf(color.red + step) << 16 | byteOf(color.green + step) << 8 | byteOf(color.blue + step);
-}
-
-Rgb colorOf(std::uint32_t pixel) {
-  const auto part = [&](int shift) { return static_cast<float>((pixel >> shift) & 255U) / 255.0F; };
-  return {part(16), part(8), part(0)};
 }
 
 }  // namespace

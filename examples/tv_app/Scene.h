@@ -18,17 +18,22 @@ enum class Land { Mountains, Hills, Dunes, Forest, City, Sea };
 /// What makes the picture of one show its own.
 enum class Motif { None, Train, Lighthouse, Aurora, Planet };
 
-/// The key art of a show as numbers, so that the example needs no picture files. Places are fractions of the picture.
+/// Where the sun or the moon stands, in fractions of the picture.
+struct Disc {
+  float x = 0.7F;
+  float y = 0.35F;
+  float radius = 0.06F;  ///< Of the picture's height; 0 for none.
+};
+
+/// The key art of a show as numbers, so that the example needs no picture files. Colours are 0xRRGGBB.
 struct Scene {
-  Rgb skyTop;
-  Rgb skyBottom;
-  Rgb light;  ///< Of the sun or moon, its glow and lit windows.
-  Rgb near;   ///< The land in front; farther land fades into the sky.
+  std::uint32_t skyTop = 0;
+  std::uint32_t skyBottom = 0;
+  std::uint32_t light = 0;  ///< Of the sun or moon, its glow and lit windows.
+  std::uint32_t near = 0;   ///< The land in front; farther land fades into the sky.
   Land land = Land::Hills;
   Motif motif = Motif::None;
-  float sunX = 0.7F;
-  float sunY = 0.35F;
-  float sunRadius = 0.06F;  ///< Of the picture's height; 0 for none.
+  Disc sun;
   bool hasStars = false;
   std::uint32_t seed = 1;
 };

@@ -16,17 +16,8 @@ constexpr std::array<std::pair<const char*, kesu::KesuInAppMessageType>, 3> kMes
      {"Read before", kesu::KesuInAppMessageType::Read},
      {"All", kesu::KesuInAppMessageType::All}}};
 
-constexpr Scene kBackdrop{{0.02F, 0.03F, 0.09F},
-                          {0.16F, 0.22F, 0.36F},
-                          {0.9F, 0.9F, 1.0F},
-                          {0.02F, 0.02F, 0.05F},
-                          Land::Hills,
-                          Motif::None,
-                          0.14F,
-                          0.52F,
-                          0.05F,
-                          true,
-                          7};
+constexpr Scene kBackdrop{0x050817, 0x29385C, 0xE6E6FF, 0x05050D, Land::Hills, Motif::None, {0.14F, 0.52F, 0.05F},
+                          true,     7};
 
 std::size_t stepped(std::size_t place, int step, std::size_t count) {
   return (place + count + static_cast<std::size_t>(step + static_cast<int>(count))) % count;
