@@ -18,6 +18,9 @@ constexpr double kButtonRadius = 6.0;
 constexpr double kButtonBorder = 1.0;
 constexpr double kCounterScale = 0.85;
 constexpr double kTitleScale = 0.8;
+constexpr double kRingWidth = 2.5;
+constexpr double kRingInset = 2.0;
+constexpr double kRingOpacity = 0.9;
 constexpr double kArrowFace = 0.2;  // How much of the arrow's colour is in the face behind it.
 constexpr Color kDarkBar{0.11, 0.12, 0.14, 1.0};
 constexpr Color kLightBar{0.95, 0.95, 0.97, 1.0};
@@ -39,7 +42,8 @@ class ArrowButton : public KesuCustomBtn {
 
 }  // namespace
 
-/// Keeps its title short enough to be read while it is focused: the card cuts off what is wider. Down leads to an arrow
+/// Keeps its title short enough to be read while it is focused: the card cuts off what is wider. A ring tells the focus
+/// as well, since beside the card's edges, and for an only button, its size tells little. Down leads to an arrow
 /// wherever that lies, since there is nothing else below.
 class ActionButton : public KesuCustomBtn {
  public:
@@ -56,7 +60,25 @@ class ActionButton : public KesuCustomBtn {
     return true;
   }
 
-  void setFace(ImagePtr face) { face_ = std::move(face); }
+  void setFace(ImagePtr face, const Color& ring) {
+    face_ = std::move(face);
+    ring_ = ring.withAlpha(kRingOpacity);
+  }
+
+  void didUpdateFocus() override {
+    KesuCustomBtn::didUpdateFocus();
+    setNeedsDisplay();
+  }
+
+  // The ring follows the size, which a press changes.
+  void pressesBegan(RemoteButton pressed) override {
+    KesuCustomBtn::pressesBegan(pressed);
+    setNeedsDisplay();
+  }
+  void pressesEnded(RemoteButton released) override {
+    KesuCustomBtn::pressesEnded(released);
+    setNeedsDisplay();
+  }
 
   void draw(Canvas& canvas) const override {
     const Rect box = bounds();
@@ -64,6 +86,10 @@ class ActionButton : public KesuCustomBtn {
     canvas.clip(box, cornerRadius());
     canvas.drawImage(face_, {0.0, 0.0, 1.0, 1.0}, box);
     canvas.restore();
+    if (isFocused()) {
+      const Rect shown = uncutPart(frame(), kCardWidth, transform().scaleX);
+      canvas.strokeInside(shown.inset(kRingInset, kRingInset), kRingWidth, ring_, kButtonRadius - kRingInset);
+    }
     const double width = actionTitleWidth(frame(), kCardWidth, focusedScaleFactor());
     if (title().empty() || width <= 0.0) {
       return;
@@ -74,6 +100,7 @@ class ActionButton : public KesuCustomBtn {
 
  private:
   ImagePtr face_;
+  Color ring_;
   std::weak_ptr<View> wayDown_;
 };
 
@@ -161,6 +188,15 @@ void MessageBars::show(const BarContent& content) {
   showPaging(content);
 }
 
+// A colour that is none leaves the button without a face: then its title is read against the card.
+void MessageBars::dressFace(ActionButton& button, const BarContent& content, std::size_t index) {
+  const std::optional<Color> face = content.data->buttonBackgroundAtIndex(index);
+  const Color title = content.data->buttonTitleColorAtIndex(index).value_or(Color::white());
+  const Color behind = face.value_or(content.canvas);
+  button.setTitleColor(face ? title : legibleColor(title, behind));
+  button.setFace(imageWithColor(face.value_or(Color::clear())), legibleColor(title, behind));
+}
+
 void MessageBars::showButtons(const BarContent& content) {
   const std::size_t count = content.data != nullptr ? content.data->buttonCount() : 0;
   dropButtons();
@@ -174,13 +210,13 @@ void MessageBars::showButtons(const BarContent& content) {
   }
   controlBar_ = std::make_shared<View>(buttonBar_->bounds());
   buttonBar_->addSubview(controlBar_);
+  const Color border = isLight(content.canvas) ? Color::black().withAlpha(0.2) : Color::white().withAlpha(0.35);
   for (const Rect& frame : actionButtonFrames(count, kCardWidth)) {
     const std::size_t index = buttons_.size();
     auto button = std::make_shared<ActionButton>(frame);
-    dressButton(*button, kActionFont, Color::white().withAlpha(0.35));
+    dressButton(*button, kActionFont, border);
     button->setTitle(content.data->buttonTitleAtIndex(index).value_or(""));
-    button->setTitleColor(content.data->buttonTitleColorAtIndex(index).value_or(Color::white()));
-    button->setFace(imageWithColor(content.data->buttonBackgroundAtIndex(index).value_or(Color::clear())));
+    dressFace(*button, content, index);
     button->setTag(static_cast<std::int64_t>(index));
     button->setAction(actionPressed_);
     button->setAccessibility({AccessibilityInfo::Role::Button, button->title(), ""});

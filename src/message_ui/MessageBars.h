@@ -62,6 +62,7 @@ class MessageBars {
 
  private:
   void dropButtons();
+  static void dressFace(ActionButton& button, const BarContent& content, std::size_t index);
   void showButtons(const BarContent& content);
   void showPaging(const BarContent& content);
   void showArrow(std::shared_ptr<KesuCustomBtn>& arrow, bool isShown, std::int64_t tag, const Color& color,

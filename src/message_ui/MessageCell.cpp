@@ -6,17 +6,15 @@
 #include <utility>
 
 #include "message_ui/GradientView.h"
+#include "message_ui/PicturePlaceholder.h"
 
 namespace kesu {
 namespace {
 
 constexpr double kFadeSeconds = 0.25;
-constexpr double kScrimOpacity = 0.78;
+constexpr double kScrimOpacity = 0.82;
+constexpr double kScrimOpacityAtTitle = 0.55;  // Where the title begins: a long one stands high in the picture.
 constexpr const char* kNoMessagesText = "No messages to show.";
-
-Color placeholderColor(const Color& canvas) {
-  return isLight(canvas) ? Color::black().withAlpha(0.07) : Color::white().withAlpha(0.08);
-}
 
 std::shared_ptr<Label> makeLabel(const Rect& frame, const std::string& text, const Font& font, const Color& color) {
   auto label = std::make_shared<Label>(frame);
@@ -47,9 +45,7 @@ void MessageCell::addImage(const InAppModel& model, const CellFrames& frames, co
   if (frames.image.isEmpty()) {
     return;
   }
-  auto placeholder = std::make_shared<View>(frames.image);
-  placeholder->setBackgroundColor(placeholderColor(canvas));
-  addSubview(std::move(placeholder));
+  addSubview(std::make_shared<PicturePlaceholder>(frames.image, isLight(canvas) ? Color::black() : Color::white()));
   imageView_ = std::make_shared<ImageView>(frames.image);
   imageView_->setClipsToBounds(true);
   imageView_->setAlpha(0.0);
@@ -66,12 +62,23 @@ void MessageCell::addTitle(const InAppModel& model, const MessageMeasures& measu
   const bool isOverlaid = measures.textOverlapsImage;
   if (isOverlaid) {
     const Color shade = isLight(wanted) ? Color::black() : Color::white();
-    addSubview(std::make_shared<GradientView>(frames.scrim, shade.withAlpha(0.0), shade.withAlpha(kScrimOpacity)));
+    addScrim(frames, shade);
   }
   auto label = makeLabel(frames.title, model.title, font, isOverlaid ? wanted : legibleColor(wanted, canvas));
   label->setNumberOfLines(isOverlaid ? 0 : kTitleLines);
   label->setAccessibility({AccessibilityInfo::Role::Heading, model.title, ""});
   addSubview(std::move(label));
+}
+
+void MessageCell::addScrim(const CellFrames& frames, const Color& shade) {
+  const Color middle = shade.withAlpha(kScrimOpacityAtTitle);
+  Rect above = frames.scrim;
+  above.height = frames.title.y - above.y;
+  Rect behind = frames.scrim;
+  behind.y = frames.title.y;
+  behind.height = frames.scrim.bottom() - behind.y;
+  addSubview(std::make_shared<GradientView>(above, shade.withAlpha(0.0), middle));
+  addSubview(std::make_shared<GradientView>(behind, middle, shade.withAlpha(kScrimOpacity)));
 }
 
 void MessageCell::addMessage(const InAppModel& model, const CellFrames& frames, const Font& font, const Color& canvas) {

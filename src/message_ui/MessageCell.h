@@ -29,6 +29,7 @@ class MessageCell : public View {
   void addImage(const InAppModel& model, const CellFrames& frames, const Color& canvas);
   void addTitle(const InAppModel& model, const MessageMeasures& measures, const CellFrames& frames, const Font& font,
                 const Color& canvas);
+  void addScrim(const CellFrames& frames, const Color& shade);
   void addMessage(const InAppModel& model, const CellFrames& frames, const Font& font, const Color& canvas);
 
   std::shared_ptr<ImageView> imageView_;

@@ -108,6 +108,14 @@ double actionTitleWidth(const Rect& button, double barWidth, double scale) {
   return std::max(0.0, std::min(button.width, 2.0 * toNearerEnd / std::max(1.0, scale)) - 2.0 * kCardGap);
 }
 
+Rect uncutPart(const Rect& button, double barWidth, double scale) {
+  const double center = button.center().x;
+  const double half = button.width / 2.0;
+  const double left = std::min(half, center / scale);
+  const double right = std::min(half, (barWidth - center) / scale);
+  return {half - left, 0.0, left + right, button.height};
+}
+
 PagingFrames pagingFrames(double barWidth) {
   constexpr Size kArrow{96.0, 64.0};
   constexpr double kLabelOffset = 125.0;  // From the middle to where the text begins: about half of its length.

@@ -66,6 +66,9 @@ inline constexpr std::size_t kMostActionButtons = 32;
 /// times as large.
 double actionTitleWidth(const Rect& button, double barWidth, double scale);
 
+/// What the bar's ends leave of such a button, from its upper left corner, while it is `scale` times as large.
+Rect uncutPart(const Rect& button, double barWidth, double scale);
+
 /// Where the paging bar's arrows and its text lie in a bar of this width.
 struct PagingFrames {
   Rect previous;

@@ -97,6 +97,12 @@ TEST(MessageLayout, PlacesThePagingBar) {
   EXPECT_DOUBLE_EQ(frames.previous.x, 580.0 - frames.next.right());
 }
 
+TEST(MessageLayout, KnowsWhatTheCardCutsOffAButton) {
+  EXPECT_EQ(uncutPart({8.0, 2.0, 564.0, 74.0}, 580.0, 1.25), (Rect{50.0, 0.0, 464.0, 74.0})) << "at both ends";
+  EXPECT_EQ(uncutPart({0.0, 2.0, 200.0, 74.0}, 580.0, 1.25), (Rect{20.0, 0.0, 180.0, 74.0})) << "at the left one";
+  EXPECT_EQ(uncutPart({190.0, 2.0, 200.0, 74.0}, 580.0, 1.25), (Rect{0.0, 0.0, 200.0, 74.0})) << "nothing";
+}
+
 TEST(MessageLayout, MeasuresTexts) {
   EXPECT_EQ(heightForText({}, kMessageFont, 557.0), 0.0);
   EXPECT_EQ(heightForText("text", {}, 557.0), 0.0);
