@@ -53,3 +53,11 @@ file(GLOB system_sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/*_test.cpp)
 if(system_sources)
   kesu_add_test(system_test FOLDER facade LABELS concurrent SOURCES ${system_sources})
 endif()
+
+# How the popup looks: pictures of the whole library's doing, which it writes beside itself.
+file(GLOB popup_sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/popup/*.cpp)
+if(popup_sources AND NOT KESU_SANITIZE STREQUAL "thread")
+  kesu_add_test(popup_test FOLDER facade SOURCES ${popup_sources})
+  target_compile_definitions(popup_test PRIVATE KESU_EXAMPLE_MESSAGES="${CMAKE_SOURCE_DIR}/examples/messages"
+    KESU_GOLDEN_PICTURES="${CMAKE_SOURCE_DIR}/tests/golden")
+endif()
