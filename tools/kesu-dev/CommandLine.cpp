@@ -20,8 +20,8 @@ using Apply = std::string (*)(CommandLine&, const std::string& value);
 
 struct Option {
   std::string_view name;
-  std::string_view
-      commands;  // Letters of the commands that know it: s serve, r run, t tail, w show, m messages, c catalogue.
+  std::string_view commands;  // Letters of the commands that know it: s serve, r run, t tail, w show, m messages, p
+                              // preview, c catalogue.
   bool takesValue;
   Apply apply;
 };
@@ -71,6 +71,27 @@ std::string setMessages(CommandLine& line, const std::string& value) {
   return std::filesystem::is_directory(value, ignored) ? "" : "--messages needs a directory, not " + value;
 }
 
+std::string setOutput(CommandLine& line, const std::string& value) {
+  line.preview.output = value;
+  return value.empty() ? "-o needs the name of a file" : "";
+}
+
+std::string setSize(CommandLine& line, const std::string& value) {
+  constexpr std::int64_t kSmallest = 64;
+  constexpr std::int64_t kLargest = 4096;
+  const std::size_t cross = value.find('x');
+  const auto width = parseDecimal(value.substr(0, cross));
+  const auto height = cross == std::string::npos ? std::nullopt : parseDecimal(value.substr(cross + 1));
+  for (const auto& side : {width, height}) {
+    if (!side || *side < kSmallest || *side > kLargest) {
+      return "the size is WIDTHxHEIGHT, 64 to 4096 pixels each, not " + value;
+    }
+  }
+  line.preview.width = static_cast<int>(*width);
+  line.preview.height = static_cast<int>(*height);
+  return {};
+}
+
 std::string setStrict(CommandLine& line, const std::string&) {
   line.services.strict = true;
   return {};
@@ -101,6 +122,9 @@ constexpr Option kOptions[] = {
     {"--all", "t", false, setAll},
     {"--once", "t", false, setOnce},
     {"--width", "wm", true, setWidth},
+    {"-o", "p", true, setOutput},
+    {"--output", "p", true, setOutput},
+    {"--size", "p", true, setSize},
 };
 
 struct CommandName {
@@ -116,6 +140,7 @@ constexpr CommandName kCommands[] = {
     {"run", Command::Run, 'r'},           {"tail", Command::Tail, 't'},
     {"show", Command::Show, 'w'},         {"catalogue", Command::Catalogue, 'c'},
     {"keys", Command::Keys, 'k'},         {"messages", Command::Messages, 'm'},
+    {"preview", Command::Preview, 'p'},
 };
 
 const Option* findOption(std::string_view name, char letter) {
@@ -133,6 +158,10 @@ std::string readOptions(const std::vector<std::string>& arguments, char letter, 
     if (const std::size_t equals = name.find('='); name.starts_with("--") && equals != std::string::npos) {
       value = name.substr(equals + 1);
       name.resize(equals);
+    }
+    if (letter == 'p' && !name.starts_with('-') && line.preview.file.empty()) {
+      line.preview.file = name;
+      continue;
     }
     const Option* option = findOption(name, letter);
     if (option == nullptr) {
@@ -183,6 +212,9 @@ CommandLine parseCommandLine(const std::vector<std::string>& arguments) {
   if (line.error.empty()) {
     readChild(arguments, next, line);
   }
+  if (line.error.empty() && line.command == Command::Preview && line.preview.file.empty()) {
+    line.error = "preview needs a message file";
+  }
   return line;
 }
 
@@ -196,6 +228,8 @@ std::string usageText() {
   kesu-dev tail [OPTIONS]             one line for each record as it arrives at a running collector
   kesu-dev show [OPTIONS]             a table of all records so far (also: kesu-dev tail --once)
   kesu-dev messages [OPTIONS]         a table of the messages: how often each went out, its receipts, its button presses
+  kesu-dev preview FILE [OPTIONS]     a message file in the library's popup, in a window with remote keys (arrows,
+                                      Return, Escape), or as a picture
   kesu-dev catalogue [-f human|json]  every event of the catalogue: who posts it and what it says
   kesu-dev keys                       every short key of a record and its meaning
   kesu-dev help | version
@@ -219,6 +253,10 @@ tail, show and messages:
   --all              tail: begin with the records that are there
   --db FILE          show: read this file instead of asking a collector
   --width N          show, messages: columns of the table (default: those of the terminal, else 120)
+
+preview:
+  -o, --output FILE  write a PNG picture instead of opening a window
+  --size WxH         of the screen in pixels (default 1920x1080)
 
 run sets KESU_OVERRIDE_SERVER, KESU_REACHABILITY_HOST, KESU_MESSAGING_HOST, KESU_CA_FILE and KESU_HOME for the
 program. Open the collector's address in a browser: records live with what every key means, messages with their

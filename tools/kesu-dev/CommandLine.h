@@ -8,9 +8,17 @@
 
 namespace kesu::dev {
 
-enum class Command { Help, Version, Serve, Run, Tail, Show, Messages, Catalogue, Keys };
+enum class Command { Help, Version, Serve, Run, Tail, Show, Messages, Preview, Catalogue, Keys };
 
 enum class OutputFormat { Human, Json };
+
+/// What `kesu-dev preview` shows, and where.
+struct PreviewOptions {
+  std::string file;    // A message file.
+  std::string output;  // The PNG file to be written; empty = a window.
+  int width = 1920;    // In pixels.
+  int height = 1080;
+};
 
 /// What the user asked for.
 struct CommandLine {
@@ -28,6 +36,8 @@ struct CommandLine {
   OutputFormat format = OutputFormat::Human;
   bool fromStart = false;  // tail: begin with what is there already.
   std::size_t width = 0;   // show: columns; 0 = the terminal's, or 120.
+
+  PreviewOptions preview;
 
   /// What is wrong with the command line; empty when nothing is.
   std::string error;

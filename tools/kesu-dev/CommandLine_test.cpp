@@ -30,6 +30,20 @@ TEST(CommandLine, ReadsWhatServeCanDo) {
   EXPECT_EQ(line.services.messagingPort, 7);
 }
 
+TEST(CommandLine, ReadsWhatAPreviewShows) {
+  const CommandLine line = parse("preview a/b.json -o c.png --size 640x360");
+  EXPECT_EQ(line.error, "");
+  EXPECT_EQ(line.command, Command::Preview);
+  EXPECT_EQ(line.preview.file, "a/b.json");
+  EXPECT_EQ(line.preview.output, "c.png");
+  EXPECT_EQ(line.preview.width, 640);
+  EXPECT_EQ(line.preview.height, 360);
+  for (const char* wrong : {"preview", "preview a b", "preview a --size 640", "preview a --size x", "preview a -o",
+                            "preview a --size 640x99999", "preview a --size -1x360", "preview -o c.png"}) {
+    EXPECT_NE(parse(wrong).error, "") << wrong;
+  }
+}
+
 TEST(CommandLine, LeavesTheProgramsOptionsAlone) {
   const CommandLine line = parse("run --home h -- app --port 1 -- x");
   EXPECT_EQ(line.error, "");

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <csignal>
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -83,6 +84,47 @@ class ProgramTest : public ::testing::Test {
   int output_ = -1;
   std::string text_;
 };
+
+// What a PNG file says of its size, and how large it is.
+struct PngFacts {
+  std::uint32_t width = 0;
+  std::uint32_t height = 0;
+  std::size_t bytes = 0;
+};
+
+PngFacts pngFacts(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  const std::string content{std::istreambuf_iterator<char>(file), {}};
+  if (content.size() < 24 || !content.starts_with("\x89PNG")) {
+    return {};
+  }
+  const auto number = [&](std::size_t at) {
+    std::uint32_t value = 0;
+    for (std::size_t i = at; i < at + 4; ++i) {
+      value = value << 8 | static_cast<unsigned char>(content[i]);
+    }
+    return value;
+  };
+  return {number(16), number(20), content.size()};
+}
+
+TEST_F(ProgramTest, PreviewsMessagesAsPictures) {
+  constexpr std::size_t kBytesOfPhotograph = 100'000;  // Half of that without the message's picture.
+  const std::string picture = temporary_ / "preview.png";
+  for (const char* name : {"arcade", "night-train", "sunrise"}) {
+    std::filesystem::remove(picture);
+    const std::string file = std::string(KESU_EXAMPLE_MESSAGES) + "/" + name + ".json";
+    EXPECT_EQ(statusOf({"preview", file, "-o", picture, "--size", "1280x720"}), 0);
+    const PngFacts facts = pngFacts(picture);
+    EXPECT_EQ(facts.width, 1280U) << name;
+    EXPECT_EQ(facts.height, 720U) << name;
+    EXPECT_GT(facts.bytes, kBytesOfPhotograph) << name;
+  }
+  std::filesystem::remove(picture);
+  EXPECT_TRUE(std::filesystem::is_empty(temporary_.path())) << "no home is left behind";
+  EXPECT_NE(statusOf({"preview", "/no/such/message.json", "-o", picture}), 0);
+  EXPECT_FALSE(std::filesystem::exists(picture));
+}
 
 TEST_F(ProgramTest, EndsWithTheProgramsStatus) {
   EXPECT_EQ(statusOf({"run", "--port", "0", "--", "sh", "-c", "exit 7"}), 7);

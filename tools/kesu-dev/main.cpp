@@ -7,6 +7,7 @@
 #include "CatalogueDescription.h"
 #include "CommandLine.h"
 #include "KeyTable.h"
+#include "Preview.h"
 #include "RunCommand.h"
 #include "ServeCommand.h"
 #include "WatchCommand.h"
@@ -49,6 +50,8 @@ int execute(const kesu::dev::CommandLine& line) {
       return kesu::dev::runShow(line);
     case kesu::dev::Command::Messages:
       return kesu::dev::runMessages(line);
+    case kesu::dev::Command::Preview:
+      return kesu::dev::runPreview(line);
     case kesu::dev::Command::Catalogue:
       return printCatalogue(line);
     case kesu::dev::Command::Keys:
