@@ -32,7 +32,7 @@ function(kesu_add_test name)
 endfunction()
 
 # Folders whose tests run several threads: the TSan build runs these (label "concurrent").
-set(concurrent_folders platform platform/linux lifecycle delivery)
+set(concurrent_folders platform platform/linux lifecycle delivery messaging message_ui)
 
 foreach(folder IN LISTS KESU_FOLDERS)
   if(KESU_SANITIZE STREQUAL "thread" AND NOT folder IN_LIST concurrent_folders)
