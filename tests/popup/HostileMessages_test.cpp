@@ -35,7 +35,7 @@ namespace {
 using testing::payloadOf;
 using testing::PopupStage;
 
-constexpr long kLimitKilobytes = 64 * 1024;
+[[maybe_unused]] constexpr long kLimitKilobytes = 64 * 1024;
 
 /// A field of /proc/self/status, in kB.
 long memory(const std::string& field) {
