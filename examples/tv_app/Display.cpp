@@ -39,7 +39,12 @@ Display::~Display() {
   SDL_Quit();
 }
 
+// Where there is no screen SDL shows windows nowhere: only who asked for that wants it.
 void Display::openWindow(bool isFullScreen, int width, int height) {
+  const std::string driver = SDL_GetCurrentVideoDriver();
+  if (SDL_getenv("SDL_VIDEODRIVER") == nullptr && (driver == "offscreen" || driver == "dummy")) {
+    throw std::runtime_error("there is no display; tv_app --script needs none");
+  }
   const Uint32 flags =
       SDL_WINDOW_RESIZABLE | SDL_WINDOW_ALLOW_HIGHDPI | (isFullScreen ? Uint32{SDL_WINDOW_FULLSCREEN_DESKTOP} : 0U);
   window_.reset(SDL_CreateWindow("Example TV", SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED, width, height, flags));
