@@ -1,5 +1,7 @@
 #include "platform/linux/DefaultsCheckpointer.h"
 
+#include "platform/linux/StoredValue.h"
+
 namespace kesu {
 namespace {
 
@@ -30,13 +32,30 @@ bool DefaultsCheckpointer::emptyJournal(const std::string& path) {
   return run(path, SQLITE_CHECKPOINT_TRUNCATE);
 }
 
-bool DefaultsCheckpointer::run(const std::string& path, int mode) {
+bool DefaultsCheckpointer::findsDamage(const std::string& path) {
+  sqlite3_stmt* prepared = nullptr;
+  int code = SQLITE_BUSY;
+  if (openOnce(path)) {
+    code = sqlite3_prepare_v2(database_.get(), "PRAGMA quick_check(1)", -1, &prepared, nullptr);
+  }
+  const SqliteStatement rows(prepared);
+  if (code == SQLITE_OK) {
+    code = sqlite3_step(prepared);
+  }
+  return code == SQLITE_ROW ? columnBytes(prepared, 0) != "ok" : (code & 0xff) == SQLITE_CORRUPT;
+}
+
+bool DefaultsCheckpointer::openOnce(const std::string& path) {
   if (!database_) {
     database_ = open(path);
   }
+  return database_ != nullptr;
+}
+
+bool DefaultsCheckpointer::run(const std::string& path, int mode) {
   int frames = 0;
   int copied = 0;
-  return database_ && sqlite3_wal_checkpoint_v2(database_.get(), nullptr, mode, &frames, &copied) == SQLITE_OK &&
+  return openOnce(path) && sqlite3_wal_checkpoint_v2(database_.get(), nullptr, mode, &frames, &copied) == SQLITE_OK &&
          frames == copied;
 }
 

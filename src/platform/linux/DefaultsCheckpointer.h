@@ -18,6 +18,10 @@ class DefaultsCheckpointer {
   /// first. Nobody may write or hold the journal meanwhile. Returns whether it is empty.
   bool emptyJournal(const std::string& path);
 
+  /// Looks the whole store through for damage, without keeping others from writing it: some 3 ms for 5 MB that are in
+  /// memory. False also when it cannot be looked at now.
+  bool findsDamage(const std::string& path);
+
   /// Closes the connection. Needed before the store's file is replaced by another.
   void close() { database_.reset(); }
 
@@ -25,6 +29,7 @@ class DefaultsCheckpointer {
   void abandon() { static_cast<void>(database_.release()); }
 
  private:
+  bool openOnce(const std::string& path);
   bool run(const std::string& path, int mode);
 
   SqliteDatabase database_;

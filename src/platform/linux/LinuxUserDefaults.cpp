@@ -3,12 +3,11 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <bit>
-#include <span>
 #include <utility>
 
 #include "foundation/PropertyList.h"
 #include "platform/ServiceLog.h"
+#include "platform/linux/ArrayParts.h"
 
 namespace kesu {
 namespace {
@@ -18,48 +17,6 @@ constexpr int kCheckpointPasses = 3;
 
 bool isContainer(const Value& value) {
   return value.array() != nullptr || value.dictionary() != nullptr;
-}
-
-// Long enough to be written in parts.
-bool isLongArray(const Value& value) {
-  constexpr std::size_t kShortest = 4 * DefaultsStore::kPartElements;
-  return value.array() != nullptr && value.array()->size() >= kShortest;
-}
-
-std::size_t partCount(const Array& array) {
-  return (array.size() + DefaultsStore::kPartElements - 1) / DefaultsStore::kPartElements;
-}
-
-std::span<const Value> part(const Array& array, std::size_t place) {
-  const std::size_t begin = std::min(place * DefaultsStore::kPartElements, array.size());
-  return {array.data() + begin, std::min(DefaultsStore::kPartElements, array.size() - begin)};
-}
-
-// Adds the property lists of the parts that `former` (null: nothing) does not have in their place. False when one
-// cannot be a property list.
-bool addParts(const Array& array, const Array* former, std::map<std::size_t, std::string>& parts) {
-  for (std::size_t place = 0; place < partCount(array); ++place) {
-    const std::span<const Value> elements = part(array, place);
-    if (former != nullptr && std::ranges::equal(elements, part(*former, place))) {
-      continue;
-    }
-    std::optional<std::string> list = writePropertyList(Array(elements.begin(), elements.end()));
-    if (!list) {
-      return false;
-    }
-    parts.insert_or_assign(place, std::move(*list));
-  }
-  return true;
-}
-
-// Equal, and for reals the same bits: -0.0 replaces 0.0.
-bool isSame(const Value& left, const Value& right) {
-  const double* leftReal = left.real();
-  const double* rightReal = right.real();
-  if (leftReal != nullptr && rightReal != nullptr) {
-    return std::bit_cast<std::uint64_t>(*leftReal) == std::bit_cast<std::uint64_t>(*rightReal);
-  }
-  return left == right;
 }
 
 }  // namespace
@@ -103,8 +60,15 @@ void LinuxUserDefaults::open() {
     warnOnce(warnedOfFailure_, "User defaults are kept in memory only: there is no home directory");
     return;
   }
-  std::vector<std::pair<std::string, Value>> loaded;
-  const auto load = [&](std::string key, Value value) { loaded.emplace_back(std::move(key), std::move(value)); };
+  Entries loaded;
+  const auto load = [&loaded](std::string key, std::optional<Value> value) {
+    Entry& entry = loaded[std::move(key)];
+    entry.isPresent = true;
+    entry.isUnread = !value;
+    if (value) {
+      entry.fill(std::move(*value));
+    }
+  };
   StoreStatus status = store_->open(load);
   if (status == StoreStatus::Corrupt) {
     warnOnce(warnedOfDamage_, "User defaults are damaged and start empty (" + store_->failureText() +
@@ -120,55 +84,105 @@ void LinuxUserDefaults::open() {
     warnOnce(warnedOfDamage_, std::to_string(store_->unreadableCount()) + " user defaults cannot be read");
   }
   const MutexLock lock(stateMutex_);
-  for (auto& [key, value] : loaded) {
-    const auto [entry, isNew] = entries_.try_emplace(std::move(key));
-    if (isNew) {  // What was changed in memory before the file could be opened is newer.
-      Entry& loadedEntry = entry->second;
-      loadedEntry.isPresent = true;
-      loadedEntry.isText = value.text() != nullptr;
-      loadedEntry.text = loadedEntry.isText ? *value.text() : std::string();
-      loadedEntry.savedSize = loadedEntry.text.size();
-      loadedEntry.value = loadedEntry.isText ? Value() : std::move(value);
+  entries_.merge(loaded);  // What was changed in memory before the file could be opened is newer.
+}
+
+bool LinuxUserDefaults::isUnread(std::string_view key) {
+  const MutexLock lock(stateMutex_);
+  const Entry* entry = find(key);
+  return entry != nullptr && entry->isUnread;
+}
+
+// Reads a value that was left in the file.
+void LinuxUserDefaults::readOnce(std::string_view key) {
+  if (!isUnread(key) || isForked()) {
+    return;
+  }
+  {
+    const MutexLock lock(storeMutex_);
+    const StoreStatus status = isUnread(key) ? read(key) : StoreStatus::Ok;
+    if (status == StoreStatus::Corrupt) {
+      settle(status);
+    } else if (status != StoreStatus::Ok) {
+      warnOnce(warnedOfFailure_,
+               "User default " + std::string(key) + " cannot be read (" + store_->failureText() + ")");
     }
   }
+  logWarnings();
+}
+
+StoreStatus LinuxUserDefaults::read(std::string_view key) {
+  std::optional<Value> value;
+  const int unreadableCount = store_->unreadableCount();
+  const StoreStatus status = store_->read(key, value);
+  if (store_->unreadableCount() > unreadableCount) {
+    warnOnce(warnedOfDamage_, "User default " + std::string(key) + " cannot be read, or not all of it");
+  }
+  const MutexLock lock(stateMutex_);
+  const auto found = entries_.find(key);
+  if (status != StoreStatus::Ok || found == entries_.end() || !found->second.isUnread) {
+    return status;
+  }
+  if (value) {
+    found->second.fill(std::move(*value));
+  } else {
+    entries_.erase(found);
+  }
+  return status;
+}
+
+// Before the file goes: what can still be read of what was left in it comes into memory, the rest is lost.
+void LinuxUserDefaults::readRest() {
+  const auto unread = [this]() {
+    const MutexLock lock(stateMutex_);
+    return keysWith(&Entry::isUnread);
+  };
+  for (const std::string& key : unread()) {
+    read(key);
+  }
+  const MutexLock lock(stateMutex_);
+  std::erase_if(entries_, [](const auto& each) { return each.second.isUnread; });
+}
+
+// The entry of a key that holds a value.
+const LinuxUserDefaults::Entry* LinuxUserDefaults::find(std::string_view key) const {
+  const auto found = entries_.find(key);
+  return found != entries_.end() && found->second.isPresent ? &found->second : nullptr;
 }
 
 std::optional<Value> LinuxUserDefaults::get(std::string_view key) {
   openOnce();
-  const MutexLock lock(stateMutex_);
-  const auto found = entries_.find(key);
-  if (found == entries_.end() || !found->second.isPresent) {
-    return std::nullopt;
+  {
+    const MutexLock lock(stateMutex_);
+    const Entry* entry = find(key);
+    if (entry == nullptr || !entry->isUnread) {
+      return entry != nullptr ? entry->copy() : std::nullopt;
+    }
   }
-  const Entry& entry = found->second;
-  return entry.isText ? Value(entry.text) : entry.value;
+  readOnce(key);
+  const MutexLock lock(stateMutex_);
+  const Entry* entry = find(key);
+  return entry != nullptr ? entry->copy() : std::nullopt;
 }
 
 bool LinuxUserDefaults::contains(std::string_view key) {
   openOnce();
   const MutexLock lock(stateMutex_);
-  const auto found = entries_.find(key);
-  return found != entries_.end() && found->second.isPresent;
-}
-
-bool LinuxUserDefaults::holds(std::string_view key, const Value& value) {
-  const auto found = entries_.find(key);
-  if (found == entries_.end() || !found->second.isPresent) {
-    return false;
-  }
-  const Entry& entry = found->second;
-  const std::string* text = value.text();
-  return entry.isText ? text != nullptr && *text == entry.text : isSame(entry.value, value);
+  return find(key) != nullptr;
 }
 
 bool LinuxUserDefaults::set(std::string_view key, Value value) {
   openOnce();
+  if (isContainer(value)) {
+    readOnce(key);  // To be compared with.
+  }
   if (isLongArray(value)) {
     return setInParts(key, std::move(value));
   }
   {
     const MutexLock lock(stateMutex_);
-    if (holds(key, value)) {
+    const Entry* entry = find(key);
+    if (entry != nullptr && entry->holds(value)) {
       return true;
     }
   }
@@ -179,12 +193,7 @@ bool LinuxUserDefaults::set(std::string_view key, Value value) {
   const MutexLock lock(stateMutex_);
   const auto slot = entries_.try_emplace(std::string(key)).first;
   clear(slot);
-  Entry& entry = slot->second;
-  entry.isPresent = true;
-  entry.isText = value.text() != nullptr;
-  entry.text = entry.isText ? *value.text() : std::string();
-  entry.value = entry.isText ? Value() : std::move(value);
-  entry.list = std::move(*list);
+  slot->second.put(std::move(value), std::move(*list));
   return true;
 }
 
@@ -195,11 +204,11 @@ bool LinuxUserDefaults::setInParts(std::string_view key, Value value) {
   auto slot = entries_.find(key);
   const bool isLong = slot != entries_.end() && slot->second.isPresent && isLongArray(slot->second.value);
   const Array* former = isLong ? slot->second.value.array() : nullptr;
-  std::map<std::size_t, std::string> parts;
-  if (!addParts(array, former, parts)) {
+  std::optional<ArrayParts> parts = changedParts(array, former);
+  if (!parts) {
     return false;
   }
-  if (isLong && parts.empty() && former->size() == array.size()) {
+  if (isLong && parts->empty() && former->size() == array.size()) {
     return true;
   }
   if (isLong) {
@@ -208,21 +217,15 @@ bool LinuxUserDefaults::setInParts(std::string_view key, Value value) {
     slot = entries_.try_emplace(std::string(key)).first;
     clear(slot);
   }
-  Entry& entry = slot->second;
-  entry.isPresent = true;
-  parts.merge(entry.parts);
-  entry.parts = std::move(parts);
-  entry.parts.erase(entry.parts.lower_bound(partCount(array)), entry.parts.end());
-  entry.value = std::move(value);
+  slot->second.putParts(std::move(value), std::move(*parts));
   return true;
 }
 
 void LinuxUserDefaults::remove(std::string_view key) {
   openOnce();
   const MutexLock lock(stateMutex_);
-  const auto found = entries_.find(key);
-  if (found != entries_.end() && found->second.isPresent) {
-    clear(found);
+  if (find(key) != nullptr) {
+    clear(entries_.find(key));
   }
 }
 
@@ -233,8 +236,7 @@ void LinuxUserDefaults::appendString(std::string_view key, std::string_view suff
   if (found == entries_.end() || !found->second.isPresent || !found->second.isText) {
     found = entries_.try_emplace(std::string(key)).first;
     clear(found);
-    found->second.isPresent = true;
-    found->second.isText = true;
+    found->second.put("", {});
   }
   if (!suffix.empty()) {
     found->second.text.append(suffix);
@@ -257,9 +259,13 @@ std::optional<std::string> LinuxUserDefaults::takeString(std::string_view key) {
 std::vector<std::string> LinuxUserDefaults::keys() {
   openOnce();
   const MutexLock lock(stateMutex_);
+  return keysWith(&Entry::isPresent);
+}
+
+std::vector<std::string> LinuxUserDefaults::keysWith(bool Entry::*flag) const {
   std::vector<std::string> keys;
   for (const auto& [key, entry] : entries_) {
-    if (entry.isPresent) {
+    if (entry.*flag) {
       keys.push_back(key);
     }
   }
@@ -269,9 +275,7 @@ std::vector<std::string> LinuxUserDefaults::keys() {
 // Empties an entry and notes that the file does not know yet.
 void LinuxUserDefaults::clear(Entries::iterator entry) {
   mark(entry, Unsaved::All);
-  Entry empty;
-  empty.unsaved = entry->second.unsaved;
-  entry->second = std::move(empty);
+  entry->second.empty();
 }
 
 void LinuxUserDefaults::mark(Entries::iterator entry, Unsaved unsaved) {
@@ -317,6 +321,11 @@ bool LinuxUserDefaults::write() {
   if (status == StoreStatus::Stale) {
     status = writePending();
   }
+  return settle(status) == StoreStatus::Ok;
+}
+
+// Replaces a store that was found damaged. Warns of what is left to be warned of.
+StoreStatus LinuxUserDefaults::settle(StoreStatus status) {
   if (status == StoreStatus::Corrupt) {
     status = replaceStore();
   }
@@ -324,7 +333,7 @@ bool LinuxUserDefaults::write() {
     warnOnce(warnedOfFailure_, "User defaults cannot be written in " + directory_ + " (" + store_->failureText() +
                                    "); they go on in memory");
   }
-  return status == StoreStatus::Ok;
+  return status;
 }
 
 StoreStatus LinuxUserDefaults::writePending() {
@@ -347,8 +356,10 @@ StoreStatus LinuxUserDefaults::writePending() {
 StoreStatus LinuxUserDefaults::replaceStore() {
   warnOnce(warnedOfDamage_, "User defaults were damaged (" + store_->failureText() +
                                 ") and are written anew; the old file is renamed to " + fileName_ + ".corrupt");
+  readRest();
   ++storeGeneration_;
-  StoreStatus status = store_->setAside() ? store_->open([](const std::string&, const Value&) {}) : StoreStatus::Failed;
+  const auto ignore = [](const std::string&, const std::optional<Value>&) {};
+  StoreStatus status = store_->setAside() ? store_->open(ignore) : StoreStatus::Failed;
   if (status == StoreStatus::Ok) {
     {
       const MutexLock lock(stateMutex_);
@@ -365,28 +376,8 @@ void LinuxUserDefaults::collect() {
   for (const Entries::iterator& slot : unsaved_) {
     Entry& entry = slot->second;
     pending_.push_back({slot, entry.unsaved, entry.savedSize});
-    StoreChange& change = changes_.emplace_back();
-    change.key = slot->first;  // Stays valid: entries go only in dropRemoved(), when the change is done.
-    if (entry.unsaved == Unsaved::Suffix) {
-      change.kind = StoreChange::Kind::Append;
-      change.text = entry.text.substr(entry.savedSize);
-    } else if (entry.isPresent && isLongArray(entry.value)) {
-      change.kind = StoreChange::Kind::PutParts;
-      change.isWhole = entry.unsaved == Unsaved::All;
-      change.partCount = partCount(*entry.value.array());
-      change.parts = std::exchange(entry.parts, {});
-      if (change.isWhole && change.parts.size() < change.partCount) {
-        addParts(*entry.value.array(), nullptr, change.parts);
-      }
-    } else if (entry.isPresent) {
-      change.kind = StoreChange::Kind::Put;
-      change.value = entry.isText ? Value(entry.text) : entry.value;
-      change.text = std::exchange(entry.list, {});
-    } else {
-      change.kind = StoreChange::Kind::Remove;
-    }
-    entry.savedSize = entry.text.size();
-    entry.unsaved = Unsaved::Nothing;
+    // The key stays valid: entries go only in dropRemoved(), when the change is done.
+    changes_.push_back(entry.takeChange(slot->first));
   }
   unsaved_.clear();
 }
@@ -438,6 +429,7 @@ bool LinuxUserDefaults::checkpointOnce() {
   std::uint64_t generation = 0;
   std::uint64_t commits = 0;
   std::string path;
+  bool isUnchecked = false;
   {
     const MutexLock lock(storeMutex_);
     if (!store_->isOpen()) {
@@ -454,6 +446,10 @@ bool LinuxUserDefaults::checkpointOnce() {
     generation = storeGeneration_;
     commits = store_->commitCount();
     path = store_->path();
+    isUnchecked = store_->isUnchecked();
+  }
+  if (isUnchecked && !checkStore(path, generation)) {
+    return false;
   }
   const bool moved = checkpointer_.moveJournal(path);
   const MutexLock lock(storeMutex_);
@@ -470,6 +466,17 @@ bool LinuxUserDefaults::checkpointOnce() {
     askAtJournalBytes_ = kJournalLimitBytes;
   }
   return true;
+}
+
+// Looks a large file through for damage, for which opening has no time. False when the store was replaced.
+bool LinuxUserDefaults::checkStore(const std::string& path, std::uint64_t generation) {
+  const bool isDamaged = checkpointer_.findsDamage(path);
+  const MutexLock lock(storeMutex_);
+  if (generation != storeGeneration_) {
+    return false;
+  }
+  settle(store_->noteChecked(isDamaged));
+  return generation == storeGeneration_;
 }
 
 void LinuxUserDefaults::warnOnce(bool& warned, const std::string& text) {

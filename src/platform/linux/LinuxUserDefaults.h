@@ -12,26 +12,32 @@
 #include <vector>
 
 #include "platform/linux/DefaultsCheckpointer.h"
+#include "platform/linux/DefaultsEntry.h"
 #include "platform/linux/DefaultsStore.h"
 
 namespace kesu {
 
-/// User defaults in a file, with all values in memory.
+/// User defaults in a file, with all values in memory that were asked for.
 ///
-/// The file is opened by the first operation, not by the constructor. What synchronize() has returned true for survives
-/// the death of the process; after power loss the file is whole and at least as new as the last checkpoint().
+/// The file is opened by the first operation, not by the constructor. Opening reads the keys and all values but arrays
+/// and dictionaries, so that a full inbox costs a start nothing. Such a value is read by the first get() of its key or
+/// by the set() of another one, and stays in memory. What synchronize() has returned true for survives the death of the
+/// process; after power loss the file is whole and at least as new as the last checkpoint().
 ///
 /// Failures: a file that cannot be opened or written leaves the values in memory, and synchronize() answers false and
 /// tries again the next time (opening is tried again by checkpoint()). A damaged file is renamed to "<name>.corrupt"
-/// and replaced: by an empty one when it is found at opening, by what is in memory when it is found later. Each kind of
-/// failure is logged once (level 2).
+/// and replaced: by an empty one when it is found at opening, by what is in memory and what can still be read when it
+/// is found later. A large file is looked through for damage by the first checkpoint() only. An array or dictionary
+/// that makes no sense is absent from its first get() on, and an array in parts comes without the parts that make none.
+/// Each kind of failure is logged once (level 2).
 ///
 /// A long array costs by what is different from the one before: set() compares, and synchronize() writes the parts that
 /// are others.
 ///
 /// Two processes can share the file: of two values written under one key the later stays. Neither sees what the other
-/// writes after opening. A process forked from the one that made this object reads and changes its own copy in memory
-/// and writes nothing.
+/// writes after opening, except in an array or dictionary that it has not read yet. A process forked from the one that
+/// made this object reads and changes its own copy in memory, without the arrays and dictionaries that were not read
+/// before, and writes nothing.
 class LinuxUserDefaults final : public UserDefaults {
  public:
   /// A journal of this size asks for a checkpoint. It is read again at the next start after the process was killed.
@@ -65,24 +71,8 @@ class LinuxUserDefaults final : public UserDefaults {
   void checkpoint() override;
 
  private:
-  /// What the file does not have yet of an entry.
-  enum class Unsaved {
-    Nothing,  ///< The file has it all.
-    Suffix,   ///< The text has grown past `savedSize`.
-    Parts,    ///< `parts` of the array are others.
-    All       ///< Another value or none.
-  };
-
-  struct Entry {
-    bool isPresent = false;  // False: removed, and kept only until the file knows.
-    bool isText = false;
-    Value value;       // Unless it is a text.
-    std::string text;  // A text that grows in place.
-    std::string list;  // The property list of `value` until it is saved, when it is a dictionary or a short array.
-    std::map<std::size_t, std::string> parts;  // Of a long array: the property lists of parts that are not saved.
-    Unsaved unsaved = Unsaved::Nothing;
-    std::size_t savedSize = 0;
-  };
+  using Entry = DefaultsEntry;
+  using Unsaved = DefaultsEntry::Unsaved;
   using Entries = std::map<std::string, Entry, std::less<>>;
 
   /// A change on its way to the file, with what is needed to take it back.
@@ -95,17 +85,24 @@ class LinuxUserDefaults final : public UserDefaults {
   bool isForked() const;
   void openOnce() KESU_EXCLUDES(storeMutex_, stateMutex_);
   void open() KESU_REQUIRES(storeMutex_);
+  bool isUnread(std::string_view key) KESU_EXCLUDES(stateMutex_);
+  void readOnce(std::string_view key) KESU_EXCLUDES(storeMutex_, stateMutex_);
+  StoreStatus read(std::string_view key) KESU_REQUIRES(storeMutex_) KESU_EXCLUDES(stateMutex_);
+  void readRest() KESU_REQUIRES(storeMutex_) KESU_EXCLUDES(stateMutex_);
+  std::vector<std::string> keysWith(bool Entry::*flag) const KESU_REQUIRES(stateMutex_);
+  const Entry* find(std::string_view key) const KESU_REQUIRES(stateMutex_);
   bool hasUnsaved() KESU_EXCLUDES(stateMutex_);
   bool write() KESU_REQUIRES(storeMutex_);
   StoreStatus writePending() KESU_REQUIRES(storeMutex_);
+  StoreStatus settle(StoreStatus status) KESU_REQUIRES(storeMutex_);
   StoreStatus replaceStore() KESU_REQUIRES(storeMutex_);
   bool wantsCheckpoint() KESU_REQUIRES(storeMutex_);
   bool checkpointOnce() KESU_REQUIRES(checkpointMutex_);
+  bool checkStore(const std::string& path, std::uint64_t generation) KESU_REQUIRES(checkpointMutex_);
   void warnOnce(bool& warned, const std::string& text) KESU_REQUIRES(storeMutex_);
   void logWarnings() KESU_EXCLUDES(storeMutex_);
 
   bool setInParts(std::string_view key, Value value) KESU_EXCLUDES(stateMutex_);
-  bool holds(std::string_view key, const Value& value) KESU_REQUIRES(stateMutex_);
   void mark(Entries::iterator entry, Unsaved unsaved) KESU_REQUIRES(stateMutex_);
   void clear(Entries::iterator entry) KESU_REQUIRES(stateMutex_);
   void collect() KESU_REQUIRES(storeMutex_, stateMutex_);

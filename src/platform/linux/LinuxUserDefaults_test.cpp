@@ -308,6 +308,7 @@ TEST_F(LinuxUserDefaultsTest, WithoutAPlaceOnDiskTheValuesStayInMemory) {
 TEST_F(LinuxUserDefaultsTest, AReadOnlyStoreIsReadAndWarnedAboutOnce) {
   const auto defaults = open();
   defaults->set("key", "in the journal");
+  defaults->set("list", Array(100, 1));
   EXPECT_TRUE(defaults->synchronize());
   testing::TemporaryDirectory copy;
   for (const char* companion : {"", "-wal", "-shm"}) {
@@ -317,7 +318,7 @@ TEST_F(LinuxUserDefaultsTest, AReadOnlyStoreIsReadAndWarnedAboutOnce) {
   ASSERT_EQ(::chmod(copy.path().c_str(), 0555), 0);
   const auto verdict = testing::runUnprivileged([&] {
     LinuxUserDefaults readOnly(copy.path());
-    const bool read = readOnly.text("key") == "in the journal";
+    const bool read = readOnly.text("key") == "in the journal" && readOnly.get("list") == Value(Array(100, 1));
     readOnly.set("key", 2);
     const bool written = readOnly.synchronize() || readOnly.synchronize();
     readOnly.checkpoint();

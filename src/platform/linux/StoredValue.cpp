@@ -85,6 +85,11 @@ bool columnIsInParts(sqlite3_stmt* row, int kindColumn) {
   return sqlite3_column_int(row, kindColumn) == static_cast<int>(StoredKind::ArrayInParts);
 }
 
+bool columnIsContainer(sqlite3_stmt* row, int kindColumn) {
+  return columnIsInParts(row, kindColumn) ||
+         sqlite3_column_int(row, kindColumn) == static_cast<int>(StoredKind::PropertyList);
+}
+
 std::string_view columnBytes(sqlite3_stmt* row, int column) {
   const void* bytes = sqlite3_column_blob(row, column);
   return {static_cast<const char*>(bytes),

@@ -27,6 +27,9 @@ void bindParts(sqlite3_stmt* statement, int kindPosition, std::int64_t stamp);
 /// Whether the row is that of an array in parts. Its value is an empty array then, for the parts to be added to.
 bool columnIsInParts(sqlite3_stmt* row, int kindColumn);
 
+/// Whether the row is that of an array or dictionary. Its content need not be in the row.
+bool columnIsContainer(sqlite3_stmt* row, int kindColumn);
+
 /// The bytes of a text or blob column. Valid until the next step.
 std::string_view columnBytes(sqlite3_stmt* row, int column);
 
