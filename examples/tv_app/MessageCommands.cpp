@@ -3,7 +3,10 @@
 #include <kesu/kesu.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdio>
+#include <optional>
+#include <stdexcept>
 
 namespace tv {
 namespace {
@@ -68,11 +71,6 @@ std::function<void(const kesu::Object&)> printer(const std::string& what) {
   return [what](const kesu::Object& result) { print(what, result ? readable(*result) : "none"); };
 }
 
-// The type of messages that the first word names; 0 without one.
-kesu::KesuInAppMessageType typeIn(const ScriptLine& line) {
-  return static_cast<kesu::KesuInAppMessageType>(static_cast<std::int64_t>(line.number(0).value_or(0)));
-}
-
 void fetchBody(const ScriptLine& line) {
   kesu::Kesu::getMessageBodyWithCampaignID(line.word(0), line.word(1), printer("body"));
 }
@@ -84,6 +82,19 @@ void askForTag(const ScriptLine& line) {
 
 }  // namespace
 
+kesu::KesuInAppMessageType messageType(const ScriptLine& line) {
+  using Type = kesu::KesuInAppMessageType;
+  static const std::map<std::string, Type> kNames{{"unread", Type::Unread}, {"read", Type::Read}, {"all", Type::All}};
+  const std::string name = line.word(0, "unread");
+  if (const auto found = kNames.find(name); found != kNames.end()) {
+    return found->second;
+  }
+  if (const std::optional<double> number = line.number(0)) {
+    return static_cast<Type>(static_cast<std::int64_t>(*number));
+  }
+  throw std::runtime_error("messages are unread, read or all, or 0 to 2, not \"" + name + "\"");
+}
+
 std::map<std::string, Command> messageCommands() {
   return {
       {"count",
@@ -91,8 +102,9 @@ std::map<std::string, Command> messageCommands() {
          kesu::Kesu::countNewUnFetched([](std::int64_t count) { print("count", std::to_string(count)); });
        }},
       {"headers",
-       [](const ScriptLine& line) { kesu::Kesu::getMessageHeadersForType(typeIn(line), printer("headers")); }},
-      {"messages", [](const ScriptLine& line) { kesu::Kesu::getMessagesForType(typeIn(line), printer("messages")); }},
+       [](const ScriptLine& line) { kesu::Kesu::getMessageHeadersForType(messageType(line), printer("headers")); }},
+      {"messages",
+       [](const ScriptLine& line) { kesu::Kesu::getMessagesForType(messageType(line), printer("messages")); }},
       {"body", fetchBody},
       {"tags", [](const ScriptLine&) { kesu::KesuPersonalizationIntelligence::getTags(printer("tags")); }},
       {"is-tag", askForTag},

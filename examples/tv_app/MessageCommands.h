@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kesu/messaging/KesuInAppMessageType.h>
+
 #include <functional>
 #include <map>
 #include <string>
@@ -7,6 +9,10 @@
 #include "ScriptLine.h"
 
 namespace tv {
+
+/// The type of messages that the first word of a line names: unread, read or all, or its number; unread without a word.
+/// Throws std::runtime_error for other words. Numbers that are no type are passed on: the library takes any.
+kesu::KesuInAppMessageType messageType(const ScriptLine& line);
 
 /// The commands that ask for messages and tags, by name. Each prints what the library hands over, a line a call, when
 /// it comes: "pump" lets it.

@@ -6,6 +6,8 @@
 #include <stdexcept>
 #include <utility>
 
+#include "MessageCommands.h"
+
 namespace tv {
 namespace {
 
@@ -31,19 +33,6 @@ const char* nameOf(kesu::AccessibilityInfo::Role role) {
   return "";
 }
 
-kesu::KesuInAppMessageType messageType(const std::string& name) {
-  if (name == "unread") {
-    return kesu::KesuInAppMessageType::Unread;
-  }
-  if (name == "read") {
-    return kesu::KesuInAppMessageType::Read;
-  }
-  if (name == "all") {
-    return kesu::KesuInAppMessageType::All;
-  }
-  throw std::runtime_error("messages are unread, read or all, not \"" + name + "\"");
-}
-
 void pushKey(Uint32 type, SDL_Keycode key) {
   SDL_Event event{};
   event.key.type = type;
@@ -64,8 +53,7 @@ void ScreenScript::addTo(ScriptHost& host) {
       throw std::runtime_error("no such place: \"" + line.word(0) + "\"");
     }
   });
-  host.add("show-messages",
-           [this](const ScriptLine& line) { app().mailbox().show(messageType(line.word(0, "unread"))); });
+  host.add("show-messages", [this](const ScriptLine& line) { app().mailbox().show(messageType(line)); });
   host.add("dismiss", [this](const ScriptLine&) { app().mailbox().dismiss(); });
   host.add("frame", [this](const ScriptLine& line) { drawFor(line.number(0).value_or(kDefaultFrameSeconds)); });
   host.add("screenshot", [this](const ScriptLine& line) { saveScreenshot(line.word(0)); });
@@ -80,7 +68,7 @@ const char* ScreenScript::commands() {
   return "Screen (drawn into memory)\n"
          "  press BUTTON          press up, down, left, right, select, menu or play\n"
          "  link URL              open a link such as example-tv://show/night-train\n"
-         "  show-messages [TYPE]  show the messages of this type: unread, read or all\n"
+         "  show-messages [TYPE]  show the messages of this type: unread, read or all (or 0 to 2)\n"
          "  dismiss               take the popup away\n"
          "  frame SECONDS         run the main loop and draw for so long\n"
          "  screenshot FILE       draw, and write what is on the screen as PNG\n"

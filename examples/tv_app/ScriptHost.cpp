@@ -142,7 +142,7 @@ const char* ScriptHost::commands() {
          "  traits k=v ...        post traits of the user\n"
          "  token BYTES           report the token for push notifications\n"
          "  push [ID] k=v ...     report a push notification with these entries (mid, cid)\n"
-         "Messages and tags (TYPE: 0 new, 1 read before, 2 all)\n"
+         "Messages and tags (TYPE: unread, read or all; or 0 to 2)\n"
          "  count                 print how many new messages there are\n"
          "  headers TYPE          print the headers of messages\n"
          "  messages TYPE         print full messages\n"
