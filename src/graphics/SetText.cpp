@@ -226,13 +226,22 @@ TextLayout::State::~State() {
   g_object_unref(layout_);
 }
 
-// Called while the layout has no width: it tells that of the whole line.
+// Called while the layout has no width: it tells that of the whole line. Advances do not shrink evenly with the size of
+// the font, so a line that was made small is measured again.
 void TextLayout::State::fitToWidth(const TextStyle& style, double width) {
-  int natural = 0;
-  pango_layout_get_size(layout_, &natural, nullptr);
-  if (natural > toPango(width)) {
-    const double smallest = std::max(0.0, style.minimumScaleFactor);
-    setFont(layout_, style.font, std::max(smallest, width / fromPango(natural)));
+  constexpr int kSteps = 6;
+  constexpr double kLeastStep = 0.995;  // Else the last points of a line are come by ever more slowly.
+  const double smallest = std::max(0.0, style.minimumScaleFactor);
+  double factor = 1.0;
+  for (int step = 0; step < kSteps && factor > smallest; ++step) {
+    int natural = 0;
+    pango_layout_get_size(layout_, &natural, nullptr);
+    if (natural <= toPango(width)) {
+      return;
+    }
+    const double share = width / fromPango(natural);
+    factor = std::max(smallest, factor * (step == 0 ? share : std::min(share, kLeastStep)));
+    setFont(layout_, style.font, factor);
   }
 }
 

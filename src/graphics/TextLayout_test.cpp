@@ -56,6 +56,14 @@ Ink inkOf(const std::string& text, const TextStyle& style) {
   return ink;
 }
 
+/// The pixels of a text that was laid out, in a box of 800 x 50 points.
+std::vector<std::uint32_t> pictureOf(const TextLayout& layout) {
+  std::vector<std::uint32_t> pixels(800 * 50);
+  Canvas canvas(pixels.data(), 800, 50, 800, 1.0);
+  canvas.drawText(layout, {0.0, 0.0}, Color::white());
+  return pixels;
+}
+
 class TextLayoutTest : public testing::Test {
  protected:
   ~TextLayoutTest() override { setFontChoice({}); }
@@ -106,6 +114,23 @@ TEST_F(TextLayoutTest, ShrinksASingleLineOnlyAsFarAsAllowed) {
   EXPECT_GT(shrunk.size().width, natural * 0.87);
   const TextLayout cut("Showing 3 of 12", style, {natural * 0.5, 0.0});
   EXPECT_NEAR(cut.size().height / TextLayout("S", styleOf(1), {}).size().height, 0.85, 0.02);
+}
+
+TEST_F(TextLayoutTest, ShrinksUntilNothingIsCut) {
+  TextStyle style = styleOf(1);
+  style.minimumScaleFactor = 0.5;
+  const std::string text = "Showing 3 of 12 WAVy\u276F in-app messages";
+  const double natural = TextLayout(text, styleOf(1), {}).size().width;
+  for (double share = 0.99; share > 0.55; share -= 0.0083) {
+    const double width = natural * share;
+    const TextLayout shrunk(text, style, {width, 0.0});
+    const double scale = shrunk.size().height / TextLayout("S", styleOf(1), {}).size().height;
+    EXPECT_NEAR(scale, share, 0.03);
+    style.isSetSolid = true;  // Neither an ellipsis nor a cut: both ways to set it look the same.
+    const TextLayout solid(text, style, {width, 0.0});
+    style.isSetSolid = false;
+    EXPECT_TRUE(pictureOf(shrunk) == pictureOf(solid)) << share;
+  }
 }
 
 TEST_F(TextLayoutTest, AlignsAsItsScriptReads) {
