@@ -5,7 +5,7 @@
 namespace kesu {
 
 void GradientView::draw(Canvas& canvas) const {
-  canvas.fillGradient(bounds(), top_, bottom_);
+  canvas.fillGradient(presentedBounds(), top_, bottom_);
 }
 
 }  // namespace kesu

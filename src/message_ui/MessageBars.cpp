@@ -81,7 +81,7 @@ class ActionButton : public KesuCustomBtn {
   }
 
   void draw(Canvas& canvas) const override {
-    const Rect box = bounds();
+    const Rect box = presentedBounds();
     canvas.save();
     canvas.clip(box, cornerRadius());
     canvas.drawImage(face_, {0.0, 0.0, 1.0, 1.0}, box);

@@ -16,11 +16,12 @@ Rect disc(Point center, double radius) {
 }  // namespace
 
 void PicturePlaceholder::draw(Canvas& canvas) const {
-  canvas.fill(bounds(), ink_.withAlpha(kFaceOpacity));
-  if (bounds().height < 2.0 * kOutline.height) {
+  const Rect box = presentedBounds();
+  canvas.fill(box, ink_.withAlpha(kFaceOpacity));
+  if (box.height < 2.0 * kOutline.height) {
     return;
   }
-  const Point middle = bounds().center();
+  const Point middle = box.center();
   canvas.beginGroup();
   drawOutline(canvas,
               {middle.x - kOutline.width / 2.0, middle.y - kOutline.height / 2.0, kOutline.width, kOutline.height});

@@ -101,6 +101,17 @@ TEST(ControlsTest, DrawsAgainOnlyWhatIsSetToSomethingElse) {
   }
 }
 
+TEST(ControlsTest, SetsALabelInTheSizeThatIsShown) {
+  const testing::ScopedPlatform platform;
+  const auto label = std::make_shared<Label>(Rect{0.0, 0.0, 40.0, 20.0});
+  label->setText("text");
+  label->setFont(Font::system(12.0));
+  animate(1.0, [&] { label->setFrame({0.0, 0.0, 40.0, 400.0}); });
+  EXPECT_FALSE(Drawing(*label).isEmpty()) << "its middle is still at 10";
+  Animator::shared().finishAll();
+  EXPECT_TRUE(Drawing(*label).isEmpty()) << "its middle is far below";
+}
+
 /// Rows of these heights; the third has no view.
 class TableTest : public ::testing::Test, private TableViewDataSource {
  protected:

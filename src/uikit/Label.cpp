@@ -51,11 +51,12 @@ void Label::setMinimumScaleFactor(double factor) {
 }
 
 void Label::draw(Canvas& canvas) const {
-  if (text_.empty() || bounds().isEmpty()) {
+  const Rect box = presentedBounds();
+  if (text_.empty() || box.isEmpty()) {
     return;
   }
-  const TextLayout layout(text_, {font_, alignment_, numberOfLines_, minimumScaleFactor_}, bounds().size());
-  const double spare = bounds().height - layout.size().height;
+  const TextLayout layout(text_, {font_, alignment_, numberOfLines_, minimumScaleFactor_}, box.size());
+  const double spare = box.height - layout.size().height;
   canvas.drawText(layout, {0.0, std::max(0.0, spare / 2.0)}, textColor_);
 }
 
