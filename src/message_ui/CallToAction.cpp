@@ -2,11 +2,11 @@
 
 #include <kesu/events/KesuCustomEvent.h>
 
-#include <optional>
 #include <utility>
 
 #include "foundation/Json.h"
 #include "foundation/NumberText.h"
+#include "foundation/Objects.h"
 #include "messaging/ButtonClicks.h"
 #include "records/DefaultsKeys.h"
 #include "records/Destinations.h"
@@ -53,11 +53,6 @@ std::string_view withoutMarker(std::string_view action) {
     units += before - action.size() >= kBytesOfPair ? 2U : 1U;
   }
   return action;
-}
-
-std::optional<std::string> textOf(const Object& object) {
-  const std::string* text = object ? object->text() : nullptr;
-  return text != nullptr ? std::optional<std::string>(*text) : std::nullopt;
 }
 
 DeepLinkStatus openUrl(UrlOpener& opener, const ButtonPress& press, const std::string& url) {
@@ -110,18 +105,12 @@ void tellHost(NotificationCenter& notifications, const ButtonPress& press, const
   postButtonClick(notifications, status);
 }
 
-void setIfThere(Dictionary& dictionary, std::string_view key, const Object& value) {
-  if (value) {
-    dictionary.set(key, *value);
-  }
-}
-
 void postRecord(KesuPost& post, UserDefaults& defaults, const ButtonPress& press) {
   Dictionary record;
-  setIfThere(record, "mid", press.messageID);
-  setIfThere(record, "cid", press.campaignID);
-  setIfThere(record, k_KesuAppKey, defaults.get(kAppKeyDefault));
-  setIfThere(record, k_KesuAppInstanceId, defaults.get(kInstanceIdDefault));
+  setUnlessNil(record, "mid", press.messageID);
+  setUnlessNil(record, "cid", press.campaignID);
+  setUnlessNil(record, k_KesuAppKey, defaults.get(kAppKeyDefault));
+  setUnlessNil(record, k_KesuAppInstanceId, defaults.get(kInstanceIdDefault));
   record.set("action", "cta");
   record.set(k_destinationKeyInDictionary, kTableNotifications);
   record.set("btnId", decimal(press.tag));
@@ -131,7 +120,7 @@ void postRecord(KesuPost& post, UserDefaults& defaults, const ButtonPress& press
 
 void postEvent(const ButtonPress& press, std::int64_t status) {
   Attributes attributes;
-  setIfThere(attributes, "cid", press.campaignID);
+  setUnlessNil(attributes, "cid", press.campaignID);
   attributes.set("buttonID", press.tag);
   attributes.set("title", press.title);
   attributes.set("deepLinkStatus", status);
@@ -156,14 +145,14 @@ Dictionary webHookBody(Platform& platform, KesuMetrics& metrics, const std::stri
   const auto info = [&](const char* key) { return Object(platform.bundle.infoText(key)); };
   const double now = platform.clock.now();
   Dictionary body{{"v", KesuPost::FullVersionHeader()}, {"osName", "Linux"}};
-  setIfThere(body, "osVersion", metrics.systemVersion());
-  setIfThere(body, "appVersion", info("CFBundleShortVersionString"));
-  setIfThere(body, "appName", info("CFBundleDisplayName"));
-  setIfThere(body, "bundleVersion", info("CFBundleVersion"));
+  setUnlessNil(body, "osVersion", metrics.systemVersion());
+  setUnlessNil(body, "appVersion", info("CFBundleShortVersionString"));
+  setUnlessNil(body, "appName", info("CFBundleDisplayName"));
+  setUnlessNil(body, "bundleVersion", info("CFBundleVersion"));
   if (const auto bundle = platform.bundle.infoText("CFBundleIdentifier"); bundle && !bundle->empty()) {
     body.set("bundle", *bundle);
   }
-  setIfThere(body, "model", metrics.product());
+  setUnlessNil(body, "model", metrics.product());
   const auto identity = platform.defaults.get(kIdentityKey);
   const Dictionary* user = identity ? identity->dictionary() : nullptr;
   if (const Value* identifier = user != nullptr ? user->find(kAppSpecificUserId) : nullptr) {

@@ -7,6 +7,7 @@
 #include <cmath>
 #include <utility>
 
+#include "foundation/Objects.h"
 #include "graphics/ImageScaling.h"
 #include "graphics/TextLayout.h"
 #include "message_ui/MessageLog.h"
@@ -21,11 +22,6 @@ constexpr int kWidestPicture = 1160;  // The card's width on the finest screens,
 constexpr std::int64_t kStatusOtherMessage = 3;
 
 KesuInAppPresenter* sharedPresenter = nullptr;
-
-std::optional<std::string> textIn(const Object& value) {
-  const std::string* text = value ? value->text() : nullptr;
-  return text != nullptr ? std::optional(*text) : std::nullopt;
-}
 
 bool hasPicture(const InAppTemplateData* data) {
   return data != nullptr && !(data->imageURL().empty() && data->optionalBase64Image().empty());
@@ -239,8 +235,9 @@ void KesuInAppPresenter::calculateHeights() {
   if (model_ && !model_->msg.empty()) {
     measures_.messageHeight = heightForText(model_->msg, fonts().message, kCardTextWidth);
   }
-  textOverlapsImage_ = data != nullptr && data->textOverlapsImage() && measures_.imageHeight > 0.0;
-  measures_.textOverlapsImage = textOverlapsImage_;
+  textOverlapsImage_ = data != nullptr && data->textOverlapsImage();
+  // A title with nothing to lie over needs room of its own.
+  measures_.textOverlapsImage = textOverlapsImage_ && measures_.imageHeight > 0.0;
   contentHeight_ = calculateContentHeight(measures_);
   const double room = screenBounds().height - options_.screenInsets.top - options_.screenInsets.bottom;
   visibleHeight_ = calculateVisibleHeight(room, data != nullptr && data->buttonCount() > 0);
@@ -272,7 +269,7 @@ void KesuInAppPresenter::showPopover() {
   makeTable();
   makeBars();
   popupController_ =
-      std::make_unique<KesuPopupController>(std::vector<ViewPtr>{tableView_, bars_->bottomBarView()}, nullptr, this);
+      std::make_shared<KesuPopupController>(std::vector<ViewPtr>{tableView_, bars_->bottomBarView()}, nullptr, this);
   popupController_->setScreenInsets(options_.screenInsets);
   popupController_->setRemovalHandler(options_.didDismiss);
   tableView_->setDataSource(this);
@@ -377,8 +374,8 @@ void KesuInAppPresenter::didPage(std::int64_t tag) {
   if (const CompletionBlock block = completionBlock_) {
     KesuInAppStatus status;
     status.buttonIndex = tag;
-    status.messageID = textIn(headerValue("mid"));
-    status.campaignID = textIn(headerValue("cid"));
+    status.messageID = textOf(headerValue("mid"));
+    status.campaignID = textOf(headerValue("cid"));
     status.status = kStatusOtherMessage;
     block(status);
   }
@@ -453,11 +450,13 @@ void KesuInAppPresenter::inAppButtonClicked(const Button& button) {
   callToAction_.perform(std::move(press));
 }
 
+// The host hears of it before: a dismissal that is not animated has left the screen when it returns.
 void KesuInAppPresenter::dismissViewController(bool animated) {
-  if (popupController_ != nullptr) {
-    popupController_->dismissPopupControllerAnimated(animated);
-  }
+  const std::shared_ptr<KesuPopupController> popup = popupController_;
   didPopoverClosed();
+  if (popup != nullptr) {
+    popup->dismissPopupControllerAnimated(animated);
+  }
 }
 
 void KesuInAppPresenter::didPopoverClosed() {
@@ -486,7 +485,7 @@ void KesuInAppPresenter::tearDown() {
   bars_ = nullptr;
   if (popupController_ != nullptr) {  // It may be its own tap recogniser that closes it: it goes a turn later.
     popupController_->setDelegate(nullptr);
-    services_.platform.mainLoop.post([popup = std::shared_ptr<KesuPopupController>(std::move(popupController_))] {});
+    services_.platform.mainLoop.post([popup = std::move(popupController_)] {});
   }
 }
 

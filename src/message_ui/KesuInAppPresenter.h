@@ -110,7 +110,7 @@ class KesuInAppPresenter final : public KesuPopoverDelegate, public TableViewDat
   const std::optional<InAppModel>& model() const { return model_; }
   bool isInAppShown() const { return isInAppShown_; }  ///< From present to close, fetching included.
   bool hasLostItsWindow() const;  ///< Something is up, but the host has destroyed the window, or never had one.
-  bool textOverlapsImage() const { return textOverlapsImage_; }
+  bool textOverlapsImage() const { return textOverlapsImage_; }  ///< As the template says, also without a picture.
   std::int64_t unreadMessageCount() const { return unreadMessageCount_; }
   double contentHeight() const { return contentHeight_; }
   double visibleHeight() const { return visibleHeight_; }
@@ -122,7 +122,7 @@ class KesuInAppPresenter final : public KesuPopoverDelegate, public TableViewDat
   const MessageBars* bars() const { return bars_.get(); }
   Array& plistArray() { return plistArray_; }  ///< Kept: an auxiliary list that nothing fills.
 
-  // The table has one row, which holds the message.
+  // The table has one row, which holds the message; it is made anew for each, so that nothing is reused.
   std::size_t numberOfRows() override { return 1; }
   double heightOfRow(std::size_t row) override;
   ViewPtr cellForRow(std::size_t row, double width) override { return loadCurrentTemplate(row, width); }
@@ -179,7 +179,7 @@ class KesuInAppPresenter final : public KesuPopoverDelegate, public TableViewDat
   Size arrivedImageSize_;  // Of a picture whose message did not say.
   ImagePtr image_;         // What the cell shows, once it is there.
 
-  std::unique_ptr<KesuPopupController> popupController_;
+  std::shared_ptr<KesuPopupController> popupController_;  // Shared with what closes it.
   std::shared_ptr<TableView> tableView_;
   std::unique_ptr<MessageBars> bars_;
   std::shared_ptr<MessageCell> cell_;

@@ -8,12 +8,9 @@
 
 #include "graphics/TextLayout.h"
 #include "message_ui/SensibleOptions.h"
-#include "messaging/ButtonClicks.h"
 #include "support/KesuPriorityLogger.h"
 #include "testing/FontRelease.h"
-#include "testing/MessageScreen.h"
-#include "testing/RecordingPoster.h"
-#include "testing/ScopedPlatform.h"
+#include "testing/PresenterTest.h"
 
 namespace kesu {
 namespace {
@@ -21,97 +18,8 @@ namespace {
 using testing::bodyReply;
 using testing::buttonEntries;
 using testing::headersReply;
-
-class PresenterTest : public ::testing::Test {
- protected:
-  PresenterTest() {
-    presenter().setCallbacks([this](const KesuInAppStatus& status) { told.push_back(status); }, nullptr);
-  }
-
-  KesuInAppPresenter& presenter() { return *screen.presenter; }
-
-  /// Answers the oldest open request for a path.
-  bool answer(const std::string& path, const std::string& reply, int status = 200) {
-    const auto requests = platform.http.requests();
-    for (std::size_t i = 0; i < requests.size(); ++i) {
-      if (requests[i].url.find(path) != std::string::npos && platform.http.answer(i, status, reply)) {
-        platform.settle();
-        return true;
-      }
-    }
-    return false;
-  }
-
-  void present(KesuInAppMessageType type = KesuInAppMessageType::Unread) {
-    presenter().presentWithController(nullptr, type);
-    platform.settle();
-  }
-
-  /// Presents messages and answers with the first one's body.
-  void show(const std::vector<std::string>& identifiers, const std::string& body) {
-    present();
-    ASSERT_TRUE(answer("newUnFetched/", headersReply(identifiers)));
-    ASSERT_TRUE(answer("getmessage/", body));
-    pass(0.4);
-  }
-
-  void pass(double seconds) {
-    Animator::shared().tick(now);
-    now += seconds;
-    Animator::shared().tick(now);
-    platform.settle();
-  }
-
-  bool isUp() { return presenter().popupController() != nullptr && !screen.window.subviews().empty(); }
-
-  std::string focusedTitle() {
-    const auto* button = dynamic_cast<const Button*>(screen.window.focusedView());
-    return button != nullptr ? button->title() : "<none>";
-  }
-
-  /// All texts in the popup.
-  std::string texts(const View& view) {
-    const auto* label = dynamic_cast<const Label*>(&view);
-    std::string found = label != nullptr ? label->text() + "|" : "";
-    for (const ViewPtr& inside : view.subviews()) {
-      found += view.isHidden() ? "" : texts(*inside);
-    }
-    return found;
-  }
-
-  const ImageView* picture(const View& view) {
-    if (const auto* found = dynamic_cast<const ImageView*>(&view)) {
-      return found;
-    }
-    for (const ViewPtr& inside : view.subviews()) {
-      if (const ImageView* found = picture(*inside)) {
-        return found;
-      }
-    }
-    return nullptr;
-  }
-
-  /// Bodies of records for the collector's table of notifications, receipts left out.
-  std::vector<Dictionary> callsToAction() {
-    std::vector<Dictionary> found;
-    for (const HttpRequest& request : platform.http.requests()) {
-      const auto body = parseJson(request.body);
-      const std::string* action = body ? body->dictionary()->findText("action") : nullptr;
-      if (action != nullptr && *action == "cta") {
-        found.push_back(*body->dictionary());
-      }
-    }
-    return found;
-  }
-
-  testing::ScopedPlatform platform;
-  testing::RecordingPoster poster;
-  testing::MessageScreen screen{platform.platform};
-  std::vector<KesuInAppStatus> told;
-  double now = 100.0;
-};
-
-const Dictionary kTwoButtons{{"buttons", buttonEntries({{"Watch", "tv://watch"}, {"Later", ""}})}};
+using testing::kTwoButtons;
+using testing::PresenterTest;
 
 TEST_F(PresenterTest, FetchesAndShowsTheFirstMessage) {
   int calls = 0;
@@ -262,6 +170,20 @@ TEST_F(PresenterTest, ClosesAndShowsAgain) {
   EXPECT_EQ(presenter().model()->title, "B");
 }
 
+TEST_F(PresenterTest, TellsOfADismissalBeforeItAndAfterItAlsoWithoutAnimation) {
+  std::string order;
+  KesuInAppOptions options;
+  options.willDismiss = [&] { order += screen.window.subviews().empty() ? "late " : "will "; };
+  options.didDismiss = [&] { order += screen.window.subviews().empty() ? "did " : "early "; };
+  presenter().setOptions(options);
+  for (const bool animated : {false, true}) {
+    show({animated ? "a" : "b"}, bodyReply("A", "Text"));
+    presenter().dismissViewController(animated);
+    pass(0.4);
+  }
+  EXPECT_EQ(order, "will did will did ");
+}
+
 TEST_F(PresenterTest, KeepsThePlaceOfAPictureAndFadesItIn) {
   const Dictionary data{{"imageSourceURL", "https://images.example/a.png"}, {"imageWidth", 1160}, {"imageHeight", 400}};
   show({"a", "b"}, bodyReply("A", "Text", data));
@@ -310,9 +232,13 @@ TEST_F(PresenterTest, LaysTheTitleOverThePictureOnlyWhenThereIsOne) {
   const Dictionary data{{"optionalBase64Image", testing::pictureUrl(4, 2)}, {"imageWidth", 4}, {"imageHeight", 2}};
   show({"a"}, bodyReply("A", "Text", data, "p_temp_1"));
   EXPECT_TRUE(presenter().textOverlapsImage());
+  const double withPicture = presenter().contentHeight();
   presenter().dismissViewController(false);
-  show({"b"}, bodyReply("A", "Text", {}, "p_temp_1"));
   EXPECT_FALSE(presenter().textOverlapsImage());
+  show({"b"}, bodyReply("A", "Text", {}, "p_temp_1"));
+  EXPECT_TRUE(presenter().textOverlapsImage()) << "what the template says";
+  const double titleHeight = heightForText("A", kTitleFont, kCardTextWidth);
+  EXPECT_EQ(presenter().contentHeight(), withPicture - 290.0 - 24.0 + titleHeight + 8.0 + 8.0) << "room of its own";
 }
 
 TEST_F(PresenterTest, SurvivesHostileMessages) {
@@ -390,183 +316,6 @@ TEST_F(PresenterTest, TellsWhatAMessageHolds) {
         "Button title = Watch, deep-link URL = tv://watch, buttonBgColor = (null), buttonTextColor = tv://watch"}) {
     EXPECT_NE(lines.find(wanted), std::string::npos) << wanted << "\n" << lines;
   }
-}
-
-// --- Pressed buttons ---
-
-TEST(CallToAction, DecidesByTheText) {
-  using Kind = ButtonAction::Kind;
-  const std::pair<std::string, ButtonAction> cases[] = {
-      {"", {Kind::None, ""}},
-      {"unique-id://abc", {Kind::Identifier, "abc"}},
-      {"unique-id://a/unique-id://b", {Kind::Identifier, "a/b"}},
-      {"x-unique-id", {Kind::Identifier, "x-unique-id"}},
-      {"unique-id://a?wh=true", {Kind::Identifier, "a?wh=true"}},
-      {"https://h/x?wh=true", {Kind::WebHook, "https://h/x"}},
-      {"https://h/x?a=1&wh=true", {Kind::WebHook, "https://h/x?a=1"}},
-      {"https://h/x?wh=true&later=12", {Kind::WebHook, "https://h/x?wh=true&"}},
-      {"?wh=true", {Kind::WebHook, ""}},
-      {"h?wh=true\xF0\x9F\x98\x80\xC3\xA4", {Kind::WebHook, "h?wh"}},
-      {"https://h/x?wh=false", {Kind::Open, "https://h/x?wh=false"}},
-      {" ", {Kind::Open, " "}}};
-  for (const auto& [text, expected] : cases) {
-    const ButtonAction action = decideAction(text);
-    EXPECT_EQ(action.kind, expected.kind) << text;
-    EXPECT_EQ(action.text, expected.text) << text;
-  }
-}
-
-TEST_F(PresenterTest, OpensUrlsTellsTheHostAndPostsRecordAndEvent) {
-  std::vector<KesuInAppStatus> notified;
-  observeButtonClicks(platform.notifications, [&](const KesuInAppStatus& status) { notified.push_back(status); });
-  show({"a"}, bodyReply("Title", "Text", kTwoButtons));
-  screen.press(RemoteButton::Select);
-  EXPECT_TRUE(platform.urlOpener.urls.empty()) << "only with the next turn";
-  platform.settle();
-  EXPECT_EQ(platform.urlOpener.urls, std::vector<std::string>{"tv://watch"});
-  ASSERT_EQ(told.size(), 1U);
-  EXPECT_EQ(told[0], (KesuInAppStatus{0, "a", "c-a", "Watch", {}, 2, {}}));
-  EXPECT_EQ(notified, told);
-  ASSERT_EQ(callsToAction().size(), 1U);
-  const Dictionary record = callsToAction().front();
-  std::string keys;
-  for (const auto& [key, value] : record) {
-    keys += key + "=" + *value.text() + " ";
-  }
-  EXPECT_TRUE(keys.starts_with("mid=a cid=c-a kak=key kaid=kaid action=cta btnId=0 btnName=Watch ")) << keys;
-  ASSERT_EQ(poster.posted.size(), 1U);
-  const Dictionary& event = poster.posted[0].second;
-  EXPECT_EQ(*event.findText("~e"), "Kesu.InAppCallToAction");
-  EXPECT_EQ(*event.findText("cid"), "c-a");
-  EXPECT_EQ(*event.findText("title"), "Watch");
-  EXPECT_EQ(event.find("buttonID")->integerValue(), 0);
-  EXPECT_EQ(event.find("deepLinkStatus")->integerValue(), 2);
-  EXPECT_TRUE(isUp()) << "a press does not close";
-}
-
-TEST_F(PresenterTest, ReportsEveryOutcome) {
-  struct Case {
-    const char* action;
-    bool systemOpens;
-    std::int64_t status;
-    std::optional<std::string> urlString;
-  };
-  const Case cases[] = {{"", true, 1, {}},
-                        {"tv://x", true, 2, {}},
-                        {"tv://x", false, 3, {}},
-                        {"unique-id://abc", true, 4, "abc"},
-                        {"https://hook.example/x?wh=true", true, 5, {}}};
-  for (const Case& one : cases) {
-    platform.urlOpener.answer = one.systemOpens;
-    platform.urlOpener.urls.clear();
-    told.clear();
-    show({std::string("m") + one.action + (one.systemOpens ? "" : "!")},
-         bodyReply("Title", "Text", {{"buttons", buttonEntries({{"B", one.action}})}}));
-    screen.press(RemoteButton::Select);
-    platform.settle();
-    ASSERT_EQ(told.size(), 1U) << one.action;
-    EXPECT_EQ(told[0].status, one.status);
-    EXPECT_EQ(told[0].urlString, one.urlString);
-    EXPECT_EQ(platform.urlOpener.urls.size(), one.status == 2 || one.status == 3 ? 1U : 0U);
-    presenter().dismissViewController(false);
-  }
-  EXPECT_EQ(callsToAction().size(), 5U);
-}
-
-TEST_F(PresenterTest, CallsWebHooksAndReportsFailuresToTheBlockOnly) {
-  platform.bundle.dictionary = {{"CFBundleShortVersionString", "1.0"},
-                                {"CFBundleDisplayName", "Example"},
-                                {"CFBundleVersion", "42"},
-                                {"CFBundleIdentifier", "tv.example.app"}};
-  platform.defaults.set("kesuIdentity", Dictionary{{"appSpecificUserId", "user"}});
-  show({"a"}, bodyReply("Title", "Text", {{"buttons", buttonEntries({{"B", "https://hook.example/x?wh=true"}})}}));
-  screen.press(RemoteButton::Select);
-  platform.settle();
-  HttpRequest hook;
-  for (const HttpRequest& request : platform.http.requests()) {
-    hook = request.url == "https://hook.example/x" ? request : hook;
-  }
-  EXPECT_EQ(hook.method, "POST");
-  EXPECT_EQ(hook.headers,
-            (std::vector<std::pair<std::string, std::string>>{{"Content-Type", "application/json"},
-                                                              {"Content-Length", std::to_string(hook.body.size())}}));
-  const Dictionary body = *parseJson(hook.body)->dictionary();
-  for (const auto& [key, value] : std::vector<std::pair<std::string, std::string>>{{"v", "10-i-3.2.3"},
-                                                                                   {"appVersion", "1.0"},
-                                                                                   {"appName", "Example"},
-                                                                                   {"bundleVersion", "42"},
-                                                                                   {"bundle", "tv.example.app"},
-                                                                                   {"model", "x86_64"},
-                                                                                   {"~uid", "user"},
-                                                                                   {"timestamp", "1489579320000"}}) {
-    ASSERT_NE(body.findText(key), nullptr) << key;
-    EXPECT_EQ(*body.findText(key), value);
-  }
-  EXPECT_EQ(body.findText("uniqueId")->size(), 22U);
-  EXPECT_TRUE(body.contains("osName") && body.contains("osVersion") && body.contains("deviceLocalTime"));
-  EXPECT_EQ(told.size(), 1U);
-  const auto requests = platform.http.requests();
-  for (std::size_t i = 0; i < requests.size(); ++i) {
-    if (requests[i].url == hook.url) {
-      platform.http.fail(i, HttpError::TimedOut);
-    }
-  }
-  platform.settle();
-  ASSERT_EQ(told.size(), 2U);
-  ASSERT_TRUE(told[1].error.has_value());
-  EXPECT_EQ(told[1].error->code, HttpError::TimedOut);
-  told[1].error.reset();
-  EXPECT_EQ(told[1], told[0]) << "filled as before";
-}
-
-struct HostController : ViewController, KesuInAppMessageDelegate {
-  void inAppMessageButtonHandlerWithIndex(std::int64_t index, const std::string& buttonTitle,
-                                          const std::string& containingURLString,
-                                          std::int64_t withDeepLinkStatus) override {
-    line += std::to_string(index) + buttonTitle + containingURLString + std::to_string(withDeepLinkStatus);
-  }
-  std::string line;
-};
-
-TEST_F(PresenterTest, TellsTheDelegateWithoutABlockAndNoneThatHasGone) {
-  const Dictionary data{{"buttons", buttonEntries({{"B", "unique-id://x"}})}};
-  auto host = std::make_unique<HostController>();
-  presenter().setCallbacks({}, host.get());
-  show({"a"}, bodyReply("Title", "Text", data));
-  screen.press(RemoteButton::Select);
-  platform.settle();
-  EXPECT_EQ(host->line, "0Bunique-id://x4");
-  presenter().setCallbacks([this](const KesuInAppStatus& status) { told.push_back(status); }, host.get());
-  screen.press(RemoteButton::Select);
-  platform.settle();
-  EXPECT_EQ(told.size(), 1U);
-  EXPECT_EQ(host->line, "0Bunique-id://x4") << "only the block";
-  presenter().setCallbacks({}, host.get());
-  screen.press(RemoteButton::Select);
-  host.reset();
-  platform.settle();
-  EXPECT_EQ(presenter().delegate(), nullptr);
-  EXPECT_EQ(callsToAction().size(), 3U) << "the record is posted all the same";
-}
-
-TEST_F(PresenterTest, LetsTheHostVetoAUrl) {
-  KesuInAppOptions options;
-  options.shouldOpenUrl = [](const std::string& url) { return url != "tv://watch"; };
-  presenter().setOptions(options);
-  show({"a"}, bodyReply("Title", "Text", kTwoButtons));
-  screen.press(RemoteButton::Select);
-  platform.settle();
-  EXPECT_TRUE(platform.urlOpener.urls.empty());
-  EXPECT_EQ(told.at(0).status, 3);
-}
-
-TEST_F(PresenterTest, AttributesAPressToTheMessageThatWasPressed) {
-  show({"a", "b"}, bodyReply("A", "Text", kTwoButtons));
-  screen.press(RemoteButton::Select);
-  presenter().dismissViewController(true);
-  platform.settle();
-  ASSERT_EQ(told.size(), 1U);
-  EXPECT_EQ(told[0], (KesuInAppStatus{0, "a", "c-a", "Watch", {}, 2, {}}));
 }
 
 }  // namespace

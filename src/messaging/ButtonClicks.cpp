@@ -2,14 +2,10 @@
 
 #include <utility>
 
+#include "foundation/Objects.h"
+
 namespace kesu {
 namespace {
-
-void setUnlessMissing(Dictionary& info, std::string_view key, const std::optional<std::string>& text) {
-  if (text) {
-    info.set(key, *text);
-  }
-}
 
 std::optional<std::string> textIn(const Dictionary& info, std::string_view key) {
   const std::string* text = info.findText(key);
@@ -23,10 +19,10 @@ std::int64_t integerIn(const Dictionary& info, std::string_view key) {
 
 Dictionary userInfoOf(const KesuInAppStatus& status) {
   Dictionary info{{"buttonIndex", status.buttonIndex}, {"status", status.status}};
-  setUnlessMissing(info, "messageID", status.messageID);
-  setUnlessMissing(info, "campaignID", status.campaignID);
-  setUnlessMissing(info, "title", status.title);
-  setUnlessMissing(info, "urlString", status.urlString);
+  setUnlessNil(info, "messageID", status.messageID);
+  setUnlessNil(info, "campaignID", status.campaignID);
+  setUnlessNil(info, "title", status.title);
+  setUnlessNil(info, "urlString", status.urlString);
   if (status.error) {
     info.set("errorCode", static_cast<int>(status.error->code));
     info.set("errorStatus", status.error->httpStatus);

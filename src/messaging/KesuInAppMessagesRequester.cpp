@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "foundation/Objects.h"
 #include "records/DefaultsKeys.h"
 #include "records/Destinations.h"
 #include "records/RecordKeys.h"
@@ -19,12 +20,6 @@ std::string takeText(Dictionary& dictionary, std::string_view key) {
   std::string text = found != nullptr ? *found : std::string();
   dictionary.remove(key);
   return text;
-}
-
-void setUnlessMissing(Dictionary& dictionary, std::string_view key, const Object& value) {
-  if (value) {
-    dictionary.set(key, *value);
-  }
 }
 
 }  // namespace
@@ -51,15 +46,15 @@ void KesuInAppMessagesRequester::getAllMessages(const ServiceCredentials& who, H
 void KesuInAppMessagesRequester::messageWithMid(const Object& mid, const Object& cid, const ServiceCredentials& who,
                                                 Handler handler) {
   Dictionary dictionary = request(who, "getmessage/", "PUT");
-  setUnlessMissing(dictionary, "mid", mid);
-  setUnlessMissing(dictionary, "cid", cid);
+  setUnlessNil(dictionary, "mid", mid);
+  setUnlessNil(dictionary, "cid", cid);
   postInternalWithDictionary(std::move(dictionary), RequestType::Message, std::move(handler));
 
   Dictionary receipt;
-  setUnlessMissing(receipt, "mid", mid);
-  setUnlessMissing(receipt, "cid", cid);
-  setUnlessMissing(receipt, k_KesuAppKey, who.kak);
-  setUnlessMissing(receipt, k_KesuAppInstanceId, who.kaid);
+  setUnlessNil(receipt, "mid", mid);
+  setUnlessNil(receipt, "cid", cid);
+  setUnlessNil(receipt, k_KesuAppKey, who.kak);
+  setUnlessNil(receipt, k_KesuAppInstanceId, who.kaid);
   receipt.set("action", "delivered");
   receipt.set(k_destinationKeyInDictionary, kTableNotifications);
   post_.post(std::move(receipt));

@@ -7,6 +7,7 @@
 #include "foundation/Describe.h"
 #include "foundation/Keepable.h"
 #include "messaging/KeptSize.h"
+#include "messaging/MessageHeader.h"
 #include "records/DefaultsKeys.h"
 #include "support/KesuPriorityLogger.h"
 
@@ -15,7 +16,6 @@ namespace {
 
 constexpr std::string_view kInboxKeys[] = {kHeadersDefault, kPreviousHeadersDefault, kReadMessagesDefault,
                                            kBodiesDefault};
-constexpr std::string_view kContentRead = "contentRead";
 constexpr std::size_t kBodiesLimit = 20;  // Kept: so many are one too many; 19 stay.
 
 const Value* member(const Object& reply, std::string_view key) {
@@ -27,32 +27,24 @@ Object copyOf(const Value* value) {
   return value != nullptr ? Object(*value) : Object();
 }
 
-// "YES" and "1" count as true, as a number other than 0 does.
-bool isRead(const Value& header) {
-  const Dictionary* dictionary = header.dictionary();
-  const Value* flag = dictionary != nullptr ? dictionary->find(kContentRead) : nullptr;
-  const std::string* text = flag != nullptr ? flag->text() : nullptr;
-  return flag != nullptr && (flag->realValue() != 0.0 || (text != nullptr && (*text == "YES" || *text == "true")));
-}
-
 // A copy of a header or message that can be kept, marked; nothing for what is no dictionary.
-std::optional<Value> marked(const Value& message, bool isContentRead) {
+std::optional<Value> marked(const Value& message, bool isRead) {
   if (message.dictionary() == nullptr) {
     return std::nullopt;
   }
   Value copy = keepableCopy(message);
-  copy.dictionary()->set(kContentRead, isContentRead);
+  copy.dictionary()->set(kContentRead, isRead);
   return copy;
 }
 
-std::size_t appendMarked(Array& kept, const Value* list, bool isContentRead) {
+std::size_t appendMarked(Array& kept, const Value* list, bool isRead) {
   const Array* messages = list != nullptr ? list->array() : nullptr;
   if (messages == nullptr) {
     return 0;
   }
   const std::size_t before = kept.size();
   for (const Value& message : *messages) {
-    if (auto copy = marked(message, isContentRead)) {
+    if (auto copy = marked(message, isRead)) {
       kept.push_back(std::move(*copy));
     }
   }
@@ -119,7 +111,8 @@ void KesuInbox::kesu_getTotalUnreadMessages(CountHandler handler) {
     return;
   }
   const Array headers = storedArray(kHeadersDefault);
-  const auto unread = headers.size() - static_cast<std::size_t>(std::count_if(headers.begin(), headers.end(), isRead));
+  const auto unread =
+      headers.size() - static_cast<std::size_t>(std::count_if(headers.begin(), headers.end(), isContentRead));
   requester_.unreadMessagesCountWithCount(who, [unread, handler = std::move(handler)](const Object& reply) {
     const Value* count = member(reply, "count");
     const std::int64_t fetched = count != nullptr ? count->integerValue() : 0;
