@@ -35,6 +35,7 @@ void measureLogging(Figures& figures);
 void measureSize(Figures& figures);
 void measureScreens(Figures& figures);
 void measurePopup(Figures& figures);
+void measureMessage(Figures& figures);
 
 // The programs.
 int fillStore(const std::vector<std::string>& arguments);   ///< HOME COUNT: stores that many records.

@@ -18,11 +18,12 @@ namespace {
 
 // Rows that remove many files come after those that make many (Scratch.h).
 const std::vector<Row> kRows = {
-    {"post", &measurePosting},  {"worker", &measureRecordRoad}, {"screens", &measureScreens},
-    {"log", &measureLogging},   {"start", &measureStart},       {"store", &measureStoreWrite},
-    {"exit", &measureExit},     {"failures", &measureFailures}, {"read", &measureReadBack},
-    {"resend", &measureResend}, {"delivery", &measureDelivery}, {"delivery-tls", &measureDeliveryOverTls},
-    {"idle", &measureIdle},     {"size", &measureSize},         {"popup", &measurePopup},
+    {"post", &measurePosting},    {"worker", &measureRecordRoad}, {"screens", &measureScreens},
+    {"log", &measureLogging},     {"start", &measureStart},       {"store", &measureStoreWrite},
+    {"exit", &measureExit},       {"failures", &measureFailures}, {"read", &measureReadBack},
+    {"resend", &measureResend},   {"delivery", &measureDelivery}, {"delivery-tls", &measureDeliveryOverTls},
+    {"idle", &measureIdle},       {"size", &measureSize},         {"popup", &measurePopup},
+    {"message", &measureMessage},
 };
 
 const std::vector<Program> kPrograms = {{"fill-store", &fillStore}, {"post-and-end", &postAndEnd}};
