@@ -286,6 +286,45 @@ TEST(ImageDecoder, RefusesHostileWebp) {
   expectDamagedWhenCut(lossy, 12, 4);
 }
 
+// A lossless picture of 48 x 32 of one colour, without its header, whose pixels all name the group of codes `group`.
+// Written by the bit, the lowest of a byte first: whether there is a transform, a cache of colours, a picture of groups
+// (of tiles of 4 x 4), then its codes of one symbol each, then those of the first group.
+std::string streamNamingGroup(const std::string& group) {
+  const std::string bits = "001000" + "0"s + "101" + group + "101" + group + "100010001000" + "10001000100010001000";
+  std::string bytes(bits.size() / 8 + 16, '\0');
+  for (std::size_t bit = 0; bit < bits.size(); ++bit) {
+    bytes[bit / 8] = static_cast<char>(bytes[bit / 8] | (bits[bit] - '0') << bit % 8);
+  }
+  return bytes;
+}
+
+std::string webpChunk(const std::string& name, const std::string& content) {
+  const auto size = static_cast<char>(content.size());
+  return name + size + "\0\0\0"s + content + std::string(content.size() % 2, '\0');
+}
+
+std::string webpOf(const std::string& chunks) {
+  const std::size_t size = chunks.size() + 4;
+  return "RIFF"s + static_cast<char>(size & 0xFFU) + static_cast<char>(size >> 8) + "\0\0WEBP"s + chunks;
+}
+
+TEST(ImageDecoder, RefusesWebpWhoseTablesWouldFillTheMemory) {
+  const std::string few = streamNamingGroup("00000000");
+  const std::string many = streamNamingGroup("11111111");
+  const std::string lossy = webpFile(kWidth, kHeight, quarters, false).substr(12);
+  const auto plain = [](const std::string& stream) { return webpChunk("VP8L", "\x2F\x2F\xC0\x07\0"s + stream); };
+  const auto transparent = [&](const std::string& stream) {
+    return webpChunk("VP8X", "\x10\0\0\0\x2F\0\0\x1F\0\0"s) + webpChunk("ALPH", "\x01" + stream) + lossy;
+  };
+  expectStatuses({
+      {"one group", webpOf(plain(few)), ImageStatus::Decoded},
+      {"65,536 groups", webpOf(plain(many)), ImageStatus::TooLarge},
+      {"one group of opacity", webpOf(transparent(few)), ImageStatus::Decoded},
+      {"65,536 groups of opacity", webpOf(transparent(many)), ImageStatus::TooLarge},
+      {"two pictures", webpOf(plain(few) + plain(few)), ImageStatus::Damaged},
+  });
+}
+
 TEST(ImageDecoder, RefusesHostileGif) {
   constexpr std::size_t kCanvas = 6;
   const std::string good = quartersGif();

@@ -2,14 +2,18 @@
 
 #include <webp/decode.h>
 
+#include <cstddef>
+#include <optional>
 #include <utility>
 
 #include "graphics/PixelBuffer.h"
+#include "graphics/WebpTables.h"
 
 namespace kesu {
 namespace {
 
 constexpr int kLosslessFormat = 2;
+constexpr std::size_t kTablesLimitBytes = std::size_t{24} * 1024 * 1024;  // Some 2,000 groups; encoders make hundreds.
 
 const std::uint8_t* dataOf(std::string_view bytes) {
   return reinterpret_cast<const std::uint8_t*>(bytes.data());
@@ -46,6 +50,10 @@ DecodedImage decodeWebp(std::string_view bytes, const ImageLimits& limits) {
   const ImageStatus status = check(config.input, limits);
   if (status != ImageStatus::Decoded) {
     return notDecoded(status);
+  }
+  const std::optional<std::size_t> tables = webpTableBytes(bytes);
+  if (!tables || *tables > kTablesLimitBytes) {
+    return notDecoded(tables ? ImageStatus::TooLarge : ImageStatus::Damaged);
   }
   Pixels pixels = makePixels(config.input.width, config.input.height);
   if (!readPixels(bytes, config, pixels)) {
