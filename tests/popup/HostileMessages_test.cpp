@@ -117,7 +117,10 @@ std::vector<std::pair<std::string, Dictionary>> hostileMessages() {
   for (const char* color : {"", "#", "#zz", "-1", "0x", "#FFFFFFFFFFFFFFFFFFFF", "\xff\xfe", "%s%n", "red"}) {
     add(std::string("colour ") + color, withColors(color));
   }
-  for (const char* word : {"word ", "w", "\n", "\xe2\x80\xae ", "\xff\xc0", "\xf0\x9f\x8d\xbf", "e\xcc\x81"}) {
+  for (const char* word : {"word ", "w", "\n",
+                           "\xe2\x80\xae\xf0\x9f\x8d\xbf"
+                           "e\xcc\x81",
+                           "\xff\xc0"}) {
     const std::string text = endless(word);
     all.emplace_back("1 MB as title", payloadOf(text, "A text.", withButtons(entries(2))));
     all.emplace_back("1 MB as title over a picture", payloadOf(text, "", withPicture(100, 50), "p_temp_1"));
