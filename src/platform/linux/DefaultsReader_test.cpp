@@ -153,6 +153,18 @@ TEST_F(DefaultsReaderTest, ChangesBeforeTheFirstGetEndAsAfterIt) {
   EXPECT_TRUE(warnings().empty());
 }
 
+TEST_F(DefaultsReaderTest, AChangeAfterTheFirstGetWritesItsPartOnly) {
+  defaults_->set("long", numbers(3000));
+  restart();
+  Array array = longArray();
+  array[1000] = "changed";
+  defaults_->set("long", array);
+  EXPECT_TRUE(defaults_->synchronize());
+  EXPECT_LT(directory_.read(kName + "-wal").size(), directory_.read(kName).size() / 10);
+  restart();
+  EXPECT_EQ(longArray(), array);
+}
+
 TEST_F(DefaultsReaderTest, AnArrayThatAnotherProcessChangesBeforeTheFirstGetIsNotMixed) {
   EXPECT_TRUE(defaults_->contains("long"));
   const Array theirs(200, "theirs");
