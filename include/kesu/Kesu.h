@@ -152,10 +152,12 @@ class KESU_API Kesu {
   static void dismissInAppNotificationUI(bool animated);
 
   /// [Kesu addBadge:] Adds a red badge with the number of new messages at the upper right corner of a view, once the
-  /// service has told it; each call adds another one. Nothing happens for null, and when the view has gone by then.
+  /// service has told it; each call adds another one. Nothing happens for null (before initialize() either), and when
+  /// the view has gone by then.
   static void addBadge(View* view);
 
-  /// What the host changes about the popup (kesu/message_ui/KesuInAppOptions.h), from the next show on.
+  /// What the host changes about the popup (kesu/message_ui/KesuInAppOptions.h). Functions count from now on;
+  /// insets and text scale from the next show on. Does not need initialize().
   static void setInAppOptions(KesuInAppOptions options);
 
  private:

@@ -62,7 +62,7 @@ DeepLinkStatus openUrl(UrlOpener& opener, const ButtonPress& press, const std::s
   if (opener.open(url)) {
     return DeepLinkStatus::Opened;
   }
-  KESU_LOG(2, "In App action has not valid url identifier, please check the service once.");
+  KESU_LOG(0, "In App action has not valid url identifier, please check the service once.");
   return DeepLinkStatus::Refused;
 }
 

@@ -19,8 +19,8 @@ namespace kesu {
 /// What came of a button's action; hosts and the collector see the number.
 enum class DeepLinkStatus : std::int64_t {
   NoAction = 1,    ///< The button has none.
-  Opened = 2,      ///< A URL, which the system opened. 3 also stands for "another message is shown" in a status.
-  Refused = 3,     ///< A URL, which the system (or the host's veto) refused.
+  Opened = 2,      ///< A URL, which the system opened.
+  Refused = 3,     ///< A URL, which the system (or the host's veto) refused. After an arrow: another message is shown.
   Identifier = 4,  ///< An identifier for the host; nothing is opened.
   WebHook = 5      ///< A web hook, which was called.
 };

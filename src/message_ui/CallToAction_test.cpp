@@ -107,6 +107,8 @@ TEST_F(CallToActionTest, ReportsEveryOutcome) {
     ASSERT_EQ(told.size(), 1U) << one.action;
     EXPECT_EQ(told[0].status, one.status);
     EXPECT_EQ(told[0].urlString, one.urlString);
+    const auto lines = platform.log.takeLines();
+    EXPECT_EQ(lines.size(), one.status == 3 ? 1U : 0U) << "told without any log threshold";
     EXPECT_EQ(platform.urlOpener.urls.size(), one.status == 2 || one.status == 3 ? 1U : 0U);
     presenter().dismissViewController(false);
   }

@@ -1,7 +1,6 @@
 #include "message_ui/KesuInAppPresenter.h"
 
 #include <kesu/ui/Application.h>
-#include <kesu/ui/GestureRecognizer.h>
 
 #include <algorithm>
 #include <cmath>
@@ -22,10 +21,6 @@ constexpr int kWidestPicture = 1160;  // The card's width on the finest screens,
 constexpr std::int64_t kStatusOtherMessage = 3;
 
 KesuInAppPresenter* sharedPresenter = nullptr;
-
-bool hasPicture(const InAppTemplateData* data) {
-  return data != nullptr && !(data->imageURL().empty() && data->optionalBase64Image().empty());
-}
 
 }  // namespace
 
@@ -78,6 +73,8 @@ void KesuInAppPresenter::presentWithController(ViewController* controller, KesuI
   textOverlapsImage_ = false;
   unreadMessageCount_ = 0;
   inappMessageType_ = type;
+  screenInsets_ = options_.screenInsets;
+  textScale_ = options_.textScale;
   isInAppShown_ = true;
   model_.reset();
   responseValue_.clear();
@@ -201,8 +198,9 @@ void KesuInAppPresenter::whenFontsReady(std::function<void()> step) {
 }
 
 bool KesuInAppPresenter::hasMessage() const {
-  return model_ && (!model_->title.empty() || !model_->msg.empty() || hasPicture(templateData()) ||
-                    (templateData() != nullptr && templateData()->buttonCount() > 0));
+  const InAppTemplateData* data = templateData();
+  return model_ && (!model_->title.empty() || !model_->msg.empty() ||
+                    (data != nullptr && (data->hasPicture() || data->buttonCount() > 0)));
 }
 
 const InAppTemplateData* KesuInAppPresenter::templateData() const {
@@ -216,15 +214,15 @@ Color KesuInAppPresenter::canvasColor() const {
 
 MessageFonts KesuInAppPresenter::fonts() const {
   MessageFonts fonts;
-  fonts.title.size *= options_.textScale;
-  fonts.message.size *= options_.textScale;
+  fonts.title.size *= textScale_;
+  fonts.message.size *= textScale_;
   return fonts;
 }
 
 void KesuInAppPresenter::calculateHeights() {
   const InAppTemplateData* data = templateData();
   measures_ = {};
-  if (hasPicture(data)) {
+  if (data != nullptr && data->hasPicture()) {
     const double declared = clippedSizeFromImageSize(data->imageSize(), kCardWidth).height;
     const double arrived = clippedSizeFromImageSize(arrivedImageSize_, kCardWidth).height;
     measures_.imageHeight = declared > 0.0 ? declared : arrived;
@@ -239,7 +237,7 @@ void KesuInAppPresenter::calculateHeights() {
   // A title with nothing to lie over needs room of its own.
   measures_.textOverlapsImage = textOverlapsImage_ && measures_.imageHeight > 0.0;
   contentHeight_ = calculateContentHeight(measures_);
-  const double room = screenBounds().height - options_.screenInsets.top - options_.screenInsets.bottom;
+  const double room = screenBounds().height - screenInsets_.top - screenInsets_.bottom;
   visibleHeight_ = calculateVisibleHeight(room, data != nullptr && data->buttonCount() > 0);
 }
 
@@ -270,8 +268,12 @@ void KesuInAppPresenter::showPopover() {
   makeBars();
   popupController_ =
       std::make_shared<KesuPopupController>(std::vector<ViewPtr>{tableView_, bars_->bottomBarView()}, nullptr, this);
-  popupController_->setScreenInsets(options_.screenInsets);
-  popupController_->setRemovalHandler(options_.didDismiss);
+  popupController_->setScreenInsets(screenInsets_);
+  popupController_->setRemovalHandler([this, turn] {
+    if (turn.isAlive()) {
+      tell(options_.didDismiss);
+    }
+  });
   tableView_->setDataSource(this);
   showMessage();
   popupController_->presentPopupControllerAnimated(true, [this, turn, table = std::weak_ptr(tableView_)](bool) {
@@ -392,7 +394,7 @@ ImagePtr KesuInAppPresenter::imageWithImage(const ImagePtr& image, int width) {
 // Handlers come on the image worker: the picture is made small there, and shown on the main thread.
 void KesuInAppPresenter::loadImage() {
   const InAppTemplateData* data = templateData();
-  if (!hasPicture(data) || image_ != nullptr) {
+  if (data == nullptr || !data->hasPicture() || image_ != nullptr) {
     return;
   }
   MainLoop& loop = services_.platform.mainLoop;

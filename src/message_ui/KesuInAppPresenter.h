@@ -69,6 +69,7 @@ class KesuInAppPresenter final : public KesuPopoverDelegate, public TableViewDat
   /// forgetDelegate()). Each display names its own, so that none of an earlier one is told.
   void setCallbacks(CompletionBlock block, KesuInAppMessageDelegate* delegate);
   void setColors(const Colors& colors) { colors_ = colors; }
+  /// Functions count from now on, also for what is shown; insets and text scale from the next present on.
   void setOptions(KesuInAppOptions options);
 
   /// A delegate that is destroyed is not told any more.
@@ -159,6 +160,8 @@ class KesuInAppPresenter final : public KesuPopoverDelegate, public TableViewDat
   Services services_;
   CallToAction callToAction_;
   KesuInAppOptions options_;
+  EdgeInsets screenInsets_;  // Of what is shown.
+  double textScale_ = 1.0;   // Of what is shown.
   Colors colors_;
   CompletionBlock completionBlock_;
   KesuInAppMessageDelegate* delegate_ = nullptr;

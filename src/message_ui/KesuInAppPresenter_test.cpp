@@ -170,6 +170,26 @@ TEST_F(PresenterTest, ClosesAndShowsAgain) {
   EXPECT_EQ(presenter().model()->title, "B");
 }
 
+TEST_F(PresenterTest, ForgetsTheHostsFunctionsAtOnceAndItsLooksWithTheNextShow) {
+  KesuInAppOptions options;
+  options.textScale = 2.0;
+  options.screenInsets.bottom = 40.0;
+  options.didDismiss = [] { FAIL() << "its host may have gone"; };
+  presenter().setOptions(options);
+  show({"a", "b"}, bodyReply("A", "Text"));
+  const double height = presenter().contentHeight();
+  presenter().setOptions({});
+  screen.press(RemoteButton::Select);
+  ASSERT_TRUE(answer("getmessage/", bodyReply("B", "Text")));
+  pass(0.7);
+  EXPECT_EQ(presenter().contentHeight(), height) << "as large as the message before";
+  EXPECT_EQ(presenter().popupController()->popupView().frame().bottom(), 1040.0);
+  presenter().dismissViewController(true);
+  pass(0.4);
+  show({"c"}, bodyReply("A", "Text"));
+  EXPECT_LT(presenter().contentHeight(), height);
+}
+
 TEST_F(PresenterTest, TellsOfADismissalBeforeItAndAfterItAlsoWithoutAnimation) {
   std::string order;
   KesuInAppOptions options;

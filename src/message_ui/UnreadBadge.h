@@ -7,10 +7,10 @@
 
 namespace kesu {
 
-/// The frame of a badge on a view's upper right corner, in the coordinates of the view's superview.
+/// The frame of a badge on a view's upper right corner, in points of the view's superview. Any thread.
 Rect unreadBadgeFrame(const Rect& viewFrame);
 
-/// A badge that shows this count, also when it is 0.
+/// A badge that shows this count, also when it is 0. Main thread.
 /// Kept: its corner radius is larger than half of its side.
 std::shared_ptr<Label> makeUnreadBadge(std::int64_t count, const Rect& viewFrame);
 

@@ -41,6 +41,9 @@ class InAppTemplateData {
   void setTemplateID(std::string templateID) { templateID_ = std::move(templateID); }
   void setTextOverlapsImage(bool overlaps) { textOverlapsImage_ = overlaps; }
 
+  /// Whether the message names a picture or carries one.
+  bool hasPicture() const { return !(imageURL_.empty() && optionalBase64Image_.empty()); }
+
   /// [imageSize] Width and height that the message names.
   Size imageSize() const { return {static_cast<double>(imageWidth_), static_cast<double>(imageHeight_)}; }
 

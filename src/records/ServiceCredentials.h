@@ -16,10 +16,11 @@ struct ServiceCredentials {
 /// The credentials in the user defaults. Any thread.
 ServiceCredentials storedCredentials(UserDefaults& defaults);
 
-/// [addKakAndKaid:kaid:kaid2:] A body with "kak", "kaid" and "kaid2", each only when it is there and not "".
+/// [addKakAndKaid:kaid:kaid2:] A body with "kak", "kaid" and "kaid2", each only when it is there and not "". Any
+/// thread.
 Dictionary addKakAndKaid(const ServiceCredentials& who);
 
-/// Whether there is no such text, or it is empty.
+/// Whether there is no such text, or it is empty. Any thread.
 bool isMissingOrEmpty(const Object& text);
 
 }  // namespace kesu
