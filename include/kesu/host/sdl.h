@@ -20,8 +20,10 @@
 #include <kesu/ui/Overlay.h>
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <set>
+#include <vector>
 
 namespace kesu::host {
 
@@ -70,7 +72,11 @@ class SdlOverlay {
   void draw(SDL_Renderer* renderer) {
     renderer_ = renderer;
     measure();
-    layers_.draw(renderer, overlay_.layers(static_cast<double>(SDL_GetTicks64()) / 1000.0));
+    const std::weak_ptr<bool> alive = alive_;  // A callback of the popup may destroy this.
+    const std::vector<FrameLayer>& layers = overlay_.layers(static_cast<double>(SDL_GetTicks64()) / 1000.0);
+    if (!alive.expired()) {
+      layers_.draw(renderer, layers);
+    }
   }
 
   /// Whether the next draw() will show something new: hosts that draw on demand ask this, or set
@@ -169,6 +175,7 @@ class SdlOverlay {
   SdlLayers layers_;
   std::set<std::int64_t> held_;
   float pixelsAUnit_ = 1.0F;
+  std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
 };
 
 }  // namespace kesu::host

@@ -63,7 +63,8 @@ struct AccessibilityNode {
 /// What a host's screen shows of the library: the popup. A host feeds it presses and draws its frames over its own
 /// picture; adaptors for toolkits are in kesu/host/. Main thread.
 ///
-/// One at a time. It makes a window and makes it key, unless the host has done so.
+/// One at a time. It makes a window and makes it key, unless the host has done so. It may be destroyed at any time, in
+/// the library's callbacks too: what it was doing then ends without it.
 class KESU_API Overlay {
  public:
   Overlay();
@@ -103,7 +104,7 @@ class KESU_API Overlay {
 
  private:
   struct State;
-  std::unique_ptr<State> state_;
+  std::shared_ptr<State> state_;
 };
 
 }  // namespace kesu

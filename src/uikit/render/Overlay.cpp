@@ -20,8 +20,9 @@ constexpr double kScreenHeight = 1080.0;
 /// Asks the host for a frame, once until it has drawn one.
 struct FrameRequest {
   void ask() {
-    if (!std::exchange(isAsked, true) && callback) {
-      callback();
+    const std::function<void()> running = callback;  // It may set another one.
+    if (!std::exchange(isAsked, true) && running) {
+      running();
     }
   }
 
@@ -46,6 +47,7 @@ struct Overlay::State {
   const Window* drawn = nullptr;    // The same.
   std::uint64_t drawnChanges = 0;
   bool isSizeNew = false;
+  bool isOrphan = false;  // Its overlay has gone, in a function of the host that was called from here.
   int width = 1920;
   int height = 1080;
 };
@@ -93,11 +95,13 @@ Point Overlay::State::toPoints(double x, double y) const {
   return {(x - (width - kScreenWidth * scale) / 2.0) / scale, y / scale};
 }
 
-Overlay::Overlay() : state_(std::make_unique<State>()) {
+Overlay::Overlay() : state_(std::make_shared<State>()) {
   state_->window();
 }
 
-Overlay::~Overlay() = default;
+Overlay::~Overlay() {
+  state_->isOrphan = true;
+}
 
 void Overlay::setPixelSize(int width, int height) {
   const int columns = std::clamp(width, 1, kLargestSide);
@@ -114,20 +118,27 @@ bool Overlay::isModal() const {
   return state_->window().modalView() != nullptr;
 }
 
+// Presses and frames end in functions of the host, which may destroy the overlay: the state is held until they are
+// over.
+
 bool Overlay::press(RemoteButton button, PressPhase phase) {
-  return state_->window().press(button, phase);
+  const std::shared_ptr<State> state = state_;
+  return state->window().press(button, phase);
 }
 
 bool Overlay::swipe(SwipeDirection direction) {
-  return state_->window().swipe(direction);
+  const std::shared_ptr<State> state = state_;
+  return state->window().swipe(direction);
 }
 
 bool Overlay::tap(double x, double y) {
-  return std::isfinite(x) && std::isfinite(y) && state_->window().tap(state_->toPoints(x, y));
+  const std::shared_ptr<State> state = state_;
+  return std::isfinite(x) && std::isfinite(y) && state->window().tap(state->toPoints(x, y));
 }
 
 void Overlay::cancelPresses() {
-  state_->window().cancelPresses();
+  const std::shared_ptr<State> state = state_;
+  state->window().cancelPresses();
 }
 
 bool Overlay::needsFrame() const {
@@ -135,24 +146,35 @@ bool Overlay::needsFrame() const {
 }
 
 void Overlay::setNeedsFrameCallback(std::function<void()> callback) {
-  state_->request->callback = std::move(callback);
-  state_->request->isAsked = false;
-  if (state_->differs()) {
-    state_->request->ask();
+  const std::shared_ptr<State> state = state_;
+  state->request->callback = std::move(callback);
+  state->request->isAsked = false;
+  if (state->differs()) {
+    state->request->ask();
   }
 }
 
 const std::vector<FrameLayer>& Overlay::layers(double nowSeconds) {
-  state_->beginFrame(nowSeconds);
-  const std::vector<FrameLayer>& layers = state_->renderer.layers(state_->window(), state_->width, state_->height);
-  state_->endFrame();
+  static const std::vector<FrameLayer> kNone;
+  const std::shared_ptr<State> state = state_;
+  state->beginFrame(nowSeconds);
+  if (state->isOrphan) {
+    return kNone;
+  }
+  const std::vector<FrameLayer>& layers = state->renderer.layers(state->window(), state->width, state->height);
+  state->endFrame();
   return layers;
 }
 
 const FlatFrame& Overlay::flatten(double nowSeconds) {
-  state_->beginFrame(nowSeconds);
-  const FlatFrame& frame = state_->renderer.flatten(state_->window(), state_->width, state_->height);
-  state_->endFrame();
+  static const FlatFrame kNone;
+  const std::shared_ptr<State> state = state_;
+  state->beginFrame(nowSeconds);
+  if (state->isOrphan) {
+    return kNone;
+  }
+  const FlatFrame& frame = state->renderer.flatten(state->window(), state->width, state->height);
+  state->endFrame();
   return frame;
 }
 

@@ -130,5 +130,29 @@ TEST_F(OverlayTest, OutlivesWindowsAndIsOutlivedByThem) {
   EXPECT_EQ(asked, 0);
 }
 
+TEST(OverlayOfItsOwnWindow, MayBeDestroyedByTheHostsFunctionsThatItCalls) {
+  auto pressed = std::make_unique<Overlay>();
+  const auto button = std::make_shared<Button>(Rect{0.0, 0.0, 200.0, 80.0});
+  button->setModal(true);
+  button->setAction([&](Button&) { pressed.reset(); });
+  keyWindow()->addSubview(button);
+  Overlay& overlay = *pressed;
+  overlay.press(RemoteButton::Select, PressPhase::Began);
+  EXPECT_TRUE(overlay.press(RemoteButton::Select, PressPhase::Ended));
+  EXPECT_EQ(pressed, nullptr);
+  EXPECT_EQ(keyWindow(), nullptr);
+
+  for (const bool isFlat : {false, true}) {
+    auto drawn = std::make_unique<Overlay>();
+    Overlay& drawing = *drawn;
+    drawing.layers(0.0);
+    animate(
+        0.1, [&] { button->setAlpha(isFlat ? 0.25 : 0.75); }, [&](bool) { drawn.reset(); });
+    drawing.layers(1.0);
+    EXPECT_TRUE(isFlat ? drawing.flatten(2.0).pixels == nullptr : drawing.layers(2.0).empty());
+    EXPECT_EQ(keyWindow(), nullptr);
+  }
+}
+
 }  // namespace
 }  // namespace kesu
