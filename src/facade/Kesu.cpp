@@ -41,6 +41,7 @@ void Kesu::initialize(const Object& key, std::int64_t logThrottling) {
   Kesu::logThrottling(logThrottling);
   const std::string* text = key ? key->text() : nullptr;
   wiring().manager.initializeWithKey(text != nullptr ? *text : "");
+  wiring().inbox.readAhead(wiring().platform.background);
 }
 
 void Kesu::logThrottling(std::int64_t level) {

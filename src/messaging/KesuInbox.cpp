@@ -96,6 +96,14 @@ void call(const Handler& handler, Argument&& argument) {
 
 }  // namespace
 
+void KesuInbox::readAhead(BackgroundQueue& worker) {
+  worker.post([&defaults = defaults_] {
+    for (const std::string_view key : kInboxKeys) {
+      defaults.get(key);
+    }
+  });
+}
+
 void KesuInbox::kesu_countNewUnFetched(CountHandler handler) {
   requester_.unreadMessagesCountWithCount(storedCredentials(defaults_),
                                           [handler = std::move(handler)](const Object& reply) {

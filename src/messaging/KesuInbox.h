@@ -2,6 +2,7 @@
 
 #include <kesu/foundation/Value.h>
 #include <kesu/messaging/KesuInAppMessageType.h>
+#include <kesu/platform/BackgroundQueue.h>
 #include <kesu/platform/UserDefaults.h>
 
 #include <cstddef>
@@ -34,6 +35,9 @@ class KesuInbox {
 
   KesuInbox(UserDefaults& defaults, KesuInAppMessagesRequester& requester)
       : defaults_(defaults), requester_(requester) {}
+
+  /// Has the lists read into memory on the worker, since the first reading of a long one takes tens of milliseconds.
+  void readAhead(BackgroundQueue& worker);
 
   /// [kesu_countNewUnFetched:] How many new messages the service has; 0 when it cannot say.
   void kesu_countNewUnFetched(CountHandler handler);
