@@ -3,6 +3,7 @@
 #include <kesu/ui/Overlay.h>
 #include <kesu/ui/View.h>
 
+#include "testing/FontRelease.h"
 #include "testing/SdkFixture.h"
 
 namespace kesu {
