@@ -1,26 +1,18 @@
 #include "message_ui/MessageBars.h"
 
-#include <kesu/ui/Containers.h>
-
 #include <algorithm>
 #include <cmath>
 #include <string>
 #include <utility>
 
 #include "foundation/NumberText.h"
-#include "graphics/Canvas.h"
-#include "graphics/TextLayout.h"
+#include "message_ui/ActionButton.h"
 
 namespace kesu {
 namespace {
 
-constexpr double kButtonRadius = 6.0;
 constexpr double kButtonBorder = 1.0;
 constexpr double kCounterScale = 0.85;
-constexpr double kTitleScale = 0.8;
-constexpr double kRingWidth = 2.5;
-constexpr double kRingInset = 2.0;
-constexpr double kRingOpacity = 0.9;
 constexpr double kArrowFace = 0.2;  // How much of the arrow's colour is in the face behind it.
 constexpr Color kDarkBar{0.11, 0.12, 0.14, 1.0};
 constexpr Color kLightBar{0.95, 0.95, 0.97, 1.0};
@@ -40,72 +32,6 @@ class ArrowButton : public KesuCustomBtn {
   Color face_;
 };
 
-}  // namespace
-
-/// Keeps its title short enough to be read while it is focused: the card cuts off what is wider. A ring tells the focus
-/// as well, since beside the card's edges, and for an only button, its size tells little. Down leads to an arrow
-/// wherever that lies, since there is nothing else below.
-class ActionButton : public KesuCustomBtn {
- public:
-  using KesuCustomBtn::KesuCustomBtn;
-
-  void setWayDown(std::weak_ptr<View> arrow) { wayDown_ = std::move(arrow); }
-
-  bool handleArrow(RemoteButton arrow) override {
-    const ViewPtr below = arrow == RemoteButton::Down ? wayDown_.lock() : nullptr;
-    if (below == nullptr || window() == nullptr) {
-      return false;
-    }
-    window()->setFocusedView(below.get());
-    return true;
-  }
-
-  void setFace(ImagePtr face, const Color& ring) {
-    face_ = std::move(face);
-    ring_ = ring.withAlpha(kRingOpacity);
-  }
-
-  void didUpdateFocus() override {
-    KesuCustomBtn::didUpdateFocus();
-    setNeedsDisplay();
-  }
-
-  // The ring follows the size, which a press changes.
-  void pressesBegan(RemoteButton pressed) override {
-    KesuCustomBtn::pressesBegan(pressed);
-    setNeedsDisplay();
-  }
-  void pressesEnded(RemoteButton released) override {
-    KesuCustomBtn::pressesEnded(released);
-    setNeedsDisplay();
-  }
-
-  void draw(Canvas& canvas) const override {
-    const Rect box = presentedBounds();
-    canvas.save();
-    canvas.clip(box, cornerRadius());
-    canvas.drawImage(face_, {0.0, 0.0, 1.0, 1.0}, box);
-    canvas.restore();
-    if (isFocused()) {
-      const Rect shown = uncutPart(frame(), kCardWidth, transform().scaleX);
-      canvas.strokeInside(shown.inset(kRingInset, kRingInset), kRingWidth, ring_, kButtonRadius - kRingInset);
-    }
-    const double width = actionTitleWidth(frame(), kCardWidth, focusedScaleFactor());
-    if (title().empty() || width <= 0.0) {
-      return;
-    }
-    const TextLayout layout(title(), {font(), TextAlignment::Center, 1, kTitleScale}, {width, box.height});
-    canvas.drawText(layout, {(box.width - width) / 2.0, (box.height - layout.size().height) / 2.0}, titleColor());
-  }
-
- private:
-  ImagePtr face_;
-  Color ring_;
-  std::weak_ptr<View> wayDown_;
-};
-
-namespace {
-
 Color mixed(const Color& one, const Color& other, double part) {
   const auto mix = [part](double from, double to) { return from + (to - from) * part; };
   return {mix(one.red, other.red), mix(one.green, other.green), mix(one.blue, other.blue), 1.0};
@@ -118,7 +44,7 @@ std::uint32_t channel(double part, double alpha) {
 void dressButton(KesuCustomBtn& button, const Font& font, const Color& border) {
   button.setup();
   button.setFont(font);
-  button.setCornerRadius(kButtonRadius);
+  button.setCornerRadius(kCardButtonRadius);
   button.setBorder(kButtonBorder, border);
   button.setClipsToBounds(true);
 }

@@ -17,6 +17,7 @@ namespace kesu {
 inline constexpr double kCardWidth = 580.0;
 inline constexpr double kCardTextWidth = 557.0;
 inline constexpr double kCardGap = 8.0;
+inline constexpr double kCardButtonRadius = 6.0;
 inline constexpr double kBarHeight = 80.0;  ///< Of the row of action buttons, and of the paging bar.
 
 inline const Font kTitleFont{"HelveticaNeue-Light", 34.0};

@@ -1,0 +1,67 @@
+#include "message_ui/ActionButton.h"
+
+#include <kesu/ui/Containers.h>
+
+#include "graphics/Canvas.h"
+#include "graphics/TextLayout.h"
+#include "message_ui/MessageLayout.h"
+
+namespace kesu {
+namespace {
+
+constexpr double kTitleScale = 0.8;
+constexpr double kRingWidth = 2.5;
+constexpr double kRingInset = 2.0;
+constexpr double kRingOpacity = 0.9;
+
+}  // namespace
+
+void ActionButton::setFace(ImagePtr face, const Color& ring) {
+  face_ = std::move(face);
+  ring_ = ring.withAlpha(kRingOpacity);
+}
+
+bool ActionButton::handleArrow(RemoteButton arrow) {
+  const ViewPtr below = arrow == RemoteButton::Down ? wayDown_.lock() : nullptr;
+  if (below == nullptr || window() == nullptr) {
+    return false;
+  }
+  window()->setFocusedView(below.get());
+  return true;
+}
+
+void ActionButton::didUpdateFocus() {
+  KesuCustomBtn::didUpdateFocus();
+  setNeedsDisplay();
+}
+
+// The ring follows the size, which a press changes.
+void ActionButton::pressesBegan(RemoteButton pressed) {
+  KesuCustomBtn::pressesBegan(pressed);
+  setNeedsDisplay();
+}
+
+void ActionButton::pressesEnded(RemoteButton released) {
+  KesuCustomBtn::pressesEnded(released);
+  setNeedsDisplay();
+}
+
+void ActionButton::draw(Canvas& canvas) const {
+  const Rect box = presentedBounds();
+  canvas.save();
+  canvas.clip(box, cornerRadius());
+  canvas.drawImage(face_, {0.0, 0.0, 1.0, 1.0}, box);
+  canvas.restore();
+  if (isFocused()) {
+    const Rect shown = uncutPart(frame(), kCardWidth, transform().scaleX);
+    canvas.strokeInside(shown.inset(kRingInset, kRingInset), kRingWidth, ring_, kCardButtonRadius - kRingInset);
+  }
+  const double width = actionTitleWidth(frame(), kCardWidth, focusedScaleFactor());
+  if (title().empty() || width <= 0.0) {
+    return;
+  }
+  const TextLayout layout(title(), {font(), TextAlignment::Center, 1, kTitleScale}, {width, box.height});
+  canvas.drawText(layout, {(box.width - width) / 2.0, (box.height - layout.size().height) / 2.0}, titleColor());
+}
+
+}  // namespace kesu
