@@ -16,6 +16,8 @@ constexpr std::size_t kLongestLineBytes = std::size_t{4} * 1024;
 constexpr int kLongestWord = 160;
 constexpr int kLongestCluster = 480;
 constexpr int kLongestRow = 64;
+// The time for finding where paragraphs begin grows with the square of their number: 16,000 take a second.
+constexpr int kMostLineEnds = 1000;
 
 constexpr gunichar kReplacement = 0xFFFD;
 constexpr gunichar kZeroWidthSpace = 0x200B;
@@ -183,13 +185,15 @@ std::string settableText(std::string_view text, int lines) {
   settable.reserve(std::min(text.size(), most) + 8);
   WordBreaker breaker;
   RowLimit limit;
-  while (!text.empty() && settable.size() < most) {
+  int lineEnds = 0;
+  while (!text.empty() && settable.size() < most && lineEnds < kMostLineEnds) {
     gunichar character = takeCharacter(text);
     if (character == '\r' && !text.empty() && text.front() == '\n') {
       continue;
     }
     if (endsLine(character)) {
       character = lineEndFor(lines);
+      ++lineEnds;
     } else if (isControl(character)) {
       character = ' ';
     }

@@ -34,8 +34,8 @@ bool areFontsReady();
 void releaseFonts();
 
 /// A text laid out for a box, to be measured and drawn (Canvas::drawText). One thread at a time, any. Text that is no
-/// UTF-8 is shown with replacement characters; a text longer than 32 kB, or 4 kB for each of limited lines, is cut.
-/// Texts that were set shortly before cost next to nothing.
+/// UTF-8 is shown with replacement characters; a text longer than 32 kB, or 4 kB for each of limited lines, or with
+/// more than 1,000 line ends is cut. Texts that were set shortly before cost next to nothing.
 class TextLayout {
  public:
   /// `box` in points; a width or height that is not above 0 is no limit. There always is a first line.

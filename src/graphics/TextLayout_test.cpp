@@ -189,6 +189,9 @@ TEST_F(TextLayoutTest, CutsTextThatNobodyReadsToTheEnd) {
   EXPECT_EQ(TextLayout("a" + repeated(" ", 1000000) + "b", styleOf(1), {}).size().width, wide);
   EXPECT_EQ(TextLayout("a" + repeated("\u0301", 500000) + "b", styleOf(1), {}).size().width,
             TextLayout("a" + repeated("\u0301", 64) + "b", styleOf(1), {}).size().width);
+  // And finding the beginning of every paragraph.
+  EXPECT_EQ(TextLayout(repeated("a\n", 900), styleOf(0), {}).lineCount(), 901);
+  EXPECT_EQ(TextLayout(repeated("a\n", 500000), styleOf(0), {}).lineCount(), 1001);
 }
 
 TEST_F(TextLayoutTest, HasSizesWithoutAnyFont) {
