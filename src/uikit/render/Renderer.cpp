@@ -249,7 +249,11 @@ void Renderer::State::releaseAll() {
 
 Renderer::Renderer() : state_(std::make_unique<State>()) {}
 
-Renderer::~Renderer() = default;
+Renderer::~Renderer() {
+  if (state_->holdsMemory) {
+    state_->releaseAll();
+  }
+}
 
 const std::vector<FrameLayer>& Renderer::layers(Window& window, int pixelWidth, int pixelHeight) {
   state_->build(window, pixelWidth, pixelHeight, FrameKind::Layers);

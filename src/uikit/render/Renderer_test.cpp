@@ -9,6 +9,7 @@
 #include <random>
 
 #include "graphics/Canvas.h"
+#include "graphics/TextLayout.h"
 
 namespace kesu {
 namespace {
@@ -179,6 +180,15 @@ TEST_F(RendererTest, GivesBackEverythingWhenTheLastViewLeaves) {
   window_.addSubview(backdrop_);
   renderer_.releaseMemory();
   EXPECT_EQ(pixelOf(flat(), 700, 500), 0xFFFFFFFFU);
+}
+
+TEST_F(RendererTest, GivesBackTheFontsWhenItGoesWhileSomethingIsShown) {
+  auto renderer = std::make_unique<Renderer>();
+  viewIn<Label>(window_, {0.0, 0.0, 400.0, 60.0})->setText("Tonight");
+  renderer->layers(window_, 1920, 1080);
+  EXPECT_TRUE(areFontsReady());
+  renderer.reset();
+  EXPECT_FALSE(areFontsReady());
 }
 
 TEST_F(RendererTest, StandsAnyNumbers) {
