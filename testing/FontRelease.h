@@ -1,24 +1,21 @@
 #pragma once
 
 #include <cairo.h>
-#include <fontconfig/fontconfig.h>
 #include <gtest/gtest.h>
 
+#include "graphics/SystemFonts.h"
 #include "graphics/TextLayout.h"
 
 namespace kesu {
 
-/// Has a test program end without fonts. LeakSanitizer takes what fontconfig holds for lost, since it finds its parts
-/// by offsets instead of pointers. A program's main() may not want to do the same: a host shares fontconfig with the
-/// library. Include this in one test file of every program that sets texts.
+/// Has a test program end without fonts, which LeakSanitizer would take for lost. Include this in one test file of
+/// every program that sets texts.
 class FontRelease : public testing::Environment {
  public:
   void TearDown() override {
     releaseFonts();
     cairo_debug_reset_static_data();
-    FcConfig* nothing = FcConfigCreate();  // FcFini() would not wait for threads that still look up fonts.
-    FcConfigSetCurrent(nothing);
-    FcConfigDestroy(nothing);
+    forgetSystemFonts();
   }
 };
 

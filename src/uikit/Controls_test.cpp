@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "graphics/Canvas.h"
+#include "testing/FontRelease.h"
 #include "testing/ScopedPlatform.h"
 #include "uikit/Animator.h"
 

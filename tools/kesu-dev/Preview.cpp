@@ -19,6 +19,7 @@
 #include "PreviewWindow.h"
 #include "graphics/Canvas.h"
 #include "graphics/PngEncoder.h"
+#include "graphics/SystemFonts.h"
 
 namespace kesu::dev {
 namespace {
@@ -144,6 +145,7 @@ int runPreview(const CommandLine& line) {
   problem =
       preview.output.empty() ? runPreviewWindow(preview.width, preview.height, &showMessage) : writePicture(preview);
   Application::shared().willTerminate();
+  forgetSystemFonts();
   return problem.empty() ? 0 : fail(problem);
 }
 
