@@ -32,7 +32,7 @@ KesuInAppPresenter::KesuInAppPresenter(const Services& services)
 KesuInAppPresenter::~KesuInAppPresenter() {
   sharedPresenter = nullptr;
   if (tableView_ != nullptr) {
-    tableView_->setDataSource(nullptr);
+    tableView_->forgetDataSource();
   }
   if (popupController_ != nullptr) {
     popupController_->contentView().removeFromSuperview();
@@ -481,7 +481,7 @@ void KesuInAppPresenter::tearDown() {
   image_ = nullptr;
   cell_ = nullptr;
   if (tableView_ != nullptr) {
-    tableView_->setDataSource(nullptr);
+    tableView_->forgetDataSource();
   }
   tableView_ = nullptr;
   bars_ = nullptr;

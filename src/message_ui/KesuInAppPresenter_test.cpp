@@ -170,6 +170,22 @@ TEST_F(PresenterTest, ClosesAndShowsAgain) {
   EXPECT_EQ(presenter().model()->title, "B");
 }
 
+TEST_F(PresenterTest, SlidesOutWithAllThatItShowed) {
+  for (const bool byUser : {true, false}) {
+    show({byUser ? "a" : "b", "c"}, bodyReply("A", "Text", kTwoButtons));
+    const std::string shown = texts(screen.window);
+    if (byUser) {
+      screen.press(RemoteButton::Menu);
+    } else {
+      presenter().dismissViewController(true);
+    }
+    pass(0.1);
+    EXPECT_EQ(texts(screen.window), shown) << "nothing vanishes before the card has left";
+    pass(0.4);
+    EXPECT_TRUE(screen.window.subviews().empty());
+  }
+}
+
 TEST_F(PresenterTest, ForgetsTheHostsFunctionsAtOnceAndItsLooksWithTheNextShow) {
   KesuInAppOptions options;
   options.textScale = 2.0;

@@ -104,7 +104,7 @@ class KESU_API Button : public View {
   Action action_;
 };
 
-/// What a table shows. It outlives the table, or is taken away from it.
+/// What a table shows. It outlives the table, or is taken away from it (setDataSource, forgetDataSource). Main thread.
 class KESU_API TableViewDataSource {
  public:
   virtual ~TableViewDataSource() = default;
@@ -124,6 +124,8 @@ class KESU_API TableView : public View {
 
   /// Not owned; null for an empty table.
   void setDataSource(TableViewDataSource* source);
+  /// The source goes away, and the rows stay as they are: for a table that is still on its way off the screen.
+  void forgetDataSource() { source_ = nullptr; }
   /// Asks the source for all rows anew. The place scrolled to stays as far as there are rows.
   void reloadData();
   double contentHeight() const { return contentHeight_; }
