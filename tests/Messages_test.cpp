@@ -3,6 +3,7 @@
 #include <kesu/ui/Overlay.h>
 #include <kesu/ui/View.h>
 
+#include "facade/Wiring.h"
 #include "testing/FontRelease.h"
 #include "testing/SdkFixture.h"
 
@@ -99,6 +100,9 @@ TEST_F(MessagesTest, RunsFromShowToPressedButton) {
   EXPECT_EQ(told[1], (KesuInAppStatus{11, "b", "d", {}, {}, 3, {}}));
   EXPECT_NE(heard().find("Previous message* Showing 2 of 2 "), std::string::npos) << heard();
   press(RemoteButton::Menu);
+  const auto lines = platform.log.takeLines();
+  ASSERT_EQ(lines.size(), 1U);
+  EXPECT_EQ(lines[0].text, "Menu button released");
   EXPECT_TRUE(overlay.isModal()) << "it slides out";
   frames(0.4);
   EXPECT_FALSE(overlay.isModal());
@@ -154,6 +158,64 @@ TEST_F(MessagesTest, TellsTheScreenThatIsADelegate) {
   deliver(kTwoHeaders);
   press(RemoteButton::Select);
   EXPECT_EQ(host.titles, "Watch");
+}
+
+struct ShowRow {
+  std::function<void(ViewController&)> show;
+  KesuInAppMessageType type;
+  std::vector<std::optional<Color>> colors;  // Text, buttons, bar, counter.
+  bool isForScreen;
+};
+
+void expectShown(const KesuInAppPresenter& presenter, const ShowRow& row, const Host& host) {
+  const KesuInAppPresenter::Colors& colors = presenter.colors();
+  EXPECT_EQ((std::vector{colors.buttonTextColor, colors.buttonBgColor, colors.messageNavigationBarColor,
+                         colors.messageTextColor}),
+            row.colors);
+  EXPECT_EQ(presenter.inappMessageType(), row.type);
+  EXPECT_EQ(presenter.rootViewController(), row.isForScreen ? &host : nullptr);
+  EXPECT_EQ(presenter.delegate(), row.isForScreen ? &host : nullptr);
+  EXPECT_EQ(presenter.completionBlock() == nullptr, row.isForScreen);
+}
+
+TEST_F(MessagesTest, TakesTypeColoursAndListenerFromEachFormOfAShow) {
+  using Type = KesuInAppMessageType;
+  const Color one{0.1}, two{0.2}, three{0.3}, four{0.4};
+  const Color blue = Color::blueColor(), white = Color::white();
+  const Kesu::InAppHandler handler = [](const KesuInAppStatus&) {};
+  const ShowRow rows[] = {
+      {[&](auto& screen) { Kesu::showInAppNotificationUI(&screen, Type::All, one, two, three, four); },
+       Type::All,
+       {one, two, three, four},
+       true},
+      {[](auto& screen) { Kesu::showUnreadInAppNotificationUI(&screen); },
+       Type::Unread,
+       {blue, white, white, blue},
+       true},
+      {[&](auto&) { Kesu::showInAppNotificationUIForDisplayMessages(Type::All, one, handler); },
+       Type::All,
+       {one, {}, {}, {}},
+       false},
+      {[&](auto&) { Kesu::showInAppNotificationUIForDisplayMessages(Type::Read, one, two, three, four, handler); },
+       Type::Read,
+       {one, two, three, four},
+       false},
+      {[&](auto&) { Kesu::showUnreadInAppNotificationUIWithCompletionHandler(handler); },
+       Type::Unread,
+       {white, {}, {}, {}},
+       false}};
+  launch();
+  Host host;
+  for (const ShowRow& row : rows) {
+    SCOPED_TRACE(&row - rows);
+    row.show(host);
+    expectShown(wiring().presenter, row, host);
+    rows[0].show(host);
+    rows[2].show(host);
+    expectShown(wiring().presenter, row, host);  // What is asked for meanwhile changes nothing.
+    Kesu::dismissInAppNotificationUI(false);
+    platform.settle();
+  }
 }
 
 TEST_F(MessagesTest, AddsABadgeOnceTheCountIsThere) {

@@ -29,6 +29,11 @@ void setHeight(View& view, double height) {
   view.setFrame(frame);
 }
 
+// Kept: whatever the log threshold, and for touches too, those on the card among them.
+void tellRelease() {
+  KESU_LOG(0, "Menu button released");
+}
+
 }  // namespace
 
 KesuPopupController::KesuPopupController(ViewPtr contentView, ImagePtr snapshot, KesuPopoverDelegate* delegate)
@@ -207,7 +212,7 @@ void KesuPopupController::dismissForUser() {
 
 void KesuPopupController::handleBackgroundTapGesture(GestureRecognizer* recognizer) {
   if (recognizer != nullptr && recognizer->state() == GestureRecognizer::State::Ended) {
-    KESU_LOG(3, "Menu button released");
+    tellRelease();
   }
   if (!gesture_->allowedPressTypes().empty()) {
     dismissForUser();
@@ -221,7 +226,7 @@ void KesuPopupController::handleBackgroundTapGesture(GestureRecognizer* recogniz
 }
 
 bool KesuPopupController::shouldReceiveTouch(GestureRecognizer& /*recognizer*/, View& touched) {
-  KESU_LOG(3, "Menu button released");
+  tellRelease();
   return !popupView_->contains(touched);
 }
 

@@ -4,6 +4,7 @@
 #include <kesu/ui/Containers.h>
 
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "message_ui/KesuCustomBtn.h"
@@ -150,6 +151,30 @@ TEST_F(PopupTest, IgnoresTapsOnTheCard) {
   EXPECT_TRUE(popup->shouldReceiveTouch(popup->gesture(), popup->contentView()));
   window.tap({100.0, 100.0});
   EXPECT_EQ(delegate.closed, 1);
+}
+
+TEST_F(PopupTest, TellsTheLogOfEveryReleaseAndTouchWithoutAnyThreshold) {
+  const auto lines = [this] {
+    std::string all;
+    for (const auto& line : platform.log.takeLines()) {
+      all += std::to_string(line.level) + " " + line.text + "|";
+    }
+    return all;
+  };
+  const std::string line = "0 Menu button released|";
+  present();
+  popup->simulateWideTap();
+  EXPECT_EQ(lines(), "") << "nothing was released";
+  present();
+  window.tap({960.0, 1000.0});
+  EXPECT_EQ(lines(), line) << "on the card, where nothing closes";
+  window.press(RemoteButton::Menu, PressPhase::Began);
+  EXPECT_EQ(lines(), "");
+  window.press(RemoteButton::Menu, PressPhase::Ended);
+  EXPECT_EQ(lines(), line);
+  present();
+  window.tap({100.0, 100.0});
+  EXPECT_EQ(lines(), line + line) << "the touch, and the gesture that it makes";
 }
 
 TEST_F(PopupTest, LeavesHiddenViewsOut) {
