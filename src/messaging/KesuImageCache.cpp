@@ -128,6 +128,9 @@ ImagePtr KesuImageCache::imageForURLString(const Object& urlString) {
   if (ImagePtr kept = shared_->find(*key)) {
     return kept;
   }
+  if (!shared_->hasDirectory()) {
+    return nullptr;
+  }
   const FileContent file = shared_->files.read(shared_->path(*key), kFileLimits.inputBytes);
   ImagePtr image = file.ok() ? decodeImage(file.bytes, kFileLimits).image : nullptr;
   if (image != nullptr) {

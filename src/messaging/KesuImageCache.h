@@ -13,6 +13,7 @@
 namespace kesu {
 
 /// Pictures of messages by the text of their URL: in memory, and as PNG files in "<caches directory>/ImageCache".
+/// Without a caches directory no file is touched.
 ///
 /// On disk nothing is ever deleted. In memory the pictures used last stay, up to kMemoryLimitBytes; a memory warning
 /// empties it and takes back the files that are not begun, so that a picture cached just before may be in neither

@@ -81,16 +81,50 @@ TEST_F(ImageCacheTest, IgnoresAFileThatIsNoPicture) {
 
 TEST_F(ImageCacheTest, ForgetsThePicturesUsedLeastWhenMemoryIsFull) {
   const ImagePtr large = picture(2000);  // 16 MB
-  const ImagePtr small = picture(1000);  // 4 MB
+  const ImagePtr small = picture(1100);  // 4.8 MB: one fits beside the large one
   cache.cacheImage(small, "used");
   cache.cacheImage(small, "idle");
   EXPECT_EQ(cache.imageForURLString("used"), small);
   cache.cacheImage(large, "large");
+  EXPECT_EQ(cache.imageForURLString("idle"), nullptr);
   EXPECT_EQ(cache.imageForURLString("used"), small);
   EXPECT_EQ(cache.imageForURLString("large"), large);
   cache.cacheImage(large, "large2");
   EXPECT_EQ(cache.imageForURLString("large"), nullptr);
   EXPECT_EQ(cache.imageForURLString("large2"), large) << "the last one stays in any case";
+}
+
+/// The files of a system that names no home; remembers which were asked for all the same.
+class HomelessFiles final : public Files {
+ public:
+  std::string documentsDirectory() override { return ""; }
+  std::string cachesDirectory() override { return ""; }
+  std::string preferencesDirectory() override { return ""; }
+  FileContent read(const std::string& path, std::size_t) override { return {touch(path), {}}; }
+  FileResult writeAtomically(const std::string& path, std::string_view) override { return {touch(path), ""}; }
+  FileResult remove(const std::string& path) override { return {touch(path), ""}; }
+  FileResult createDirectories(const std::string& path) override { return {touch(path), ""}; }
+  void enumerate(const std::string& path, const std::function<bool(const DirectoryEntry&)>&) override { touch(path); }
+
+  std::vector<std::string> touched;
+
+ private:
+  FileStatus touch(const std::string& path) {
+    touched.push_back(path);
+    return FileStatus::NotFound;
+  }
+};
+
+TEST_F(ImageCacheTest, StaysInMemoryWithoutACachesDirectory) {
+  HomelessFiles homeless;
+  KesuImageCache here(homeless, worker, notifications);
+  const ImagePtr image = picture();
+  here.cacheImage(image, "abc");
+  worker.runAll();
+  EXPECT_EQ(here.imageForURLString("abc"), image);
+  here.clearMemory();
+  EXPECT_EQ(here.imageForURLString("abc"), nullptr);
+  EXPECT_EQ(homeless.touched, std::vector<std::string>{}) << "least of all at the root of the file system";
 }
 
 TEST_F(ImageCacheTest, QueuedWritesOutliveTheCache) {
