@@ -148,19 +148,32 @@ TEST_F(InboxTest, CallsTheHandlerAsOftenAsTheReplySays) {
 
 TEST_F(InboxTest, AddsNewMessagesToThoseNotRead) {
   platform.defaults.set(kHeadersDefault, json(R"([{"mid":"1"},{"mid":"2","contentRead":true},{"contentRead":false},
-                                                 {"contentRead":"YES"},{"contentRead":0},5])"));
+                                                 {"contentRead":"YES"},{"contentRead":"true"},{"contentRead":0},5])"));
   for (const auto& [reply, sum] : {std::pair(R"({"count":7})", "11"), {"[]", "4"}, {"{}", "4"}, {"", "4"}}) {
     inbox.kesu_getTotalUnreadMessages(listenToCount());
     answer(reply);
     EXPECT_EQ(takeTold(), Strings{sum}) << reply;
   }
-  const std::size_t requests = platform.http.requestCount();
-  for (const std::string_view key : {kInstanceId2Default, kInstanceIdDefault}) {
-    platform.defaults.set(key, "");
+}
+
+TEST_F(InboxTest, CountsNothingWithoutKeyOrIdentifiers) {
+  platform.defaults.set(kHeadersDefault, json(R"([{"mid":"1"}])"));
+  for (const std::string_view key : {kAppKeyDefault, kInstanceIdDefault, kInstanceId2Default}) {
+    const Value before = platform.defaults.get(key).value();
+    platform.defaults.remove(key);
     inbox.kesu_getTotalUnreadMessages(listenToCount());
-    EXPECT_EQ(takeTold(), Strings{"0"}) << key;
+    platform.defaults.set(key, "");
+    if (key != kAppKeyDefault) {
+      inbox.kesu_getTotalUnreadMessages(listenToCount());
+    }
+    platform.defaults.set(key, before);
   }
-  EXPECT_EQ(platform.http.requestCount(), requests);
+  EXPECT_EQ(takeTold(), Strings(5, "0"));
+  EXPECT_EQ(platform.http.requestCount(), 0U);
+  platform.defaults.set(kAppKeyDefault, "");
+  inbox.kesu_getTotalUnreadMessages(listenToCount());
+  answer(R"({"count":7})");
+  EXPECT_EQ(takeTold(), Strings{"8"}) << "an empty key is a key";
 }
 
 TEST_F(InboxTest, KeepsHeadersAndRemembersThoseBefore) {
@@ -177,6 +190,13 @@ TEST_F(InboxTest, KeepsHeadersAndRemembersThoseBefore) {
   answer(R"({"metadatalist":[{"mid":"3"}]})");
   EXPECT_EQ(takeTold(), Strings{stored(kHeadersDefault)});
   EXPECT_TRUE(stored(kHeadersDefault).ends_with(R"(,{"mid":"3","contentRead":false}])"));
+}
+
+TEST_F(InboxTest, KeepsTheHeadersBeforeThatAreThere) {
+  platform.defaults.set(kPreviousHeadersDefault, json(R"([{"mid":"0"}])"));
+  inbox.kesu_getMessageHeadersForType(Type::Unread, {});
+  answer(R"({"metadatalist":[{"mid":"1"}]})");
+  EXPECT_EQ(stored(kPreviousHeadersDefault), R"([{"mid":"0"}])");
 }
 
 TEST_F(InboxTest, AnswersKnownHeadersWithoutARequest) {
@@ -253,15 +273,16 @@ TEST_F(InboxTest, MarksAMessageReadAndKeepsItsBody) {
 
 TEST_F(InboxTest, ServesNothingFromTheCacheWithoutBothIdentifiers) {
   platform.defaults.set(kHeadersDefault, json(R"([{"mid":"m"}])"));
-  platform.defaults.set(kBodiesDefault, json(R"([{"m":{"a":1}}])"));
+  platform.defaults.set(kBodiesDefault, json(R"([{"m":{"a":1}},{"c":{"a":2}}])"));
   inbox.kesu_getMessageWithContentID("", "m", listen());
+  inbox.kesu_getMessageWithContentID("c", "", listen());
   inbox.kesu_getMessageWithContentID(nil, nil, listen());
   EXPECT_TRUE(told.empty());
-  EXPECT_EQ(platform.http.requestCount(), 4U);
+  EXPECT_EQ(platform.http.requestCount(), 6U);
   EXPECT_EQ(stored(kHeadersDefault), R"([{"mid":"m","contentRead":true}])");
   platform.http.failAll(HttpError::CannotConnect);
   platform.settle();
-  EXPECT_EQ(takeTold(), (Strings{"nil", "nil"}));
+  EXPECT_EQ(takeTold(), Strings(3, "nil"));
 }
 
 TEST_F(InboxTest, KeepsNineteenBodies) {

@@ -190,7 +190,16 @@ TEST_F(MessageImageTest, HandsOverNothingWhenThereIsNoPicture) {
   for (const char* url : {"data:image/png;base64,AAAA", "data:", "data:;base64,%%%"}) {
     EXPECT_EQ(download(from(url)), nullptr) << url;
   }
-  EXPECT_EQ(http.requestCount(), 3U) << "data: URLs make no request";
+  ImagePtr broken = std::make_shared<Image>(1, 1, std::vector<std::uint32_t>{0});
+  from("https://h/i.png").downloadImageWithCompletionHandler(loader, [&](ImagePtr image) {
+    broken = std::move(image);
+  });
+  HttpReply brokenReply = testing::FakeHttpClient::failure(HttpError::ConnectionLost, 200);
+  brokenReply.body = png;
+  http.answer(3, std::move(brokenReply));
+  worker.runAll();
+  EXPECT_EQ(broken, nullptr) << "an error beside a picture";
+  EXPECT_EQ(http.requestCount(), 4U) << "data: URLs make no request";
 }
 
 TEST_F(MessageImageTest, ReadsPicturesWithinTheMessage) {

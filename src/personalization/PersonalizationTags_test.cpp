@@ -67,6 +67,10 @@ TEST_F(TagsTest, KeepsTheLastListThatHadTags) {
   EXPECT_TRUE(platform.log.takeLines().empty());
   EXPECT_EQ(*platform.defaults.keptOnDisk().find(kTagsDefault), Value(Array{"gold", "sports"}));
   EXPECT_EQ(fetch(R"({"tags":"{\"tags\":[null,\"new\"]}"})"), Strings{R"([null,"new"])"}) << "as sent";
+  EXPECT_EQ(fetch(R"({"tags":"{\"tags\":[null]}"})"), Strings{"[null]"});
+  tags.getTags({});
+  platform.http.failAll(HttpError::TimedOut);
+  platform.settle();
   EXPECT_EQ(*platform.defaults.keptOnDisk().find(kTagsDefault), Value(Array{"new"}));
 }
 
@@ -101,10 +105,12 @@ TEST_F(TagsTest, AnswersFromTheKeptList) {
   for (const auto& [tag, isSet] : {std::pair<Object, bool>("gold", true), {"Gold", false}, {"", false}, {nil, false}}) {
     EXPECT_EQ(tags.isTagSet(tag), isSet);
   }
+  platform.defaults.set(kTagsDefault, Array{"gold", "sports", ""});
+  EXPECT_FALSE(tags.isTagSet("")) << "whatever is kept";
   const std::tuple<Array, bool, bool> rows[] = {{{"silver", "sports"}, true, false},
                                                 {{"gold", "sports"}, true, true},
                                                 {{"gold", "silver"}, true, false},
-                                                {{"silver", ""}, false, false},
+                                                {{"silver", "Sports"}, false, false},
                                                 {{}, false, false}};
   for (const auto& [asked, any, all] : rows) {
     EXPECT_EQ(tags.areAnyTagsSet(asked), any);
