@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <string>
 #include <vector>
@@ -275,6 +276,64 @@ TEST_F(PresenterTest, LaysTheTitleOverThePictureOnlyWhenThereIsOne) {
   EXPECT_TRUE(presenter().textOverlapsImage()) << "what the template says";
   const double titleHeight = heightForText("A", kTitleFont, kCardTextWidth);
   EXPECT_EQ(presenter().contentHeight(), withPicture - 290.0 - 24.0 + titleHeight + 8.0 + 8.0) << "room of its own";
+}
+
+/// A popup of which every view that can be focused is known.
+class PresenterFocusTest : public PresenterTest {
+ protected:
+  static void collect(View& view, std::vector<View*>& found) {
+    if (view.canBecomeFocused()) {
+      found.push_back(&view);
+    }
+    for (const ViewPtr& inside : view.subviews()) {
+      collect(*inside, found);
+    }
+  }
+
+  /// Where an arrow leads; a text is scrolled to its end on the way.
+  View* moved(View* from, RemoteButton arrow) {
+    constexpr int kMostPresses = 60;
+    screen.window.setFocusedView(from);
+    for (int press = 0; press < kMostPresses && screen.window.focusedView() == from; ++press) {
+      screen.press(arrow);
+    }
+    return screen.window.focusedView();
+  }
+
+  std::size_t countReached(View* start) {
+    std::vector<View*> reached{start};
+    for (std::size_t next = 0; next < reached.size(); ++next) {
+      for (const RemoteButton arrow : {RemoteButton::Up, RemoteButton::Down, RemoteButton::Left, RemoteButton::Right}) {
+        View* to = moved(reached[next], arrow);
+        if (std::find(reached.begin(), reached.end(), to) == reached.end()) {
+          reached.push_back(to);
+        }
+      }
+    }
+    return reached.size();
+  }
+};
+
+TEST_F(PresenterFocusTest, ReachesEverythingFromEverything) {
+  const std::vector<std::pair<std::string, std::string>> titles(5, {"Button", ""});
+  const std::string text(3000, 'm');
+  for (const std::ptrdiff_t count : {0, 1, 2, 5}) {
+    const Array entries = buttonEntries({titles.begin(), titles.begin() + count});
+    const std::string body = bodyReply("Title", count == 1 ? "Text" : text, {{"buttons", entries}});
+    const std::string name = std::to_string(count);
+    show({name + "a", name + "b", name + "c"}, body);
+    for (const int arrows : {1, 2, 1}) {
+      std::vector<View*> all;
+      collect(presenter().popupController()->popupView(), all);
+      EXPECT_EQ(all.size(), static_cast<std::size_t>(arrows + count + (count == 1 ? 0 : 1)));
+      for (View* start : all) {
+        EXPECT_EQ(countReached(start), all.size()) << count << " buttons, " << arrows << " arrows";
+      }
+      screen.window.swipe(SwipeDirection::Left);
+      answer("getmessage/", body);
+    }
+    presenter().dismissViewController(false);
+  }
 }
 
 TEST_F(PresenterTest, SurvivesHostileMessages) {
