@@ -3,6 +3,7 @@
 
 #include "foundation/Json.h"
 #include "messaging/KesuInbox.h"
+#include "platform/OrderlyEnd.h"
 #include "records/DefaultsKeys.h"
 #include "support/KesuPriorityLogger.h"
 #include "testing/MutatedReplies.h"
@@ -283,6 +284,18 @@ TEST_F(InboxTest, ServesNothingFromTheCacheWithoutBothIdentifiers) {
   platform.http.failAll(HttpError::CannotConnect);
   platform.settle();
   EXPECT_EQ(takeTold(), Strings(3, "nil"));
+}
+
+TEST_F(InboxTest, KeepsWhatComesAtTheEndAndTellsOnlyAHostThatIsThere) {
+  inbox.kesu_getMessageHeadersForType(Type::Unread, listen());
+  platform.http.answer(0, 200, R"({"metadatalist":[{"mid":"1"}]})");
+  inbox.kesu_countNewUnFetched(listenToCount());
+  endAtExit(platform.platform);
+  EXPECT_EQ(takeTold(), Strings{}) << "what handlers use is gone when an exit handler runs";
+  EXPECT_EQ(stored(kHeadersDefault), R"([{"mid":"1","contentRead":false}])");
+  inbox.kesu_countNewUnFetched(listenToCount());
+  endOrderly(platform.platform);
+  EXPECT_EQ(takeTold(), Strings{"0"}) << "the host itself ends the library";
 }
 
 TEST_F(InboxTest, KeepsNineteenBodies) {

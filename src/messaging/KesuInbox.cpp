@@ -8,6 +8,7 @@
 #include "foundation/Keepable.h"
 #include "messaging/KeptSize.h"
 #include "messaging/MessageHeader.h"
+#include "platform/OrderlyEnd.h"
 #include "records/DefaultsKeys.h"
 #include "support/KesuPriorityLogger.h"
 
@@ -86,10 +87,10 @@ Object keptBody(const Array& bodies, const std::string& key) {
   return nil;
 }
 
-// Handlers of the host may be empty.
+// Handlers of the host may be empty, and what they use is gone when an exit handler runs.
 template <typename Handler, typename Argument>
 void call(const Handler& handler, Argument&& argument) {
-  if (handler) {
+  if (handler && !isEndingAtExit()) {
     handler(std::forward<Argument>(argument));
   }
 }

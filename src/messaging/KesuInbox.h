@@ -19,8 +19,8 @@ namespace kesu {
 
 /// The messages of this installation: asks the service for what is new and keeps in the user defaults what was seen.
 /// Nothing that is kept is ever cleared. Main thread; handlers are called there, some before the operation returns,
-/// some twice (an error that comes with a reply) or never, as KesuInAppMessagesRequester says. Empty handlers are
-/// allowed.
+/// some twice (an error that comes with a reply) or never, as KesuInAppMessagesRequester says. An exit handler keeps
+/// what still comes and calls nobody. Empty handlers are allowed.
 ///
 /// What the service sends is kept without its null entries, at any depth, and without the control characters that no
 /// property list can hold: the user defaults would refuse the whole list. New lists are handed over as they were sent.

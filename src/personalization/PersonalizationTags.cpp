@@ -6,6 +6,7 @@
 
 #include "foundation/Json.h"
 #include "foundation/Keepable.h"
+#include "platform/OrderlyEnd.h"
 #include "records/DefaultsKeys.h"
 #include "records/ServiceCredentials.h"
 
@@ -49,7 +50,7 @@ void PersonalizationTags::finish(const Object& reply, const ServiceReplyHandler&
       defaults_.synchronize();
     }
   }
-  if (completion) {
+  if (completion && !isEndingAtExit()) {
     completion(tags);
   }
 }

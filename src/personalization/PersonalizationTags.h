@@ -12,7 +12,8 @@
 
 namespace kesu {
 
-/// The object behind KesuPersonalizationIntelligence. Any thread; completions are called on the main loop.
+/// The object behind KesuPersonalizationIntelligence. Any thread; completions are called on the main loop, but not by
+/// an exit handler.
 class PersonalizationTags {
  public:
   PersonalizationTags(HttpClient& http, UserDefaults& defaults, DeploymentSettings& settings)

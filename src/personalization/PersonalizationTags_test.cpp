@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "foundation/Json.h"
+#include "platform/OrderlyEnd.h"
 #include "records/DefaultsKeys.h"
 #include "support/KesuPriorityLogger.h"
 #include "testing/MutatedReplies.h"
@@ -89,6 +90,13 @@ TEST_F(TagsTest, CallsTheCompletionAsOftenAsTheReplySays) {
   ASSERT_EQ(lines.size(), 2U);
   EXPECT_EQ(lines[0].text, "[KesuPersonalizationIntelligence:159]Error: Status Code 200, broke - no error");
   EXPECT_EQ(lines[1].text, "[KesuPersonalizationIntelligence:159]Error: Status Code 503, (null) - service unavailable");
+}
+
+TEST_F(TagsTest, KeepsTagsThatComeAtTheEndAndTellsNobodyThen) {
+  tags.getTags([](const Object&) { ADD_FAILURE() << "what a completion uses is gone when an exit handler runs"; });
+  platform.http.answer(0, 200, kTwoTags);
+  endAtExit(platform.platform);
+  EXPECT_TRUE(tags.isTagSet("gold"));
 }
 
 TEST_F(TagsTest, SendsNothingThatIsNoJson) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <utility>
 
 namespace kesu {
 namespace {
@@ -18,6 +19,9 @@ constexpr double kStoreSeconds = 40e-6;
 // Completions post background tasks, and those may post completions. Two rounds are usual; more than this are a host's
 // task that posts itself again and again.
 constexpr int kMostRounds = 16;
+
+// By thread: while one ends the process, another may still pump for a host that is there.
+constinit thread_local bool endingAtExit = false;
 
 double graceFor(std::size_t pending, double secondsLeft) {
   const double storing = static_cast<double>(pending) * kStoreSeconds;
@@ -51,9 +55,15 @@ void endOrderly(Platform& platform, double totalSeconds) {
 }
 
 void endAtExit(Platform& platform, double totalSeconds) {
+  const bool wasEnding = std::exchange(endingAtExit, true);
   const double end = platform.clock.monotonic() + totalSeconds;
   platform.background.shutdown(kPatienceSeconds);
   endNetwork(platform, end);
+  endingAtExit = wasEnding;
+}
+
+bool isEndingAtExit() {
+  return endingAtExit;
 }
 
 }  // namespace kesu

@@ -18,4 +18,8 @@ void endOrderly(Platform& platform, double totalSeconds = 0.045);
 /// threads. For an exit handler, whichever thread it runs on: also inside a task of either queue.
 void endAtExit(Platform& platform, double totalSeconds = 0.045);
 
+/// Whether this thread is inside endAtExit(). What the host's handlers use may be destroyed then: what comes is kept,
+/// but they are not called any more. Any thread.
+bool isEndingAtExit();
+
 }  // namespace kesu
