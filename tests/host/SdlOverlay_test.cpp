@@ -58,12 +58,23 @@ class SdlOverlayTest : public ::testing::Test {
     return key(SDL_KEYUP, code) && isTaken;
   }
 
-  bool click(int x, int y) {
+  bool mouse(Uint32 type, int x, int y) {
     SDL_Event event{};
-    event.button.type = SDL_MOUSEBUTTONUP;
+    event.button.type = type;
     event.button.button = SDL_BUTTON_LEFT;
     event.button.x = x;
     event.button.y = y;
+    return overlay.handle(event);
+  }
+
+  bool click(int x, int y) {
+    const bool isTaken = mouse(SDL_MOUSEBUTTONDOWN, x, y);
+    return mouse(SDL_MOUSEBUTTONUP, x, y) && isTaken;
+  }
+
+  bool send(Uint32 type) {
+    SDL_Event event{};
+    event.type = type;
     return overlay.handle(event);
   }
 
@@ -136,14 +147,13 @@ TEST_F(SdlOverlayTest, LeavesEverythingToTheHostWithoutPopup) {
 TEST_F(SdlOverlayTest, TakesKeysThatMeanNothingWhileThePopupIsUp) {
   showDialog();
   EXPECT_TRUE(tapKey(SDLK_q));
-  for (const Uint32 type : {SDL_TEXTINPUT, SDL_TEXTEDITING, SDL_MOUSEMOTION, SDL_MOUSEWHEEL, SDL_FINGERDOWN}) {
-    SDL_Event event{};
-    event.type = type;
-    EXPECT_TRUE(overlay.handle(event)) << type;
+  for (const Uint32 type : {SDL_TEXTINPUT, SDL_TEXTEDITING, SDL_MOUSEMOTION, SDL_MOUSEWHEEL, SDL_FINGERDOWN,
+                            SDL_FINGERMOTION, SDL_FINGERUP, SDL_MULTIGESTURE, SDL_JOYAXISMOTION, SDL_JOYHATMOTION,
+                            SDL_JOYBUTTONDOWN, SDL_JOYBUTTONUP, SDL_CONTROLLERAXISMOTION, SDL_CONTROLLERTOUCHPADDOWN}) {
+    EXPECT_TRUE(send(type)) << type;
   }
-  SDL_Event quit{};
-  quit.type = SDL_QUIT;
-  EXPECT_FALSE(overlay.handle(quit));
+  EXPECT_FALSE(send(SDL_QUIT));
+  EXPECT_FALSE(send(SDL_JOYDEVICEADDED));
 }
 
 TEST_F(SdlOverlayTest, MovesTheFocusAndPressesButtons) {
@@ -188,6 +198,24 @@ TEST_F(SdlOverlayTest, TheEndOfAPressGoesWhereItBegan) {
   dialog->removeFromSuperview();
   EXPECT_TRUE(key(SDL_KEYUP, SDLK_ESCAPE));
   EXPECT_FALSE(key(SDL_KEYDOWN, SDLK_ESCAPE));
+}
+
+TEST_F(SdlOverlayTest, TheEndOfAClickOrATouchGoesWhereItBegan) {
+  EXPECT_FALSE(mouse(SDL_MOUSEBUTTONDOWN, 55, 25)) << "the host's: it may be what opens the popup";
+  EXPECT_FALSE(send(SDL_FINGERDOWN));
+  EXPECT_FALSE(send(SDL_JOYBUTTONDOWN));
+  showDialog();
+  EXPECT_FALSE(mouse(SDL_MOUSEBUTTONUP, 55, 25));
+  EXPECT_FALSE(send(SDL_FINGERUP));
+  EXPECT_FALSE(send(SDL_JOYBUTTONUP));
+  EXPECT_TRUE(pressed.empty());
+  EXPECT_TRUE(mouse(SDL_MOUSEBUTTONDOWN, 55, 25));
+  EXPECT_TRUE(send(SDL_JOYBUTTONDOWN));
+  dialog->removeFromSuperview();
+  EXPECT_TRUE(mouse(SDL_MOUSEBUTTONUP, 55, 25));
+  EXPECT_FALSE(click(55, 25));
+  EXPECT_FALSE(send(SDL_JOYBUTTONDOWN)) << "nobody told of the end of the first one";
+  EXPECT_FALSE(send(SDL_JOYBUTTONUP));
 }
 
 TEST_F(SdlOverlayTest, LosingTheInputCancelsAPress) {

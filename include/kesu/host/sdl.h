@@ -1,6 +1,7 @@
 #pragma once
 
-// For hosts that draw with SDL 2. Header only: the library itself links no toolkit. Two lines in the host's loop:
+// For hosts that draw with SDL 2, from 2.0.22 on. Header only: the library itself links no toolkit. Two lines in the
+// host's loop:
 //
 //   kesu::host::SdlOverlay overlay(renderer);
 //   while (running) {
@@ -23,7 +24,12 @@
 #include <memory>
 #include <optional>
 #include <set>
+#include <utility>
 #include <vector>
+
+#if !SDL_VERSION_ATLEAST(2, 0, 22)
+#error "kesu/host/sdl.h needs SDL 2.0.22 or later"
+#endif
 
 namespace kesu::host {
 
@@ -33,37 +39,39 @@ class SdlOverlay {
  public:
   explicit SdlOverlay(SDL_Renderer* renderer) : renderer_(renderer) { measure(); }
 
-  /// Hands an event on. True: the popup is up and took it, or it was for nobody while the popup is up.
+  /// Hands an event on; give it all of the host's, of every window. True: the popup is up and took it, or it was for
+  /// nobody while the popup is up. A press, click or touch that began with the host ends with the host. May run the
+  /// host's own functions, which may destroy this.
   bool handle(const SDL_Event& event) {
     switch (event.type) {
       case SDL_KEYDOWN:
-        return began(event.key.keysym.sym, remoteButtonOf(event.key.keysym.sym), event.key.repeat != 0);
+        return began(keyOf(event), remoteButtonOf(event.key.keysym.sym), event.key.repeat != 0);
       case SDL_KEYUP:
-        return ended(event.key.keysym.sym, remoteButtonOf(event.key.keysym.sym));
+        return ended(keyOf(event), remoteButtonOf(event.key.keysym.sym));
       case SDL_CONTROLLERBUTTONDOWN:
-        return began(controllerId(event), controllerButton(event), false);
+        return began(padButtonOf(event), controllerButton(event), false);
       case SDL_CONTROLLERBUTTONUP:
-        return ended(controllerId(event), controllerButton(event));
+        return ended(padButtonOf(event), controllerButton(event));
+      case SDL_JOYBUTTONDOWN:
+        return began(joystickButtonOf(event), std::nullopt, false);
+      case SDL_JOYBUTTONUP:
+        return ended(joystickButtonOf(event), std::nullopt);
+      case SDL_FINGERDOWN:
+        return began({SDL_FINGERDOWN, event.tfinger.fingerId}, std::nullopt, false);
+      case SDL_FINGERUP:
+        return ended({SDL_FINGERDOWN, event.tfinger.fingerId}, std::nullopt);
+      case SDL_MOUSEBUTTONDOWN:
+        return began(mouseButtonOf(event), std::nullopt, false);
       case SDL_MOUSEBUTTONUP:
-        return clicked(event.button);
+        return clicked(event);
       case SDL_WINDOWEVENT:
         return windowChanged(event.window);
       case SDL_RENDER_TARGETS_RESET:
       case SDL_RENDER_DEVICE_RESET:
         layers_.forget();
         return false;
-      case SDL_TEXTINPUT:
-      case SDL_TEXTEDITING:
-      case SDL_MOUSEBUTTONDOWN:
-      case SDL_MOUSEMOTION:
-      case SDL_MOUSEWHEEL:
-      case SDL_CONTROLLERAXISMOTION:
-      case SDL_FINGERDOWN:
-      case SDL_FINGERMOTION:
-      case SDL_FINGERUP:
-        return overlay_.isModal();
       default:
-        return false;
+        return isOtherInput(event.type) && overlay_.isModal();
     }
   }
 
@@ -87,9 +95,43 @@ class SdlOverlay {
   const Overlay& overlay() const { return overlay_; }
 
  private:
-  // Far from every key code.
-  static std::int64_t controllerId(const SDL_Event& event) {
-    return (std::int64_t{1} << 40) + (std::int64_t{event.cbutton.which} << 8) + event.cbutton.button;
+  /// What may be held down: the type of the event that tells of its beginning, and which of that kind it is.
+  using Held = std::pair<Uint32, std::int64_t>;
+
+  static std::int64_t buttonOf(std::int64_t device, Uint8 button) { return device * 256 + button; }
+  static Held keyOf(const SDL_Event& event) { return {SDL_KEYDOWN, event.key.keysym.sym}; }
+  static Held padButtonOf(const SDL_Event& event) {
+    return {SDL_CONTROLLERBUTTONDOWN, buttonOf(event.cbutton.which, event.cbutton.button)};
+  }
+  static Held joystickButtonOf(const SDL_Event& event) {
+    return {SDL_JOYBUTTONDOWN, buttonOf(event.jbutton.which, event.jbutton.button)};
+  }
+  static Held mouseButtonOf(const SDL_Event& event) {
+    return {SDL_MOUSEBUTTONDOWN, buttonOf(event.button.which, event.button.button)};
+  }
+
+  // Of no use to the popup, but not for the host either while it is up.
+  static bool isOtherInput(Uint32 type) {
+    switch (type) {
+      case SDL_TEXTINPUT:
+      case SDL_TEXTEDITING:
+      case SDL_TEXTEDITING_EXT:
+      case SDL_MOUSEMOTION:
+      case SDL_MOUSEWHEEL:
+      case SDL_JOYAXISMOTION:
+      case SDL_JOYBALLMOTION:
+      case SDL_JOYHATMOTION:
+      case SDL_CONTROLLERAXISMOTION:
+      case SDL_CONTROLLERTOUCHPADDOWN:
+      case SDL_CONTROLLERTOUCHPADMOTION:
+      case SDL_CONTROLLERTOUCHPADUP:
+      case SDL_FINGERMOTION:
+      case SDL_DOLLARGESTURE:
+      case SDL_MULTIGESTURE:
+        return true;
+      default:
+        return false;
+    }
   }
 
   static std::optional<RemoteButton> controllerButton(const SDL_Event& event) {
@@ -98,8 +140,9 @@ class SdlOverlay {
 
   // A key that went down before the popup came goes up for the host, who saw it go down; until then it repeats for
   // nobody.
-  bool began(std::int64_t key, std::optional<RemoteButton> button, bool isRepeat) {
+  bool began(const Held& key, std::optional<RemoteButton> button, bool isRepeat) {
     if (!overlay_.isModal()) {
+      held_.erase(key);  // Its end got lost.
       return false;
     }
     if (isRepeat && held_.count(key) == 0) {
@@ -113,7 +156,7 @@ class SdlOverlay {
     return true;
   }
 
-  bool ended(std::int64_t key, std::optional<RemoteButton> button) {
+  bool ended(const Held& key, std::optional<RemoteButton> button) {
     if (held_.erase(key) == 0) {
       return false;
     }
@@ -123,12 +166,12 @@ class SdlOverlay {
     return true;
   }
 
-  bool clicked(const SDL_MouseButtonEvent& event) {
-    if (!overlay_.isModal()) {
+  bool clicked(const SDL_Event& event) {
+    if (held_.erase(mouseButtonOf(event)) == 0) {
       return false;
     }
-    if (event.button == SDL_BUTTON_LEFT) {
-      const SDL_FPoint pixel = pixelOf(event);
+    if (event.button.button == SDL_BUTTON_LEFT) {
+      const SDL_FPoint pixel = pixelOf(event.button);
       overlay_.tap(pixel.x, pixel.y);
     }
     return true;
@@ -173,7 +216,7 @@ class SdlOverlay {
   SDL_Renderer* renderer_;
   Overlay overlay_;
   SdlLayers layers_;
-  std::set<std::int64_t> held_;
+  std::set<Held> held_;
   float pixelsAUnit_ = 1.0F;
   std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
 };
