@@ -76,9 +76,14 @@ class KESU_API Kesu {
   /// by.
   static void processReceivedRemoteNotificationWithId(const Object& identifier, const Dictionary& userInfo);
 
-  // In-app messages. Main thread; handlers are called there, some before the operation returns. Before initialize()
-  // they throw InternalInconsistencyException, unless it says otherwise. A reply of the service that carries both an
-  // error and content calls a handler twice (first as if nothing had come); a complete reply without a body never does.
+  // In-app messages. Main thread. Before initialize() they throw InternalInconsistencyException, unless it says
+  // otherwise.
+  //
+  // Handlers may be empty. They are called on the main thread, some before the operation returns, the others inside
+  // pump(); what they refer to must live until then. Application::willTerminate() answers those that still wait as if
+  // the service could not be reached; when a program just ends, nobody is told any more. A reply of the service that
+  // carries both an error and content calls a handler twice (first as if nothing had come); a complete reply without a
+  // body never does, and neither does a request that cannot be written as JSON.
 
   using CountHandler = std::function<void(std::int64_t count)>;
   /// Told an array or a dictionary as said below, or nil. Other kinds come through as the service sent them.
@@ -89,16 +94,19 @@ class KESU_API Kesu {
 
   /// [Kesu getMessageHeadersForType:withCompletionHandler:] The headers (array of dictionaries with at least "mid" and
   /// "cid") of new messages; or of those known before the last fetch, at once ("" when none was, nil when nothing is
-  /// kept); or of all, where "contentRead" tells which were read. Nil when they cannot be had, and for other types.
+  /// kept); or of all, where "contentRead" tells which were read. Nil when they cannot be had, and for other types
+  /// (which fetch all the same). New headers are kept on disk.
   static void getMessageHeadersForType(KesuInAppMessageType type, ObjectHandler handler);
 
-  /// [Kesu getMessageBodyWithCampaignID:andMessageID:withCompletionHandler:] The body (dictionary) of one message,
-  /// which counts as read from now on. The last 19 are answered at once without a request.
+  /// [Kesu getMessageBodyWithCampaignID:andMessageID:withCompletionHandler:] The body (dictionary) of one message, by
+  /// "cid" and "mid" of its header; nil when it cannot be had. The message counts as read from now on, even then. The
+  /// last 19 are answered at once; for any other a receipt goes to the collector, beside the request. Null is "" in the
+  /// body and in the dictionaries directly in it.
   static void getMessageBodyWithCampaignID(const Object& campaignID, const Object& messageID, ObjectHandler handler);
 
   /// [Kesu getMessagesForType:withCompletionHandler:] Full messages (array of dictionaries): new ones, which count as
   /// read from then on; those that count as read, at once; or an array of both arrays, the new ones first (one that is
-  /// missing is left out). For other types the handler is never called.
+  /// missing is left out). Nil when there are none or they cannot be had. For other types the handler is never called.
   static void getMessagesForType(KesuInAppMessageType type, ObjectHandler handler);
 
   /// [Kesu previousReadMessages] The headers that were known before the last fetch; nil when there are none. Does not
@@ -106,8 +114,9 @@ class KESU_API Kesu {
   static Object previousReadMessages();
 
   /// [Kesu registerForButtonClickOnInAppMessageWithSelector:forTarget:] Calls `handler` on the main thread whenever a
-  /// button of an in-app message is pressed. Returns what NotificationCenter::removeObserver() takes, 0 for an empty
-  /// handler, which is not registered. Does not need initialize().
+  /// button of an in-app message is pressed. Returns what NotificationCenter::removeObserver() takes (call it before
+  /// what the handler refers to goes), 0 for an empty handler, which is not registered. Any thread; does not need
+  /// initialize().
   static NotificationCenter::Token registerForButtonClickOnInAppMessageWithSelector(
       std::function<void(const KesuInAppStatus&)> handler);
 
@@ -121,7 +130,10 @@ class KESU_API Kesu {
   /// showInAppNotificationUI:forDisplayMessages:msgNavBarButtonsTextColor:msgNavBarButtonsBgColor:msgNavBarBgColor:
   /// msgNavBarCounterTextColor:]
   /// Shows messages for a screen of the host (or null), which is told of pressed buttons if it is also a
-  /// KesuInAppMessageDelegate. The colours are those of the bar with the arrows; unset ones have their defaults.
+  /// KesuInAppMessageDelegate. The screen is not owned and may be destroyed at any time. The colours are those of the
+  /// bar with the arrows: of arrows and counter, of the arrows' faces, of the bar and of the counter; unset ones have
+  /// their defaults. Kept: arrows are clear and the counter has the first colour, so that the second and the fourth
+  /// have no visible effect. Other types show a popup without messages.
   static void showInAppNotificationUI(ViewController* controller, KesuInAppMessageType displayMessages,
                                       std::optional<Color> msgNavBarButtonsTextColor,
                                       std::optional<Color> msgNavBarButtonsBgColor,
@@ -132,7 +144,7 @@ class KESU_API Kesu {
   static void showUnreadInAppNotificationUI(ViewController* controller);
 
   /// [Kesu showInAppNotificationUIForDisplayMessages:navigationTextColor:withCompletionHandler:]
-  /// Shows messages; `handler` is told of pressed buttons.
+  /// Shows messages; `handler` (may be empty) is told of pressed buttons until the next show.
   static void showInAppNotificationUIForDisplayMessages(KesuInAppMessageType displayMessages,
                                                         std::optional<Color> navigationTextColor, InAppHandler handler);
 

@@ -10,10 +10,11 @@
 namespace kesu {
 
 /// Posted on the main thread when a button of an in-app message was pressed. Register with
-/// Kesu::registerForButtonClickOnInAppMessageWithSelector, which turns it into a KesuInAppStatus.
+/// Kesu::registerForButtonClickOnInAppMessageWithSelector, which turns it into a KesuInAppStatus: the entries of the
+/// notification itself are not for hosts.
 inline constexpr std::string_view kInAppMessageButtonClickedNotification = "KesuInAppMessageButtonClickedNotification";
 
-/// Why a web hook could not be called.
+/// Why a web hook could not be called. A plain value.
 struct KesuInAppError {
   HttpError code = HttpError::None;
   int httpStatus = 0;  ///< Status code of the reply; 0 when none came.
@@ -21,13 +22,14 @@ struct KesuInAppError {
   friend bool operator==(const KesuInAppError&, const KesuInAppError&) = default;
 };
 
-/// What the host is told about a button of an in-app message. A plain value.
+/// What the host is told about a button of an in-app message. A plain value: copy it to keep it. Of a web hook the
+/// handler of a show is told a second time, with `error`, once it has failed.
 struct KesuInAppStatus {
-  std::int64_t buttonIndex = 0;  ///< From 0; 10 and 11 are the arrows to the previous and the next message.
-  std::optional<std::string> messageID;
-  std::optional<std::string> campaignID;
-  std::optional<std::string> title;      ///< Of the button.
-  std::optional<std::string> urlString;  ///< The identifier that a button hands to the host (status 4).
+  std::int64_t buttonIndex = 0;           ///< From 0; 10 and 11 are the arrows to the previous and the next message.
+  std::optional<std::string> messageID;   ///< "mid" of the message's header.
+  std::optional<std::string> campaignID;  ///< "cid" of the message's header.
+  std::optional<std::string> title;       ///< Of the button.
+  std::optional<std::string> urlString;   ///< The identifier that a button hands to the host (status 4).
   std::int64_t status = 0;  ///< 1 no action, 2 URL opened, 3 URL refused or another message shown, 4 identifier for the
                             ///< host, 5 web hook called.
   std::optional<KesuInAppError> error;  ///< Set when a web hook failed.
