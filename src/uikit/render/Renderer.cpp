@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <tuple>
 #include <unordered_map>
 #include <utility>
 
@@ -31,6 +30,8 @@ struct Entry {
   std::uint64_t id = 0;
   std::uint64_t lastFrame = 0;
   Picture picture;
+  PixelRect shownInLayers;  // Which part of the picture was in the last frame of layers; empty when none was.
+  PixelRect shownFlat;      // And in the last flattened one.
 };
 
 /// Where a view lies, and what of it the views around leave visible.
@@ -57,23 +58,27 @@ Rect snapped(const Rect& rect) {
   return {left, top, std::round(rect.right()) - left, std::round(rect.bottom()) - top};
 }
 
-// Cuts off what the views around hide. Pixels are cut as a whole: text must not be stretched by parts of one.
-void crop(FrameLayer& layer, const Rect& clip) {
+PixelRect wholeOf(const FrameLayer& layer) {
+  return {0, 0, layer.pixelWidth, layer.pixelHeight};
+}
+
+// Cuts off what the views around hide, and returns which part of the pixels is left. Pixels are cut as a whole: text
+// must not be stretched by parts of one.
+PixelRect crop(FrameLayer& layer, const Rect& clip) {
   const Rect rect{layer.x, layer.y, layer.width, layer.height};
   const Rect visible = rect.intersected(clip);
   if (visible == rect) {
-    return;
+    return wholeOf(layer);
   }
-  if (layer.pixels == nullptr || visible.isEmpty()) {
-    std::tie(layer.x, layer.y, layer.width, layer.height) =
-        std::tuple(visible.x, visible.y, visible.width, visible.height);
-    return;
+  if (visible.isEmpty()) {
+    layer.width = layer.height = 0.0;
+    return {};
   }
   const double scaleX = layer.width / layer.pixelWidth;
   const double scaleY = layer.height / layer.pixelHeight;
   const PixelRect kept = intersected(touchedPixels({(visible.x - rect.x) / scaleX, (visible.y - rect.y) / scaleY,
                                                     visible.width / scaleX, visible.height / scaleY}),
-                                     {0, 0, layer.pixelWidth, layer.pixelHeight});
+                                     wholeOf(layer));
   layer.x += kept.x * scaleX;
   layer.y += kept.y * scaleY;
   layer.width = kept.width * scaleX;
@@ -82,6 +87,7 @@ void crop(FrameLayer& layer, const Rect& clip) {
   layer.pixelWidth = kept.width;
   layer.pixelHeight = kept.height;
   layer.damage = movedBy(intersected(layer.damage, kept), -kept.x, -kept.y);
+  return kept;
 }
 
 }  // namespace
@@ -92,7 +98,7 @@ struct Renderer::State {
   void addInner(View& view, const Surroundings& inside);
   void addLayer(View& view, const Surroundings& inside);
   void addPicture(View& view, const Surroundings& inside, Entry& entry);
-  void push(FrameLayer layer, const Rect& clip);
+  void push(FrameLayer layer, const Rect& clip, Entry& entry);
   Entry& entryOf(View& view);
   void releaseAll();
   void releaseWhenDone(const Window& window);
@@ -217,15 +223,21 @@ void Renderer::State::addPicture(View& view, const Surroundings& inside, Entry& 
   if (kind != FrameKind::Snapshot) {
     layer.damage = kind == FrameKind::Layers ? picture.takeLayerDamage() : picture.takeFlatDamage();
   }
-  push(layer, inside.clip);
+  push(layer, inside.clip, entry);
 }
 
-void Renderer::State::push(FrameLayer layer, const Rect& clip) {
+// What changed while a part of the picture was out of sight was told to nobody.
+void Renderer::State::push(FrameLayer layer, const Rect& clip, Entry& entry) {
   const Rect rect{layer.x, layer.y, layer.width, layer.height};
-  if (clip != screen && !rect.isEmpty()) {
-    crop(layer, clip);
+  const PixelRect part = clip != screen && !rect.isEmpty() ? crop(layer, clip) : wholeOf(layer);
+  const bool isSeen = layer.width > 0.0 && layer.height > 0.0 && !rect.intersected(screen).isEmpty();
+  if (kind != FrameKind::Snapshot) {
+    PixelRect& shown = kind == FrameKind::Layers ? entry.shownInLayers : entry.shownFlat;
+    if (std::exchange(shown, isSeen ? part : PixelRect{}) != part) {
+      layer.damage = wholeOf(layer);
+    }
   }
-  if (layer.width > 0.0 && layer.height > 0.0 && !rect.intersected(screen).isEmpty()) {
+  if (isSeen) {
     layers.push_back(layer);
   }
 }

@@ -147,6 +147,21 @@ TEST_F(RendererTest, CropsPicturesThatLieInClippingViews) {
   EXPECT_EQ(pixelOf(flat(), 260, 90), 0U);
 }
 
+TEST_F(RendererTest, TellsOfAllThatComesIntoSightInAClippingView) {
+  const ViewPtr frame = viewIn(window_, {100.0, 100.0, 200.0, 200.0});
+  frame->setClipsToBounds(true);
+  const ViewPtr picture = viewIn(*frame, {0.0, 0.0, 200.0, 600.0}, Color::redColor());
+  picture->setComposited(true);
+  viewIn(*picture, {0.0, 400.0, 200.0, 200.0}, Color::blueColor());
+  EXPECT_EQ(layers().at(0).damage, (PixelRect{0, 0, 200, 200}));
+  EXPECT_EQ(pixelOf(flat(), 150, 150), 0xFFFF0000U);
+  picture->setFrame({0.0, -400.0, 200.0, 600.0});
+  EXPECT_EQ(layers().at(0).damage, (PixelRect{0, 0, 200, 200})) << "another part, as large as the one before";
+  EXPECT_EQ(pixelOf(flat(), 150, 150), 0xFF0000FFU);
+  EXPECT_TRUE(layers().at(0).damage.isEmpty());
+  EXPECT_TRUE(flat().damage.isEmpty());
+}
+
 TEST_F(RendererTest, DrawsCornersBordersShadowsAndTheFocusedViewLast) {
   const ViewPtr pane = viewIn(window_, {100.0, 100.0, 300.0, 300.0}, Color::white());
   pane->setCornerRadius(40.0);
