@@ -150,7 +150,11 @@ TEST_F(InboxTest, CallsTheHandlerAsOftenAsTheReplySays) {
 TEST_F(InboxTest, AddsNewMessagesToThoseNotRead) {
   platform.defaults.set(kHeadersDefault, json(R"([{"mid":"1"},{"mid":"2","contentRead":true},{"contentRead":false},
                                                  {"contentRead":"YES"},{"contentRead":"true"},{"contentRead":0},5])"));
-  for (const auto& [reply, sum] : {std::pair(R"({"count":7})", "11"), {"[]", "4"}, {"{}", "4"}, {"", "4"}}) {
+  for (const auto& [reply, sum] : {std::pair(R"({"count":7})", "11"),
+                                   {"[]", "4"},
+                                   {"{}", "4"},
+                                   {"", "4"},
+                                   {R"({"count":9223372036854775807})", "9223372036854775807"}}) {
     inbox.kesu_getTotalUnreadMessages(listenToCount());
     answer(reply);
     EXPECT_EQ(takeTold(), Strings{sum}) << reply;
