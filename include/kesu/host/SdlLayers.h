@@ -61,7 +61,8 @@ class SdlPlainState {
 /// destroy it before the renderer.
 class SdlLayers {
  public:
-  /// Draws over what the renderer holds, in pixels of its output. Textures of layers that are gone are given back.
+  /// Draws over what the renderer holds, in pixels of its output. Textures of layers that are gone are given back. One
+  /// that SDL cannot make leaves its layer out, and is tried again with the next frame. Always the same renderer.
   void draw(SDL_Renderer* renderer, const std::vector<FrameLayer>& layers) {
     forgetTexturesExceptOf(layers);
     const SdlPlainState plain(renderer);

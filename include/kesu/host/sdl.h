@@ -33,8 +33,9 @@
 
 namespace kesu::host {
 
-/// Shows the library's popup in an SDL renderer and gives it the remote. Main thread, that of the renderer; destroy it
-/// before the renderer.
+/// Shows the library's popup in an SDL renderer and gives it the remote. Main thread, that of the renderer, where the
+/// host also pumps kesu::MainLoop; destroy it before the renderer, which it does not own. One at a time, as its
+/// Overlay.
 class SdlOverlay {
  public:
   explicit SdlOverlay(SDL_Renderer* renderer) : renderer_(renderer) { measure(); }
@@ -75,8 +76,8 @@ class SdlOverlay {
     }
   }
 
-  /// Draws the popup over what the renderer holds, on the whole of its output in pixels. The renderer's logical size,
-  /// scale, viewport, clipping, colour and blend mode are afterwards as they were.
+  /// Draws the popup over what the renderer holds, always the same one, on the whole of its output in pixels. The
+  /// renderer's logical size, scale, viewport, clipping, colour and blend mode are afterwards as they were.
   void draw(SDL_Renderer* renderer) {
     renderer_ = renderer;
     measure();

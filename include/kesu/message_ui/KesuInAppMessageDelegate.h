@@ -7,9 +7,9 @@
 
 namespace kesu {
 
-/// Told about pressed buttons of in-app messages by shows that were given no completion handler. Derive the view
-/// controller that is handed to Kesu::showInAppNotificationUI from it as well. Main thread. One that is destroyed is no
-/// longer told.
+/// Told about pressed buttons of in-app messages by shows that were given no completion handler; not of paging, and not
+/// of web hooks that fail later. Derive the view controller that is handed to Kesu::showInAppNotificationUI from it as
+/// well. Main thread. Not owned; one that is destroyed is no longer told.
 class KESU_API KesuInAppMessageDelegate {
  public:
   KesuInAppMessageDelegate() = default;

@@ -12,6 +12,7 @@ class Window;
 /// records.
 class KESU_API Application {
  public:
+  /// The application of this process; always there.
   static Application& shared();
 
   /// Once, after Kesu::initialize, when the application is ready: posts the installation record on the first launch,
@@ -32,10 +33,11 @@ class KESU_API Application {
   /// Locale, languages or time zone of the device have changed.
   void localeDidChange();
 
-  /// The system is short of memory.
+  /// The system is short of memory: pictures that are kept for later are dropped.
   void didReceiveMemoryWarning();
 
-  /// The window that the user sees (Window::makeKeyAndVisible), or null.
+  /// The window that the user sees (Window::makeKeyAndVisible), or null: before there is one, and when it has gone. Not
+  /// owned.
   Window* keyWindow();
 };
 

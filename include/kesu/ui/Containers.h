@@ -64,7 +64,8 @@ class KESU_API NavigationController : public ViewController {
 
 /// The window that shows the host's screens and the library's popup. Main thread. It is 1920 x 1080 points.
 ///
-/// A Window may live anywhere (it is not owned by its superview, having none).
+/// A Window may live anywhere (it is not owned by its superview, having none). It owns the views in it. When the
+/// key window goes there is none any more; a popup that was in it is gone, and messages may be shown again.
 class KESU_API Window : public View {
  public:
   Window();

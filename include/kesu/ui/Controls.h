@@ -86,6 +86,7 @@ class KESU_API Button : public View {
   const ImagePtr& backgroundImage() const { return backgroundImage_; }
   /// Drawn behind the title, stretched, within the view's corners; null for none.
   void setBackgroundImage(ImagePtr image);
+  /// What activate() runs; an empty action is none. It may take the button away.
   void setAction(Action action) { action_ = std::move(action); }
 
   bool canBecomeFocused() const override { return true; }

@@ -12,16 +12,20 @@ namespace kesu {
 class GestureRecognizer;
 class View;
 
-/// May keep a recogniser from looking at a touch.
+/// May keep a recogniser from looking at a touch. Main thread.
 class KESU_API GestureRecognizerDelegate {
  public:
   virtual ~GestureRecognizerDelegate() = default;
+  /// Asked before each tap with a pointer, never before presses and swipes. `touched` is the innermost view at the
+  /// place: the recogniser's own or one that lies inside it. False: the tap is for whoever is around.
   virtual bool shouldReceiveTouch(GestureRecognizer& /*recognizer*/, View& /*touched*/) { return true; }
 };
 
-/// Turns presses and touches on a view, and on all that lies inside it, into one call. Main thread.
+/// Turns presses and touches on a view, and on all that lies inside it, into one call: see View::addGestureRecognizer.
+/// Main thread. The action may take the view away; the recogniser lives until it is over.
 class KESU_API GestureRecognizer {
  public:
+  /// Gestures are made at once here: only Possible and Ended occur.
   enum class State { Possible = 0, Began = 1, Changed = 2, Ended = 3, Cancelled = 4 };
   using Action = std::function<void(GestureRecognizer&)>;
 

@@ -132,6 +132,8 @@ class KESU_API View : public std::enable_shared_from_this<View> {
   bool isComposited() const { return isComposited_ || (superview_ != nullptr && superview_->isWindow_); }
   void setComposited(bool composited);
 
+  /// The view keeps the recogniser for as long as it lives; null is not added. Recognisers work while the view lies in
+  /// a modal one, or is it.
   void addGestureRecognizer(std::shared_ptr<GestureRecognizer> recognizer);
   const std::vector<std::shared_ptr<GestureRecognizer>>& gestureRecognizers() const { return recognizers_; }
 

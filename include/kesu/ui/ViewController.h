@@ -59,7 +59,8 @@ class KESU_API ViewController {
   /// The controller inside this one that the user really sees; this one itself unless it is a container.
   virtual ViewController* visibleChild() { return nullptr; }
 
-  /// Names who is told of appearances; null for nobody. The library does so once.
+  /// Names who is told of appearances, in place of the one before; null for nobody. Not owned. The library names
+  /// itself: a host that calls this takes the screens away from its records.
   static void setAppearanceObserver(AppearanceObserver* observer);
 
  protected:
