@@ -1,9 +1,5 @@
 #include "foundation/Json.h"
 
-#include <rapidjson/encodedstream.h>
-#include <rapidjson/memorystream.h>
-#include <rapidjson/reader.h>
-
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -205,9 +201,14 @@ class JsonReader {
   }
 
   std::string_view rest_;
+  std::size_t valuesLeft_ = kJsonValuesLimit;
 };
 
 std::optional<Value> JsonReader::value(std::size_t depth) {
+  if (valuesLeft_ == 0) {
+    return std::nullopt;
+  }
+  --valuesLeft_;
   skipSpace();
   switch (next()) {
     case '{':

@@ -12,6 +12,10 @@ namespace kesu {
 /// How many arrays and dictionaries may lie inside one another in a JSON text, written or read.
 inline constexpr std::size_t kJsonDepthLimit = 512;
 
+/// How many values, at any depth, a JSON text may hold to be read. Small values take some 50 times their text in
+/// memory; the answers of a service have a few thousand.
+inline constexpr std::size_t kJsonValuesLimit = 200'000;
+
 /// What became of a value that was to be written as JSON.
 enum class JsonStatus {
   Ok,        ///< The text is complete.
@@ -33,9 +37,9 @@ JsonStatus writeJson(const Value& value, std::string& out);
 /// Reads one JSON text (UTF-8, with or without byte order mark).
 ///
 /// Returns nothing for anything malformed: invalid UTF-8, half of a surrogate pair, a NUL byte, nesting beyond
-/// kJsonDepthLimit, text after the value, a number too large for a double (one too small is 0). Of equal keys the last
-/// value wins and keeps the first one's place. Integers outside 64 bits with sign become reals; "4.0" is a real. Any
-/// thread.
+/// kJsonDepthLimit, more than kJsonValuesLimit values, text after the value, a number too large for a double (one too
+/// small is 0). Of equal keys the last value wins and keeps the first one's place. Integers outside 64 bits with sign
+/// become reals; "4.0" is a real. Any thread.
 std::optional<Value> parseJson(std::string_view text);
 
 }  // namespace kesu

@@ -152,6 +152,12 @@ TEST(ParseJsonTest, RefusesTooDeepNestingWithoutOverflow) {
   EXPECT_FALSE(parseJson(repeated("{\"a\":[", 1'000'000)));
 }
 
+TEST(ParseJsonTest, RefusesMoreValuesThanMemoryIsGoodFor) {
+  EXPECT_TRUE(parseJson("[0" + repeated(",0", 199'998) + "]"));
+  EXPECT_FALSE(parseJson("[0" + repeated(",0", 199'999) + "]"));
+  EXPECT_FALSE(parseJson("[[]" + repeated(",{\"a\":[]}", 100'000) + "]"));
+}
+
 bool allTextsAreValid(const Value& value) {
   std::string out;
   return writeJson(value, out) == JsonStatus::Ok;
