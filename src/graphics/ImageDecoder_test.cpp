@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdlib>
 
+#include "testing/MemoryPeak.h"
 #include "testing/PictureFiles.h"
 
 namespace kesu {
@@ -175,9 +176,13 @@ struct Hostile {
   ImageStatus expected;
 };
 
+constexpr long kLimitKilobytes = 64 * 1024;
+
 void expectStatuses(const std::vector<Hostile>& cases) {
   for (const Hostile& hostile : cases) {
+    const testing::MemoryPeak peak;
     const DecodedImage decoded = decodeImage(hostile.file);
+    EXPECT_LT(peak.kilobytes(), kLimitKilobytes) << hostile.name;
     EXPECT_EQ(decoded.status, hostile.expected) << hostile.name;
     EXPECT_EQ(decoded.image != nullptr, hostile.expected == ImageStatus::Decoded) << hostile.name;
   }

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "testing/ChildProcess.h"
+#include "testing/MemoryPeak.h"
 #include "testing/TemporaryDirectory.h"
 #include "tests/popup/PopupStage.h"
 
@@ -32,21 +33,11 @@ extern "C" __attribute__((used, visibility("default"))) const char* __asan_defau
 namespace kesu {
 namespace {
 
+using testing::MemoryPeak;
 using testing::payloadOf;
 using testing::PopupStage;
 
-[[maybe_unused]] constexpr long kLimitKilobytes = 64 * 1024;
-
-/// A field of /proc/self/status, in kB.
-long memory(const std::string& field) {
-  std::ifstream file("/proc/self/status");
-  for (std::string line; std::getline(file, line);) {
-    if (line.starts_with(field + ":")) {
-      return std::stol(line.substr(field.size() + 1));
-    }
-  }
-  return 0;
-}
+constexpr long kLimitKilobytes = 64 * 1024;
 
 std::string endless(const std::string& word) {
   constexpr std::size_t kBytes = 1 << 20;
@@ -170,14 +161,9 @@ std::string showAndUse(const Dictionary& payload) {
 TEST(HostileMessages, AreShownAndClosedAsAnyOther) {
   EXPECT_EQ(showAndUse(payloadOf("A title", "A text.", withButtons(entries(2)))), "") << "a plain one";
   for (const auto& [name, payload] : hostileMessages()) {
-    std::ofstream("/proc/self/clear_refs") << "5";  // The peak counts from here.
-    const long before = memory("VmRSS");
+    const MemoryPeak peak;
     EXPECT_EQ(showAndUse(payload), "") << name;
-#ifndef KESU_ALLOCATIONS_ARE_LIMITED
-    EXPECT_LT(memory("VmHWM") - before, kLimitKilobytes) << name;
-#else
-    EXPECT_GT(before, 0) << name;
-#endif
+    EXPECT_LT(peak.kilobytes(), kLimitKilobytes) << name;
   }
 }
 
