@@ -8,6 +8,7 @@
 #include "foundation/NumberText.h"
 #include "foundation/Objects.h"
 #include "messaging/ButtonClicks.h"
+#include "platform/OrderlyEnd.h"
 #include "records/DefaultsKeys.h"
 #include "records/Destinations.h"
 #include "records/MessageIdentifier.h"
@@ -56,6 +57,9 @@ std::string_view withoutMarker(std::string_view action) {
 }
 
 DeepLinkStatus openUrl(UrlOpener& opener, const ButtonPress& press, const std::string& url) {
+  if (isEndingAtExit()) {
+    return DeepLinkStatus::Refused;
+  }
   if (press.shouldOpenUrl && !press.shouldOpenUrl(url)) {
     return DeepLinkStatus::Refused;
   }
@@ -89,7 +93,7 @@ void callWebHook(Platform& platform, KesuMetrics& metrics, const std::string& ur
                      {"Content-Length", decimal(static_cast<std::int64_t>(request.body.size()))}};
   platform.http.send(std::move(request),
                      [block = std::move(block), status = std::move(status)](HttpReply reply) mutable {
-                       if (reply.error != HttpError::None && reply.status != kStatusOk && block) {
+                       if (reply.error != HttpError::None && reply.status != kStatusOk && block && !isEndingAtExit()) {
                          status.error = KesuInAppError{reply.error, reply.status, std::move(reply.errorText)};
                          block(status);
                        }
@@ -97,6 +101,9 @@ void callWebHook(Platform& platform, KesuMetrics& metrics, const std::string& ur
 }
 
 void tellHost(NotificationCenter& notifications, const ButtonPress& press, const KesuInAppStatus& status) {
+  if (isEndingAtExit()) {
+    return;
+  }
   if (press.completionBlock) {
     press.completionBlock(status);
   } else if (KesuInAppMessageDelegate* delegate = press.delegate ? press.delegate() : nullptr) {

@@ -64,6 +64,7 @@ class CallToAction {
 
   /// With the main loop's next turn: the action; the host's block, else its delegate, and the exported notification;
   /// the record "cta"; the event "Kesu.InAppCallToAction". A web hook that fails calls the block once more.
+  /// Inside an exit handler nothing of the host's is called: no URL is opened, and only the collector is told.
   void perform(ButtonPress press);
 
  private:

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "messaging/ButtonClicks.h"
+#include "platform/OrderlyEnd.h"
 #include "testing/PresenterTest.h"
 
 namespace kesu {
@@ -200,6 +201,32 @@ TEST_F(CallToActionTest, LetsTheHostVetoAUrl) {
   platform.settle();
   EXPECT_TRUE(platform.urlOpener.urls.empty());
   EXPECT_EQ(told.at(0).status, 3);
+}
+
+TEST_F(CallToActionTest, TellsTheCollectorOnlyWhenTheProcessEnds) {
+  observeButtonClicks(platform.notifications,
+                      [](const KesuInAppStatus&) { ADD_FAILURE() << "an observer of the host"; });
+  KesuInAppOptions options;
+  options.shouldOpenUrl = [](const std::string&) {
+    ADD_FAILURE() << "what the host's functions use is gone when an exit handler runs";
+    return true;
+  };
+  presenter().setOptions(options);
+  show({"a"},
+       bodyReply("Title", "Text", {{"buttons", buttonEntries({{"A", "tv://x"}, {"B", "https://h/x?wh=true"}})}}));
+  screen.press(RemoteButton::Select);
+  screen.press(RemoteButton::Right);
+  screen.press(RemoteButton::Select);
+  endAtExit(platform.platform);
+  EXPECT_TRUE(platform.urlOpener.urls.empty());
+  EXPECT_TRUE(told.empty()) << "by the failed web hook neither";
+  EXPECT_EQ(poster.posted.size(), 2U);
+  std::string recorded;  // The clock stands still: records of both buttons share a file.
+  for (const Dictionary& record : screen.store.dictionariesToRepost()) {
+    const std::string* name = record.findText("btnName");
+    recorded += name != nullptr ? *name : "";
+  }
+  EXPECT_EQ(recorded, "B");
 }
 
 TEST_F(CallToActionTest, AttributesAPressToTheMessageThatWasPressed) {

@@ -1,18 +1,18 @@
 #pragma once
 
+#include <kesu/Export.h>
+
 #include <cstdint>
 #include <functional>
 #include <optional>
-
-#include <kesu/Export.h>
 
 namespace kesu {
 
 /// The main queue: tasks and timers that run on the host's main thread, inside pump().
 ///
-/// post(), schedule() and cancel() may be called from any thread; everything else belongs to the main thread. Tasks run in
-/// the order in which they were posted; a task posted while pumping runs in the next pump. Nothing here throws by itself;
-/// what a task throws leaves pump(). In a forked child process nothing is queued and nothing runs.
+/// post(), schedule() and cancel() may be called from any thread; everything else belongs to the main thread. Tasks run
+/// in the order in which they were posted; a task posted while pumping runs in the next pump. Nothing here throws by
+/// itself; what a task throws leaves pump(). In a forked child process nothing is queued and nothing runs.
 class KESU_API MainLoop {
  public:
   using Task = std::function<void()>;
@@ -40,12 +40,13 @@ class KESU_API MainLoop {
   /// Ends run(); the next one when none is under way. Any thread.
   virtual void quit() = 0;
 
-  /// Sets what wakes a host that sleeps in another event system: called on the posting thread when an idle loop gets its
-  /// first task or an earlier timer, and at the end of a pump that leaves tasks behind. It may post tasks, not set
+  /// Sets what wakes a host that sleeps in another event system: called on the posting thread when an idle loop gets
+  /// its first task or an earlier timer, and at the end of a pump that leaves tasks behind. It may post tasks, not set
   /// another callback. An empty function removes it; when this returns, the former callback does not run any more.
   virtual void setWakeCallback(std::function<void()> wake) = 0;
 
-  /// Runs `task` in the next pump.
+  /// Runs `task` in the next pump. What is queued when the process ends still runs, in an exit handler: a task that
+  /// refers to what main() owns needs a way to tell that it is gone, or Application::willTerminate() before.
   virtual void post(Task task) = 0;
 
   /// Runs `task` once, or again and again, `delaySeconds` from now. Repeated timers keep their rhythm, do not catch up
