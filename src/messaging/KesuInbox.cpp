@@ -153,9 +153,11 @@ void KesuInbox::kesu_getMessageHeadersForType(KesuInAppMessageType type, ObjectH
 void KesuInbox::keepHeaders(KesuInAppMessageType type, const Object& reply, const ObjectHandler& handler) {
   const Value* list = member(reply, "metadatalist");
   Array merged = storedArray(kHeadersDefault);
+  const bool isChanged = appendMarked(merged, list, false) > 0;
+  Object all = type == KesuInAppMessageType::All ? Object(Value(merged)) : Object();
   // Kept: the list is not trimmed at 20 entries, however it grows.
-  if (appendMarked(merged, list, false) > 0) {
-    store(kHeadersDefault, type == KesuInAppMessageType::All ? Value(merged) : Value(std::move(merged)));
+  if (isChanged) {
+    store(kHeadersDefault, std::move(merged));
     if (!defaults_.contains(kPreviousHeadersDefault)) {
       store(kPreviousHeadersDefault, "");
     }
@@ -166,7 +168,7 @@ void KesuInbox::keepHeaders(KesuInAppMessageType type, const Object& reply, cons
       call(handler, copyOf(list));
       return;
     case KesuInAppMessageType::All:
-      call(handler, Object(Value(std::move(merged))));
+      call(handler, std::move(all));
       return;
     case KesuInAppMessageType::Read:
       break;
@@ -174,7 +176,7 @@ void KesuInbox::keepHeaders(KesuInAppMessageType type, const Object& reply, cons
   call(handler, Object());
 }
 
-void KesuInbox::kesu_getMessagesForType(KesuInAppMessageType type, ObjectHandler handler) {
+void KesuInbox::kesu_getMessagesForType(KesuInAppMessageType type, const ObjectHandler& handler) {
   switch (type) {
     case KesuInAppMessageType::Unread:
       getAllMessagesTypeUnread(handler);

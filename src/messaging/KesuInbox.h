@@ -55,7 +55,7 @@ class KesuInbox {
   /// [kesu_getMessagesForType:withCompletionHandler:] Full messages: the new ones (Unread), which are handed over and
   /// then kept as read; those kept as read (Read, at once); or an array of both lists (All). Other types never call the
   /// handler.
-  void kesu_getMessagesForType(KesuInAppMessageType type, ObjectHandler handler);
+  void kesu_getMessagesForType(KesuInAppMessageType type, const ObjectHandler& handler);
 
   /// [kesu_getMessageWithContentID:andMessageID:withCompletionHandler:] The body of one message, from the last 19
   /// fetched when it is among them (at once, without request or receipt), else from the service; nil when it has none.
