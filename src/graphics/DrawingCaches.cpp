@@ -38,14 +38,15 @@ void averageLine(std::uint8_t* line, int count, std::ptrdiff_t step, int box, st
     before[static_cast<std::size_t>(i)] = line[i * step];
   }
   const int half = box / 2;
+  const auto valueAt = [&](int i) { return i >= 0 && i < count ? unsigned{before[static_cast<std::size_t>(i)]} : 0U; };
   unsigned sum = 0;
-  for (int i = 0; i < std::min(half, count); ++i) {
-    sum += before[static_cast<std::size_t>(i)];
+  for (int i = 0; i < half; ++i) {
+    sum += valueAt(i);
   }
   for (int i = 0; i < count; ++i) {
-    sum += i + half < count ? before[static_cast<std::size_t>(i + half)] : 0U;
+    sum += valueAt(i + half);
     line[i * step] = static_cast<std::uint8_t>((sum + static_cast<unsigned>(half)) / static_cast<unsigned>(box));
-    sum -= i >= half ? before[static_cast<std::size_t>(i - half)] : 0U;
+    sum -= valueAt(i - half);
   }
 }
 

@@ -9,10 +9,12 @@
 namespace kesu {
 namespace {
 
+using namespace std::string_view_literals;
+
 // Microseconds of waiting in microseconds of time. A process without privileges may ask for multiples of 2 s only, and
 // the kernel then looks every 2 s. 7.5 % is felt as stutter while there is still time to give something back; pages
 // read again after a start stay far below. The end of the text is part of it.
-constexpr std::string_view kTrigger{"some 150000 2000000", 20};
+constexpr std::string_view kTrigger = "some 150000 2000000\0"sv;
 
 }  // namespace
 

@@ -113,6 +113,7 @@ PixelRect Compositor::damageOf(const std::vector<Placed>& next) const {
 
 const FlatFrame& Compositor::compose(const std::vector<FrameLayer>& layers, int width, int height) {
   std::vector<Placed> next;
+  next.reserve(layers.size());
   for (const FrameLayer& layer : layers) {
     next.push_back({layer, areaOf(layer)});
   }
