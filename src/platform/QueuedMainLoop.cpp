@@ -5,6 +5,8 @@
 #include <cmath>
 #include <iterator>
 
+#include "foundation/Afterwards.h"
+
 namespace kesu {
 namespace {
 
@@ -32,6 +34,19 @@ class QueuedMainLoop::Turn {
  private:
   QueuedMainLoop& loop_;
   std::thread::id ownerBefore_;
+};
+
+// Names the thread that runs the wake callback for as long as it does, also when that throws.
+class QueuedMainLoop::Waking {
+ public:
+  explicit Waking(std::atomic<std::thread::id>& waker) : waker_(waker) { waker_.store(std::this_thread::get_id()); }
+  ~Waking() { waker_.store({}); }
+
+  Waking(const Waking&) = delete;
+  Waking& operator=(const Waking&) = delete;
+
+ private:
+  std::atomic<std::thread::id>& waker_;
 };
 
 std::size_t QueuedMainLoop::pump(double budgetSeconds) {
@@ -122,10 +137,12 @@ bool QueuedMainLoop::runOne(bool draining) {
   if (!next) {
     return false;
   }
-  next->task();
-  if (next->timer != 0) {
-    rearm(next->timer, std::move(next->task));
-  }
+  afterwards([&] { next->task(); },
+             [&] {
+               if (next->timer != 0) {
+                 rearm(next->timer, std::move(next->task));
+               }
+             });
   return true;
 }
 
@@ -189,11 +206,21 @@ void QueuedMainLoop::setWakeCallback(std::function<void()> wake) {
   wake_ = std::move(wake);
 }
 
+// What the callback itself posts may be the first task of a loop that was pumped empty meanwhile: the host is then
+// woken once more, by the call that is under way.
 void QueuedMainLoop::wakeHost() {
-  const MutexLock lock(wakeMutex_);
-  if (wake_) {
-    wake_();
+  if (waker_.load() == std::this_thread::get_id()) {
+    wakesAgain_.store(true);
+    return;
   }
+  const MutexLock lock(wakeMutex_);
+  const Waking waking(waker_);
+  do {
+    wakesAgain_.store(false);
+    if (wake_) {
+      wake_();
+    }
+  } while (wakesAgain_.load());
 }
 
 void QueuedMainLoop::post(Task task) {

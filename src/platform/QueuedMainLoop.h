@@ -3,6 +3,7 @@
 #include <kesu/foundation/Mutex.h>
 #include <kesu/platform/MainLoop.h>
 
+#include <atomic>
 #include <condition_variable>
 #include <optional>
 #include <set>
@@ -64,6 +65,7 @@ class QueuedMainLoop : public MainLoop {
   };
 
   class Turn;
+  class Waking;
 
   bool beginPump();
   void collectDueTimers() KESU_REQUIRES(mutex_);
@@ -94,6 +96,8 @@ class QueuedMainLoop : public MainLoop {
 
   Mutex wakeMutex_;
   std::function<void()> wake_ KESU_GUARDED_BY(wakeMutex_);
+  std::atomic<std::thread::id> waker_{};  // Who runs it.
+  std::atomic<bool> wakesAgain_{false};
 };
 
 }  // namespace kesu

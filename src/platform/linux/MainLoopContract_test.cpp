@@ -210,6 +210,23 @@ TEST_P(MainLoopContract, WakesHostOnceWhenIdleLoopGetsWork) {
   EXPECT_EQ(wakes, 4);
 }
 
+TEST_P(MainLoopContract, WakesHostAgainForWhatItsCallbackPosts) {
+  int wakes = 0;
+  loop().setWakeCallback([&] {
+    if (++wakes == 1) {
+      std::thread([&] { EXPECT_EQ(pump(), 1U); }).join();  // The host is quick: the queue is empty again.
+      loop().post(note("b"));
+    } else if (wakes == 2) {
+      EXPECT_EQ(pump(), 1U);
+      loop().schedule(5.0, false, [] {});
+    }
+  });
+  loop().post(note("a"));
+  EXPECT_EQ(takeRan(), "ab");
+  EXPECT_EQ(wakes, 3);
+  loop().setWakeCallback(nullptr);
+}
+
 TEST_P(MainLoopContract, RunEndsByQuitAlsoWhenThatCameFirst) {
   loop().schedule(0.001, false, [this] {
     note("a")();
@@ -227,6 +244,13 @@ TEST_P(MainLoopContract, GoesOnAfterTaskThatThrows) {
   EXPECT_THROW(pump(), std::runtime_error);
   EXPECT_EQ(pump(), 1U);
   EXPECT_EQ(takeRan(), "a");
+  const MainLoop::TimerId timer = loop().schedule(0.002, true, [] { throw std::runtime_error("from the host"); });
+  for (int turn = 0; turn < 2; ++turn) {
+    ASSERT_NE(loop().nextDue(), std::nullopt) << "it keeps its rhythm";
+    untilDue();
+    EXPECT_THROW(pump(), std::runtime_error);
+  }
+  loop().cancel(timer);
 }
 
 INSTANTIATE_TEST_SUITE_P(Loops, MainLoopContract, ::testing::Values("Linux", "Manual"),
