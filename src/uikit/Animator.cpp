@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "foundation/Afterwards.h"
 #include "foundation/SharedInstance.h"
 #include "uikit/KeyWindow.h"
 #include "uikit/ViewProperty.h"
@@ -65,7 +66,7 @@ struct Animator::State : std::enable_shared_from_this<Animator::State> {
   std::vector<std::uint64_t> open;  // Calls of animate() whose changes run now, one in the other; 0 sets at once.
   std::uint64_t lastId = 0;
   double lastTick = 0.0;
-  double timeShift = 0.0;  // Makes up for clocks that went back.
+  double elapsed = 0.0;    // Time of the animations.
   bool wasTicked = false;  // Since the timer was set.
   bool isPosted = false;
   MainLoop* loop = nullptr;  // The one that has the timer.
@@ -79,7 +80,9 @@ struct Animator::State : std::enable_shared_from_this<Animator::State> {
   void endGroups(const std::function<bool(const Group&)>& isOver);
   void endEmptied();
   void postCompletions();
+  void runEach(std::vector<Group>& batch);
   void runCompletions();
+  void close(std::uint64_t id);
   double timeOf(double tick);
   void setTimer();
   void timerFired(std::uint64_t lastOfTimer);
@@ -176,28 +179,40 @@ void Animator::State::postCompletions() {
   });
 }
 
+/// What a host's completion throws goes on; the others are told in the next frame or by the main loop.
+void Animator::State::runEach(std::vector<Group>& batch) {
+  for (auto group = batch.begin(); group != batch.end(); ++group) {
+    try {
+      if (group->completion) {
+        group->completion(group->isFinished);
+      }
+    } catch (...) {
+      ended.insert(ended.begin(), std::make_move_iterator(std::next(group)), std::make_move_iterator(batch.end()));
+      postCompletions();
+      throw;
+    }
+  }
+}
+
 /// Those that end other animations have these completed in the same frame, so that nothing between is seen.
 void Animator::State::runCompletions() {
   for (int round = 0; round < kCompletionRounds && !ended.empty(); ++round) {
     std::vector<Group> batch = std::exchange(ended, {});
     std::ranges::sort(batch, {}, &Group::id);
-    for (const Group& group : batch) {
-      if (group.completion) {
-        group.completion(group.isFinished);
-      }
-    }
+    runEach(batch);
   }
   if (groups.empty() && timer && Platform::isInstalled() && loop == &Platform::current().mainLoop) {
     loop->cancel(*std::exchange(timer, std::nullopt));
   }
 }
 
-/// The time of the animations, which never goes back.
+/// The time of the animations never goes back. After one jump of a host's clock to a huge number it would have no room
+/// for the steps of frames: it goes no further at once than the longest animation.
 double Animator::State::timeOf(double tick) {
   const double now = std::isfinite(tick) ? tick : lastTick;
-  timeShift += std::max(0.0, lastTick - now);
+  elapsed += std::clamp(now - lastTick, 0.0, kLongestSeconds);
   lastTick = now;
-  return now + timeShift;
+  return elapsed;
 }
 
 /// Sees to it that animations end which nobody draws.
@@ -213,6 +228,16 @@ void Animator::State::setTimer() {
       state->timerFired(last);
     }
   });
+}
+
+/// The changes of a call of animate() are over.
+void Animator::State::close(std::uint64_t id) {
+  open.pop_back();
+  if (Group* group = groupOf(id)) {
+    group->isOpen = false;
+    endEmptied();
+    setTimer();
+  }
 }
 
 void Animator::State::timerFired(std::uint64_t lastOfTimer) {
@@ -244,18 +269,17 @@ void Animator::animate(double durationSeconds, const std::function<void()>& chan
     state->groups.push_back({id, seconds, std::move(completion)});
   }
   state->open.push_back(id);
-  if (changes) {
-    changes();
-  }
-  state->open.pop_back();
-  if (Group* group = state->groupOf(id)) {
-    group->isOpen = false;
-    state->endEmptied();
-    state->setTimer();
-    if (Window* window = keyWindow()) {
-      window->didChange();  // Frames are wanted even where nothing moves: only they bring the completion in time.
-    }
-  } else if (completion) {
+  afterwards(
+      [&] {
+        if (changes) {
+          changes();
+        }
+      },
+      [&] { state->close(id); });
+  Window* window = keyWindow();
+  if (id != 0 && window != nullptr) {
+    window->didChange();  // Frames are wanted even where nothing moves: only they bring the completion in time.
+  } else if (id == 0 && completion) {
     completion(true);
   }
 }

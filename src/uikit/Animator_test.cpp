@@ -4,6 +4,7 @@
 #include <kesu/ui/Containers.h>
 
 #include <cmath>
+#include <stdexcept>
 
 #include "foundation/SharedInstance.h"
 #include "testing/ScopedPlatform.h"
@@ -194,6 +195,43 @@ TEST_F(AnimatorTest, NeverGoesBackInTime) {
   EXPECT_NEAR(alpha(), 0.5, 1e-9);
   Animator::shared().tick(3.5);
   EXPECT_EQ(take(), "a+") << "the clock went on from where it fell back to";
+}
+
+TEST_F(AnimatorTest, GoesOnAfterAClockThatWentWild) {
+  for (const double wild : {1.7e18, -1e300, 1e308, HUGE_VAL, -1e308}) {
+    Animator::shared().tick(wild);
+  }
+  Animator::shared().tick(5.0);
+  animate(
+      1.0, [&] { view->setAlpha(0.0); }, note("a"));
+  Animator::shared().tick(5.0);
+  Animator::shared().tick(5.5);
+  EXPECT_NEAR(alpha(), 0.5, 1e-9);
+  Animator::shared().tick(6.0);
+  EXPECT_EQ(take(), "a+");
+}
+
+TEST_F(AnimatorTest, GoesOnWhateverTheHostThrows) {
+  const auto fail = [] { throw std::runtime_error("from the host"); };
+  EXPECT_THROW(animate(0.3, [&] { fail(); }), std::runtime_error);
+  view->setCenter({7.0, 50.0});
+  EXPECT_EQ(x(), 7.0) << "no call is open any more";
+  Animator::shared().tick(1.0);
+  Animator::shared().tick(1.3);
+  EXPECT_FALSE(Animator::shared().isRunning());
+  animate(
+      0.3, [&] { view->setAlpha(0.0); }, [&](bool) { fail(); });
+  animate(
+      0.3,
+      [&] {
+        view->setCenter({9.0, 50.0});
+      },
+      note("b"));
+  Animator::shared().tick(2.0);
+  EXPECT_THROW(Animator::shared().tick(2.3), std::runtime_error);
+  EXPECT_TRUE(Animator::shared().isRunning()) << "another frame is wanted";
+  Animator::shared().tick(2.4);
+  EXPECT_EQ(take(), "b+");
 }
 
 TEST_F(AnimatorTest, EndsWhatNobodyDraws) {
