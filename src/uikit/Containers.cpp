@@ -7,7 +7,18 @@
 namespace kesu {
 namespace {
 
-Window* currentKeyWindow = nullptr;  // Main thread.
+// Main thread.
+Window* currentKeyWindow = nullptr;
+std::uint64_t currentNumber = 1;
+std::function<void()> keyWindowCallback;
+
+void setCurrentKeyWindow(Window* window) {
+  currentKeyWindow = window;
+  ++currentNumber;
+  if (keyWindowCallback) {
+    keyWindowCallback();
+  }
+}
 
 /// Hands visibility from one screen, or what is shown over it, to another; either may be null.
 void exchange(ViewController* before, ViewController* after, bool animated) {
@@ -23,6 +34,14 @@ void exchange(ViewController* before, ViewController* after, bool animated) {
 
 Window* keyWindow() {
   return currentKeyWindow;
+}
+
+std::uint64_t keyWindowNumber() {
+  return currentNumber;
+}
+
+void setKeyWindowCallback(std::function<void()> callback) {
+  keyWindowCallback = std::move(callback);
 }
 
 TabBarController::~TabBarController() {
@@ -110,13 +129,14 @@ void Window::setRootViewController(ViewController* root) {
 
 void Window::resignKey() {
   if (currentKeyWindow == this) {
-    currentKeyWindow = nullptr;
+    setCurrentKeyWindow(nullptr);
   }
 }
 
 void Window::makeKeyAndVisible() {
-  Window* before = std::exchange(currentKeyWindow, this);
+  Window* before = currentKeyWindow;
   if (before != this) {
+    setCurrentKeyWindow(this);
     exchange(before != nullptr ? before->root_ : nullptr, root_, false);
   }
 }

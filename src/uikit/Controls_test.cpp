@@ -126,12 +126,18 @@ class TableTest : public ::testing::Test, private TableViewDataSource {
   double shown() const { return -table->subviews().front()->presented().center.y + table->contentHeight() / 2.0; }
 
   testing::ScopedPlatform platform;
+  std::size_t leavesAt = 1'000'000;
   std::vector<double> heights;
   std::shared_ptr<TableView> table = std::make_shared<TableView>(Rect{0.0, 0.0, 300.0, 200.0});
 
  private:
   std::size_t numberOfRows() override { return heights.size(); }
-  double heightOfRow(std::size_t row) override { return heights[row]; }
+  double heightOfRow(std::size_t row) override {
+    if (row == leavesAt) {
+      table->setDataSource(nullptr);
+    }
+    return heights[row];
+  }
   ViewPtr cellForRow(std::size_t row, double width) override {
     return row == 2 ? nullptr : std::make_shared<View>(Rect{0.0, 0.0, width, 1.0});
   }
@@ -151,6 +157,13 @@ TEST_F(TableTest, StacksRowsOfAnyHeight) {
   EXPECT_EQ(table->contentHeight(), 0.0);
   show(std::vector<double>(20'000, 1.0));
   EXPECT_EQ(table->contentHeight(), 0.0) << "no source any more";
+}
+
+TEST_F(TableTest, AsksNoSourceThatHasTakenItselfAway) {
+  leavesAt = 1;
+  show({100.0, 100.0, 100.0});
+  EXPECT_EQ(table->contentHeight(), 0.0);
+  EXPECT_TRUE(table->subviews().front()->subviews().empty());
 }
 
 TEST_F(TableTest, ScrollsToTheEndAndNoFurther) {

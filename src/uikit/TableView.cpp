@@ -74,17 +74,25 @@ void TableView::reloadData() {
   rowTops_.clear();
   contentHeight_ = 0.0;
   const double width = bounds().width;
-  const std::size_t rows = source_ != nullptr ? std::min(source_->numberOfRows(), kMostRows) : 0;
-  for (std::size_t row = 0; row < rows; ++row) {
-    const double height = sensibleHeight(source_->heightOfRow(row));
-    if (const ViewPtr cell = source_->cellForRow(row, width)) {
-      cell->setFrame({0.0, contentHeight_, width, height});
-      content_->addSubview(cell);
+  TableViewDataSource* const asked = source_;
+  const std::size_t rows = asked != nullptr ? std::min(asked->numberOfRows(), kMostRows) : 0;
+  for (std::size_t row = 0; row < rows && source_ == asked; ++row) {
+    const double height = sensibleHeight(asked->heightOfRow(row));
+    const ViewPtr cell = source_ == asked ? asked->cellForRow(row, width) : nullptr;
+    if (source_ == asked) {
+      addRow(cell, height);
     }
-    rowTops_.push_back(contentHeight_);
-    contentHeight_ += height;
   }
   scroll(offset_);
+}
+
+void TableView::addRow(const ViewPtr& cell, double height) {
+  if (cell != nullptr) {
+    cell->setFrame({0.0, contentHeight_, bounds().width, height});
+    content_->addSubview(cell);
+  }
+  rowTops_.push_back(contentHeight_);
+  contentHeight_ += height;
 }
 
 void TableView::setScrollOffset(double offset, bool animated) {

@@ -41,7 +41,7 @@ struct Window::Input {
   std::bitset<kButtons> down;        // Presses that were taken and are not over.
 };
 
-Window::Window() : View({0.0, 0.0, 1920.0, 1080.0}), input_(std::make_unique<Input>()) {
+Window::Window() : View({0.0, 0.0, 1920.0, 1080.0}), input_(std::make_shared<Input>()) {
   isWindow_ = true;
 }
 
@@ -154,6 +154,7 @@ bool Window::press(RemoteButton button, PressPhase phase) {
 }
 
 void Window::beginPress(RemoteButton button) {
+  const std::weak_ptr<Input> alive = input_;
   if (isArrow(button)) {
     moveByArrow(button);
   } else if (button == RemoteButton::Select) {
@@ -163,17 +164,21 @@ void Window::beginPress(RemoteButton button) {
       focused->pressesBegan(button);
     }
   }
-  updateFocus();
+  if (!alive.expired()) {
+    updateFocus();
+  }
 }
 
+// Host's functions run in here, which may destroy the window.
 void Window::endPress(RemoteButton button) {
+  const std::weak_ptr<Input> alive = input_;
   const ViewPtr selected = std::exchange(input_->selected, {}).lock();
   const ViewPtr focused = input_->focused.lock();
   View* modal = modalView();
   if (button == RemoteButton::Select && focused != nullptr) {
     if (selected == focused) {
       selected->pressesEnded(button);
-      if (focusedView() == selected.get()) {
+      if (!alive.expired() && focusedView() == selected.get()) {
         selected->activate();
       }
     }
@@ -182,7 +187,9 @@ void Window::endPress(RemoteButton button) {
       recognizer->recognize();
     }
   }
-  updateFocus();
+  if (!alive.expired()) {
+    updateFocus();
+  }
 }
 
 void Window::cancelSelect() {
@@ -220,13 +227,16 @@ bool Window::swipe(SwipeDirection direction) {
   if (modal == nullptr) {
     return false;
   }
+  const std::weak_ptr<Input> alive = input_;
   const ViewPtr focused = input_->focused.lock();
   if (const RecognizerPtr recognizer = recognizerOfSwipe(*modal, focused.get(), direction)) {
     recognizer->recognize();
   } else {
     moveByArrow(arrowOf(direction));
   }
-  updateFocus();
+  if (!alive.expired()) {
+    updateFocus();
+  }
   return true;
 }
 
@@ -236,6 +246,7 @@ bool Window::tap(Point point) {
   if (modal == nullptr) {
     return false;
   }
+  const std::weak_ptr<Input> alive = input_;
   View* touched = touchedView(*modal, point);
   if (touched != nullptr) {
     const ViewPtr kept = modal->shared_from_this();
@@ -247,7 +258,9 @@ bool Window::tap(Point point) {
       tapped.view->activate();
     }
   }
-  updateFocus();
+  if (!alive.expired()) {
+    updateFocus();
+  }
   return true;
 }
 

@@ -308,6 +308,36 @@ TEST_F(WindowInputTest, SurvivesWhateverACallbackTakesAway) {
   EXPECT_EQ(next, nullptr);
 }
 
+TEST(WindowTest, MayGoInWhatItsInputLeadsTo) {
+  const std::function<void(Window&)> inputs[] = {[](Window& window) { window.press(RemoteButton::Select, {}); },
+                                                 [](Window& window) { window.press(RemoteButton::Menu, {}); },
+                                                 [](Window& window) { window.swipe(SwipeDirection::Up); },
+                                                 [](Window& window) {
+                                                   window.tap({10.0, 10.0});
+                                                 }};
+  for (const auto& input : inputs) {
+    auto window = std::make_unique<Window>();
+    const auto leave = [&window](auto&) { window.reset(); };
+    const auto button = std::make_shared<Button>(Rect{0.0, 0.0, 100.0, 100.0});
+    button->setModal(true);
+    button->setAction(leave);
+    const auto menu = std::make_shared<TapGestureRecognizer>(leave);
+    menu->setAllowedPressTypes({RemoteButton::Menu});
+    button->addGestureRecognizer(menu);
+    button->addGestureRecognizer(std::make_shared<SwipeGestureRecognizer>(SwipeDirection::Up, leave));
+    window->addSubview(button);
+    Window& used = *window;
+    input(used);
+    if (window != nullptr) {
+      used.press(RemoteButton::Select, PressPhase::Ended);
+    }
+    if (window != nullptr) {
+      used.press(RemoteButton::Menu, PressPhase::Ended);
+    }
+    EXPECT_EQ(window, nullptr);
+  }
+}
+
 /// Does anything to the views, out of callbacks too.
 class Monkey {
  public:

@@ -65,7 +65,8 @@ class KESU_API NavigationController : public ViewController {
 /// The window that shows the host's screens and the library's popup. Main thread. It is 1920 x 1080 points.
 ///
 /// A Window may live anywhere (it is not owned by its superview, having none). It owns the views in it. When the
-/// key window goes there is none any more; a popup that was in it is gone, and messages may be shown again.
+/// key window goes there is none any more; a popup that was in it is gone, and messages may be shown again. It may go
+/// in what a press, a swipe or a tap leads to.
 class KESU_API Window : public View {
  public:
   Window();
@@ -135,7 +136,7 @@ class KESU_API Window : public View {
   ViewController* root_ = nullptr;
   std::uint64_t changeCount_ = 0;
   std::function<void()> changeCallback_;
-  std::unique_ptr<Input> input_;
+  std::shared_ptr<Input> input_;
 };
 
 }  // namespace kesu

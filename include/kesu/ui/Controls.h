@@ -105,7 +105,8 @@ class KESU_API Button : public View {
   Action action_;
 };
 
-/// What a table shows. It outlives the table, or is taken away from it (setDataSource, forgetDataSource). Main thread.
+/// What a table shows. It outlives the table, or is taken away from it (setDataSource, forgetDataSource), be it by what
+/// the table asks. Main thread.
 class KESU_API TableViewDataSource {
  public:
   virtual ~TableViewDataSource() = default;
@@ -147,6 +148,7 @@ class KESU_API TableView : public View {
 
  private:
   double largestOffset() const;
+  void addRow(const ViewPtr& cell, double height);
   void scroll(double offset);
   void placeIndicator();
 

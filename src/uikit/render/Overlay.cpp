@@ -34,6 +34,8 @@ struct FrameRequest {
 
 struct Overlay::State {
   Window& window();
+  void listen();
+  void keyWindowChanged();
   void beginFrame(double nowSeconds);
   void endFrame();
   bool differs() const;
@@ -43,8 +45,8 @@ struct Overlay::State {
   std::unique_ptr<Window> ownWindow;
   // Windows hold it weakly: one may live longer than the overlay.
   std::shared_ptr<FrameRequest> request = std::make_shared<FrameRequest>();
-  const Window* watched = nullptr;  // Only to be compared: it may be gone.
-  const Window* drawn = nullptr;    // The same.
+  std::uint64_t watched = 0;  // Number of the key window that is listened to.
+  std::uint64_t drawn = 0;    // Of the one in the last frame.
   std::uint64_t drawnChanges = 0;
   bool isSizeNew = false;
   bool isOrphan = false;  // Its overlay has gone, in a function of the host that was called from here.
@@ -57,18 +59,30 @@ Window& Overlay::State::window() {
   if (keyWindow() == nullptr) {
     ownWindow = std::make_unique<Window>();
     ownWindow->makeKeyAndVisible();
-    watched = nullptr;
   }
-  Window& window = *keyWindow();
-  if (watched != &window) {
-    watched = &window;
-    window.setChangeCallback([asking = std::weak_ptr(request)] {
-      if (const std::shared_ptr<FrameRequest> alive = asking.lock()) {
-        alive->ask();
-      }
-    });
+  listen();
+  return *keyWindow();
+}
+
+void Overlay::State::listen() {
+  Window* window = keyWindow();
+  if (window == nullptr || watched == keyWindowNumber()) {
+    return;
   }
-  return window;
+  watched = keyWindowNumber();
+  window->setChangeCallback([asking = std::weak_ptr(request)] {
+    if (const std::shared_ptr<FrameRequest> alive = asking.lock()) {
+      alive->ask();
+    }
+  });
+}
+
+/// Hosts that draw on demand ask nothing until they are asked for a frame.
+void Overlay::State::keyWindowChanged() {
+  listen();
+  if (differs()) {
+    request->ask();
+  }
 }
 
 void Overlay::State::beginFrame(double nowSeconds) {
@@ -77,16 +91,17 @@ void Overlay::State::beginFrame(double nowSeconds) {
 }
 
 void Overlay::State::endFrame() {
-  drawn = keyWindow();
-  drawnChanges = drawn != nullptr ? drawn->changeCount() : 0;
+  drawn = keyWindowNumber();
+  drawnChanges = keyWindow() != nullptr ? keyWindow()->changeCount() : 0;
   isSizeNew = false;
   request->isAsked = differs();
 }
 
 bool Overlay::State::differs() const {
   const Window* window = keyWindow();
-  const bool isOther = window != drawn && (drawn != nullptr || (window != nullptr && !window->subviews().empty()));
-  return isSizeNew || isOther || (window != nullptr && window->changeCount() != drawnChanges && window == drawn) ||
+  const bool isDrawn = drawn == keyWindowNumber();
+  const bool isOther = !isDrawn && (drawn != 0 || (window != nullptr && !window->subviews().empty()));
+  return isSizeNew || isOther || (window != nullptr && window->changeCount() != drawnChanges && isDrawn) ||
          Animator::shared().isRunning();
 }
 
@@ -96,11 +111,17 @@ Point Overlay::State::toPoints(double x, double y) const {
 }
 
 Overlay::Overlay() : state_(std::make_shared<State>()) {
+  setKeyWindowCallback([weak = std::weak_ptr(state_)] {
+    if (const std::shared_ptr<State> state = weak.lock()) {
+      state->keyWindowChanged();
+    }
+  });
   state_->window();
 }
 
 Overlay::~Overlay() {
   state_->isOrphan = true;
+  state_->request->callback = nullptr;
 }
 
 void Overlay::setPixelSize(int width, int height) {

@@ -5,6 +5,7 @@
 #include <kesu/ui/Overlay.h>
 
 #include <memory>
+#include <optional>
 
 #include "testing/FontRelease.h"
 #include "uikit/Animator.h"
@@ -130,13 +131,46 @@ TEST_F(OverlayTest, OutlivesWindowsAndIsOutlivedByThem) {
   EXPECT_EQ(asked, 0);
 }
 
+TEST_F(OverlayTest, TellsAWindowFromOneThatHadItsAddress) {
+  std::optional<Window> hosts;
+  hosts.emplace().makeKeyAndVisible();
+  overlay_.layers(0.1);
+  requests_ = 0;
+  hosts.emplace();
+  EXPECT_EQ(requests_, 1) << "its window has gone";
+  hosts->makeKeyAndVisible();
+  overlay_.layers(0.2);
+  hosts->addSubview(std::make_shared<View>(Rect{0.0, 0.0, 10.0, 10.0}));
+  EXPECT_EQ(requests_, 2);
+  EXPECT_TRUE(overlay_.needsFrame());
+}
+
+TEST_F(OverlayTest, AsksForFramesOfAWindowThatCameWithoutItsKnowledge) {
+  Window hosts;
+  hosts.makeKeyAndVisible();
+  EXPECT_EQ(requests_, 1);
+  overlay_.layers(0.1);
+  Window others;
+  others.addSubview(std::make_shared<View>(Rect{0.0, 0.0, 10.0, 10.0}));
+  others.makeKeyAndVisible();
+  EXPECT_EQ(requests_, 2);
+}
+
 TEST(OverlayOfItsOwnWindow, MayBeDestroyedByTheHostsFunctionsThatItCalls) {
   auto pressed = std::make_unique<Overlay>();
   const auto button = std::make_shared<Button>(Rect{0.0, 0.0, 200.0, 80.0});
   button->setModal(true);
-  button->setAction([&](Button&) { pressed.reset(); });
+  int asked = 0;
+  button->setAction([&](Button& me) {
+    pressed->layers(1.0);
+    asked = 0;
+    pressed.reset();
+    me.setTitle("x");
+    EXPECT_EQ(asked, 0) << "what its request refers to may be gone";
+  });
   keyWindow()->addSubview(button);
   Overlay& overlay = *pressed;
+  overlay.setNeedsFrameCallback([&] { ++asked; });
   overlay.press(RemoteButton::Select, PressPhase::Began);
   EXPECT_TRUE(overlay.press(RemoteButton::Select, PressPhase::Ended));
   EXPECT_EQ(pressed, nullptr);
