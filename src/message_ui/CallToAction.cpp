@@ -4,6 +4,7 @@
 
 #include <utility>
 
+#include "foundation/Afterwards.h"
 #include "foundation/Json.h"
 #include "foundation/NumberText.h"
 #include "foundation/Objects.h"
@@ -179,9 +180,24 @@ void CallToAction::perform(ButtonPress press) {
   });
 }
 
+// Whatever the host's functions throw: a button that was pressed is recorded.
 void CallToAction::run(const ButtonPress& press) {
-  const ButtonAction action = decideAction(press.action);
   DeepLinkStatus status = DeepLinkStatus::NoAction;
+  afterwards(
+      [&] {
+        const ButtonAction action = decideAction(press.action);
+        act(press, action, status);
+        tellHost(platform_.notifications, press, statusOf(press, action, status));
+      },
+      [&] {
+        postRecord(post_, platform_.defaults, press);
+        if (press.hasMessages) {
+          postEvent(press, static_cast<std::int64_t>(status));
+        }
+      });
+}
+
+void CallToAction::act(const ButtonPress& press, const ButtonAction& action, DeepLinkStatus& status) {
   switch (action.kind) {
     case ButtonAction::Kind::None:
       break;
@@ -193,13 +209,9 @@ void CallToAction::run(const ButtonPress& press) {
       callWebHook(platform_, metrics_, action.text, press.completionBlock, statusOf(press, action, status));
       break;
     case ButtonAction::Kind::Open:
+      status = DeepLinkStatus::Refused;
       status = openUrl(platform_.urlOpener, press, action.text);
       break;
-  }
-  tellHost(platform_.notifications, press, statusOf(press, action, status));
-  postRecord(post_, platform_.defaults, press);
-  if (press.hasMessages) {
-    postEvent(press, static_cast<std::int64_t>(status));
   }
 }
 

@@ -69,6 +69,7 @@ class CallToAction {
 
  private:
   void run(const ButtonPress& press);
+  void act(const ButtonPress& press, const ButtonAction& action, DeepLinkStatus& status);
 
   Platform& platform_;
   KesuPost& post_;

@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -201,6 +202,27 @@ TEST_F(CallToActionTest, LetsTheHostVetoAUrl) {
   platform.settle();
   EXPECT_TRUE(platform.urlOpener.urls.empty());
   EXPECT_EQ(told.at(0).status, 3);
+}
+
+TEST_F(CallToActionTest, RecordsAPressWhateverTheHostThrows) {
+  const auto fail = [](const auto&) -> bool { throw std::runtime_error("from the host"); };
+  for (const bool isVeto : {false, true}) {
+    KesuInAppOptions options;
+    if (isVeto) {
+      options.shouldOpenUrl = fail;
+    }
+    presenter().setOptions(options);
+    presenter().setCallbacks(fail, nullptr);
+    show({isVeto ? "b" : "a"}, bodyReply("Title", "Text", kTwoButtons));
+    screen.press(RemoteButton::Select);
+    EXPECT_THROW(platform.settle(), std::runtime_error);
+    platform.settle();
+    const std::size_t presses = isVeto ? 2 : 1;
+    EXPECT_EQ(callsToAction().size(), presses);
+    ASSERT_EQ(poster.posted.size(), presses);
+    EXPECT_EQ(poster.posted.back().second.find("deepLinkStatus")->integerValue(), isVeto ? 3 : 2);
+    presenter().dismissViewController(false);
+  }
 }
 
 TEST_F(CallToActionTest, TellsTheCollectorOnlyWhenTheProcessEnds) {

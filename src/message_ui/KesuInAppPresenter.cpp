@@ -6,6 +6,7 @@
 #include <cmath>
 #include <utility>
 
+#include "foundation/Afterwards.h"
 #include "foundation/Objects.h"
 #include "graphics/ImageScaling.h"
 #include "graphics/TextLayout.h"
@@ -65,6 +66,18 @@ void KesuInAppPresenter::tell(const std::function<void()>& callback) {
   }
 }
 
+// A show whose hook throws is over: nothing else would end it, and none could begin.
+void KesuInAppPresenter::orGiveUp(const Turn& turn, const std::function<void()>& hook) {
+  try {
+    hook();
+  } catch (...) {
+    if (turn.isCurrent()) {
+      tearDown();
+    }
+    throw;
+  }
+}
+
 void KesuInAppPresenter::presentWithController(ViewController* controller, KesuInAppMessageType type) {
   if (popupController_ != nullptr) {
     dismissViewController(false);
@@ -108,7 +121,8 @@ void KesuInAppPresenter::takeHeaders(const Object& headers) {
     if (header.dictionary() == nullptr) {
       continue;
     }
-    const bool isAllowed = !mayShow || mayShow(*header.dictionary());
+    bool isAllowed = true;
+    orGiveUp(turn, [&] { isAllowed = !mayShow || mayShow(*header.dictionary()); });
     if (!turn.isCurrent()) {
       return;  // The host has closed or presented inside its hook.
     }
@@ -257,7 +271,7 @@ ViewPtr KesuInAppPresenter::loadCurrentTemplate(std::size_t /*row*/, double /*wi
 
 void KesuInAppPresenter::showPopover() {
   const Turn turn = turns_.current();
-  tell(options_.willPresent);
+  orGiveUp(turn, [this] { tell(options_.willPresent); });
   if (!turn.isCurrent()) {
     return;
   }
@@ -455,10 +469,12 @@ void KesuInAppPresenter::inAppButtonClicked(const Button& button) {
 // The host hears of it before: a dismissal that is not animated has left the screen when it returns.
 void KesuInAppPresenter::dismissViewController(bool animated) {
   const std::shared_ptr<KesuPopupController> popup = popupController_;
-  didPopoverClosed();
-  if (popup != nullptr) {
-    popup->dismissPopupControllerAnimated(animated);
-  }
+  afterwards([this] { didPopoverClosed(); },
+             [&] {
+               if (popup != nullptr) {
+                 popup->dismissPopupControllerAnimated(animated);
+               }
+             });
 }
 
 void KesuInAppPresenter::didPopoverClosed() {

@@ -150,6 +150,7 @@ class KesuInAppPresenter final : public KesuPopoverDelegate, public TableViewDat
   void takeImage(const ImagePtr& original, const ImagePtr& shown, const std::string& url, const Turn& turn);
   void tearDown();
   void tell(const std::function<void()>& callback);
+  void orGiveUp(const Turn& turn, const std::function<void()>& hook);
 
   bool hasMessage() const;
   const InAppTemplateData* templateData() const;

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -385,6 +386,30 @@ TEST_F(PresenterTest, HeedsTheHostsOptions) {
   ASSERT_TRUE(answer("newUnFetched/", headersReply({"a"})));
   EXPECT_FALSE(isUp());
   EXPECT_FALSE(presenter().isInAppShown()) << "all refused: nothing is shown";
+}
+
+TEST_F(PresenterTest, EndsAShowOrADismissalWhoseHookThrows) {
+  const auto fail = [] { throw std::runtime_error("from the host"); };
+  KesuInAppOptions options;
+  options.shouldShowMessage = [&](const Dictionary&) -> bool { throw std::runtime_error("from the host"); };
+  presenter().setOptions(options);
+  present();
+  EXPECT_THROW(answer("newUnFetched/", headersReply({"a"})), std::runtime_error);
+  EXPECT_FALSE(presenter().isInAppShown());
+  options.shouldShowMessage = nullptr;
+  options.willPresent = fail;
+  presenter().setOptions(options);
+  present();
+  ASSERT_TRUE(answer("newUnFetched/", headersReply({"a"})));
+  EXPECT_THROW(answer("getmessage/", bodyReply("Title", "Text", kTwoButtons)), std::runtime_error);
+  EXPECT_FALSE(presenter().isInAppShown());
+  options.willPresent = nullptr;
+  options.willDismiss = fail;
+  presenter().setOptions(options);
+  show({"b"}, bodyReply("Title", "Text", kTwoButtons));
+  ASSERT_TRUE(isUp());
+  EXPECT_THROW(presenter().dismissViewController(false), std::runtime_error);
+  EXPECT_TRUE(screen.window.subviews().empty());
 }
 
 TEST_F(PresenterTest, CountsUnreadMessages) {

@@ -242,6 +242,12 @@ TEST_F(InboxTest, HandsMessagesOverBeforeItRecordsThemAsRead) {
   EXPECT_EQ(stored(kReadMessagesDefault), R"([{"mid":"1","contentRead":true},{"mid":"2","contentRead":true}])");
 }
 
+TEST_F(InboxTest, RecordsMessagesAsReadThoughTheHostThrows) {
+  inbox.kesu_getMessagesForType(Type::Unread, [](const Object&) { throw std::runtime_error("from the host"); });
+  EXPECT_THROW(answer(R"({"payloadlist":[{"mid":"1"}]})"), std::runtime_error);
+  EXPECT_EQ(stored(kReadMessagesDefault), R"([{"mid":"1","contentRead":true}])");
+}
+
 TEST_F(InboxTest, AnswersMessagesByTheTypeAsked) {
   const char* reply = R"({"payloadlist":[{"mid":"2"}]})";
   inbox.kesu_getMessagesForType(Type::Read, listen());

@@ -4,6 +4,7 @@
 #include <optional>
 #include <utility>
 
+#include "foundation/Afterwards.h"
 #include "foundation/Describe.h"
 #include "foundation/Keepable.h"
 #include "messaging/KeptSize.h"
@@ -193,10 +194,12 @@ void KesuInbox::kesu_getMessagesForType(KesuInAppMessageType type, const ObjectH
 void KesuInbox::getAllMessagesTypeUnread(const ObjectHandler& handler) {
   requester_.getAllMessages(storedCredentials(defaults_), [this, handler](const Object& reply) {
     const Value* payloadList = member(reply, "payloadlist");
-    call(handler, copyOf(payloadList));
-    if (payloadList != nullptr) {
-      keepAsRead(*payloadList);
-    }
+    afterwards([&] { call(handler, copyOf(payloadList)); },
+               [&] {
+                 if (payloadList != nullptr) {
+                   keepAsRead(*payloadList);
+                 }
+               });
   });
 }
 
