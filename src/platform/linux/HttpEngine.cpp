@@ -13,6 +13,9 @@ namespace {
 constexpr std::size_t kMaxSpareTransfers = 16;
 constexpr long kMaxKeptConnections = 16;
 
+// How soon new work is seen where a process had no descriptors left for libcurl to be woken by.
+constexpr int kBlindWaitMilliseconds = 50;
+
 HttpReply failure(HttpError error, const char* text) {
   HttpReply reply;
   reply.error = error;
@@ -28,6 +31,7 @@ HttpEngine::HttpEngine(const LinuxHttpClientOptions& options, Finish finish)
       finish_(std::move(finish)),
       trust_(options.caFile, options.systemCaFile),
       multi_(curl_multi_init()),
+      canBeWoken_(curl_multi_wakeup(multi_.get()) == CURLM_OK),
       queue_(options.maxConnectionsPerHost, options.maxAdmitted) {
   curl_multi_setopt(multi_.get(), CURLMOPT_MAX_HOST_CONNECTIONS, static_cast<long>(options.maxConnectionsPerHost));
   curl_multi_setopt(multi_.get(), CURLMOPT_MAXCONNECTS, kMaxKeptConnections);
@@ -67,10 +71,11 @@ void HttpEngine::wait(std::optional<Clock::time_point> until) {
       until = std::min(until.value_or(due), due);
     }
   }
-  int timeout = INT_MAX;
+  const int longest = canBeWoken_ ? INT_MAX : kBlindWaitMilliseconds;
+  int timeout = longest;
   if (until) {
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(*until - Clock::now()).count();
-    timeout = static_cast<int>(std::clamp<decltype(left)>(left, 0, INT_MAX));
+    timeout = static_cast<int>(std::clamp<decltype(left)>(left, 0, longest));
   }
   curl_multi_poll(multi_.get(), nullptr, 0, timeout, nullptr);
 }

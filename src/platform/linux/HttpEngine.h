@@ -74,6 +74,7 @@ class HttpEngine {
   Finish finish_;
   HttpTrust trust_;
   std::unique_ptr<CURLM, Cleanup> multi_;
+  const bool canBeWoken_;
   HttpOriginQueue queue_;
   std::vector<std::unique_ptr<HttpTransfer>> active_;
   std::vector<std::unique_ptr<HttpTransfer>> spare_;
