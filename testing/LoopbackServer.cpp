@@ -24,6 +24,7 @@ namespace {
 
 constexpr std::size_t kReadSize = std::size_t{16} * 1024;
 constexpr int kBacklog = 1024;
+constexpr int kWaitForDescriptorsMs = 10;
 constexpr int kMaxWaitForBytesMs = 1000;
 
 void require(bool condition, const char* what) {
@@ -360,6 +361,8 @@ void LoopbackServer::acceptConnections(int listener) {
     const int socket = ::accept4(listener, nullptr, nullptr, SOCK_CLOEXEC);
     if (socket >= 0) {
       addConnection(socket);
+    } else if (errno == EMFILE) {
+      ::poll(nullptr, 0, kWaitForDescriptorsMs);
     } else if (errno != EINTR && errno != ECONNABORTED) {
       return;
     }

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <netinet/in.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -15,6 +16,12 @@
 #include "platform/linux/LinuxMainLoop.h"
 #include "testing/HttpExchange.h"
 #include "testing/LoopbackServer.h"
+
+#if defined(__has_feature)
+#if __has_feature(undefined_behavior_sanitizer)
+#define KESU_CHECKS_OBJECTS
+#endif
+#endif
 
 namespace kesu {
 namespace {
@@ -383,6 +390,23 @@ TEST_F(LinuxHttpClientTest, StartedProgramsInheritNoConnection) {
   }
   EXPECT_GT(found, 0);
 }
+
+// Not with the sanitizer that needs descriptors itself.
+#ifndef KESU_CHECKS_OBJECTS
+TEST_F(LinuxHttpClientTest, GoesOnAfterABeginningWithoutDescriptors) {
+  rlimit usual{};
+  ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &usual), 0);
+  const int next = dup(STDIN_FILENO);
+  ASSERT_GE(next, 0);
+  close(next);
+  const rlimit full{static_cast<rlim_t>(next), usual.rlim_max};
+  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &full), 0);
+  EXPECT_EQ(exchange_.fetch(post()).status, 0);
+  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &usual), 0);
+  const HttpReply reply = exchange_.fetch(post());
+  EXPECT_EQ(reply.status, 200) << reply.errorText;
+}
+#endif
 
 TEST_F(LinuxHttpClientTest, ForkedChildLeavesTheClientAlone) {
   auto shared = std::make_unique<LinuxHttpClient>(loop_);
