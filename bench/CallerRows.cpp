@@ -1,5 +1,5 @@
 // What the library costs the thread that calls it, and what a record costs the worker.
-#include <kesu/kesu.h>
+#include <kesu.h>
 #include <rapidjson/document.h>
 #include <rapidjson/stringbuffer.h>
 #include <rapidjson/writer.h>

@@ -1,5 +1,5 @@
 // How fast records leave, beside the bare HTTP client that posts the same bytes.
-#include <kesu/kesu.h>
+#include <kesu.h>
 #include <sys/prctl.h>
 #include <unistd.h>
 
@@ -16,7 +16,7 @@
 #include "delivery/CollectorRequest.h"
 #include "facade/Wiring.h"
 #include "foundation/Json.h"
-#include "platform/linux/LinuxHttpClient.h"
+#include "platform/linux/http/LinuxHttpClient.h"
 #include "testing/LoopbackServer.h"
 #include "testing/TestCertificates.h"
 

@@ -1,5 +1,5 @@
 // What a message costs a host from the service's reply to the popup's end, and what the inbox costs when it is full.
-#include <kesu/kesu.h>
+#include <kesu.h>
 #include <kesu/ui/Overlay.h>
 #include <poll.h>
 

@@ -1,5 +1,5 @@
 // Begin and end of a process that uses the library, and its quiet time in between.
-#include <kesu/kesu.h>
+#include <kesu.h>
 #include <poll.h>
 #include <unistd.h>
 

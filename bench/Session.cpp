@@ -1,6 +1,6 @@
 #include "Session.h"
 
-#include <kesu/kesu.h>
+#include <kesu.h>
 #include <poll.h>
 #include <time.h>
 

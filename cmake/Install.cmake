@@ -1,5 +1,6 @@
 include(CMakePackageConfigHelpers)
 
+install(FILES include/kesu.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(DIRECTORY include/kesu DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(FILES ${CMAKE_BINARY_DIR}/generated/kesu/Version.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kesu)
 install(TARGETS kesu_shared kesu_static EXPORT kesu-targets

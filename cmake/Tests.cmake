@@ -1,5 +1,5 @@
-# Unit tests lie beside what they test (src/<folder>/*_test.cpp): one program a folder. Tests of the whole library lie in
-# tests/ and see include/kesu only. Shared doubles lie in testing/.
+# Unit tests lie beside what they test (src/<folder>/*_test.cpp): one program per top folder of src/, with its rooms.
+# Tests of the whole library lie in tests/ and see include/kesu only. Shared doubles lie in testing/.
 find_package(GTest REQUIRED)
 find_package(Threads REQUIRED)
 
@@ -18,12 +18,13 @@ add_executable(kesu_test_headers ${CMAKE_BINARY_DIR}/generated/nothing.cpp)
 kesu_compile_as_test(kesu_test_headers)
 target_precompile_headers(kesu_test_headers PRIVATE <gtest/gtest.h> <functional> <memory> <string> <vector>)
 
+# Adds a test program that links the objects of FOLDERS and of everything they reach.
 function(kesu_add_test name)
-  cmake_parse_arguments(arg "" "FOLDER;LABELS" "SOURCES" ${ARGN})
+  cmake_parse_arguments(arg "" "LABELS" "FOLDERS;SOURCES" ${ARGN})
   add_executable(${name} ${arg_SOURCES})
   kesu_compile_as_test(${name})
   target_precompile_headers(${name} REUSE_FROM kesu_test_headers)
-  kesu_link_folder(${name} ${arg_FOLDER})
+  kesu_link_folders(${name} ${arg_FOLDERS})
   add_test(NAME ${name} COMMAND ${name})
   set_tests_properties(${name} PROPERTIES TIMEOUT 300)
   if(arg_LABELS)
@@ -31,33 +32,37 @@ function(kesu_add_test name)
   endif()
 endfunction()
 
-# Folders whose tests run several threads: the TSan build runs these (label "concurrent").
-set(concurrent_folders platform platform/linux lifecycle delivery messaging message_ui)
+# Top folders whose tests run several threads: the TSan build runs these (label "concurrent").
+set(concurrent_folders platform lifecycle delivery messaging message_ui)
 
-foreach(folder IN LISTS KESU_FOLDERS)
-  if(KESU_SANITIZE STREQUAL "thread" AND NOT folder IN_LIST concurrent_folders)
+set(top_folders ${KESU_FOLDERS})
+list(TRANSFORM top_folders REPLACE "/.*" "")
+list(REMOVE_DUPLICATES top_folders)
+foreach(top IN LISTS top_folders)
+  if(KESU_SANITIZE STREQUAL "thread" AND NOT top IN_LIST concurrent_folders)
     continue()
   endif()
-  file(GLOB test_sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/${folder}/*_test.cpp)
+  set(rooms ${KESU_FOLDERS})
+  list(FILTER rooms INCLUDE REGEX "^${top}(/|$)")
+  file(GLOB_RECURSE test_sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/${top}/*_test.cpp)
   if(test_sources)
-    string(REPLACE "/" "_" name ${folder})
     set(labels "")
-    if(folder IN_LIST concurrent_folders)
+    if(top IN_LIST concurrent_folders)
       set(labels concurrent)
     endif()
-    kesu_add_test(${name}_test FOLDER ${folder} LABELS "${labels}" SOURCES ${test_sources})
+    kesu_add_test(${top}_test FOLDERS ${rooms} LABELS "${labels}" SOURCES ${test_sources})
   endif()
 endforeach()
 
 file(GLOB system_sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/*_test.cpp)
 if(system_sources)
-  kesu_add_test(system_test FOLDER facade LABELS concurrent SOURCES ${system_sources})
+  kesu_add_test(system_test FOLDERS facade LABELS concurrent SOURCES ${system_sources})
 endif()
 
 # How the popup looks: pictures of the whole library's doing, which it writes beside itself.
 file(GLOB popup_sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/popup/*.cpp)
 if(popup_sources AND NOT KESU_SANITIZE STREQUAL "thread")
-  kesu_add_test(popup_test FOLDER facade SOURCES ${popup_sources})
+  kesu_add_test(popup_test FOLDERS facade SOURCES ${popup_sources})
   target_compile_definitions(popup_test PRIVATE KESU_EXAMPLE_MESSAGES="${CMAKE_SOURCE_DIR}/examples/messages"
     KESU_GOLDEN_PICTURES="${CMAKE_SOURCE_DIR}/tests/golden")
 endif()

@@ -20,7 +20,7 @@
 #include "messaging/KesuInbox.h"
 #include "messaging/MessageImageLoader.h"
 #include "records/DefaultsKeys.h"
-#include "records/DeploymentSettings.h"
+#include "services/DeploymentSettings.h"
 #include "uikit/Animator.h"
 
 namespace kesu::testing {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <kesu/kesu.h>
+#include <kesu.h>
 #include <poll.h>
 
 #include <chrono>
@@ -10,12 +10,12 @@
 #include "foundation/SharedInstance.h"
 #include "platform/linux/LinuxBackgroundQueue.h"
 #include "platform/linux/LinuxClock.h"
-#include "platform/linux/LinuxFiles.h"
-#include "platform/linux/LinuxHttpClient.h"
-#include "platform/linux/LinuxMainLoop.h"
 #include "platform/linux/LinuxRandom.h"
-#include "platform/linux/LinuxReachabilitySource.h"
-#include "platform/linux/LinuxUserDefaults.h"
+#include "platform/linux/base/LinuxMainLoop.h"
+#include "platform/linux/defaults/LinuxUserDefaults.h"
+#include "platform/linux/files/LinuxFiles.h"
+#include "platform/linux/http/LinuxHttpClient.h"
+#include "platform/linux/reachability/LinuxReachabilitySource.h"
 #include "testing/FakeBundle.h"
 #include "testing/FakeDeviceFacts.h"
 #include "testing/FakeLocale.h"

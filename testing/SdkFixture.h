@@ -1,7 +1,7 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <kesu/kesu.h>
+#include <kesu.h>
 
 #include <string>
 #include <vector>

@@ -5,7 +5,7 @@
 #include <chrono>
 #include <functional>
 
-#include "platform/linux/WakeEvent.h"
+#include "platform/linux/base/WakeEvent.h"
 #include "testing/ManualClock.h"
 #include "testing/ManualMainLoop.h"
 

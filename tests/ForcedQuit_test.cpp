@@ -1,6 +1,6 @@
 // What is told of a session that ended by kill -9: the flow and the time of the last appearance, once, with the next
 // launch, whatever the moment of death.
-#include <kesu/kesu.h>
+#include <kesu.h>
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>

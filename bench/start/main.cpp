@@ -6,7 +6,7 @@
 #include <cstring>
 
 #ifdef KESU_BENCH_WITH_LIBRARY
-#include <kesu/kesu.h>
+#include <kesu.h>
 #endif
 
 namespace {

@@ -1,5 +1,5 @@
 // The whole of what a host has to write. README.md shows these lines.
-#include <kesu/kesu.h>
+#include <kesu.h>
 
 #include <chrono>
 #include <thread>

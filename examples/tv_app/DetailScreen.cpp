@@ -1,6 +1,6 @@
 #include "DetailScreen.h"
 
-#include <kesu/kesu.h>
+#include <kesu.h>
 
 #include <algorithm>
 

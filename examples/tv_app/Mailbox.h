@@ -1,6 +1,6 @@
 #pragma once
 
-#include <kesu/kesu.h>
+#include <kesu.h>
 
 #include <cstdint>
 #include <functional>

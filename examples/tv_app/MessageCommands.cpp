@@ -1,6 +1,6 @@
 #include "MessageCommands.h"
 
-#include <kesu/kesu.h>
+#include <kesu.h>
 
 #include <algorithm>
 #include <cstdint>

@@ -1,6 +1,6 @@
 #include "ScriptHost.h"
 
-#include <kesu/kesu.h>
+#include <kesu.h>
 #include <poll.h>
 
 #include <algorithm>

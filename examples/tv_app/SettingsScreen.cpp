@@ -1,6 +1,6 @@
 #include "SettingsScreen.h"
 
-#include <kesu/kesu.h>
+#include <kesu.h>
 
 #include <algorithm>
 #include <array>

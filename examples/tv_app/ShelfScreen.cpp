@@ -1,6 +1,6 @@
 #include "ShelfScreen.h"
 
-#include <kesu/kesu.h>
+#include <kesu.h>
 
 #include <algorithm>
 #include <ctime>

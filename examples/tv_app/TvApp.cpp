@@ -1,6 +1,6 @@
 #include "TvApp.h"
 
-#include <kesu/kesu.h>
+#include <kesu.h>
 
 #include <algorithm>
 #include <string_view>

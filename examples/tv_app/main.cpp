@@ -1,6 +1,6 @@
 // A small TV app that uses the library: in a window for people, or driven by a script (tv_app --script FILE, or "-" to
 // take the lines from standard input as they come).
-#include <kesu/kesu.h>
+#include <kesu.h>
 #include <poll.h>
 #include <unistd.h>
 

@@ -7,8 +7,8 @@
 #include "records/DefaultsKeys.h"
 #include "records/RecordKeys.h"
 #include "records/Versions.h"
+#include "services/ServiceRequest.h"
 #include "support/KesuPriorityLogger.h"
-#include "support/ServiceRequest.h"
 
 namespace kesu {
 namespace {

@@ -11,7 +11,7 @@
 
 #include "delivery/KesuStore.h"
 #include "delivery/PostOutcome.h"
-#include "records/DeploymentSettings.h"
+#include "services/DeploymentSettings.h"
 
 namespace kesu {
 

@@ -8,7 +8,7 @@
 
 #include "device/KesuDevice.h"
 #include "device/KesuHardware.h"
-#include "records/DeploymentSettings.h"
+#include "services/DeploymentSettings.h"
 
 namespace kesu {
 

@@ -14,7 +14,7 @@
 #include "messaging/KesuInbox.h"
 #include "messaging/MessageImageLoader.h"
 #include "personalization/PersonalizationTags.h"
-#include "records/DeploymentSettings.h"
+#include "services/DeploymentSettings.h"
 
 namespace kesu {
 

@@ -28,7 +28,7 @@
 #include "lifecycle/UsageStatistics.h"
 #include "lifecycle/WeekCalendar.h"
 #include "network/KesuServiceReachability.h"
-#include "records/DeploymentSettings.h"
+#include "services/DeploymentSettings.h"
 
 namespace kesu {
 

@@ -9,9 +9,9 @@
 #include <string>
 
 #include "delivery/KesuPost.h"
-#include "records/DeploymentSettings.h"
-#include "records/ServiceCredentials.h"
-#include "support/ServiceRequest.h"
+#include "services/DeploymentSettings.h"
+#include "services/ServiceCredentials.h"
+#include "services/ServiceRequest.h"
 
 namespace kesu {
 

@@ -13,7 +13,7 @@
 #include <string_view>
 
 #include "messaging/KesuInAppMessagesRequester.h"
-#include "records/ServiceCredentials.h"
+#include "services/ServiceCredentials.h"
 
 namespace kesu {
 

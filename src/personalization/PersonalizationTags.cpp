@@ -8,7 +8,7 @@
 #include "foundation/Keepable.h"
 #include "platform/OrderlyEnd.h"
 #include "records/DefaultsKeys.h"
-#include "records/ServiceCredentials.h"
+#include "services/ServiceCredentials.h"
 
 namespace kesu {
 namespace {

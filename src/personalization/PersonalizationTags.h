@@ -7,8 +7,8 @@
 #include <optional>
 #include <string>
 
-#include "records/DeploymentSettings.h"
-#include "support/ServiceRequest.h"
+#include "services/DeploymentSettings.h"
+#include "services/ServiceRequest.h"
 
 namespace kesu {
 

@@ -1,7 +1,7 @@
 // The adaptor for SDL as a host uses it, on SDL's software renderer and without a window.
 #include <gtest/gtest.h>
+#include <kesu.h>
 #include <kesu/host/sdl.h>
-#include <kesu/kesu.h>
 #include <kesu/ui/Containers.h>
 #include <kesu/ui/Controls.h>
 

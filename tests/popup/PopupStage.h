@@ -1,6 +1,6 @@
 #pragma once
 
-#include <kesu/kesu.h>
+#include <kesu.h>
 #include <kesu/ui/Overlay.h>
 
 #include <memory>

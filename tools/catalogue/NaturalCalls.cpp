@@ -1,6 +1,6 @@
 #include "NaturalCalls.h"
 
-#include <kesu/kesu.h>
+#include <kesu.h>
 
 namespace kesu::catalogue {
 namespace {

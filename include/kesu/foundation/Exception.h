@@ -1,9 +1,9 @@
 #pragma once
 
+#include <kesu/Export.h>
+
 #include <stdexcept>
 #include <string>
-
-#include <kesu/Export.h>
 
 namespace kesu {
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <mutex>
-
 #include <kesu/Export.h>
+
+#include <mutex>
 
 // Clang checks these at compile time (-Wthread-safety); other compilers skip them.
 #if defined(__clang__)

@@ -1,12 +1,12 @@
 #pragma once
 
+#include <kesu/Export.h>
+#include <kesu/foundation/Value.h>
+
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include <kesu/Export.h>
-#include <kesu/foundation/Value.h>
 
 namespace kesu {
 
@@ -30,8 +30,8 @@ class KESU_API Bundle {
   /// The localisations of the bundle that fit the user's languages, best first; never empty.
   virtual std::vector<std::string> preferredLocalizations() = 0;
 
-  /// The text under `key` of the information dictionary: numbers as shortest decimal text, flags as "1" and "0"; nothing
-  /// when the key is missing or holds any other kind.
+  /// The text under `key` of the information dictionary: numbers as shortest decimal text, flags as "1" and "0";
+  /// nothing when the key is missing or holds any other kind.
   std::optional<std::string> infoText(std::string_view key);
 };
 

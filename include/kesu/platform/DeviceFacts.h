@@ -1,11 +1,11 @@
 #pragma once
 
+#include <kesu/Export.h>
+
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
-
-#include <kesu/Export.h>
 
 namespace kesu {
 
@@ -38,28 +38,28 @@ struct ScreenFacts {
   double scale = 1.0;
 };
 
-/// Answers about the device as the system gives them: nothing where it cannot tell. Callable from any thread, reads small
-/// system files, never waits for the network. The base class answers "nothing" to everything.
+/// Answers about the device as the system gives them: nothing where it cannot tell. Callable from any thread, reads
+/// small system files, never waits for the network. The base class answers "nothing" to everything.
 class KESU_API DeviceFacts {
  public:
   virtual ~DeviceFacts() = default;
 
-  virtual std::optional<std::string> machine();              ///< Hardware model identifier, such as "x86_64".
-  virtual std::optional<std::uint64_t> memoryBytes();        ///< Physical memory.
-  virtual std::optional<std::int64_t> userMemoryBytes();     ///< Memory available to user processes.
+  virtual std::optional<std::string> machine();           ///< Hardware model identifier, such as "x86_64".
+  virtual std::optional<std::uint64_t> memoryBytes();     ///< Physical memory.
+  virtual std::optional<std::int64_t> userMemoryBytes();  ///< Memory available to user processes.
   virtual std::optional<std::int64_t> processorHertz();
   virtual std::optional<std::int64_t> busHertz();
-  virtual std::optional<std::int64_t> processors();          ///< Configured processors.
-  virtual std::optional<std::int64_t> activeProcessors();    ///< Processors on line.
+  virtual std::optional<std::int64_t> processors();        ///< Configured processors.
+  virtual std::optional<std::int64_t> activeProcessors();  ///< Processors on line.
   virtual std::optional<BootTime> bootTime();
   virtual std::optional<std::vector<ProcessFacts>> processes();  ///< In the order of the system's table.
   virtual std::optional<std::int32_t> parentProcess(std::int32_t processId);
   virtual std::optional<std::string> ipv4Address(const std::string& interface);  ///< Last IPv4 address, dotted.
   virtual std::optional<WifiFacts> wifi();
-  virtual std::optional<std::string> systemVersion();        ///< Version of the operating system.
-  virtual std::optional<std::string> deviceName();           ///< Name that the user gave the device.
-  virtual std::optional<std::string> vendorIdentifier();     ///< UUID text, the same for all applications of a vendor.
-  virtual bool proximityClose();                             ///< Something is close to the device's sensor.
+  virtual std::optional<std::string> systemVersion();     ///< Version of the operating system.
+  virtual std::optional<std::string> deviceName();        ///< Name that the user gave the device.
+  virtual std::optional<std::string> vendorIdentifier();  ///< UUID text, the same for all applications of a vendor.
+  virtual bool proximityClose();                          ///< Something is close to the device's sensor.
   virtual std::optional<ScreenFacts> screen();
 };
 

@@ -1,11 +1,11 @@
 #pragma once
 
+#include <kesu/Export.h>
+
 #include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
-
-#include <kesu/Export.h>
 
 namespace kesu {
 
@@ -38,8 +38,8 @@ struct FileContent {
 
 /// One entry met while walking a directory.
 struct DirectoryEntry {
-  std::string path;          ///< Full path.
-  std::string name;          ///< Last component of the path.
+  std::string path;  ///< Full path.
+  std::string name;  ///< Last component of the path.
   bool isRegularFile = false;
 };
 
@@ -75,8 +75,8 @@ class KESU_API Files {
   virtual FileResult createDirectories(const std::string& path) = 0;
 
   /// Walks the tree below `directory`, skipping hidden entries and never entering links, and calls `visit` for each
-  /// entry in the order in which the system lists them; `visit` returns false to stop. Entries that cannot be listed are
-  /// skipped. A missing directory has no entries.
+  /// entry in the order in which the system lists them; `visit` returns false to stop. Entries that cannot be listed
+  /// are skipped. A missing directory has no entries.
   virtual void enumerate(const std::string& directory, const std::function<bool(const DirectoryEntry&)>& visit) = 0;
 };
 

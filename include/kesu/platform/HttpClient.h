@@ -18,7 +18,8 @@ struct HttpRequest {
                     ///< are never sent.
   std::vector<std::pair<std::string, std::string>> headers;  ///< With "Accept-Encoding: gzip" such replies are decoded.
   std::string body;  ///< Sent as it is, with its true Content-Length (whatever the headers say).
-  std::size_t replyLimit = std::size_t{4} * 1024 * 1024;  ///< Longest reply body in bytes (after decoding) that is accepted.
+  std::size_t replyLimit =
+      std::size_t{4} * 1024 * 1024;  ///< Longest reply body in bytes (after decoding) that is accepted.
 };
 
 /// Why a request did not end in a complete reply.

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <string_view>
-
 #include <kesu/Export.h>
+
+#include <string_view>
 
 namespace kesu {
 

@@ -1,14 +1,14 @@
 #pragma once
 
+#include <kesu/Export.h>
+#include <kesu/foundation/Mutex.h>
+#include <kesu/foundation/Value.h>
+
 #include <cstdint>
 #include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include <kesu/Export.h>
-#include <kesu/foundation/Mutex.h>
-#include <kesu/foundation/Value.h>
 
 namespace kesu {
 

@@ -1,10 +1,5 @@
 #pragma once
 
-#include <functional>
-#include <memory>
-#include <optional>
-#include <string>
-
 #include <kesu/Export.h>
 #include <kesu/platform/BackgroundQueue.h>
 #include <kesu/platform/Bundle.h>
@@ -20,6 +15,11 @@
 #include <kesu/platform/ReachabilitySource.h>
 #include <kesu/platform/UrlOpener.h>
 #include <kesu/platform/UserDefaults.h>
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
 
 namespace kesu {
 
@@ -59,11 +59,11 @@ struct Platform {
 /// What a host may change about the Linux platform. Everything is optional; what is given wins over the environment,
 /// which wins over the bundle's Info.plist, which wins over what was built in.
 struct PlatformOptions {
-  std::string bundlePath;      ///< Directory with Info.plist and resources. Else: the executable's directory.
-  std::string homeDirectory;   ///< Else: $KESU_HOME, else $XDG_DATA_HOME/<bundle identifier>.
-  std::string caFile;          ///< Extra CA bundle (PEM). Else: $KESU_CA_FILE.
-  std::string collectorUrl;    ///< Whole collector URL. Else: "KesuOverrideServer".
-  std::string messagingHost;   ///< host[:port]. Else: "KesuMessagingHost".
+  std::string bundlePath;        ///< Directory with Info.plist and resources. Else: the executable's directory.
+  std::string homeDirectory;     ///< Else: $KESU_HOME, else $XDG_DATA_HOME/<bundle identifier>.
+  std::string caFile;            ///< Extra CA bundle (PEM). Else: $KESU_CA_FILE.
+  std::string collectorUrl;      ///< Whole collector URL. Else: "KesuOverrideServer".
+  std::string messagingHost;     ///< host[:port]. Else: "KesuMessagingHost".
   std::string reachabilityHost;  ///< host[:port]. Else: "KesuReachabilityHost", else the collector's host.
   std::function<void(int level, std::string_view text)> logSink;  ///< Any thread. Else: standard error.
   std::function<bool(const std::string& url)> urlOpener;          ///< Main thread. Else: xdg-open.

@@ -1,11 +1,11 @@
 #pragma once
 
+#include <kesu/Export.h>
+
 #include <array>
 #include <cstdint>
 #include <span>
 #include <string>
-
-#include <kesu/Export.h>
 
 namespace kesu {
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <string>
-
 #include <kesu/Export.h>
+
+#include <string>
 
 namespace kesu {
 

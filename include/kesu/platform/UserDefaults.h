@@ -1,12 +1,12 @@
 #pragma once
 
+#include <kesu/Export.h>
+#include <kesu/foundation/Value.h>
+
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include <kesu/Export.h>
-#include <kesu/foundation/Value.h>
 
 namespace kesu {
 
@@ -50,10 +50,10 @@ class KESU_API UserDefaults {
   virtual void checkpoint() = 0;
 
   // Shorthands over get().
-  std::string text(std::string_view key);             ///< The text under `key`, "" when there is none.
-  std::int64_t integer(std::string_view key);         ///< Value::integerValue of what is there, else 0.
-  double real(std::string_view key);                  ///< Value::realValue of what is there, else 0.
-  bool boolean(std::string_view key);                 ///< True for true, a number that is not 0, or "1"/"true"/"YES".
+  std::string text(std::string_view key);      ///< The text under `key`, "" when there is none.
+  std::int64_t integer(std::string_view key);  ///< Value::integerValue of what is there, else 0.
+  double real(std::string_view key);           ///< Value::realValue of what is there, else 0.
+  bool boolean(std::string_view key);          ///< True for true, a number that is not 0, or "1"/"true"/"YES".
 };
 
 }  // namespace kesu

@@ -3,8 +3,8 @@
 #include <filesystem>
 #include <system_error>
 
-#include "platform/linux/Environment.h"
 #include "platform/linux/LinuxBundle.h"
+#include "platform/linux/base/Environment.h"
 
 namespace kesu {
 namespace {

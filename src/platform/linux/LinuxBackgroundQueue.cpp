@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "platform/ServiceLog.h"
-#include "platform/linux/ServiceThread.h"
+#include "platform/linux/base/ServiceThread.h"
 
 namespace kesu {
 namespace {

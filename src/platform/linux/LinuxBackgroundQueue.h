@@ -11,7 +11,7 @@
 #include <thread>
 #include <vector>
 
-#include "platform/linux/ForkGuard.h"
+#include "platform/linux/base/ForkGuard.h"
 
 namespace kesu {
 

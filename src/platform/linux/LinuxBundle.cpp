@@ -7,8 +7,8 @@
 
 #include "foundation/PropertyList.h"
 #include "platform/ServiceLog.h"
-#include "platform/linux/Environment.h"
-#include "platform/linux/RegularFile.h"
+#include "platform/linux/base/Environment.h"
+#include "platform/linux/base/RegularFile.h"
 
 namespace kesu {
 namespace {

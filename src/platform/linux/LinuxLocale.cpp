@@ -15,8 +15,8 @@
 #include <utility>
 
 #include "platform/CalendarFields.h"
-#include "platform/linux/Environment.h"
-#include "platform/linux/RegularFile.h"
+#include "platform/linux/base/Environment.h"
+#include "platform/linux/base/RegularFile.h"
 
 namespace kesu {
 namespace {

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "platform/linux/LinuxMainLoop.h"
+#include "platform/linux/base/LinuxMainLoop.h"
 
 namespace kesu {
 

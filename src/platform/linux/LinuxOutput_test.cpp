@@ -13,7 +13,7 @@
 
 #include "platform/linux/LinuxLogSink.h"
 #include "platform/linux/LinuxUrlOpener.h"
-#include "platform/linux/UniqueFd.h"
+#include "platform/linux/base/UniqueFd.h"
 #include "testing/ScopedEnvironment.h"
 #include "testing/TemporaryDirectory.h"
 

@@ -9,23 +9,23 @@
 #include <utility>
 
 #include "platform/OrderlyEnd.h"
-#include "platform/linux/Environment.h"
-#include "platform/linux/ForkGuard.h"
 #include "platform/linux/HomeDirectory.h"
 #include "platform/linux/LinuxBackgroundQueue.h"
 #include "platform/linux/LinuxBundle.h"
 #include "platform/linux/LinuxClock.h"
-#include "platform/linux/LinuxDeviceFacts.h"
-#include "platform/linux/LinuxFiles.h"
-#include "platform/linux/LinuxHttpClient.h"
 #include "platform/linux/LinuxLocale.h"
 #include "platform/linux/LinuxLogSink.h"
-#include "platform/linux/LinuxMainLoop.h"
 #include "platform/linux/LinuxMemoryPressure.h"
 #include "platform/linux/LinuxRandom.h"
-#include "platform/linux/LinuxReachabilitySource.h"
 #include "platform/linux/LinuxUrlOpener.h"
-#include "platform/linux/LinuxUserDefaults.h"
+#include "platform/linux/base/Environment.h"
+#include "platform/linux/base/ForkGuard.h"
+#include "platform/linux/base/LinuxMainLoop.h"
+#include "platform/linux/defaults/LinuxUserDefaults.h"
+#include "platform/linux/device/LinuxDeviceFacts.h"
+#include "platform/linux/files/LinuxFiles.h"
+#include "platform/linux/http/LinuxHttpClient.h"
+#include "platform/linux/reachability/LinuxReachabilitySource.h"
 
 namespace kesu {
 namespace {

@@ -8,7 +8,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "platform/linux/UniqueFd.h"
+#include "platform/linux/base/UniqueFd.h"
 
 namespace kesu {
 namespace {

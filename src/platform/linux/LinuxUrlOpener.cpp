@@ -11,7 +11,7 @@
 #include <string_view>
 #include <utility>
 
-#include "platform/linux/ServiceThread.h"
+#include "platform/linux/base/ServiceThread.h"
 
 namespace kesu {
 namespace {

@@ -1,0 +1,128 @@
+#pragma once
+
+#include <kesu/foundation/Value.h>
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/linux/defaults/DefaultsConnection.h"
+#include "platform/linux/defaults/DefaultsReader.h"
+#include "platform/linux/defaults/DefaultsWriter.h"
+
+namespace kesu {
+
+/// The file behind LinuxUserDefaults: a SQLite database with a journal beside it (its write-ahead log).
+///
+/// Table "entry" has a row for each key. A text that grows has further rows in table "suffix", so that an append writes
+/// one page of 1 KB however long the text is. A suffix row is rewritten until it holds DefaultsWriter::kSuffixBytes;
+/// that keeps the number of rows, and with it the time of open(), small. The file and its companions are private to the
+/// user (0600).
+///
+/// A long array lies in parts of kPartElements elements, a row of "suffix" each, so that a change in it writes the
+/// parts that it touches. Its row in "entry" holds a random number that every write changes: whoever finds another
+/// number than its own last one knows that another process has written, and writes the whole array.
+///
+/// open() reads what is small; arrays and dictionaries are read one by one when they are asked for.
+///
+/// One thread at a time: the owner holds a mutex around every call. Nothing waits for the disk, except destruction. It
+/// does not log; failureText() says what went wrong.
+class DefaultsStore {
+ public:
+  /// A larger file is not looked through for damage by open(), which nobody should have to wait for.
+  static constexpr std::int64_t kCheckedByOpenBytes = std::int64_t{256} << 10;
+
+  /// No value: an array or dictionary, to be had by read().
+  using Loaded = std::function<void(std::string key, std::optional<Value> value)>;
+
+  /// Touches nothing yet. `directory` may be missing; open() makes it.
+  DefaultsStore(std::string directory, std::string fileName);
+
+  /// Closes the file, which moves what is left in the journal into it and waits for the disk.
+  ~DefaultsStore();
+
+  DefaultsStore(const DefaultsStore&) = delete;
+  DefaultsStore& operator=(const DefaultsStore&) = delete;
+
+  /// Opens the file, making it when it is missing, and hands every key to `loaded`: all of them when the result is Ok
+  /// or ReadOnly, else none. A link or anything else but a regular file is refused (Failed). Nothing can be read later
+  /// of a store that is ReadOnly: all its values are handed out.
+  StoreStatus open(const Loaded& loaded);
+
+  /// Whether open() was called and ended Ok.
+  bool isOpen() const { return connection_.isOpen(); }
+
+  /// Reads the value under `key` as it is in the file now. None when the key is not there, or when no sense can be made
+  /// of it, which counts in unreadableCount(). The store must be open.
+  StoreStatus read(std::string_view key, std::optional<Value>& value);
+
+  /// Makes all changes in one transaction, or none. The store must be open.
+  StoreStatus write(const std::vector<StoreChange>& changes);
+
+  /// Closes the store without touching the file any more, then renames the file and its companions to
+  /// "<name>.corrupt", "<name>.corrupt-wal" and so on. False when the file cannot be renamed.
+  bool setAside();
+
+  /// Where the file is, without links. Empty until open() has found or made the directory.
+  const std::string& path() const { return path_; }
+
+  /// How many values, and parts of arrays, open() and read() could not make sense of and left out.
+  int unreadableCount() const { return unreadableCount_; }
+
+  /// How many transactions were written since construction.
+  std::uint64_t commitCount() const { return commitCount_; }
+
+  /// Bytes in the journal.
+  std::int64_t journalBytes() const { return journalBytes_; }
+
+  /// Whether the file should be looked through for damage by somebody who has the time, as open() has not done it.
+  bool isUnchecked() const { return isUnchecked_; }
+
+  /// To be told that it was looked through. The result is Corrupt when it was found damaged.
+  StoreStatus noteChecked(bool isDamaged);
+
+  /// Lets a checkpoint move everything that was written so far, while further writes stay possible.
+  void shareJournal();
+
+  /// Lets go of the journal, so that it can be emptied before the next write.
+  void releaseJournal();
+
+  /// To be told when the journal was emptied.
+  void noteJournalEmptied();
+
+  /// The words for the last failure.
+  const std::string& failureText() const { return connection_.failureText(); }
+
+ private:
+  using Entries = std::vector<StoredEntry>;
+
+  StoreStatus prepareFile();
+  StoreStatus openWritable(Entries& entries);
+  StoreStatus configure();
+  StoreStatus openReadOnly(Entries& entries);
+  StoreStatus readAllWhole(Entries& entries);
+  StoreStatus makeTables();
+  StoreStatus checkIfSmall();
+  StoreStatus ask(const char* sql, std::int64_t& answer);
+  void shareJournalIfReleased();
+  void noteCommit();
+  void close();
+
+  const std::string directory_;
+  const std::string fileName_;
+  std::string path_;
+  DefaultsConnection connection_;
+  SqliteStatement hold_;  // After the connection, and the writer too: their statements go first.
+  DefaultsWriter writer_{connection_};
+  int unreadableCount_ = 0;
+  std::uint64_t commitCount_ = 0;
+  std::int64_t journalBytes_ = 0;
+  bool isUnchecked_ = false;
+  bool holdsJournal_ = false;
+  bool syncsJournalHeader_ = false;
+};
+
+}  // namespace kesu

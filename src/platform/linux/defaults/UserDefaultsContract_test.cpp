@@ -1,0 +1,288 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <memory>
+#include <random>
+
+#include "platform/linux/defaults/LinuxUserDefaults.h"
+#include "testing/FakeUserDefaults.h"
+#include "testing/TemporaryDirectory.h"
+
+namespace kesu {
+namespace {
+
+/// One implementation under test, and how its process ends and starts again.
+class Subject {
+ public:
+  virtual ~Subject() = default;
+  virtual UserDefaults& defaults() = 0;
+  virtual void restart() = 0;
+};
+
+class LinuxSubject final : public Subject {
+ public:
+  UserDefaults& defaults() override { return *defaults_; }
+  void restart() override {
+    defaults_.reset();
+    defaults_ = std::make_unique<LinuxUserDefaults>(directory_.path());
+  }
+
+ private:
+  testing::TemporaryDirectory directory_;
+  std::unique_ptr<LinuxUserDefaults> defaults_ = std::make_unique<LinuxUserDefaults>(directory_.path());
+};
+
+class FakeSubject final : public Subject {
+ public:
+  UserDefaults& defaults() override { return *defaults_; }
+  void restart() override { defaults_ = std::make_unique<testing::FakeUserDefaults>(defaults_->keptOnDisk()); }
+
+ private:
+  std::unique_ptr<testing::FakeUserDefaults> defaults_ = std::make_unique<testing::FakeUserDefaults>();
+};
+
+struct Implementation {
+  const char* name;
+  std::function<std::unique_ptr<Subject>()> make;
+};
+
+class UserDefaultsContractTest : public ::testing::TestWithParam<Implementation> {
+ protected:
+  UserDefaults& defaults() { return subject_->defaults(); }
+  void synchronizeAndRestart() {
+    EXPECT_TRUE(defaults().synchronize());
+    restart();
+  }
+  void restart() { subject_->restart(); }
+  std::vector<std::string> sortedKeys() {
+    std::vector<std::string> keys = defaults().keys();
+    std::sort(keys.begin(), keys.end());
+    return keys;
+  }
+
+ private:
+  std::unique_ptr<Subject> subject_ = GetParam().make();
+};
+
+INSTANTIATE_TEST_SUITE_P(All, UserDefaultsContractTest,
+                         ::testing::Values(Implementation{"Linux", std::make_unique<LinuxSubject>},
+                                           Implementation{"Fake", std::make_unique<FakeSubject>}),
+                         [](const auto& parameter) { return std::string(parameter.param.name); });
+
+TEST_P(UserDefaultsContractTest, EveryKindComesBackAsItWas) {
+  const Value values[] = {
+      true,
+      false,
+      0,
+      std::numeric_limits<std::int64_t>::min(),
+      std::numeric_limits<std::int64_t>::max(),
+      0.1,
+      2.0,
+      -0.0,
+      5e-324,
+      std::numeric_limits<double>::infinity(),
+      -std::numeric_limits<double>::infinity(),
+      "",
+      "text \xC3\xA9",
+      std::string("a\0b", 3),
+      Data{},
+      Data{0, 255, 7},
+      Date{1234567890.123456},
+      Array{},
+      Array{1, 2.5, "x", true, Data{1}, Array{}, Dictionary{}},
+      Dictionary{},
+      Dictionary{{"z", 1}, {"a", Dictionary{{"nested", Array{"deep"}}}}},
+  };
+  for (std::size_t i = 0; i < std::size(values); ++i) {
+    EXPECT_TRUE(defaults().set(std::to_string(i), values[i]));
+    EXPECT_EQ(defaults().get(std::to_string(i)), values[i]) << "in memory, row " << i;
+  }
+  synchronizeAndRestart();
+  for (std::size_t i = 0; i < std::size(values); ++i) {
+    EXPECT_EQ(defaults().get(std::to_string(i)), values[i]) << "after restart, row " << i;
+  }
+  EXPECT_TRUE(std::signbit(defaults().real("7")));
+}
+
+TEST_P(UserDefaultsContractTest, NotANumberComesBack) {
+  EXPECT_TRUE(defaults().set("nan", std::numeric_limits<double>::quiet_NaN()));
+  synchronizeAndRestart();
+  EXPECT_EQ(defaults().get("nan").value_or(Value()).kind(), Value::Kind::Real);
+  EXPECT_TRUE(std::isnan(defaults().real("nan")));
+}
+
+TEST_P(UserDefaultsContractTest, RefusesWhatIsNoPropertyList) {
+  const Value refused[] = {
+      Null{}, Array{1, Null{}}, Dictionary{{"a", Array{Dictionary{{"b", Null{}}}}}}, Array{"\xFF"}, Array{"\x01"},
+  };
+  EXPECT_TRUE(defaults().set("key", "old"));
+  for (const Value& value : refused) {
+    EXPECT_FALSE(defaults().set("key", value));
+    EXPECT_FALSE(defaults().set("other", value));
+  }
+  EXPECT_EQ(defaults().text("key"), "old");
+  EXPECT_EQ(sortedKeys(), std::vector<std::string>{"key"});
+}
+
+// What an array may go through: growing, shrinking, changes in the middle, other values in between.
+void changeAtRandom(Array& array, std::mt19937& random) {
+  const std::size_t place = array.empty() ? 0 : random() % array.size();
+  switch (random() % 5) {
+    case 0:
+      array.insert(array.end(), random() % 100, Dictionary{{"number", random()}});
+      return;
+    case 1:
+      array.resize(array.size() - place);
+      return;
+    case 2:
+      array.erase(array.begin(), array.begin() + static_cast<std::ptrdiff_t>(std::min<std::size_t>(place, 40)));
+      return;
+    default:
+      array.resize(std::max<std::size_t>(array.size(), 70), "filling");
+      array[place] = random();
+  }
+}
+
+TEST_P(UserDefaultsContractTest, ALongArrayComesBackWhateverChangesInIt) {
+  std::mt19937 random(5);
+  Array array;
+  for (int step = 0; step < 300; ++step) {
+    SCOPED_TRACE(step);
+    changeAtRandom(array, random);
+    EXPECT_TRUE(defaults().set("list", array));
+    ASSERT_EQ(defaults().get("list"), Value(array));
+    if (random() % 3 == 0) {
+      EXPECT_TRUE(defaults().synchronize());
+    }
+    if (random() % 10 == 0) {
+      synchronizeAndRestart();
+      ASSERT_EQ(defaults().get("list"), Value(array));
+    }
+    if (random() % 20 == 0) {
+      defaults().appendString("list", "text");
+    }
+  }
+  array.resize(200, 1);
+  EXPECT_TRUE(defaults().set("list", array));
+  EXPECT_TRUE(defaults().contains("list"));
+  EXPECT_FALSE(defaults().contains("other"));
+  Array refused = array;
+  refused[150] = Null{};
+  EXPECT_FALSE(defaults().set("list", refused));
+  synchronizeAndRestart();
+  EXPECT_EQ(defaults().get("list"), Value(array));
+}
+
+// Each row is a history of one key: "=x" sets, "+x" appends, "-" removes, "t" takes, "i" sets an integer, "s" writes.
+TEST_P(UserDefaultsContractTest, HistoriesOfATextEndTheSameAfterRestart) {
+  struct Row {
+    std::vector<std::string> steps;
+    std::optional<Value> end;
+  };
+  const Row rows[] = {
+      {{"+a", "+b"}, Value("ab")},
+      {{"+a", "s", "+b", "s", "+c"}, Value("abc")},
+      {{"=a", "s", "+b"}, Value("ab")},
+      {{"+a", "s", "+b", "s", "=c"}, Value("c")},
+      {{"+a", "s", "=c", "s", "+d"}, Value("cd")},
+      {{"+a", "s", "=a", "s", "+b"}, Value("ab")},
+      {{"+a", "s", "-"}, nil},
+      {{"+a", "s", "-", "s", "+b"}, Value("b")},
+      {{"+a", "s", "-", "+b"}, Value("b")},
+      {{"+a", "s", "t", "+b", "s", "+c"}, Value("bc")},
+      {{"+a", "s", "t", "s"}, nil},
+      {{"+a", "s", "i"}, Value(5)},
+      {{"+a", "s", "i", "s", "+b"}, Value("b")},
+      {{"i", "t"}, Value(5)},
+      {{"+"}, Value("")},
+      {{"-", "t"}, nil},
+      {{"=" + std::string(300, 'x'), "s", "+a", "s", "+" + std::string(600, 'y'), "s", "+b"},
+       Value(std::string(300, 'x') + "a" + std::string(600, 'y') + "b")},
+  };
+  for (std::size_t i = 0; i < std::size(rows); ++i) {
+    const std::string key = "key" + std::to_string(i);
+    for (const std::string& step : rows[i].steps) {
+      switch (step.front()) {
+        case '=':
+          defaults().set(key, step.substr(1));
+          break;
+        case '+':
+          defaults().appendString(key, step.substr(1));
+          break;
+        case '-':
+          defaults().remove(key);
+          break;
+        case 't':
+          defaults().takeString(key);
+          break;
+        case 'i':
+          defaults().set(key, 5);
+          break;
+        default:
+          EXPECT_TRUE(defaults().synchronize());
+      }
+    }
+    EXPECT_EQ(defaults().get(key), rows[i].end) << "in memory, row " << i;
+  }
+  synchronizeAndRestart();
+  for (std::size_t i = 0; i < std::size(rows); ++i) {
+    EXPECT_EQ(defaults().get("key" + std::to_string(i)), rows[i].end) << "after restart, row " << i;
+  }
+}
+
+TEST_P(UserDefaultsContractTest, TakesATextOnce) {
+  defaults().appendString("flow", "a,");
+  defaults().appendString("flow", "b,");
+  EXPECT_EQ(defaults().takeString("flow"), "a,b,");
+  EXPECT_EQ(defaults().takeString("flow"), std::nullopt);
+  defaults().set("number", 3);
+  EXPECT_EQ(defaults().takeString("number"), std::nullopt);
+  EXPECT_EQ(defaults().integer("number"), 3);
+}
+
+TEST_P(UserDefaultsContractTest, ListsTheKeysThatHoldAValue) {
+  defaults().set("b", 1);
+  defaults().appendString("a", "x");
+  defaults().set("gone", 1);
+  defaults().remove("gone");
+  EXPECT_EQ(sortedKeys(), (std::vector<std::string>{"a", "b"}));
+  synchronizeAndRestart();
+  EXPECT_EQ(sortedKeys(), (std::vector<std::string>{"a", "b"}));
+}
+
+TEST_P(UserDefaultsContractTest, WhatWasNotSynchronizedIsLostAtRestart) {
+  defaults().set("kept", 1);
+  EXPECT_TRUE(defaults().synchronize());
+  defaults().set("kept", 2);
+  defaults().appendString("lost", "x");
+  defaults().checkpoint();
+  restart();
+  EXPECT_EQ(defaults().integer("kept"), 1);
+  EXPECT_EQ(defaults().get("lost"), std::nullopt);
+}
+
+TEST_P(UserDefaultsContractTest, ALongTextGrownInManyStepsIsWholeAfterRestart) {
+  std::string whole;
+  for (int i = 0; i < 3000; ++i) {
+    const std::string step = std::to_string(i) + ",";
+    whole += step;
+    defaults().appendString("flow", step);
+    if (i % 3 == 0) {
+      EXPECT_TRUE(defaults().synchronize());
+    }
+    if (i % 1000 == 999) {
+      defaults().checkpoint();
+    }
+  }
+  synchronizeAndRestart();
+  EXPECT_EQ(defaults().text("flow"), whole);
+  defaults().appendString("flow", "end");
+  synchronizeAndRestart();
+  EXPECT_EQ(defaults().text("flow"), whole + "end");
+}
+
+}  // namespace
+}  // namespace kesu

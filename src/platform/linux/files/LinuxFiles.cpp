@@ -1,0 +1,308 @@
+#include "platform/linux/files/LinuxFiles.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <ctime>
+#include <memory>
+#include <optional>
+#include <system_error>
+#include <utility>
+
+#include "platform/linux/base/UniqueFd.h"
+
+namespace kesu {
+namespace {
+
+constexpr mode_t kDirectoryMode = 0700;
+constexpr mode_t kFileMode = 0600;
+constexpr int kNameAttempts = 100;
+constexpr std::string_view kTemporaryPrefix = ".kesu-";
+constexpr std::string_view kTemporarySuffix = ".tmp";
+
+using Directory = std::unique_ptr<DIR, decltype([](DIR* directory) { ::closedir(directory); })>;
+using Visitor = std::function<bool(const DirectoryEntry&)>;
+
+FileStatus statusOf(int error) {
+  switch (error) {
+    case ENOENT:
+    case ENOTDIR:
+      return FileStatus::NotFound;
+    case EACCES:
+    case EPERM:
+    case EROFS:
+      return FileStatus::NotAllowed;
+    case ENOSPC:
+    case EDQUOT:
+      return FileStatus::NoSpace;
+    case EISDIR:
+    case ELOOP:
+    case ENXIO:
+      return FileStatus::NotRegular;
+    default:
+      return FileStatus::OtherFailure;
+  }
+}
+
+FileResult failure(int error) {
+  return {statusOf(error), std::generic_category().message(error)};
+}
+
+bool hasNul(const std::string& path) {
+  return path.find('\0') != std::string::npos;
+}
+
+std::string parentOf(const std::string& path) {
+  const std::size_t slash = path.find_last_of('/');
+  return slash == std::string::npos ? "." : path.substr(0, std::max<std::size_t>(slash, 1));
+}
+
+// 0, or the error number.
+int writeWhole(int fd, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t written = ::write(fd, bytes.data(), bytes.size());
+    if (written >= 0) {
+      bytes.remove_prefix(static_cast<std::size_t>(written));
+    } else if (errno != EINTR) {
+      return errno;
+    }
+  }
+  return 0;
+}
+
+// Reads to the end of the file or to one byte past the limit, whichever comes first. The size is only a hint.
+int readWhole(int fd, std::size_t sizeHint, std::size_t limit, std::string& bytes) {
+  bytes.resize(std::min(sizeHint, limit) + 1);
+  std::size_t filled = 0;
+  while (filled <= limit) {
+    if (filled == bytes.size()) {
+      bytes.resize(std::min(filled * 2, limit + 1));
+    }
+    const ssize_t got = ::read(fd, bytes.data() + filled, bytes.size() - filled);
+    if (got == 0) {
+      break;
+    }
+    if (got > 0) {
+      filled += static_cast<std::size_t>(got);
+    } else if (errno != EINTR) {
+      return errno;
+    }
+  }
+  bytes.resize(filled);
+  return 0;
+}
+
+bool isTemporaryName(std::string_view name) {
+  return name.starts_with(kTemporaryPrefix) && name.ends_with(kTemporarySuffix);
+}
+
+void removeIfStale(int directory, const char* name) {
+  struct stat info {};
+  if (::fstatat(directory, name, &info, AT_SYMLINK_NOFOLLOW) == 0 && S_ISREG(info.st_mode) &&
+      info.st_mtime < std::time(nullptr) - LinuxFiles::kStaleAgeSeconds) {
+    ::unlinkat(directory, name, 0);
+  }
+}
+
+Directory openDirectory(int parent, const char* name) {
+  const int fd = ::openat(parent, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+  Directory directory(fd >= 0 ? ::fdopendir(fd) : nullptr);
+  if (fd >= 0 && !directory) {
+    ::close(fd);
+  }
+  return directory;
+}
+
+// DT_REG, DT_DIR or something else. Some file systems leave the question to fstatat().
+unsigned char typeOf(int directory, const dirent& entry) {
+  if (entry.d_type != DT_UNKNOWN) {
+    return entry.d_type;
+  }
+  struct stat info {};
+  if (::fstatat(directory, entry.d_name, &info, AT_SYMLINK_NOFOLLOW) != 0) {
+    return DT_UNKNOWN;
+  }
+  return static_cast<unsigned char>(IFTODT(info.st_mode));
+}
+
+// 0 when the directory is there afterwards, else the error number.
+int makeDirectories(const std::string& path) {
+  if (::mkdir(path.c_str(), kDirectoryMode) == 0) {
+    return 0;
+  }
+  if (errno == ENOENT && parentOf(path) != path) {
+    const int error = makeDirectories(parentOf(path));
+    return error != 0 ? error : ::mkdir(path.c_str(), kDirectoryMode) == 0 || errno == EEXIST ? 0 : errno;
+  }
+  const int error = errno;
+  struct stat info {};
+  const bool isThere = error == EEXIST && ::stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
+  return isThere ? 0 : error == EEXIST ? ENOTDIR : error;
+}
+
+// False when the visitor wants to stop.
+bool walk(DIR* directory, const std::string& path, int depth, const Visitor& visit) {
+  const int fd = ::dirfd(directory);
+  while (const dirent* entry = ::readdir(directory)) {
+    if (entry->d_name[0] == '.') {
+      continue;
+    }
+    const unsigned char type = typeOf(fd, *entry);
+    const DirectoryEntry found{path + "/" + entry->d_name, entry->d_name, type == DT_REG};
+    if (!visit(found)) {
+      return false;
+    }
+    if (type == DT_DIR && depth < LinuxFiles::kDepthLimit) {
+      const Directory child = openDirectory(fd, found.name.c_str());
+      if (child && !walk(child.get(), found.path, depth + 1, visit)) {
+        return false;
+      }
+    }
+  }
+  return true;
+}
+
+// A file that has no name until it is whole: cheaper than a temporary name, and nothing is left of it when the process
+// dies. Nothing when the file is there already, or where this cannot be done (some file systems; no /proc).
+std::optional<FileResult> writeNew(const std::string& directory, const std::string& path, std::string_view bytes) {
+  const UniqueFd fd(::open(directory.c_str(), O_WRONLY | O_TMPFILE | O_CLOEXEC, kFileMode));
+  if (!fd) {
+    return std::nullopt;
+  }
+  if (const int error = writeWhole(fd.get(), bytes)) {
+    return failure(error);
+  }
+  const std::string unnamed = "/proc/self/fd/" + std::to_string(fd.get());
+  const bool isLinked = ::linkat(AT_FDCWD, unnamed.c_str(), AT_FDCWD, path.c_str(), AT_SYMLINK_FOLLOW) == 0;
+  return isLinked ? std::optional(FileResult()) : std::nullopt;
+}
+
+}  // namespace
+
+LinuxFiles::LinuxFiles(std::string homeDirectory) : home_(std::move(homeDirectory)) {}
+
+std::string LinuxFiles::below(const char* name) const {
+  return home_.empty() ? std::string() : home_ + name;
+}
+
+std::string LinuxFiles::documentsDirectory() {
+  return below("/Documents");
+}
+
+std::string LinuxFiles::cachesDirectory() {
+  return below("/Library/Caches");
+}
+
+std::string LinuxFiles::preferencesDirectory() {
+  return below("/Library/Preferences");
+}
+
+FileContent LinuxFiles::read(const std::string& path, std::size_t limit) {
+  if (hasNul(path)) {
+    return {FileStatus::OtherFailure, {}};
+  }
+  const UniqueFd fd(::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
+  struct stat info {};
+  if (!fd || ::fstat(fd.get(), &info) != 0) {
+    return {statusOf(errno), {}};
+  }
+  if (!S_ISREG(info.st_mode)) {
+    return {FileStatus::NotRegular, {}};
+  }
+  const auto size = static_cast<std::size_t>(info.st_size);
+  if (size > limit) {
+    return {FileStatus::TooLarge, {}};
+  }
+  FileContent content;
+  const int error = readWhole(fd.get(), size, limit, content.bytes);
+  if (error != 0) {
+    return {statusOf(error), {}};
+  }
+  return content.bytes.size() > limit ? FileContent{FileStatus::TooLarge, {}} : content;
+}
+
+FileResult LinuxFiles::writeAtomically(const std::string& path, std::string_view bytes) {
+  if (hasNul(path)) {
+    return failure(EINVAL);
+  }
+  const std::string directory = parentOf(path);
+  sweepOnce(directory);
+  if (auto result = writeNew(directory, path, bytes)) {
+    return *result;
+  }
+  std::string temporary;
+  const int fd = openTemporary(directory, temporary);
+  if (fd < 0) {
+    return failure(errno);
+  }
+  int error = writeWhole(fd, bytes);
+  if (::close(fd) != 0 && error == 0) {
+    error = errno;
+  }
+  if (error == 0 && ::rename(temporary.c_str(), path.c_str()) != 0) {
+    error = errno;
+  }
+  if (error != 0) {
+    ::unlink(temporary.c_str());
+    return failure(error);
+  }
+  return {};
+}
+
+int LinuxFiles::openTemporary(const std::string& directory, std::string& path) {
+  const std::string start = directory + "/" + std::string(kTemporaryPrefix) + std::to_string(::getpid()) + "-";
+  bool mayMakeDirectory = true;
+  for (int attempt = 0; attempt < kNameAttempts; ++attempt) {
+    path = start + std::to_string(temporaries_++) + std::string(kTemporarySuffix);
+    const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kFileMode);
+    const bool missing = fd < 0 && errno == ENOENT && std::exchange(mayMakeDirectory, false);
+    const bool again = missing ? makeDirectories(directory) == 0 : fd < 0 && errno == EEXIST;
+    if (!again) {
+      return fd;
+    }
+  }
+  errno = EEXIST;
+  return -1;
+}
+
+FileResult LinuxFiles::remove(const std::string& path) {
+  if (hasNul(path)) {
+    return failure(EINVAL);
+  }
+  return ::unlink(path.c_str()) == 0 ? FileResult{} : failure(errno);
+}
+
+FileResult LinuxFiles::createDirectories(const std::string& path) {
+  const int error = hasNul(path) ? EINVAL : makeDirectories(path);
+  return error == 0 ? FileResult{} : failure(error);
+}
+
+void LinuxFiles::enumerate(const std::string& directory, const Visitor& visit) {
+  const Directory start = hasNul(directory) ? Directory() : openDirectory(AT_FDCWD, directory.c_str());
+  if (start) {
+    walk(start.get(), directory, 0, visit);
+  }
+}
+
+void LinuxFiles::sweepOnce(const std::string& directory) {
+  {
+    const MutexLock lock(mutex_);
+    if (!swept_.insert(directory).second) {
+      return;
+    }
+  }
+  const Directory listing = openDirectory(AT_FDCWD, directory.c_str());
+  const dirent* entry = nullptr;
+  while (listing && (entry = ::readdir(listing.get())) != nullptr) {
+    if (isTemporaryName(entry->d_name)) {
+      removeIfStale(::dirfd(listing.get()), entry->d_name);
+    }
+  }
+}
+
+}  // namespace kesu

@@ -1,0 +1,218 @@
+#include "platform/linux/http/HttpEngine.h"
+
+#include <algorithm>
+#include <climits>
+#include <utility>
+
+#include "platform/linux/http/HttpRedirect.h"
+
+namespace kesu {
+namespace {
+
+// Enough for the usual load; more would only keep memory after a burst.
+constexpr std::size_t kMaxSpareTransfers = 16;
+constexpr long kMaxKeptConnections = 16;
+
+// How soon new work is seen where a process had no descriptors left for libcurl to be woken by.
+constexpr int kBlindWaitMilliseconds = 50;
+
+HttpReply failure(HttpError error, const char* text) {
+  HttpReply reply;
+  reply.error = error;
+  reply.errorText = text;
+  return reply;
+}
+
+}  // namespace
+
+HttpEngine::HttpEngine(const LinuxHttpClientOptions& options, Finish finish)
+    : options_(options),
+      idleTimeout_(options.idleTimeoutSeconds),
+      finish_(std::move(finish)),
+      trust_(options.caFile, options.systemCaFile),
+      multi_(curl_multi_init()),
+      canBeWoken_(curl_multi_wakeup(multi_.get()) == CURLM_OK),
+      queue_(options.maxConnectionsPerHost, options.maxAdmitted) {
+  curl_multi_setopt(multi_.get(), CURLMOPT_MAX_HOST_CONNECTIONS, static_cast<long>(options.maxConnectionsPerHost));
+  curl_multi_setopt(multi_.get(), CURLMOPT_MAXCONNECTS, kMaxKeptConnections);
+}
+
+// libcurl wants the easy handles out of the multi handle before either of them goes.
+HttpEngine::~HttpEngine() {
+  for (const auto& transfer : active_) {
+    curl_multi_remove_handle(multi_.get(), transfer->handle());
+  }
+}
+
+void HttpEngine::add(std::unique_ptr<HttpJob> job) {
+  if (prepareJob(*job)) {
+    queue_.add(std::move(job));
+  } else {
+    finish_(*job, failure(HttpError::BadUrl, "Not an absolute http or https URL"), std::nullopt);
+  }
+}
+
+bool HttpEngine::step() {
+  startWaiting();
+  int running = 0;
+  curl_multi_perform(multi_.get(), &running);
+  const bool finished = finishDone();
+  expireIdle();
+  if (!hasWork()) {
+    heard_.clear();
+  }
+  return finished && queue_.hasWaiting();
+}
+
+void HttpEngine::wait(std::optional<Clock::time_point> until) {
+  for (const auto& transfer : active_) {
+    if (transfer->connected()) {
+      const auto due = transfer->lastActivity() + std::chrono::ceil<Clock::duration>(idleTimeout_);
+      until = std::min(until.value_or(due), due);
+    }
+  }
+  const int longest = canBeWoken_ ? INT_MAX : kBlindWaitMilliseconds;
+  int timeout = longest;
+  if (until) {
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(*until - Clock::now()).count();
+    timeout = static_cast<int>(std::clamp<decltype(left)>(left, 0, longest));
+  }
+  curl_multi_poll(multi_.get(), nullptr, 0, timeout, nullptr);
+}
+
+void HttpEngine::cancelAll() {
+  const HttpReply cancelled = failure(HttpError::Cancelled, "The client was shut down");
+  for (HttpTransfer* const transfer : activeTransfers()) {
+    finish_(*retire(*transfer), cancelled, std::nullopt);
+  }
+  failAll(queue_.takeAllWaiting(), cancelled);
+}
+
+void HttpEngine::startWaiting() {
+  while (std::unique_ptr<HttpJob> job = queue_.startNext()) {
+    if (spare_.empty()) {
+      spare_.push_back(std::make_unique<HttpTransfer>(options_, trust_));
+    }
+    std::unique_ptr<HttpTransfer> transfer = std::move(spare_.back());
+    spare_.pop_back();
+    if (!transfer->usable()) {
+      queue_.ended(job->origin);
+      finish_(*job, failure(HttpError::CannotConnect, "Out of memory"), std::nullopt);
+      continue;
+    }
+    transfer->load(std::move(job));
+    curl_multi_add_handle(multi_.get(), transfer->handle());
+    active_.push_back(std::move(transfer));
+  }
+}
+
+bool HttpEngine::finishDone() {
+  bool any = false;
+  int left = 0;
+  while (const CURLMsg* const message = curl_multi_info_read(multi_.get(), &left)) {
+    HttpTransfer& transfer = HttpTransfer::of(message->easy_handle);
+    end(transfer, transfer.takeReply(message->data.result));
+    any = true;
+  }
+  return any;
+}
+
+void HttpEngine::expireIdle() {
+  const auto since = Clock::now() - std::chrono::floor<Clock::duration>(idleTimeout_);
+  const HttpReply timedOut = failure(HttpError::TimedOut, "Nothing was sent or received for too long");
+  for (HttpTransfer* const transfer : activeTransfers()) {
+    if (!transfer->connected() || transfer->lastActivity() > since) {
+      continue;
+    }
+    const HttpOrigin origin = transfer->job().origin;
+    HttpReply reply = transfer->takeReply(CURLE_ABORTED_BY_CALLBACK);
+    reply.errorText = timedOut.errorText;
+    end(*transfer, std::move(reply));
+    // Those that wait behind a host that says nothing to anybody would each wait as long again.
+    if (isSilent(origin, since)) {
+      failAll(queue_.takeWaiting(origin), timedOut);
+    }
+  }
+}
+
+bool HttpEngine::isSilent(const HttpOrigin& origin, Clock::time_point since) const {
+  const auto heard = heard_.find(origin);
+  return (heard == heard_.end() || heard->second <= since) &&
+         std::none_of(active_.begin(), active_.end(), [&](const auto& transfer) {
+           return transfer->job().origin == origin && transfer->lastHeard() > since;
+         });
+}
+
+std::unique_ptr<HttpJob> HttpEngine::retire(HttpTransfer& transfer) {
+  curl_multi_remove_handle(multi_.get(), transfer.handle());
+  std::unique_ptr<HttpJob> job = transfer.unload();
+  queue_.ended(job->origin);
+  const auto found = std::find_if(active_.begin(), active_.end(), [&](const auto& a) { return a.get() == &transfer; });
+  if (spare_.size() < kMaxSpareTransfers) {
+    spare_.push_back(std::move(*found));
+  }
+  active_.erase(found);
+  return job;
+}
+
+void HttpEngine::end(HttpTransfer& transfer, HttpReply reply) {
+  const std::optional<HttpAttempt> attempt = transfer.attempt(reply);
+  const std::string location = transfer.location();
+  const HttpOrigin origin = transfer.job().origin;
+  const bool unreachable = !transfer.connected() && reply.error != HttpError::None;
+  const HttpReply shared = unreachable ? reply : HttpReply();
+  if (reply.status != 0) {
+    queue_.setMultiplexed(origin, transfer.multiplexed());
+    heard_[origin] = transfer.lastHeard();
+  }
+  finishOrRedirect(retire(transfer), std::move(reply), attempt, location);
+  if (unreachable) {
+    failUnconnected(origin, shared);
+  }
+}
+
+void HttpEngine::finishOrRedirect(std::unique_ptr<HttpJob> job, HttpReply reply, std::optional<HttpAttempt> attempt,
+                                  const std::string& location) {
+  if (reply.error == HttpError::None) {
+    switch (applyRedirect(*job, reply.status, location)) {
+      case HttpRedirectVerdict::Final:
+        break;
+      case HttpRedirectVerdict::Follow:
+        queue_.addFirst(std::move(job));
+        return;
+      case HttpRedirectVerdict::Refuse:
+        reply.error = HttpError::BadRedirect;
+        reply.errorText = "The redirect must not be followed";
+        reply.body.reset();
+        break;
+    }
+  }
+  finish_(*job, std::move(reply), std::move(attempt));
+}
+
+// When a connection cannot be made, the others would each wait for the same failure: 5,000 times 60 s.
+void HttpEngine::failUnconnected(const HttpOrigin& origin, const HttpReply& reply) {
+  for (HttpTransfer* const transfer : activeTransfers()) {
+    if (!transfer->connected() && transfer->job().origin == origin) {
+      finish_(*retire(*transfer), reply, std::nullopt);
+    }
+  }
+  failAll(queue_.takeWaiting(origin), reply);
+}
+
+void HttpEngine::failAll(const std::vector<std::unique_ptr<HttpJob>>& jobs, const HttpReply& reply) {
+  for (const auto& job : jobs) {
+    finish_(*job, reply, std::nullopt);
+  }
+}
+
+std::vector<HttpTransfer*> HttpEngine::activeTransfers() const {
+  std::vector<HttpTransfer*> transfers;
+  transfers.reserve(active_.size());
+  for (const auto& transfer : active_) {
+    transfers.push_back(transfer.get());
+  }
+  return transfers;
+}
+
+}  // namespace kesu

@@ -1,0 +1,84 @@
+#pragma once
+
+#include <curl/curl.h>
+
+#include <chrono>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/linux/http/HttpOriginQueue.h"
+#include "platform/linux/http/HttpTransfer.h"
+#include "platform/linux/http/HttpTrust.h"
+#include "platform/linux/http/LinuxHttpClientOptions.h"
+
+namespace kesu {
+
+/// Everything that happens on the network thread: takes jobs, runs them through libcurl and tells what came of them.
+/// All of it belongs to that one thread, but for multi(), whose curl_multi_wakeup() may be called from any.
+class HttpEngine {
+ public:
+  using Clock = HttpTransfer::Clock;
+  /// Called once a job, on the network thread. Without an attempt none was made for this very job.
+  using Finish = std::function<void(HttpJob& job, HttpReply reply, std::optional<HttpAttempt> attempt)>;
+
+  HttpEngine(const LinuxHttpClientOptions& options, Finish finish);
+  ~HttpEngine();
+
+  HttpEngine(const HttpEngine&) = delete;
+  HttpEngine& operator=(const HttpEngine&) = delete;
+
+  CURLM* multi() const { return multi_.get(); }
+
+  void add(std::unique_ptr<HttpJob> job);
+
+  /// Starts what may start, moves what can move and finishes what is done, without waiting. Returns whether it is to be
+  /// called again at once.
+  bool step();
+
+  /// Sleeps until the network, a wake-up, a time limit of the engine or `until` asks for the next step().
+  void wait(std::optional<Clock::time_point> until);
+
+  /// A URL for which another job could only be put behind others at the moment; empty when there is none.
+  std::string blockedUrl() const { return queue_.blockedUrl(); }
+
+  bool hasWork() const { return !active_.empty() || queue_.hasWaiting(); }
+
+  /// Fails everything that is left with HttpError::Cancelled.
+  void cancelAll();
+
+ private:
+  struct Cleanup {
+    void operator()(CURLM* multi) const { curl_multi_cleanup(multi); }
+  };
+
+  void startWaiting();
+  bool finishDone();
+  void expireIdle();
+  bool isSilent(const HttpOrigin& origin, Clock::time_point since) const;
+
+  /// Takes a transfer out of libcurl and the list of active ones and keeps it for another job; returns the job.
+  std::unique_ptr<HttpJob> retire(HttpTransfer& transfer);
+  void end(HttpTransfer& transfer, HttpReply reply);
+  void finishOrRedirect(std::unique_ptr<HttpJob> job, HttpReply reply, std::optional<HttpAttempt> attempt,
+                        const std::string& location);
+  void failUnconnected(const HttpOrigin& origin, const HttpReply& reply);
+  void failAll(const std::vector<std::unique_ptr<HttpJob>>& jobs, const HttpReply& reply);
+  std::vector<HttpTransfer*> activeTransfers() const;
+
+  const LinuxHttpClientOptions options_;
+  const std::chrono::duration<double> idleTimeout_;
+  Finish finish_;
+  HttpTrust trust_;
+  std::unique_ptr<CURLM, Cleanup> multi_;
+  const bool canBeWoken_;
+  HttpOriginQueue queue_;
+  std::vector<std::unique_ptr<HttpTransfer>> active_;
+  std::vector<std::unique_ptr<HttpTransfer>> spare_;
+  std::map<HttpOrigin, Clock::time_point> heard_;  ///< When an origin last answered; forgotten when there is no work.
+};
+
+}  // namespace kesu

@@ -1,0 +1,24 @@
+#include "platform/linux/http/HttpJob.h"
+
+#include "platform/linux/http/HttpHeaderLines.h"
+
+namespace kesu {
+
+bool prepareJob(HttpJob& job) {
+  HttpRequest& request = job.request;
+  request.method = cleanMethod(request.method);
+  if (request.method == "HEAD") {
+    request.body.clear();
+  }
+  const auto url = parseHttpUrl(request.url);
+  if (!url) {
+    return false;
+  }
+  request.url = url->text;
+  job.origin = url->origin;
+  job.namedOrigin = url->origin;
+  job.mayLeaveOrigin = request.body.empty() && (request.method == "GET" || request.method == "HEAD");
+  return true;
+}
+
+}  // namespace kesu

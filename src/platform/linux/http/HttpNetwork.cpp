@@ -1,0 +1,141 @@
+#include "platform/linux/http/HttpNetwork.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "platform/linux/base/ServiceThread.h"
+#include "platform/linux/http/HttpExit.h"
+
+namespace kesu {
+namespace {
+
+constexpr double kMaxGraceSeconds = 3600;  // Keeps "for ever" within the clock's range.
+
+HttpReply failure(HttpError error, const char* text) {
+  HttpReply reply;
+  reply.error = error;
+  reply.errorText = text;
+  return reply;
+}
+
+}  // namespace
+
+HttpNetwork::HttpNetwork(MainLoop& loop, LinuxHttpClientOptions options)
+    : options_(std::move(options)), delivery_(loop) {}
+
+HttpNetwork::~HttpNetwork() {
+  HttpExit::remove(*this);
+  stop(0);
+}
+
+void HttpNetwork::send(HttpRequest request, HttpClient::Completion completion) {
+  std::call_once(registered_, [this] { HttpExit::add(*this); });  // Outside mutex_, which an exit takes as well.
+  delivery_.expect();
+  auto job = std::make_unique<HttpJob>();
+  job->request = std::move(request);
+  job->completion = std::move(completion);
+  bool wakes = false;
+  if (!accept(job, wakes)) {
+    delivery_.deliver(std::move(job->completion), failure(HttpError::Cancelled, "The client was shut down"), {});
+  } else if (wakes) {
+    wake();
+  }
+}
+
+// Leaves the job with the caller when it is too late for it. `wakes`: the thread sleeps, and there is something to do
+// for it about the job.
+bool HttpNetwork::accept(std::unique_ptr<HttpJob>& job, bool& wakes) {
+  const MutexLock lock(mutex_);
+  if (stopTime_ || !startThread()) {
+    return false;
+  }
+  wakes = isAsleep_ && (blockedUrl_.empty() || job->request.url != blockedUrl_);
+  isAsleep_ = isAsleep_ && !wakes;
+  inbox_.push_back(std::move(job));
+  return true;
+}
+
+// Without the inbox's mutex, for which the thread would only have to wait again.
+void HttpNetwork::wake() {
+  const MutexLock lock(wakeMutex_);
+  if (wakeTarget_ != nullptr) {
+    curl_multi_wakeup(wakeTarget_);
+  }
+}
+
+bool HttpNetwork::startThread() {
+  if (!thread_.joinable()) {
+    thread_ = startServiceThread("kesu-http", [this] { run(); });
+  }
+  return thread_.joinable();
+}
+
+void HttpNetwork::stop(double graceSeconds) {
+  const MutexLock stopping(stopMutex_);
+  std::thread ending;
+  {
+    const MutexLock lock(mutex_);
+    if (!stopTime_) {
+      const std::chrono::duration<double> grace(std::clamp(graceSeconds, 0.0, kMaxGraceSeconds));
+      stopTime_ = Clock::now() + std::chrono::ceil<Clock::duration>(grace);
+    }
+    ending.swap(thread_);
+  }
+  wake();
+  if (ending.joinable()) {
+    ending.join();
+  }
+}
+
+void HttpNetwork::run() {
+  curl_global_init(CURL_GLOBAL_DEFAULT);
+  HttpEngine engine(options_, [this](HttpJob& job, HttpReply reply, std::optional<HttpAttempt> attempt) {
+    delivery_.deliver(std::move(job.completion), std::move(reply), std::move(attempt));
+  });
+  setWakeTarget(engine.multi());
+  while (takeInbox(engine)) {
+    const bool again = engine.step();
+    const auto end = stopTime();
+    if (!again && (engine.hasWork() || !end) && fallAsleep(engine)) {
+      engine.wait(end);
+    }
+  }
+  setWakeTarget(nullptr);
+  engine.cancelAll();
+}
+
+// False when there is something to take already.
+bool HttpNetwork::fallAsleep(const HttpEngine& engine) {
+  const MutexLock lock(mutex_);
+  isAsleep_ = inbox_.empty();
+  blockedUrl_ = engine.blockedUrl();
+  return isAsleep_;
+}
+
+// Returns whether to go on.
+bool HttpNetwork::takeInbox(HttpEngine& engine) {
+  std::vector<std::unique_ptr<HttpJob>> jobs;
+  std::optional<Clock::time_point> end;
+  {
+    const MutexLock lock(mutex_);
+    jobs.swap(inbox_);
+    isAsleep_ = false;
+    end = stopTime_;
+  }
+  for (auto& job : jobs) {
+    engine.add(std::move(job));
+  }
+  return !end || (engine.hasWork() && Clock::now() < *end);
+}
+
+std::optional<HttpNetwork::Clock::time_point> HttpNetwork::stopTime() {
+  const MutexLock lock(mutex_);
+  return stopTime_;
+}
+
+void HttpNetwork::setWakeTarget(CURLM* multi) {
+  const MutexLock lock(wakeMutex_);
+  wakeTarget_ = multi;
+}
+
+}  // namespace kesu

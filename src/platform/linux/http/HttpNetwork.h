@@ -1,0 +1,70 @@
+#pragma once
+
+#include <curl/curl.h>
+#include <kesu/foundation/Mutex.h>
+#include <kesu/platform/HttpClient.h>
+#include <kesu/platform/MainLoop.h>
+
+#include <chrono>
+#include <cstddef>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "platform/linux/http/HttpDelivery.h"
+#include "platform/linux/http/HttpEngine.h"
+#include "platform/linux/http/HttpJob.h"
+#include "platform/linux/http/LinuxHttpClientOptions.h"
+
+namespace kesu {
+
+/// The network thread of one client, its inbox and its end. The thread starts with the first request, so that a client
+/// that is never used costs nothing. Any thread may call anything here; the destructor stops without grace.
+class HttpNetwork {
+ public:
+  HttpNetwork(MainLoop& loop, LinuxHttpClientOptions options);
+  ~HttpNetwork();
+
+  HttpNetwork(const HttpNetwork&) = delete;
+  HttpNetwork& operator=(const HttpNetwork&) = delete;
+
+  void send(HttpRequest request, HttpClient::Completion completion);
+
+  /// Goes on for at most `graceSeconds`, or until nothing is left, then fails the rest and joins the thread. Requests
+  /// that are sent meanwhile or later are cancelled. A second caller waits for the first.
+  void stop(double graceSeconds);
+
+  HttpDelivery& delivery() { return delivery_; }
+
+ private:
+  using Clock = HttpEngine::Clock;
+
+  bool accept(std::unique_ptr<HttpJob>& job, bool& wakes);
+  void wake();
+  bool startThread() KESU_REQUIRES(mutex_);
+  void run();
+  bool fallAsleep(const HttpEngine& engine);
+  bool takeInbox(HttpEngine& engine);
+  std::optional<Clock::time_point> stopTime();
+  void setWakeTarget(CURLM* multi);
+
+  const LinuxHttpClientOptions options_;
+  HttpDelivery delivery_;
+
+  std::once_flag registered_;  ///< With HttpExit, before the thread starts.
+  Mutex stopMutex_;            ///< Held for the whole of stop(); taken before mutex_.
+  Mutex mutex_;
+  std::thread thread_ KESU_GUARDED_BY(mutex_);
+  std::vector<std::unique_ptr<HttpJob>> inbox_ KESU_GUARDED_BY(mutex_);
+  bool isAsleep_ KESU_GUARDED_BY(mutex_) = false;   ///< The thread waits for the network or for a wake-up.
+  std::string blockedUrl_ KESU_GUARDED_BY(mutex_);  ///< What comes for it meanwhile is no reason to wake up.
+  std::optional<Clock::time_point> stopTime_ KESU_GUARDED_BY(mutex_);  ///< Set once stop() was called.
+
+  Mutex wakeMutex_;
+  CURLM* wakeTarget_ KESU_GUARDED_BY(wakeMutex_) = nullptr;  ///< Null while the engine does not live.
+};
+
+}  // namespace kesu

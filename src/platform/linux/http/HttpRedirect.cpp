@@ -1,0 +1,55 @@
+#include "platform/linux/http/HttpRedirect.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include "platform/linux/http/HttpHeaderLines.h"
+
+namespace kesu {
+namespace {
+
+constexpr int kMaxRedirects = 16;
+
+bool redirects(int status) {
+  return status == 301 || status == 302 || status == 303 || status == 307 || status == 308;
+}
+
+bool becomesGet(int status, const std::string& method) {
+  return ((status == 301 || status == 302) && method == "POST") || (status == 303 && method != "HEAD");
+}
+
+void dropBody(HttpRequest& request) {
+  request.method = "GET";
+  request.body.clear();
+  std::erase_if(request.headers, [](const auto& header) { return headerNameStartsWith(header.first, "content-"); });
+}
+
+bool saysNothingAboutTheUser(const std::string& name) {
+  return sameHeaderName(name, "accept") || sameHeaderName(name, "accept-encoding") ||
+         sameHeaderName(name, "accept-language");
+}
+
+}  // namespace
+
+HttpRedirectVerdict applyRedirect(HttpJob& job, int status, const std::string& location) {
+  if (!redirects(status) || location.empty()) {
+    return HttpRedirectVerdict::Final;
+  }
+  const auto target = parseHttpUrl(location);
+  const bool leaves = target && target->origin != job.namedOrigin;
+  if (!target || job.redirects >= kMaxRedirects || (leaves && !job.mayLeaveOrigin)) {
+    return HttpRedirectVerdict::Refuse;
+  }
+  if (becomesGet(status, job.request.method)) {
+    dropBody(job.request);
+  }
+  if (leaves) {
+    std::erase_if(job.request.headers, [](const auto& header) { return !saysNothingAboutTheUser(header.first); });
+  }
+  job.request.url = target->text;
+  job.origin = target->origin;
+  ++job.redirects;
+  return HttpRedirectVerdict::Follow;
+}
+
+}  // namespace kesu

@@ -1,0 +1,108 @@
+#include "platform/linux/http/HttpRedirect.h"
+
+#include <gtest/gtest.h>
+
+namespace kesu {
+namespace {
+
+using Headers = std::vector<std::pair<std::string, std::string>>;
+
+HttpJob job(std::string method, std::string body = {}, std::string url = "https://a.example/x") {
+  HttpJob made;
+  made.request.method = std::move(method);
+  made.request.url = std::move(url);
+  made.request.body = std::move(body);
+  made.request.headers = {{"Accept", "*/*"}, {"Authorization", "secret"}, {"Content-Type", "t"}};
+  EXPECT_TRUE(prepareJob(made));
+  return made;
+}
+
+TEST(HttpUrl, FindsOriginAndDropsCredentialsAndFragment) {
+  struct Case {
+    const char* url;
+    HttpOrigin origin;
+    const char* text;
+  };
+  const Case cases[] = {
+      {"http://Host.Example", {false, "host.example", 80}, "http://Host.Example/"},
+      {"HTTPS://h:8443/p?q#f", {true, "h", 8443}, "https://h:8443/p?q"},
+      {"https://h:443/", {true, "h", 443}, "https://h:443/"},
+      {"http://user:secret@h/p", {false, "h", 80}, "http://h/p"},
+      {"http://[::1]:81/", {false, "::1", 81}, "http://[::1]:81/"},
+  };
+  for (const Case& c : cases) {
+    const auto url = parseHttpUrl(c.url);
+    ASSERT_TRUE(url) << c.url;
+    EXPECT_EQ(url->origin, c.origin) << c.url;
+    EXPECT_EQ(url->text, c.text);
+  }
+}
+
+TEST(HttpUrl, RefusesEverythingElse) {
+  using namespace std::string_literals;
+  for (const std::string& url :
+       {""s, "h"s, "/p"s, "ftp://h/"s, "file:///etc/passwd"s, "data:,x"s, "http://"s, "http://a b/"s,
+        "http://h/\r\nX: 1"s, "http://h/\0"s, "http://h:99999/"s, "javascript:alert(1)"s}) {
+    EXPECT_FALSE(parseHttpUrl(url)) << url;
+  }
+}
+
+TEST(HttpRedirect, FollowsAsBrowsersDo) {
+  struct Case {
+    int status;
+    const char* method;
+    const char* becomes;
+  };
+  const Case cases[] = {{301, "POST", "GET"},  {302, "POST", "GET"}, {303, "POST", "GET"}, {307, "POST", "POST"},
+                        {308, "POST", "POST"}, {301, "PUT", "PUT"},  {303, "PUT", "GET"},  {303, "HEAD", "HEAD"}};
+  for (const Case& c : cases) {
+    HttpJob subject = job(c.method, "body");
+    EXPECT_EQ(applyRedirect(subject, c.status, "https://a.example/y"), HttpRedirectVerdict::Follow);
+    EXPECT_EQ(subject.request.method, c.becomes) << c.status;
+    EXPECT_EQ(subject.request.url, "https://a.example/y");
+    const bool keepsBody = subject.request.method[0] == 'P';
+    EXPECT_EQ(subject.request.body, keepsBody ? "body" : "") << c.status;
+    EXPECT_EQ(subject.request.headers.size(), keepsBody || c.method[0] == 'H' ? 3U : 2U) << c.status;
+  }
+}
+
+TEST(HttpRedirect, OtherRepliesAreFinal) {
+  for (const int status : {200, 204, 300, 304, 305, 404, 500}) {
+    HttpJob subject = job("GET");
+    EXPECT_EQ(applyRedirect(subject, status, "https://b.example/"), HttpRedirectVerdict::Final) << status;
+  }
+  HttpJob subject = job("GET");
+  EXPECT_EQ(applyRedirect(subject, 302, ""), HttpRedirectVerdict::Final);
+}
+
+TEST(HttpRedirect, NothingOfTheCallerLeavesTheNamedOrigin) {
+  for (const char* const elsewhere : {"https://b.example/", "http://a.example/", "https://a.example:444/"}) {
+    for (const int status : {301, 302, 303, 307, 308}) {
+      for (HttpJob subject : {job("POST", "body"), job("POST"), job("GET", "body"), job("DELETE")}) {
+        EXPECT_EQ(applyRedirect(subject, status, elsewhere), HttpRedirectVerdict::Refuse) << status << elsewhere;
+      }
+      HttpJob subject = job("GET");
+      EXPECT_EQ(applyRedirect(subject, status, elsewhere), HttpRedirectVerdict::Follow);
+      EXPECT_EQ(subject.request.headers, (Headers{{"Accept", "*/*"}}));
+    }
+  }
+}
+
+TEST(HttpRedirect, PostTurnedIntoGetStillMayNotLeave) {
+  HttpJob subject = job("POST", "body");
+  ASSERT_EQ(applyRedirect(subject, 303, "https://a.example/y"), HttpRedirectVerdict::Follow);
+  EXPECT_EQ(applyRedirect(subject, 302, "https://b.example/"), HttpRedirectVerdict::Refuse);
+}
+
+TEST(HttpRedirect, StopsAfterSixteenAndAtOtherSchemes) {
+  HttpJob subject = job("GET");
+  for (int hop = 0; hop < 16; ++hop) {
+    ASSERT_EQ(applyRedirect(subject, 302, "https://a.example/"), HttpRedirectVerdict::Follow);
+  }
+  EXPECT_EQ(applyRedirect(subject, 302, "https://a.example/"), HttpRedirectVerdict::Refuse);
+  HttpJob other = job("GET");
+  EXPECT_EQ(applyRedirect(other, 302, "file:///etc/passwd"), HttpRedirectVerdict::Refuse);
+}
+
+}  // namespace
+}  // namespace kesu

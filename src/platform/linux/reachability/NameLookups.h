@@ -1,0 +1,62 @@
+#pragma once
+
+#include <kesu/foundation/Mutex.h>
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/linux/base/WakeEvent.h"
+#include "platform/linux/reachability/IpAddress.h"
+
+namespace kesu {
+
+/// Looks host names up without making anybody wait. A system lookup cannot be cancelled and may take half a minute, so
+/// each runs on a short-lived thread of its own, and what the threads touch outlives this object: destroying it waits
+/// for nobody. Lookups may overtake each other; generations tell which one is newest. Belongs to one thread.
+class NameLookups {
+ public:
+  /// The end of one lookup; no addresses = it failed.
+  struct Result {
+    std::uint64_t watchId = 0;
+    std::uint64_t generation = 0;
+    std::vector<IpAddress> addresses;  ///< In the order in which they should be tried.
+  };
+
+  /// Finds the addresses of a name, in its own time. Runs on any thread, several at once.
+  using Resolver = std::function<std::vector<IpAddress>(const std::string& hostName)>;
+
+  /// At most so many lookups run at once.
+  static constexpr int kMostInFlight = 4;
+
+  /// `wake` is signalled when a result is ready. `resolver` replaces the system's.
+  explicit NameLookups(std::shared_ptr<WakeEvent> wake, Resolver resolver = systemResolver);
+
+  /// Starts a lookup whose result carries these two numbers. False when too many are in flight or the system gives no
+  /// thread.
+  bool start(std::uint64_t watchId, std::uint64_t generation, const std::string& hostName);
+
+  /// The results since the last call.
+  std::vector<Result> take();
+
+  /// Asks the system's name services. Blocks.
+  static std::vector<IpAddress> systemResolver(const std::string& hostName);
+
+ private:
+  struct Shared {
+    std::shared_ptr<WakeEvent> wake;
+    Resolver resolver;
+    Mutex mutex;
+    int inFlight KESU_GUARDED_BY(mutex) = 0;
+    std::vector<Result> results KESU_GUARDED_BY(mutex);
+  };
+
+  static bool reserve(Shared& shared);
+  static void finish(Shared& shared, Result result);
+
+  std::shared_ptr<Shared> shared_;
+};
+
+}  // namespace kesu

@@ -1,0 +1,37 @@
+#include "tools/kesu-dev/collector/Arrival.h"
+
+#include <utility>
+
+#include "tools/kesu-dev/base/Text.h"
+
+namespace kesu::dev {
+
+StoredRecord arrivalOf(const HttpRequest& request, const std::string& body) {
+  Dictionary headers;
+  for (const auto& [name, value] : request.headers) {
+    headers.set(validUtf8(name), validUtf8(value));
+  }
+  StoredRecord record;
+  record.arrivedMs = nowMilliseconds();
+  record.path = request.path;
+  record.headers = jsonText(headers);
+  record.body = body;
+  return record;
+}
+
+HttpReply jsonReply(const Dictionary& body, int status) {
+  HttpReply reply;
+  reply.status = status;
+  reply.body = jsonText(body);
+  return reply;
+}
+
+HttpReply reasonsReply(const std::vector<std::string>& reasons, int status) {
+  Array list;
+  for (const std::string& reason : reasons) {
+    list.emplace_back(validUtf8(reason));
+  }
+  return jsonReply({{"ok", false}, {"reasons", std::move(list)}}, status);
+}
+
+}  // namespace kesu::dev

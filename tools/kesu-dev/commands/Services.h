@@ -1,0 +1,80 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tools/kesu-dev/collector/Collector.h"
+#include "tools/kesu-dev/http/Faults.h"
+#include "tools/kesu-dev/http/HttpServer.h"
+#include "tools/kesu-dev/http/LoopbackCertificate.h"
+#include "tools/kesu-dev/messages/MessagingService.h"
+#include "tools/kesu-dev/records/RecordStore.h"
+
+namespace kesu::dev {
+
+/// Everything that `kesu-dev serve` serves, put together and running.
+class Services {
+ public:
+  struct Options {
+    std::optional<int> port;  // 0 = any free one; nothing = 8470 or, when that is taken, one of the next 20.
+    std::string database;     // File for the records; empty = memory.
+    bool strict = false;      // See Collector::Options.
+
+    std::optional<int> messagingPort;  // The same for messages; nothing = any free one when `port` is 0, else 8490...
+    std::string messages;              // Directory of messages; empty = there are none.
+    MessagingService::Say say;         // Lines for the terminal; empty = standard error. Any thread.
+  };
+
+  static constexpr int kDefaultPort = 8470;
+  static constexpr int kDefaultMessagingPort = 8490;
+
+  /// Starts the services. Returns null and one sentence in `error` when they cannot start. Their threads inherit the
+  /// caller's signal mask.
+  static std::unique_ptr<Services> start(const Options& options, std::string& error);
+
+  /// Only start() calls this.
+  Services(std::unique_ptr<RecordStore> store, std::unique_ptr<LoopbackCertificate> certificate,
+           const Options& options);
+
+  /// Stops.
+  ~Services();
+
+  Services(const Services&) = delete;
+  Services& operator=(const Services&) = delete;
+
+  std::string url() const { return "http://" + hostAndPort(); }
+  std::string recordUrl() const { return url() + Collector::kRecordPath; }
+  std::string hostAndPort() const { return "127.0.0.1:" + std::to_string(server_.port()); }
+
+  /// Where the messaging service answers, over TLS.
+  std::string messagingHost() const { return "127.0.0.1:" + std::to_string(messagingServer_.port()); }
+
+  /// The certificate to trust for that; removed with this object.
+  const std::string& certificateFile() const { return certificate_->file(); }
+
+  /// The environment that leads a program here, "NAME=value" each.
+  std::vector<std::string> environment() const;
+
+  MessagingService& messaging() { return messaging_; }
+  RecordStore& store() { return *store_; }
+  FaultTable& faults() { return faults_; }
+
+  /// Gives what a program that has ended left in its connections a moment to be taken in.
+  void settle();
+
+  /// Ends every connection, hanging ones too. May be called twice.
+  void stop();
+
+ private:
+  std::unique_ptr<RecordStore> store_;
+  std::unique_ptr<LoopbackCertificate> certificate_;
+  FaultTable faults_;
+  MessagingService messaging_;
+  Collector collector_;
+  HttpServer server_;
+  HttpServer messagingServer_;
+};
+
+}  // namespace kesu::dev

@@ -1,0 +1,154 @@
+#include "tools/kesu-dev/messages/MessagingService.h"
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+#include "foundation/Json.h"
+#include "tools/kesu-dev/base/Text.h"
+#include "tools/kesu-dev/collector/Arrival.h"
+#include "tools/kesu-dev/http/RequestGuard.h"
+#include "tools/kesu-dev/messages/ImageSize.h"
+#include "tools/kesu-dev/messages/MessageReport.h"
+
+namespace kesu::dev {
+namespace {
+
+constexpr std::size_t kHookShown = 400;
+constexpr std::size_t kHookBytesKept = 8192;
+
+std::string instanceOf(const Dictionary& asked) {
+  return *asked.findText("kaid") + "\n" + *asked.findText("kaid2");
+}
+
+Array listOf(const std::vector<Message>& messages, Dictionary Message::*part) {
+  Array list;
+  for (const Message& message : messages) {
+    list.emplace_back(message.*part);
+  }
+  return list;
+}
+
+}  // namespace
+
+MessagingService::MessagingService(RecordStore& store, FaultTable& faults, Say say)
+    : store_(store), faulty_(faults), say_(std::move(say)) {}
+
+void MessagingService::serve(const std::string& directory, int port) {
+  port_ = port;
+  directory_ = MessageDirectory(directory, "https://127.0.0.1:" + std::to_string(port));
+  read();
+}
+
+HttpReply MessagingService::handle(HttpRequest& request) {
+  const std::string refused =
+      refusal({request.header("Host"), request.header("Origin"), request.header("Sec-Fetch-Site")}, port_);
+  if (!refused.empty()) {
+    return HttpReply::error(421, refused);
+  }
+  return faulty_.handle(request, [this](HttpRequest& whole, const std::string& body) { return answer(whole, body); });
+}
+
+HttpReply MessagingService::answer(HttpRequest& request, const std::string& body) {
+  if (const MessagingRoute* route = findMessagingRoute(request.path)) {
+    return answerCall(*route, request, body);
+  }
+  const bool isGet = request.method == "GET" || request.method == "HEAD";
+  if (isGet && request.path.starts_with(kImagePath)) {
+    return image(std::string_view(request.path).substr(std::string_view(kImagePath).size()));
+  }
+  if (request.method == "POST" && request.path == kHookPath) {
+    return takeHook(body);
+  }
+  return isGet ? HttpReply::error(404, "this is kesu-dev's messaging service; its routes are for applications")
+               : refuse(request, body, 404, {"the messaging service has no such path"});
+}
+
+HttpReply MessagingService::answerCall(const MessagingRoute& route, HttpRequest& request, const std::string& body) {
+  const MessagingCheck check = checkMessagingRequest(route, {request.method, request.header("Content-Type"), body});
+  if (check.reasons.empty()) {
+    return answerGood(route.call, request, body, check.body);
+  }
+  return refuse(request, body, request.method == route.method ? 400 : 405, check.reasons);
+}
+
+HttpReply MessagingService::answerGood(MessagingCall call, HttpRequest& request, const std::string& body,
+                                       const Dictionary& asked) {
+  const std::string instance = instanceOf(asked);
+  switch (call) {
+    case MessagingCall::Count:
+      return jsonReply({{"count", log_.unfetched(instance, read().messages).size()}});
+    case MessagingCall::NewHeaders: {
+      const auto fetched = log_.fetch(instance, read().messages, DeliveryLog::Form::Header);
+      return jsonReply({{"metadatalist", listOf(fetched, &Message::header)}});
+    }
+    case MessagingCall::SingleMessage:
+      return singleMessage(request, body, asked);
+    case MessagingCall::NewMessages: {
+      const auto fetched = log_.fetch(instance, read().messages, DeliveryLog::Form::Whole);
+      return jsonReply({{"payloadlist", listOf(fetched, &Message::full)}});
+    }
+    case MessagingCall::Tags:
+      return jsonReply({{"tags", read().tags}});
+  }
+  return HttpReply::closed();
+}
+
+HttpReply MessagingService::singleMessage(HttpRequest& request, const std::string& body, const Dictionary& asked) {
+  const MessageReading reading = read();
+  const auto found = std::find_if(reading.messages.begin(), reading.messages.end(), [&](const Message& message) {
+    return message.mid == *asked.findText("mid") && message.cid == *asked.findText("cid");
+  });
+  if (found == reading.messages.end()) {
+    return refuse(request, body, 404, {"there is no message with this \"mid\" and \"cid\""});
+  }
+  log_.fetchOne(instanceOf(asked), *found);
+  return jsonReply(found->full);
+}
+
+HttpReply MessagingService::takeHook(const std::string& body) {
+  const std::string kept = validUtf8(std::string_view(body).substr(0, kHookBytesKept));
+  log_.addHook({nowMilliseconds(), kept});
+  say_("web hook called: " + printable(shortened(kept, kHookShown)));
+  return jsonReply({{"ok", true}});
+}
+
+HttpReply MessagingService::refuse(HttpRequest& request, const std::string& body, int status,
+                                   const std::vector<std::string>& reasons) {
+  const std::optional<Value> parsed = parseJson(body);
+  StoredRecord record = arrivalOf(request, body);
+  record.bodyIsObject = parsed && parsed->dictionary() != nullptr;
+  record.reasons = reasons;
+  store_.add(std::move(record));
+  return reasonsReply(reasons, status);
+}
+
+HttpReply MessagingService::image(std::string_view name) const {
+  std::optional<std::string> bytes = directory_.image(name);
+  if (!bytes) {
+    return HttpReply::error(404, "there is no such picture");
+  }
+  HttpReply reply;
+  reply.contentType = imageType(name);
+  reply.headers.emplace_back("Cache-Control", "no-cache");
+  reply.body = std::move(*bytes);
+  return reply;
+}
+
+Dictionary MessagingService::report() {
+  return describeMessages(read(), log_, store_.read(RecordStore::Which::Messages, 0, SIZE_MAX / 2));
+}
+
+MessageReading MessagingService::read() {
+  MessageReading reading = directory_.read();
+  const MutexLock lock(mutex_);
+  for (const std::string& problem : reading.problems) {
+    if (std::find(problems_.begin(), problems_.end(), problem) == problems_.end()) {
+      say_("skipped " + printable(problem));
+    }
+  }
+  problems_ = reading.problems;
+  return reading;
+}
+
+}  // namespace kesu::dev

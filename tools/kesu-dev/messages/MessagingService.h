@@ -1,0 +1,73 @@
+#pragma once
+
+#include <kesu/foundation/Mutex.h>
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tools/kesu-dev/http/FaultyHandler.h"
+#include "tools/kesu-dev/http/HttpServer.h"
+#include "tools/kesu-dev/messages/DeliveryLog.h"
+#include "tools/kesu-dev/messages/MessageDirectory.h"
+#include "tools/kesu-dev/messages/MessagingCheck.h"
+#include "tools/kesu-dev/records/RecordStore.h"
+
+namespace kesu::dev {
+
+/// The messaging and personalization service: answers applications from a directory of messages.
+///
+/// | Request | Answer |
+/// |---|---|
+/// | the routes of messagingRoutes(), in both modes | what the installation has not fetched yet; one message; the tags
+/// | | `GET /images/NAME` | a picture of the directory | | `POST /hook` | takes a call of a web hook and notes it |
+///
+/// A request that an application should not send is answered 4xx with what is wrong, and noted among the bad records.
+/// handle() is called on many threads at once.
+class MessagingService {
+ public:
+  /// A line for the developer's terminal. Called on any thread.
+  using Say = std::function<void(const std::string& line)>;
+
+  static constexpr const char* kImagePath = "/images/";
+  static constexpr const char* kHookPath = "/hook";
+
+  /// Serves nothing yet; the references must outlive the service.
+  MessagingService(RecordStore& store, FaultTable& faults, Say say);
+
+  /// Serves this directory (empty: no messages) on that port from now on; the port stands in the addresses of pictures
+  /// and web hooks. Tells of broken files at once. Before the first request.
+  void serve(const std::string& directory, int port);
+
+  HttpReply handle(HttpRequest& request);
+
+  /// A picture of the directory, or 404.
+  HttpReply image(std::string_view name) const;
+
+  /// All that there is to know about the messages, for `GET /messages`.
+  Dictionary report();
+
+  /// Nothing was fetched by anybody, from here on.
+  void reset() { log_.clear(); }
+
+ private:
+  HttpReply answer(HttpRequest& request, const std::string& body);
+  HttpReply answerCall(const MessagingRoute& route, HttpRequest& request, const std::string& body);
+  HttpReply answerGood(MessagingCall call, HttpRequest& request, const std::string& body, const Dictionary& asked);
+  HttpReply singleMessage(HttpRequest& request, const std::string& body, const Dictionary& asked);
+  HttpReply takeHook(const std::string& body);
+  HttpReply refuse(HttpRequest& request, const std::string& body, int status, const std::vector<std::string>& reasons);
+  MessageReading read();
+
+  RecordStore& store_;
+  const FaultyHandler faulty_;
+  const Say say_;
+  MessageDirectory directory_{"", ""};
+  int port_ = 0;
+  DeliveryLog log_;
+  Mutex mutex_;
+  std::vector<std::string> problems_ KESU_GUARDED_BY(mutex_);  // Of the last reading: told already.
+};
+
+}  // namespace kesu::dev

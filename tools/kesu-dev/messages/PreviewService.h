@@ -1,0 +1,35 @@
+#pragma once
+
+#include <kesu/platform/HttpClient.h>
+
+#include <atomic>
+#include <string>
+
+#include "tools/kesu-dev/messages/MessageDirectory.h"
+
+namespace kesu::dev {
+
+/// The network of a preview: a messaging service that has one message, and a collector that takes everything. Any
+/// thread; the directory must outlive it.
+class PreviewService final : public HttpClient {
+ public:
+  static constexpr const char* kOrigin = "https://preview.invalid";
+
+  PreviewService(const MessageDirectory& directory, Message message)
+      : directory_(directory), message_(std::move(message)) {}
+
+  void send(kesu::HttpRequest request, Completion completion) override;
+  std::size_t pendingCount() override { return pending_; }
+  void shutdown(double /*graceSeconds*/) override { isDown_ = true; }
+  void setConnectObserver(ConnectObserver /*observer*/) override {}
+
+ private:
+  kesu::HttpReply answer(const std::string& url) const;
+
+  const MessageDirectory& directory_;
+  const Message message_;
+  std::atomic<std::size_t> pending_{0};
+  std::atomic<bool> isDown_{false};
+};
+
+}  // namespace kesu::dev

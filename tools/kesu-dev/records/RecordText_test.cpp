@@ -1,0 +1,149 @@
+#include "tools/kesu-dev/records/RecordText.h"
+
+#include <gtest/gtest.h>
+
+#include "tools/kesu-dev/base/TablePrinter.h"
+#include "tools/kesu-dev/base/Text.h"
+#include "tools/kesu-dev/records/TestRecord.h"
+
+namespace kesu::dev {
+namespace {
+
+TEST(Text, MakesAnyBytesPrintable) {
+  const struct {
+    std::string_view bytes;
+    std::string_view text;
+  } rows[] = {
+      {"plain \xC3\xA4 \xE2\x82\xAC \xF0\x9F\x98\x80", "plain \xC3\xA4 \xE2\x82\xAC \xF0\x9F\x98\x80"},
+      {"a\x1b[31m", "a\\u001b[31m"},
+      {"two\nlines\tand", "two\\nlines\\tand"},
+      {"\xC2\x9B", "\\u009b"},
+      {"\xE2\x80\xAE", "\\u202e"},
+      {"\xC3", "\xEF\xBF\xBD"},
+      {"\xC0\xAFx", "\xEF\xBF\xBD\xEF\xBF\xBDx"},
+      {"\xED\xA0\x80", "\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD"},
+      {"\xF4\x90\x80\x80", "\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD"},
+  };
+  for (const auto& row : rows) {
+    EXPECT_EQ(printable(row.bytes), row.text);
+  }
+}
+
+TEST(Text, ShortensByCodePoints) {
+  EXPECT_EQ(shortened("\xC3\xA4\xC3\xB6\xC3\xBC", 3), "\xC3\xA4\xC3\xB6\xC3\xBC");
+  EXPECT_EQ(shortened("\xC3\xA4\xC3\xB6\xC3\xBC!", 3), "\xC3\xA4\xC3\xB6\xE2\x80\xA6");
+}
+
+TEST(Text, ReadsDecimalNumbersOnly) {
+  EXPECT_EQ(parseDecimal("0042"), 42);
+  for (const char* text : {"", "-1", "+1", "1 ", "0x1", "9223372036854775808"}) {
+    EXPECT_EQ(parseDecimal(text), std::nullopt) << text;
+  }
+}
+
+TEST(Text, WritesInstantsInUtc) {
+  EXPECT_EQ(utcText(1489579200007), "2017-03-15T12:00:00.007Z");
+}
+
+TEST(TablePrinter, WrapsTheLastColumnUnderItself) {
+  TablePrinter table({"#", "what"}, 30);
+  table.addRow({"1", "a few words that need two lines"});
+  table.addRow({"22", "one\ntwo"});
+  EXPECT_EQ(table.text(),
+            "#   what\n"
+            "------------------------------\n"
+            "1   a few words that need two\n"
+            "    lines\n"
+            "22  one\n"
+            "    two\n");
+}
+
+TEST(TablePrinter, CutsWordsThatFitNoLine) {
+  EXPECT_EQ(wrapped("abcdefgh ij", 4), (std::vector<std::string>{"abcd", "efgh", "ij"}));
+  EXPECT_EQ(wrapped("", 4), std::vector<std::string>{""});
+}
+
+TEST(RecordText, NamesRecordsInWords) {
+  const struct {
+    const char* destination;
+    Dictionary body;
+    const char* name;
+  } rows[] = {
+      {"e", {{"~e", "LevelStarted"}}, "LevelStarted"},
+      {"s", {{"~ns", "l"}, {"~ld", "Foreground Inactive"}}, "launch: Foreground Inactive"},
+      {"s", {{"~ns", "b"}}, "background"},
+      {"s", {{"~ns", "?"}}, "state ?"},
+      {"t", {{"~ft", "1"}, {"lan", "de"}}, "full traits"},
+      {"t", {{"~a:LR3", "1"}, {"~h", "2017-3-15-12"}}, "activation, period"},
+      {"i", {}, "installation"},
+      {"n", {{"action", "cta"}}, "cta"},
+      {"e", {}, ""},
+  };
+  for (const auto& row : rows) {
+    StoredRecord record;
+    record.destination = row.destination;
+    EXPECT_EQ(recordName(record, row.body), row.name);
+  }
+}
+
+TEST(RecordText, LineTellsWhatIsSpecial) {
+  StoredRecord record = testStored("e");
+  record.id = 12;
+  record.duplicateOf = 3;
+  record.wasStored = true;
+  const std::string line = recordLine(record, false);
+  EXPECT_EQ(line.substr(line.find('#')),
+            "#12    e events     LevelStarted                  world=ice  [duplicate of #3; was stored]");
+  record.reasons = {"so \x1b[2J"};
+  EXPECT_NE(recordLine(record, true).find("\x1b[31mBAD: so \\u001b[2J;"), std::string::npos);
+}
+
+TEST(RecordText, TableFoldsCommonColumns) {
+  StoredRecord first = testStored("e", "AbCdEfGhIjKlMnOpQrSt01");
+  StoredRecord second = testStored("s", "AbCdEfGhIjKlMnOpQrSt02");
+  Dictionary changed = testBody("s");
+  changed.set("av", "1.5");
+  changed.set("umem", 17);
+  second.body = jsonText(changed);
+  const std::string table = recordTable({first, second}, 100);
+  EXPECT_NE(table.find("kak=\"demo key\"  ~v=10-i-3.2.3"), std::string::npos) << table;
+  EXPECT_NE(table.find("av: 2 values"), std::string::npos) << table;
+  EXPECT_NE(table.find("launch: Foreground Inactive  umem=17\n"), std::string::npos) << table;
+  EXPECT_EQ(table.find("msg_id"), std::string::npos) << table;
+}
+
+TEST(RecordText, HintsAtKeysThatTheCatalogueDoesNotKnow) {
+  StoredRecord record = testStored("e", "AbCdEfGhIjKlMnOpQrSt01");
+  Dictionary body = testBody("e");
+  body.set("~e", "GamingLevelStart");
+  body.set("level", "3");
+  body.set("levle", "3");
+  record.body = jsonText(body);
+  const std::string table = recordTable({record}, 120);
+  EXPECT_NE(table.find("hint: \"levle\" is no key of the catalogue's GamingLevelStart"), std::string::npos) << table;
+  EXPECT_EQ(table.find("\"level\""), std::string::npos) << table;
+  EXPECT_TRUE(record.good());
+}
+
+TEST(RecordText, TableShowsBadBodiesHarmlessly) {
+  StoredRecord record;
+  record.body = "\x1b]0;x\x07 no JSON";
+  record.reasons = {"the body is not valid JSON"};
+  const std::string table = recordTable({record}, 100);
+  EXPECT_NE(table.find("! BAD: the body is not valid JSON"), std::string::npos) << table;
+  EXPECT_NE(table.find("\\u001b]0;x\\u0007 no JSON"), std::string::npos) << table;
+}
+
+TEST(RecordText, SummaryAddsUp) {
+  CountsByDestination counts;
+  counts["e"] = {3, 1, 1, 0};
+  counts[""] = {0, 2, 0, 0};
+  const std::string table = summaryTable(counts, 100);
+  EXPECT_NE(table.find("all  6        3     3    1           0"), std::string::npos) << table;
+  EXPECT_NE(table.find("-    2        0     2    0           0           requests that are no records"),
+            std::string::npos)
+      << table;
+}
+
+}  // namespace
+}  // namespace kesu::dev
