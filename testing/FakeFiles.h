@@ -1,9 +1,10 @@
 #pragma once
 
-#include <kesu/foundation/Mutex.h>
 #include <kesu/platform/Files.h>
 
 #include <vector>
+
+#include "foundation/Mutex.h"
 
 namespace kesu::testing {
 

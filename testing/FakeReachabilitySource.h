@@ -1,6 +1,5 @@
 #pragma once
 
-#include <kesu/foundation/Mutex.h>
 #include <kesu/platform/MainLoop.h>
 #include <kesu/platform/ReachabilitySource.h>
 
@@ -10,6 +9,8 @@
 #include <string>
 #include <utility>
 #include <vector>
+
+#include "foundation/Mutex.h"
 
 namespace kesu::testing {
 

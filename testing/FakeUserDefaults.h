@@ -1,9 +1,10 @@
 #pragma once
 
-#include <kesu/foundation/Mutex.h>
 #include <kesu/platform/UserDefaults.h>
 
 #include <map>
+
+#include "foundation/Mutex.h"
 
 namespace kesu::testing {
 

@@ -1,7 +1,8 @@
 #pragma once
 
-#include <kesu/foundation/Mutex.h>
 #include <kesu/platform/Files.h>
+
+#include "foundation/Mutex.h"
 
 namespace kesu::testing {
 

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <kesu/foundation/Mutex.h>
-
 #include <chrono>
 #include <condition_variable>
 #include <cstddef>
@@ -14,6 +12,8 @@
 #include <thread>
 #include <utility>
 #include <vector>
+
+#include "foundation/Mutex.h"
 
 namespace kesu::testing {
 

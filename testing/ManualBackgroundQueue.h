@@ -1,10 +1,11 @@
 #pragma once
 
-#include <kesu/foundation/Mutex.h>
 #include <kesu/platform/BackgroundQueue.h>
 
 #include <deque>
 #include <utility>
+
+#include "foundation/Mutex.h"
 
 namespace kesu::testing {
 

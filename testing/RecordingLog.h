@@ -1,11 +1,12 @@
 #pragma once
 
-#include <kesu/foundation/Mutex.h>
 #include <kesu/platform/LogSink.h>
 
 #include <string>
 #include <utility>
 #include <vector>
+
+#include "foundation/Mutex.h"
 
 namespace kesu::testing {
 

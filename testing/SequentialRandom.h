@@ -1,7 +1,8 @@
 #pragma once
 
-#include <kesu/foundation/Mutex.h>
 #include <kesu/platform/Random.h>
+
+#include "foundation/Mutex.h"
 
 namespace kesu::testing {
 

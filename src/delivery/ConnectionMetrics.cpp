@@ -7,6 +7,7 @@
 #include <limits>
 #include <utility>
 
+#include "foundation/Mutex.h"
 #include "foundation/NumberText.h"
 #include "foundation/SharedInstance.h"
 #include "support/KesuPriorityLogger.h"
@@ -14,7 +15,7 @@
 namespace kesu {
 namespace {
 
-constexpr double kFiguresASecond = 100.0;
+constexpr double kFiguresPerSecond = 100.0;
 
 OptionalText decimalText(const std::optional<std::int64_t>& number) {
   return number ? OptionalText(decimal(*number)) : std::nullopt;
@@ -51,7 +52,7 @@ void Metric::updateSessionForTask(std::int64_t received, std::int64_t sent) {
 
 void Metric::updateFinish() {
   const double start = std::trunc(latency.value_or(0.0));
-  latency = heldIn32Bits((Platform::current().clock.now() - start) * kFiguresASecond);
+  latency = heldIn32Bits((Platform::current().clock.now() - start) * kFiguresPerSecond);
   KESU_LOG_AT(3, "ConnectionMetrics", 46, "Connection Metric : %s", description().c_str());
 }
 
@@ -64,18 +65,26 @@ std::string Metric::description() const {
                        decimalText(bytesSent), " | ", "latency ", latencyText, "ms"});
 }
 
+struct ConnectionMetrics::List {
+  Mutex mutex;
+  std::vector<std::shared_ptr<Metric>> metrics KESU_GUARDED_BY(mutex);
+};
+
+ConnectionMetrics::ConnectionMetrics() : list_(std::make_unique<List>()) {}
+ConnectionMetrics::~ConnectionMetrics() = default;
+
 ConnectionMetrics& ConnectionMetrics::sharedMetrics() {
   return SharedInstance<ConnectionMetrics>::get();
 }
 
 void ConnectionMetrics::addObject(std::shared_ptr<Metric> metric) {
-  const MutexLock lock(mutex_);
-  metrics_.push_back(std::move(metric));
+  const MutexLock lock(list_->mutex);
+  list_->metrics.push_back(std::move(metric));
 }
 
 std::vector<std::shared_ptr<Metric>> ConnectionMetrics::metricArray() {
-  const MutexLock lock(mutex_);
-  return metrics_;
+  const MutexLock lock(list_->mutex);
+  return list_->metrics;
 }
 
 }  // namespace kesu

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <kesu/foundation/Mutex.h>
 #include <kesu/foundation/Value.h>
 #include <kesu/platform/Clock.h>
 #include <kesu/platform/HttpClient.h>
@@ -11,6 +10,7 @@
 
 #include "delivery/KesuStore.h"
 #include "delivery/PostOutcome.h"
+#include "foundation/Mutex.h"
 #include "services/DeploymentSettings.h"
 
 namespace kesu {

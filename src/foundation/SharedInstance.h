@@ -1,9 +1,9 @@
 #pragma once
 
-#include <kesu/foundation/Mutex.h>
-
 #include <atomic>
 #include <memory>
+
+#include "foundation/Mutex.h"
 
 namespace kesu {
 

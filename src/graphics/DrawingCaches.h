@@ -1,12 +1,12 @@
 #pragma once
 
-#include <kesu/foundation/Mutex.h>
 #include <kesu/graphics/Geometry.h>
 #include <kesu/graphics/Image.h>
 
 #include <list>
 #include <memory>
 
+#include "foundation/Mutex.h"
 #include "graphics/CairoHandles.h"
 
 namespace kesu {

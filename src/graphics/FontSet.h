@@ -1,6 +1,5 @@
 #pragma once
 
-#include <kesu/foundation/Mutex.h>
 #include <kesu/graphics/Font.h>
 
 #include <cstddef>
@@ -8,6 +7,7 @@
 #include <memory>
 #include <string>
 
+#include "foundation/Mutex.h"
 #include "graphics/TextLayout.h"
 
 struct _PangoContext;

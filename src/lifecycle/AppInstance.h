@@ -1,12 +1,13 @@
 #pragma once
 
-#include <kesu/foundation/Mutex.h>
 #include <kesu/platform/Random.h>
 #include <kesu/platform/UserDefaults.h>
 
 #include <cstdint>
 #include <optional>
 #include <string>
+
+#include "foundation/Mutex.h"
 
 namespace kesu {
 

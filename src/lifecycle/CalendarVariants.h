@@ -1,11 +1,11 @@
 #pragma once
 
-#include <kesu/foundation/Mutex.h>
 #include <kesu/foundation/Value.h>
 #include <kesu/platform/Clock.h>
 #include <kesu/platform/LocaleService.h>
 #include <kesu/platform/UserDefaults.h>
 
+#include "foundation/Mutex.h"
 #include "lifecycle/WeekCalendar.h"
 
 namespace kesu {

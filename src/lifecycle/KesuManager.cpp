@@ -22,7 +22,7 @@ namespace kesu {
 namespace {
 
 constexpr double kLocationCheckSeconds = 60.0;
-constexpr double kSecondsADay = 86400.0;
+constexpr double kSecondsPerDay = 86400.0;
 constexpr const char* kSource = "KesuManager";
 
 }  // namespace
@@ -113,7 +113,7 @@ void KesuManager::newInstallation() {
 
 bool KesuManager::hasItBeenSoManyDaysSinceSaving(int days, std::string_view destination) {
   const double savedAt = platform_.defaults.real(std::string(destination) + std::string(kSaveTimeSuffix));
-  return days < 1 || savedAt == 0.0 || platform_.clock.now() - savedAt >= days * kSecondsADay;
+  return days < 1 || savedAt == 0.0 || platform_.clock.now() - savedAt >= days * kSecondsPerDay;
 }
 
 void KesuManager::printObsfucatedAscii85KaidIfNeeded() {

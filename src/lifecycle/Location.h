@@ -1,10 +1,10 @@
 #pragma once
 
-#include <kesu/foundation/Mutex.h>
-
 #include <memory>
 #include <optional>
 #include <vector>
+
+#include "foundation/Mutex.h"
 
 namespace kesu {
 

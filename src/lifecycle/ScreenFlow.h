@@ -1,6 +1,5 @@
 #pragma once
 
-#include <kesu/foundation/Mutex.h>
 #include <kesu/foundation/Value.h>
 #include <kesu/platform/Bundle.h>
 #include <kesu/platform/Clock.h>
@@ -12,6 +11,7 @@
 #include <string_view>
 
 #include "device/KesuMetrics.h"
+#include "foundation/Mutex.h"
 #include "lifecycle/UsageStatistics.h"
 
 namespace kesu {

@@ -1,12 +1,12 @@
 #pragma once
 
-#include <kesu/foundation/Mutex.h>
 #include <kesu/foundation/Value.h>
 #include <kesu/platform/Clock.h>
 #include <kesu/platform/UserDefaults.h>
 
 #include <string>
 
+#include "foundation/Mutex.h"
 #include "lifecycle/WeekCalendar.h"
 
 namespace kesu {

@@ -8,7 +8,7 @@
 namespace kesu {
 namespace {
 
-constexpr double kSecondsADay = 86400.0;
+constexpr double kSecondsPerDay = 86400.0;
 constexpr int kDaysAWeek = 7;
 
 /// Of a weekday from 1 (Sunday) to 7: days since Monday.
@@ -59,8 +59,8 @@ std::string WeekCalendar::dayStringFromToday(int days, double now) {
 }
 
 double WeekCalendar::addingDays(double secondsSince1970, int days) {
-  const double wallClock = secondsSince1970 + secondsFromGmt(secondsSince1970) + days * kSecondsADay;
-  const int offset = secondsFromGmt(secondsSince1970 + days * kSecondsADay);
+  const double wallClock = secondsSince1970 + secondsFromGmt(secondsSince1970) + days * kSecondsPerDay;
+  const int offset = secondsFromGmt(secondsSince1970 + days * kSecondsPerDay);
   const double first = wallClock - offset;
   const int offsetThere = secondsFromGmt(first);
   if (offsetThere == offset) {

@@ -1,5 +1,4 @@
 #include <gtest/gtest.h>
-#include <kesu/foundation/Mutex.h>
 
 #include <condition_variable>
 #include <deque>
@@ -9,6 +8,7 @@
 #include <thread>
 #include <vector>
 
+#include "foundation/Mutex.h"
 #include "testing/MessageScreen.h"
 #include "testing/RecordingPoster.h"
 #include "testing/ScopedPlatform.h"

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <kesu/foundation/Mutex.h>
 #include <kesu/foundation/Value.h>
 #include <kesu/graphics/Color.h>
 #include <kesu/graphics/Geometry.h>
@@ -11,6 +10,7 @@
 #include <optional>
 #include <string>
 
+#include "foundation/Mutex.h"
 #include "messaging/MessageImageLoader.h"
 
 namespace kesu {

@@ -1,6 +1,5 @@
 #include "messaging/KesuImageCache.h"
 
-#include <kesu/foundation/Mutex.h>
 #include <kesu/platform/ApplicationNotifications.h>
 
 #include <algorithm>
@@ -9,6 +8,7 @@
 #include <utility>
 
 #include "foundation/Digest.h"
+#include "foundation/Mutex.h"
 #include "graphics/ImageDecoder.h"
 #include "graphics/PngEncoder.h"
 

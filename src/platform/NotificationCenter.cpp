@@ -3,8 +3,32 @@
 
 #include <algorithm>
 #include <utility>
+#include <vector>
+
+#include "foundation/Mutex.h"
 
 namespace kesu {
+
+struct NotificationCenter::Registry {
+  struct Entry {
+    Token token = 0;
+    std::string name;
+    const void* object = nullptr;
+    Observer observer;
+  };
+
+  bool contains(Token token) {
+    const MutexLock lock(mutex);
+    return std::ranges::find(entries, token, &Entry::token) != entries.end();
+  }
+
+  Mutex mutex;
+  std::vector<Entry> entries KESU_GUARDED_BY(mutex);
+  Token lastToken KESU_GUARDED_BY(mutex) = 0;
+};
+
+NotificationCenter::NotificationCenter() : registry_(std::make_unique<Registry>()) {}
+NotificationCenter::~NotificationCenter() = default;
 
 NotificationCenter& NotificationCenter::defaultCenter() {
   return Platform::current().notifications;
@@ -12,40 +36,36 @@ NotificationCenter& NotificationCenter::defaultCenter() {
 
 NotificationCenter::Token NotificationCenter::addObserver(std::string_view name, const void* object,
                                                           Observer observer) {
-  const MutexLock lock(mutex_);
-  entries_.push_back({++lastToken_, std::string(name), object, std::move(observer)});
-  return lastToken_;
+  const MutexLock lock(registry_->mutex);
+  registry_->entries.push_back({++registry_->lastToken, std::string(name), object, std::move(observer)});
+  return registry_->lastToken;
 }
 
 void NotificationCenter::removeObserver(Token token) {
   Observer dying;  // Destroyed outside the lock: it may own something that calls back.
-  const MutexLock lock(mutex_);
-  const auto found = std::ranges::find(entries_, token, &Entry::token);
-  if (found != entries_.end()) {
+  const MutexLock lock(registry_->mutex);
+  auto& entries = registry_->entries;
+  const auto found = std::ranges::find(entries, token, &Registry::Entry::token);
+  if (found != entries.end()) {
     dying = std::move(found->observer);
-    entries_.erase(found);
+    entries.erase(found);
   }
 }
 
 void NotificationCenter::post(std::string_view name, const void* object, Dictionary userInfo) {
-  std::vector<Entry> told;
+  std::vector<Registry::Entry> receivers;
   {
-    const MutexLock lock(mutex_);
-    std::ranges::copy_if(entries_, std::back_inserter(told), [&](const Entry& entry) {
+    const MutexLock lock(registry_->mutex);
+    std::ranges::copy_if(registry_->entries, std::back_inserter(receivers), [&](const Registry::Entry& entry) {
       return entry.name == name && (entry.object == nullptr || entry.object == object);
     });
   }
   const Notification notification{std::string(name), object, std::move(userInfo)};
-  for (const Entry& entry : told) {
-    if (isRegistered(entry.token)) {
-      entry.observer(notification);
+  for (const Registry::Entry& receiver : receivers) {
+    if (registry_->contains(receiver.token)) {
+      receiver.observer(notification);
     }
   }
-}
-
-bool NotificationCenter::isRegistered(Token token) {
-  const MutexLock lock(mutex_);
-  return std::ranges::find(entries_, token, &Entry::token) != entries_.end();
 }
 
 }  // namespace kesu

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <kesu/foundation/Mutex.h>
 #include <kesu/platform/MainLoop.h>
 
 #include <atomic>
@@ -11,6 +10,8 @@
 #include <unordered_map>
 #include <utility>
 #include <vector>
+
+#include "foundation/Mutex.h"
 
 namespace kesu {
 

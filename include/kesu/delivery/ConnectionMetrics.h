@@ -1,7 +1,6 @@
 #pragma once
 
 #include <kesu/Export.h>
-#include <kesu/foundation/Mutex.h>
 #include <kesu/platform/HttpClient.h>
 
 #include <cstdint>
@@ -43,6 +42,9 @@ class KESU_API Metric : public std::enable_shared_from_this<Metric> {
 /// Every metric whose request was registered, for the life of the process. Any thread.
 class KESU_API ConnectionMetrics {
  public:
+  ConnectionMetrics();
+  ~ConnectionMetrics();
+
   /// [ConnectionMetrics sharedMetrics]
   static ConnectionMetrics& sharedMetrics();
 
@@ -53,8 +55,8 @@ class KESU_API ConnectionMetrics {
   std::vector<std::shared_ptr<Metric>> metricArray();
 
  private:
-  Mutex mutex_;
-  std::vector<std::shared_ptr<Metric>> metrics_ KESU_GUARDED_BY(mutex_);
+  struct List;
+  std::unique_ptr<List> list_;
 };
 
 }  // namespace kesu

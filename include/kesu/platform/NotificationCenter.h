@@ -1,14 +1,13 @@
 #pragma once
 
 #include <kesu/Export.h>
-#include <kesu/foundation/Mutex.h>
 #include <kesu/foundation/Value.h>
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace kesu {
 
@@ -28,6 +27,9 @@ class KESU_API NotificationCenter {
   using Observer = std::function<void(const Notification&)>;
   using Token = std::uint64_t;
 
+  NotificationCenter();
+  ~NotificationCenter();
+
   /// The notification centre of the installed platform.
   static NotificationCenter& defaultCenter();
 
@@ -41,18 +43,8 @@ class KESU_API NotificationCenter {
   void post(std::string_view name, const void* object = nullptr, Dictionary userInfo = {});
 
  private:
-  struct Entry {
-    Token token = 0;
-    std::string name;
-    const void* object = nullptr;
-    Observer observer;
-  };
-
-  bool isRegistered(Token token);
-
-  Mutex mutex_;
-  std::vector<Entry> entries_ KESU_GUARDED_BY(mutex_);
-  Token lastToken_ KESU_GUARDED_BY(mutex_) = 0;
+  struct Registry;
+  std::unique_ptr<Registry> registry_;
 };
 
 }  // namespace kesu

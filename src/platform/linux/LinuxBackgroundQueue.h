@@ -1,6 +1,5 @@
 #pragma once
 
-#include <kesu/foundation/Mutex.h>
 #include <kesu/platform/BackgroundQueue.h>
 
 #include <atomic>
@@ -11,6 +10,7 @@
 #include <thread>
 #include <vector>
 
+#include "foundation/Mutex.h"
 #include "platform/linux/base/ForkGuard.h"
 
 namespace kesu {

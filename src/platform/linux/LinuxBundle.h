@@ -1,8 +1,9 @@
 #pragma once
 
-#include <kesu/foundation/Mutex.h>
 #include <kesu/platform/Bundle.h>
 #include <kesu/platform/LocaleService.h>
+
+#include "foundation/Mutex.h"
 
 namespace kesu {
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <kesu/foundation/Mutex.h>
 #include <kesu/platform/LocaleService.h>
 
 #include <atomic>
@@ -8,6 +7,8 @@
 #include <memory>
 #include <string>
 #include <vector>
+
+#include "foundation/Mutex.h"
 
 namespace kesu {
 

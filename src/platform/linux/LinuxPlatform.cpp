@@ -1,4 +1,3 @@
-#include <kesu/foundation/Mutex.h>
 #include <kesu/platform/ApplicationNotifications.h>
 #include <kesu/platform/Platform.h>
 #include <openssl/crypto.h>
@@ -8,6 +7,7 @@
 #include <memory>
 #include <utility>
 
+#include "foundation/Mutex.h"
 #include "platform/OrderlyEnd.h"
 #include "platform/linux/HomeDirectory.h"
 #include "platform/linux/LinuxBackgroundQueue.h"

@@ -1,12 +1,12 @@
 #include "tools/kesu-dev/http/HttpServer.h"
 
-#include <kesu/foundation/Mutex.h>
 #include <sys/socket.h>
 
 #include <condition_variable>
 #include <set>
 #include <thread>
 
+#include "foundation/Mutex.h"
 #include "tools/kesu-dev/base/Text.h"
 #include "tools/kesu-dev/http/HttpConnection.h"
 

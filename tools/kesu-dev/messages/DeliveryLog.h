@@ -1,7 +1,5 @@
 #pragma once
 
-#include <kesu/foundation/Mutex.h>
-
 #include <compare>
 #include <cstdint>
 #include <deque>
@@ -10,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "foundation/Mutex.h"
 #include "tools/kesu-dev/messages/MessageDirectory.h"
 
 namespace kesu::dev {

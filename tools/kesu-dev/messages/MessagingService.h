@@ -1,12 +1,11 @@
 #pragma once
 
-#include <kesu/foundation/Mutex.h>
-
 #include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "foundation/Mutex.h"
 #include "tools/kesu-dev/http/FaultyHandler.h"
 #include "tools/kesu-dev/http/HttpServer.h"
 #include "tools/kesu-dev/messages/DeliveryLog.h"

@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 #include <httplib.h>
-#include <kesu/foundation/Mutex.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -11,6 +10,7 @@
 #include <thread>
 
 #include "foundation/Json.h"
+#include "foundation/Mutex.h"
 #include "testing/TemporaryDirectory.h"
 #include "tools/kesu-dev/commands/Services.h"
 #include "tools/kesu-dev/http/HttpFetch.h"

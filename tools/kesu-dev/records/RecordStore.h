@@ -1,7 +1,5 @@
 #pragma once
 
-#include <kesu/foundation/Mutex.h>
-
 #include <chrono>
 #include <condition_variable>
 #include <cstdint>
@@ -11,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "foundation/Mutex.h"
 #include "tools/kesu-dev/records/Database.h"
 #include "tools/kesu-dev/records/StoredRecord.h"
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <kesu/foundation/Mutex.h>
 #include <kesu/platform/UserDefaults.h>
 #include <sys/types.h>
 
@@ -11,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "foundation/Mutex.h"
 #include "platform/linux/defaults/DefaultsCheckpointer.h"
 #include "platform/linux/defaults/DefaultsEntry.h"
 #include "platform/linux/defaults/DefaultsStore.h"

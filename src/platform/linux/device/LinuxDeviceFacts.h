@@ -1,12 +1,13 @@
 #pragma once
 
-#include <kesu/foundation/Mutex.h>
 #include <kesu/platform/DeviceFacts.h>
 
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
+
+#include "foundation/Mutex.h"
 
 namespace kesu {
 

@@ -1,11 +1,12 @@
 #pragma once
 
-#include <kesu/foundation/Mutex.h>
 #include <kesu/platform/Files.h>
 
 #include <atomic>
 #include <set>
 #include <string>
+
+#include "foundation/Mutex.h"
 
 namespace kesu {
 

@@ -1,6 +1,5 @@
 #include "platform/linux/http/HttpExit.h"
 
-#include <kesu/foundation/Mutex.h>
 #include <openssl/crypto.h>
 
 #include <atomic>
@@ -8,6 +7,7 @@
 #include <memory>
 #include <vector>
 
+#include "foundation/Mutex.h"
 #include "platform/linux/base/ForkGuard.h"
 #include "platform/linux/http/HttpNetwork.h"
 

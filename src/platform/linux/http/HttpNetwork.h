@@ -1,7 +1,6 @@
 #pragma once
 
 #include <curl/curl.h>
-#include <kesu/foundation/Mutex.h>
 #include <kesu/platform/HttpClient.h>
 #include <kesu/platform/MainLoop.h>
 
@@ -14,6 +13,7 @@
 #include <thread>
 #include <vector>
 
+#include "foundation/Mutex.h"
 #include "platform/linux/http/HttpDelivery.h"
 #include "platform/linux/http/HttpEngine.h"
 #include "platform/linux/http/HttpJob.h"

@@ -1,13 +1,12 @@
 #pragma once
 
-#include <kesu/foundation/Mutex.h>
-
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "foundation/Mutex.h"
 #include "platform/linux/base/WakeEvent.h"
 #include "platform/linux/reachability/IpAddress.h"
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <kesu/foundation/Mutex.h>
 #include <kesu/platform/ReachabilitySource.h>
 
 #include <atomic>
@@ -11,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "foundation/Mutex.h"
 #include "platform/linux/base/WakeEvent.h"
 
 namespace kesu {
