@@ -6,9 +6,9 @@
 
 #include "foundation/Json.h"
 #include "tools/kesu-dev/base/Text.h"
-#include "tools/kesu-dev/collector/Arrival.h"
-#include "tools/kesu-dev/collector/EventStream.h"
 #include "tools/kesu-dev/collector/WebPage.h"
+#include "tools/kesu-dev/http/Arrival.h"
+#include "tools/kesu-dev/http/EventStream.h"
 #include "tools/kesu-dev/http/RequestGuard.h"
 #include "tools/kesu-dev/records/KeyTable.h"
 #include "tools/kesu-dev/records/RecordCheck.h"
@@ -20,12 +20,12 @@ constexpr std::int64_t kDefaultLimit = 100;
 constexpr std::int64_t kHighestLimit = 10'000;
 constexpr int kMostFollowers = 16;
 
-std::int64_t numberParameter(const HttpRequest& request, std::string_view name, std::int64_t otherwise) {
+std::int64_t numberParameter(const loopback::Request& request, std::string_view name, std::int64_t otherwise) {
   const auto text = request.parameter(name);
   return text ? parseDecimal(*text).value_or(otherwise) : otherwise;
 }
 
-StoredRecord arrival(const HttpRequest& request, const std::string& body) {
+StoredRecord arrival(const loopback::Request& request, const std::string& body) {
   CheckResult check = checkRecord({request.header("t"), request.header("v"), request.header("Content-Type"), body});
   StoredRecord record = arrivalOf(request, body);
   record.destination = request.header("t");
@@ -36,33 +36,33 @@ StoredRecord arrival(const HttpRequest& request, const std::string& body) {
   return record;
 }
 
-HttpReply acceptedReply(const StoredRecord& record, bool strict) {
+loopback::Reply acceptedReply(const StoredRecord& record, bool strict) {
   if (record.good()) {
-    HttpReply reply;
+    loopback::Reply reply;
     reply.body = R"({"ok":true})";
     return reply;
   }
   return reasonsReply(record.reasons, strict ? 400 : 200);
 }
 
-HttpReply faultsReply(const FaultTable& faults) {
+loopback::Reply faultsReply(const loopback::FaultTable& faults) {
   Array list;
-  for (const Fault& fault : faults.all()) {
-    list.emplace_back(describeFault(fault));
+  for (const loopback::Fault& fault : faults.all()) {
+    list.emplace_back(loopback::describeFault(fault));
   }
   return jsonReply({{"faults", std::move(list)}});
 }
 
 // A body with one fault, or with an array of them. Nothing and a sentence in `error` when one makes no sense.
-std::vector<Fault> faultsFrom(const std::string& body, std::string& error) {
+std::vector<loopback::Fault> faultsFrom(const std::string& body, std::string& error) {
   const std::optional<Value> parsed = parseJson(body);
   if (!parsed) {
     error = "the body is not valid JSON";
     return {};
   }
-  std::vector<Fault> faults;
+  std::vector<loopback::Fault> faults;
   for (const Value& value : parsed->array() != nullptr ? *parsed->array() : Array{*parsed}) {
-    if (std::optional<Fault> fault = faultFromJson(value, error)) {
+    if (std::optional<loopback::Fault> fault = loopback::faultFromJson(value, error)) {
       faults.push_back(std::move(*fault));
     } else {
       return {};
@@ -97,14 +97,14 @@ const Collector::RouteRow Collector::kRoutes[] = {
     {"DELETE", "/faults", &Collector::removeFaults},
 };
 
-Collector::Collector(RecordStore& store, FaultTable& faults, MessagingService& messaging, Options options)
+Collector::Collector(RecordStore& store, loopback::FaultTable& faults, MessagingService& messaging, Options options)
     : store_(store), faults_(faults), faulty_(faults), messaging_(messaging), options_(options) {}
 
-HttpReply Collector::handle(HttpRequest& request) {
+loopback::Reply Collector::handle(loopback::Request& request) {
   const std::string refused =
       refusal({request.header("Host"), request.header("Origin"), request.header("Sec-Fetch-Site")}, port_);
   if (!refused.empty()) {
-    return HttpReply::error(421, refused);
+    return loopback::Reply::error(421, refused);
   }
   const std::string method = request.method == "HEAD" ? "GET" : request.method;
   bool knownPath = false;
@@ -121,8 +121,8 @@ HttpReply Collector::handle(HttpRequest& request) {
       method == "GET" && request.path.starts_with(kImages)) {
     return messaging_.image(std::string_view(request.path).substr(kImages.size()));
   }
-  return knownPath ? HttpReply::error(405, "this route does not know " + request.method)
-                   : HttpReply::error(404, "there is nothing here; GET /help lists what there is");
+  return knownPath ? loopback::Reply::error(405, "this route does not know " + request.method)
+                   : loopback::Reply::error(404, "there is nothing here; GET /help lists what there is");
 }
 
 void Collector::interrupt() {
@@ -130,17 +130,18 @@ void Collector::interrupt() {
   store_.interrupt();
 }
 
-HttpReply Collector::takeRecord(HttpRequest& request) {
-  return faulty_.handle(request, [this](HttpRequest& whole, const std::string& body) { return accept(whole, body); });
+loopback::Reply Collector::takeRecord(loopback::Request& request) {
+  return faulty_.handle(request,
+                        [this](loopback::Request& whole, const std::string& body) { return accept(whole, body); });
 }
 
-HttpReply Collector::accept(HttpRequest& request, const std::string& body) {
+loopback::Reply Collector::accept(loopback::Request& request, const std::string& body) {
   const std::optional<StoredRecord> record = store_.add(arrival(request, body));
-  return record ? acceptedReply(*record, options_.strict) : HttpReply::error(507, "the record cannot be stored");
+  return record ? acceptedReply(*record, options_.strict) : loopback::Reply::error(507, "the record cannot be stored");
 }
 
-HttpReply Collector::page(HttpRequest&) {
-  HttpReply reply;
+loopback::Reply Collector::page(loopback::Request&) {
+  loopback::Reply reply;
   reply.contentType = "text/html; charset=utf-8";
   // The page shows what anybody posted: nothing in it may run or load from elsewhere.
   reply.headers.emplace_back("Content-Security-Policy",
@@ -151,45 +152,45 @@ HttpReply Collector::page(HttpRequest&) {
   return reply;
 }
 
-HttpReply Collector::help(HttpRequest&) {
-  return HttpReply::error(200,
-                          "kesu-dev collector\n"
-                          "  GET  /          a page that shows all this live\n"
-                          "  POST /collect   one record\n"
-                          "  GET  /all       counts\n"
-                          "  GET  /good      good records (?after=ID&limit=N)\n"
-                          "  GET  /bad       bad records and requests, with what is wrong\n"
-                          "  GET  /events    records as they arrive (server-sent events)\n"
-                          "  GET  /messages  the messages served, with their receipts and button presses\n"
-                          "  GET  /keys      what the short keys mean\n"
-                          "  GET  /faults    faults switched on; POST adds, PUT replaces, DELETE removes\n"
-                          "  POST /reset     forget all records and who fetched which message\n"
-                          "  GET  /health    whether this runs");
+loopback::Reply Collector::help(loopback::Request&) {
+  return loopback::Reply::error(200,
+                                "kesu-dev collector\n"
+                                "  GET  /          a page that shows all this live\n"
+                                "  POST /collect   one record\n"
+                                "  GET  /all       counts\n"
+                                "  GET  /good      good records (?after=ID&limit=N)\n"
+                                "  GET  /bad       bad records and requests, with what is wrong\n"
+                                "  GET  /events    records as they arrive (server-sent events)\n"
+                                "  GET  /messages  the messages served, with their receipts and button presses\n"
+                                "  GET  /keys      what the short keys mean\n"
+                                "  GET  /faults    faults switched on; POST adds, PUT replaces, DELETE removes\n"
+                                "  POST /reset     forget all records and who fetched which message\n"
+                                "  GET  /health    whether this runs");
 }
 
-HttpReply Collector::messages(HttpRequest&) {
+loopback::Reply Collector::messages(loopback::Request&) {
   return jsonReply(messaging_.report());
 }
 
-HttpReply Collector::all(HttpRequest&) {
+loopback::Reply Collector::all(loopback::Request&) {
   Dictionary counts = describeCounts(store_.counts());
   counts.set("faultHits", faults_.hits());
   return jsonReply(counts);
 }
 
-HttpReply Collector::good(HttpRequest& request) {
+loopback::Reply Collector::good(loopback::Request& request) {
   return list(RecordStore::Which::Good, request);
 }
 
-HttpReply Collector::bad(HttpRequest& request) {
+loopback::Reply Collector::bad(loopback::Request& request) {
   return list(RecordStore::Which::Bad, request);
 }
 
-HttpReply Collector::list(RecordStore::Which which, HttpRequest& request) {
+loopback::Reply Collector::list(RecordStore::Which which, loopback::Request& request) {
   const std::int64_t limit =
       std::clamp<std::int64_t>(numberParameter(request, "limit", kDefaultLimit), 1, kHighestLimit);
   const auto records = store_.read(which, numberParameter(request, "after", 0), static_cast<std::size_t>(limit));
-  HttpReply reply;
+  loopback::Reply reply;
   reply.body = R"({"records":[)";
   for (const StoredRecord& record : records) {
     reply.body += &record == records.data() ? "" : ",";
@@ -200,23 +201,23 @@ HttpReply Collector::list(RecordStore::Which which, HttpRequest& request) {
   return reply;
 }
 
-HttpReply Collector::events(HttpRequest& request) {
+loopback::Reply Collector::events(loopback::Request& request) {
   // Counted until the reply is gone, whichever way it goes.
   const std::shared_ptr<void> place(nullptr, [this](void*) { --followers_; });
   if (++followers_ > kMostFollowers) {
-    return HttpReply::error(503, "too many follow the events already");
+    return loopback::Reply::error(503, "too many follow the events already");
   }
-  HttpReply reply;
+  loopback::Reply reply;
   reply.contentType = "text/event-stream";
   reply.headers.emplace_back("Cache-Control", "no-store");
   const auto after = resumePoint(request.header("Last-Event-ID"), request.parameter("after"));
-  reply.stream = [this, after, place, isGone = request.isGone](const HttpReply::Write& write) {
+  reply.stream = [this, after, place, isGone = request.isGone](const loopback::Reply::Write& write) {
     followRecords(store_, after, write, isGone);
   };
   return reply;
 }
 
-HttpReply Collector::keys(HttpRequest&) {
+loopback::Reply Collector::keys(loopback::Request&) {
   Dictionary tables = describeKeys();
   Array routes;
   for (const MessagingRoute& route : messagingRoutes()) {
@@ -227,54 +228,54 @@ HttpReply Collector::keys(HttpRequest&) {
   return jsonReply(tables);
 }
 
-HttpReply Collector::health(HttpRequest&) {
+loopback::Reply Collector::health(loopback::Request&) {
   return jsonReply(
       {{"ok", true}, {"strict", options_.strict}, {"records", store_.identity()}, {"last", store_.news().lastId}});
 }
 
-HttpReply Collector::reset(HttpRequest& request) {
+loopback::Reply Collector::reset(loopback::Request& request) {
   std::string body;
   if (request.method == "POST") {
     request.readBody(body);
   }
   messaging_.reset();
-  return store_.reset() ? jsonReply({{"ok", true}}) : HttpReply::error(500, "the records cannot be removed");
+  return store_.reset() ? jsonReply({{"ok", true}}) : loopback::Reply::error(500, "the records cannot be removed");
 }
 
-HttpReply Collector::listFaults(HttpRequest&) {
+loopback::Reply Collector::listFaults(loopback::Request&) {
   return faultsReply(faults_);
 }
 
-HttpReply Collector::addFaults(HttpRequest& request) {
+loopback::Reply Collector::addFaults(loopback::Request& request) {
   return setFaults(request, false);
 }
 
-HttpReply Collector::replaceFaults(HttpRequest& request) {
+loopback::Reply Collector::replaceFaults(loopback::Request& request) {
   return setFaults(request, true);
 }
 
-HttpReply Collector::setFaults(HttpRequest& request, bool replaces) {
+loopback::Reply Collector::setFaults(loopback::Request& request, bool replaces) {
   std::string body;
   std::string error;
   if (!request.readBody(body)) {
-    return HttpReply::error(413, "the faults are too long");
+    return loopback::Reply::error(413, "the faults are too long");
   }
-  std::vector<Fault> faults = faultsFrom(body, error);
+  std::vector<loopback::Fault> faults = faultsFrom(body, error);
   if (!error.empty()) {
-    return HttpReply::error(400, error);
+    return loopback::Reply::error(400, error);
   }
-  for (const Fault& fault : faults) {
+  for (const loopback::Fault& fault : faults) {
     if (replaces) {
       faults_.remove(fault.route);
     }
   }
-  for (Fault& fault : faults) {
+  for (loopback::Fault& fault : faults) {
     faults_.add(std::move(fault));
   }
   return faultsReply(faults_);
 }
 
-HttpReply Collector::removeFaults(HttpRequest& request) {
+loopback::Reply Collector::removeFaults(loopback::Request& request) {
   if (const auto route = request.parameter("route")) {
     faults_.remove(*route);
   } else {

@@ -3,11 +3,11 @@
 #include <atomic>
 #include <string>
 
-#include "tools/kesu-dev/http/Faults.h"
-#include "tools/kesu-dev/http/FaultyHandler.h"
-#include "tools/kesu-dev/http/HttpServer.h"
 #include "tools/kesu-dev/messages/MessagingService.h"
 #include "tools/kesu-dev/records/RecordStore.h"
+#include "tools/loopback/Faults.h"
+#include "tools/loopback/FaultyHandler.h"
+#include "tools/loopback/Server.h"
 
 namespace kesu::dev {
 
@@ -39,12 +39,12 @@ class Collector {
   static constexpr const char* kRecordPath = "/collect";
 
   /// The references must outlive the collector.
-  Collector(RecordStore& store, FaultTable& faults, MessagingService& messaging, Options options);
+  Collector(RecordStore& store, loopback::FaultTable& faults, MessagingService& messaging, Options options);
 
   /// Port that the guard compares the Host header with. Set before the first request.
   void servesPort(int port) { port_ = port; }
 
-  HttpReply handle(HttpRequest& request);
+  loopback::Reply handle(loopback::Request& request);
 
   /// How many follow the events right now.
   int followers() const { return followers_; }
@@ -53,34 +53,34 @@ class Collector {
   void interrupt();
 
  private:
-  using Route = HttpReply (Collector::*)(HttpRequest&);
+  using Route = loopback::Reply (Collector::*)(loopback::Request&);
   struct RouteRow;
 
-  HttpReply takeRecord(HttpRequest& request);
-  HttpReply accept(HttpRequest& request, const std::string& body);
+  loopback::Reply takeRecord(loopback::Request& request);
+  loopback::Reply accept(loopback::Request& request, const std::string& body);
 
-  HttpReply page(HttpRequest& request);
-  HttpReply help(HttpRequest& request);
-  HttpReply messages(HttpRequest& request);
-  HttpReply all(HttpRequest& request);
-  HttpReply good(HttpRequest& request);
-  HttpReply bad(HttpRequest& request);
-  HttpReply list(RecordStore::Which which, HttpRequest& request);
-  HttpReply events(HttpRequest& request);
-  HttpReply keys(HttpRequest& request);
-  HttpReply health(HttpRequest& request);
-  HttpReply reset(HttpRequest& request);
-  HttpReply listFaults(HttpRequest& request);
-  HttpReply addFaults(HttpRequest& request);
-  HttpReply replaceFaults(HttpRequest& request);
-  HttpReply removeFaults(HttpRequest& request);
-  HttpReply setFaults(HttpRequest& request, bool replaces);
+  loopback::Reply page(loopback::Request& request);
+  loopback::Reply help(loopback::Request& request);
+  loopback::Reply messages(loopback::Request& request);
+  loopback::Reply all(loopback::Request& request);
+  loopback::Reply good(loopback::Request& request);
+  loopback::Reply bad(loopback::Request& request);
+  loopback::Reply list(RecordStore::Which which, loopback::Request& request);
+  loopback::Reply events(loopback::Request& request);
+  loopback::Reply keys(loopback::Request& request);
+  loopback::Reply health(loopback::Request& request);
+  loopback::Reply reset(loopback::Request& request);
+  loopback::Reply listFaults(loopback::Request& request);
+  loopback::Reply addFaults(loopback::Request& request);
+  loopback::Reply replaceFaults(loopback::Request& request);
+  loopback::Reply removeFaults(loopback::Request& request);
+  loopback::Reply setFaults(loopback::Request& request, bool replaces);
 
   static const RouteRow kRoutes[];
 
   RecordStore& store_;
-  FaultTable& faults_;
-  const FaultyHandler faulty_;
+  loopback::FaultTable& faults_;
+  const loopback::FaultyHandler faulty_;
   MessagingService& messaging_;
   const Options options_;
   int port_ = 0;

@@ -4,8 +4,8 @@
 
 #include <sstream>
 
-#include "tools/kesu-dev/collector/EventStream.h"
 #include "tools/kesu-dev/commands/RunCommand.h"
+#include "tools/kesu-dev/http/EventStream.h"
 #include "tools/kesu-dev/http/HttpFetch.h"
 #include "tools/kesu-dev/http/RequestGuard.h"
 

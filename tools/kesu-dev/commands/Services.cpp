@@ -17,7 +17,7 @@ void sayOnStandardError(const std::string& line) {
 }
 
 // The port asked for, or the first free one from `standard` on.
-bool bindTo(HttpServer& server, const std::optional<int>& port, int standard) {
+bool bindTo(loopback::Server& server, const std::optional<int>& port, int standard) {
   if (port) {
     return server.bind(*port);
   }
@@ -41,7 +41,7 @@ std::unique_ptr<Services> Services::start(const Options& options, std::string& e
     error = "cannot open the database " + options.database + ": " + error;
     return nullptr;
   }
-  std::unique_ptr<LoopbackCertificate> certificate = LoopbackCertificate::make(error);
+  std::unique_ptr<loopback::Certificate> certificate = loopback::Certificate::make(error);
   if (certificate == nullptr) {
     return nullptr;
   }
@@ -63,14 +63,15 @@ std::unique_ptr<Services> Services::start(const Options& options, std::string& e
   return services;
 }
 
-Services::Services(std::unique_ptr<RecordStore> store, std::unique_ptr<LoopbackCertificate> certificate,
+Services::Services(std::unique_ptr<RecordStore> store, std::unique_ptr<loopback::Certificate> certificate,
                    const Options& options)
     : store_(std::move(store)),
       certificate_(std::move(certificate)),
       messaging_(*store_, faults_, options.say ? options.say : sayOnStandardError),
       collector_(*store_, faults_, messaging_, {options.strict}),
-      server_([this](HttpRequest& request) { return collector_.handle(request); }),
-      messagingServer_([this](HttpRequest& request) { return messaging_.handle(request); }, &certificate_->context()) {}
+      server_([this](loopback::Request& request) { return collector_.handle(request); }),
+      messagingServer_([this](loopback::Request& request) { return messaging_.handle(request); },
+                       &certificate_->context()) {}
 
 Services::~Services() {
   stop();

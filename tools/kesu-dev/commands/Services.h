@@ -6,11 +6,11 @@
 #include <vector>
 
 #include "tools/kesu-dev/collector/Collector.h"
-#include "tools/kesu-dev/http/Faults.h"
-#include "tools/kesu-dev/http/HttpServer.h"
-#include "tools/kesu-dev/http/LoopbackCertificate.h"
 #include "tools/kesu-dev/messages/MessagingService.h"
 #include "tools/kesu-dev/records/RecordStore.h"
+#include "tools/loopback/Certificate.h"
+#include "tools/loopback/Faults.h"
+#include "tools/loopback/Server.h"
 
 namespace kesu::dev {
 
@@ -35,7 +35,7 @@ class Services {
   static std::unique_ptr<Services> start(const Options& options, std::string& error);
 
   /// Only start() calls this.
-  Services(std::unique_ptr<RecordStore> store, std::unique_ptr<LoopbackCertificate> certificate,
+  Services(std::unique_ptr<RecordStore> store, std::unique_ptr<loopback::Certificate> certificate,
            const Options& options);
 
   /// Stops.
@@ -59,7 +59,7 @@ class Services {
 
   MessagingService& messaging() { return messaging_; }
   RecordStore& store() { return *store_; }
-  FaultTable& faults() { return faults_; }
+  loopback::FaultTable& faults() { return faults_; }
 
   /// Gives what a program that has ended left in its connections a moment to be taken in.
   void settle();
@@ -69,12 +69,12 @@ class Services {
 
  private:
   std::unique_ptr<RecordStore> store_;
-  std::unique_ptr<LoopbackCertificate> certificate_;
-  FaultTable faults_;
+  std::unique_ptr<loopback::Certificate> certificate_;
+  loopback::FaultTable faults_;
   MessagingService messaging_;
   Collector collector_;
-  HttpServer server_;
-  HttpServer messagingServer_;
+  loopback::Server server_;
+  loopback::Server messagingServer_;
 };
 
 }  // namespace kesu::dev

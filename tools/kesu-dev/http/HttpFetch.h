@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "tools/kesu-dev/collector/EventStream.h"
+#include "tools/kesu-dev/http/EventStream.h"
 
 namespace kesu::dev {
 

@@ -6,7 +6,7 @@
 
 #include "foundation/Json.h"
 #include "tools/kesu-dev/base/Text.h"
-#include "tools/kesu-dev/collector/Arrival.h"
+#include "tools/kesu-dev/http/Arrival.h"
 #include "tools/kesu-dev/http/RequestGuard.h"
 #include "tools/kesu-dev/messages/ImageSize.h"
 #include "tools/kesu-dev/messages/MessageReport.h"
@@ -31,7 +31,7 @@ Array listOf(const std::vector<Message>& messages, Dictionary Message::*part) {
 
 }  // namespace
 
-MessagingService::MessagingService(RecordStore& store, FaultTable& faults, Say say)
+MessagingService::MessagingService(RecordStore& store, loopback::FaultTable& faults, Say say)
     : store_(store), faulty_(faults), say_(std::move(say)) {}
 
 void MessagingService::serve(const std::string& directory, int port) {
@@ -40,16 +40,17 @@ void MessagingService::serve(const std::string& directory, int port) {
   read();
 }
 
-HttpReply MessagingService::handle(HttpRequest& request) {
+loopback::Reply MessagingService::handle(loopback::Request& request) {
   const std::string refused =
       refusal({request.header("Host"), request.header("Origin"), request.header("Sec-Fetch-Site")}, port_);
   if (!refused.empty()) {
-    return HttpReply::error(421, refused);
+    return loopback::Reply::error(421, refused);
   }
-  return faulty_.handle(request, [this](HttpRequest& whole, const std::string& body) { return answer(whole, body); });
+  return faulty_.handle(request,
+                        [this](loopback::Request& whole, const std::string& body) { return answer(whole, body); });
 }
 
-HttpReply MessagingService::answer(HttpRequest& request, const std::string& body) {
+loopback::Reply MessagingService::answer(loopback::Request& request, const std::string& body) {
   if (const MessagingRoute* route = findMessagingRoute(request.path)) {
     return answerCall(*route, request, body);
   }
@@ -60,11 +61,12 @@ HttpReply MessagingService::answer(HttpRequest& request, const std::string& body
   if (request.method == "POST" && request.path == kHookPath) {
     return takeHook(body);
   }
-  return isGet ? HttpReply::error(404, "this is kesu-dev's messaging service; its routes are for applications")
+  return isGet ? loopback::Reply::error(404, "this is kesu-dev's messaging service; its routes are for applications")
                : refuse(request, body, 404, {"the messaging service has no such path"});
 }
 
-HttpReply MessagingService::answerCall(const MessagingRoute& route, HttpRequest& request, const std::string& body) {
+loopback::Reply MessagingService::answerCall(const MessagingRoute& route, loopback::Request& request,
+                                             const std::string& body) {
   const MessagingCheck check = checkMessagingRequest(route, {request.method, request.header("Content-Type"), body});
   if (check.reasons.empty()) {
     return answerGood(route.call, request, body, check.body);
@@ -72,8 +74,8 @@ HttpReply MessagingService::answerCall(const MessagingRoute& route, HttpRequest&
   return refuse(request, body, request.method == route.method ? 400 : 405, check.reasons);
 }
 
-HttpReply MessagingService::answerGood(MessagingCall call, HttpRequest& request, const std::string& body,
-                                       const Dictionary& asked) {
+loopback::Reply MessagingService::answerGood(MessagingCall call, loopback::Request& request, const std::string& body,
+                                             const Dictionary& asked) {
   const std::string instance = instanceOf(asked);
   switch (call) {
     case MessagingCall::Count:
@@ -91,10 +93,11 @@ HttpReply MessagingService::answerGood(MessagingCall call, HttpRequest& request,
     case MessagingCall::Tags:
       return jsonReply({{"tags", read().tags}});
   }
-  return HttpReply::closed();
+  return loopback::Reply::closed();
 }
 
-HttpReply MessagingService::singleMessage(HttpRequest& request, const std::string& body, const Dictionary& asked) {
+loopback::Reply MessagingService::singleMessage(loopback::Request& request, const std::string& body,
+                                                const Dictionary& asked) {
   const MessageReading reading = read();
   const auto found = std::find_if(reading.messages.begin(), reading.messages.end(), [&](const Message& message) {
     return message.mid == *asked.findText("mid") && message.cid == *asked.findText("cid");
@@ -106,15 +109,15 @@ HttpReply MessagingService::singleMessage(HttpRequest& request, const std::strin
   return jsonReply(found->full);
 }
 
-HttpReply MessagingService::takeHook(const std::string& body) {
+loopback::Reply MessagingService::takeHook(const std::string& body) {
   const std::string kept = validUtf8(std::string_view(body).substr(0, kHookBytesKept));
   log_.addHook({nowMilliseconds(), kept});
   say_("web hook called: " + printable(shortened(kept, kHookShown)));
   return jsonReply({{"ok", true}});
 }
 
-HttpReply MessagingService::refuse(HttpRequest& request, const std::string& body, int status,
-                                   const std::vector<std::string>& reasons) {
+loopback::Reply MessagingService::refuse(loopback::Request& request, const std::string& body, int status,
+                                         const std::vector<std::string>& reasons) {
   const std::optional<Value> parsed = parseJson(body);
   StoredRecord record = arrivalOf(request, body);
   record.bodyIsObject = parsed && parsed->dictionary() != nullptr;
@@ -123,12 +126,12 @@ HttpReply MessagingService::refuse(HttpRequest& request, const std::string& body
   return reasonsReply(reasons, status);
 }
 
-HttpReply MessagingService::image(std::string_view name) const {
+loopback::Reply MessagingService::image(std::string_view name) const {
   std::optional<std::string> bytes = directory_.image(name);
   if (!bytes) {
-    return HttpReply::error(404, "there is no such picture");
+    return loopback::Reply::error(404, "there is no such picture");
   }
-  HttpReply reply;
+  loopback::Reply reply;
   reply.contentType = imageType(name);
   reply.headers.emplace_back("Cache-Control", "no-cache");
   reply.body = std::move(*bytes);

@@ -6,12 +6,12 @@
 #include <vector>
 
 #include "foundation/Mutex.h"
-#include "tools/kesu-dev/http/FaultyHandler.h"
-#include "tools/kesu-dev/http/HttpServer.h"
 #include "tools/kesu-dev/messages/DeliveryLog.h"
 #include "tools/kesu-dev/messages/MessageDirectory.h"
 #include "tools/kesu-dev/messages/MessagingCheck.h"
 #include "tools/kesu-dev/records/RecordStore.h"
+#include "tools/loopback/FaultyHandler.h"
+#include "tools/loopback/Server.h"
 
 namespace kesu::dev {
 
@@ -33,16 +33,16 @@ class MessagingService {
   static constexpr const char* kHookPath = "/hook";
 
   /// Serves nothing yet; the references must outlive the service.
-  MessagingService(RecordStore& store, FaultTable& faults, Say say);
+  MessagingService(RecordStore& store, loopback::FaultTable& faults, Say say);
 
   /// Serves this directory (empty: no messages) on that port from now on; the port stands in the addresses of pictures
   /// and web hooks. Tells of broken files at once. Before the first request.
   void serve(const std::string& directory, int port);
 
-  HttpReply handle(HttpRequest& request);
+  loopback::Reply handle(loopback::Request& request);
 
   /// A picture of the directory, or 404.
-  HttpReply image(std::string_view name) const;
+  loopback::Reply image(std::string_view name) const;
 
   /// All that there is to know about the messages, for `GET /messages`.
   Dictionary report();
@@ -51,16 +51,18 @@ class MessagingService {
   void reset() { log_.clear(); }
 
  private:
-  HttpReply answer(HttpRequest& request, const std::string& body);
-  HttpReply answerCall(const MessagingRoute& route, HttpRequest& request, const std::string& body);
-  HttpReply answerGood(MessagingCall call, HttpRequest& request, const std::string& body, const Dictionary& asked);
-  HttpReply singleMessage(HttpRequest& request, const std::string& body, const Dictionary& asked);
-  HttpReply takeHook(const std::string& body);
-  HttpReply refuse(HttpRequest& request, const std::string& body, int status, const std::vector<std::string>& reasons);
+  loopback::Reply answer(loopback::Request& request, const std::string& body);
+  loopback::Reply answerCall(const MessagingRoute& route, loopback::Request& request, const std::string& body);
+  loopback::Reply answerGood(MessagingCall call, loopback::Request& request, const std::string& body,
+                             const Dictionary& asked);
+  loopback::Reply singleMessage(loopback::Request& request, const std::string& body, const Dictionary& asked);
+  loopback::Reply takeHook(const std::string& body);
+  loopback::Reply refuse(loopback::Request& request, const std::string& body, int status,
+                         const std::vector<std::string>& reasons);
   MessageReading read();
 
   RecordStore& store_;
-  const FaultyHandler faulty_;
+  const loopback::FaultyHandler faulty_;
   const Say say_;
   MessageDirectory directory_{"", ""};
   int port_ = 0;

@@ -9,23 +9,23 @@
 #include <string>
 #include <vector>
 
-#include "tools/kesu-dev/http/TlsChannel.h"
+#include "tools/loopback/TlsChannel.h"
 
-namespace kesu::dev {
+namespace kesu::loopback {
 
 /// One accepted connection: what the HTTP library reads requests from and writes replies to.
 ///
 /// Our own instead of the library's, for what a tool that simulates faults needs: it closes a connection at any point
 /// of a request, sees that the sender has gone, and is woken from any wait by abort(). Used by one worker thread;
 /// abort() and isGone() by any.
-class HttpConnection final : public httplib::Stream {
+class Connection final : public httplib::Stream {
  public:
   /// Takes over a connected socket. With `tls` the connection is encrypted; the context must outlive it.
-  HttpConnection(int socket, ssl_ctx_st* tls);
-  ~HttpConnection() override;
+  Connection(int socket, ssl_ctx_st* tls);
+  ~Connection() override;
 
-  HttpConnection(const HttpConnection&) = delete;
-  HttpConnection& operator=(const HttpConnection&) = delete;
+  Connection(const Connection&) = delete;
+  Connection& operator=(const Connection&) = delete;
 
   /// Makes the connection ready: agrees on keys when it is encrypted. False when that fails.
   bool open();
@@ -73,4 +73,4 @@ class HttpConnection final : public httplib::Stream {
   std::size_t incomingEnd_ = 0;
 };
 
-}  // namespace kesu::dev
+}  // namespace kesu::loopback

@@ -12,7 +12,7 @@
 
 #include "foundation/Mutex.h"
 
-namespace kesu::dev {
+namespace kesu::loopback {
 
 /// What goes wrong on purpose, once the delay is over.
 enum class FaultKind {
@@ -81,4 +81,4 @@ class FaultTable {
   std::int64_t removals_ KESU_GUARDED_BY(mutex_) = 0;
 };
 
-}  // namespace kesu::dev
+}  // namespace kesu::loopback

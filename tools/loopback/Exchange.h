@@ -1,20 +1,16 @@
 #pragma once
 
-#include <chrono>
 #include <functional>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
-struct ssl_ctx_st;
-
-namespace kesu::dev {
+namespace kesu::loopback {
 
 /// One request, as a handler sees it. Lives as long as the handler runs.
-struct HttpRequest {
+struct Request {
   std::string method;
   std::string path;  // Without the query, percent-decoded.
   std::vector<std::pair<std::string, std::string>> headers;
@@ -35,7 +31,7 @@ struct HttpRequest {
 };
 
 /// What a handler answers.
-struct HttpReply {
+struct Reply {
   using Write = std::function<bool(std::string_view)>;
 
   int status = 200;
@@ -50,46 +46,8 @@ struct HttpReply {
   /// receiver has gone.
   std::function<void(const Write& write)> stream;
 
-  static HttpReply closed();
-  static HttpReply error(int status, const std::string& text);
+  static Reply closed();
+  static Reply error(int status, const std::string& text);
 };
 
-/// An HTTP/1.1 server on 127.0.0.1, with or without TLS. The handler is called for every request, on several threads at
-/// once, one request at a time for a connection.
-class HttpServer {
- public:
-  using Handler = std::function<HttpReply(HttpRequest&)>;
-
-  /// With `tls` every connection is encrypted; the context must outlive the server.
-  explicit HttpServer(Handler handler, ssl_ctx_st* tls = nullptr);
-
-  /// Stops.
-  ~HttpServer();
-
-  HttpServer(const HttpServer&) = delete;
-  HttpServer& operator=(const HttpServer&) = delete;
-
-  /// Takes a port of 127.0.0.1; 0 takes any that is free. False when it is taken.
-  bool bind(int port);
-
-  /// The port taken.
-  int port() const { return port_; }
-
-  /// Starts serving. Needs a successful bind(); threads that start here inherit the caller's signal mask.
-  void start();
-
-  /// Waits until at most that many connections are open; false when the time is up before. What a sender that has
-  /// ended left in its connections is served until then, and lost by stop().
-  bool waitForConnections(int most, std::chrono::milliseconds patience);
-
-  /// Closes every connection, waits for handlers that run (isGone() tells them) and ends. May be called twice.
-  void stop();
-
- private:
-  class Implementation;
-
-  std::unique_ptr<Implementation> implementation_;
-  int port_ = 0;
-};
-
-}  // namespace kesu::dev
+}  // namespace kesu::loopback

@@ -1,10 +1,10 @@
-#include "tools/kesu-dev/http/Faults.h"
+#include "tools/loopback/Faults.h"
 
 #include <algorithm>
 #include <array>
 #include <utility>
 
-namespace kesu::dev {
+namespace kesu::loopback {
 namespace {
 
 constexpr std::int64_t kLongestDelayMs = 10 * 60 * 1000;
@@ -239,4 +239,4 @@ bool FaultTable::waitForRemoval(const Hit& hit, std::chrono::milliseconds patien
   return removals_ != hit.removals;
 }
 
-}  // namespace kesu::dev
+}  // namespace kesu::loopback

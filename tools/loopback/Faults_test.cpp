@@ -1,13 +1,12 @@
-#include "tools/kesu-dev/http/Faults.h"
+#include "tools/loopback/Faults.h"
 
 #include <gtest/gtest.h>
 
 #include <thread>
 
 #include "foundation/Json.h"
-#include "tools/kesu-dev/records/StoredRecord.h"
 
-namespace kesu::dev {
+namespace kesu::loopback {
 namespace {
 
 std::optional<Fault> parse(const std::string& json, std::string& error) {
@@ -30,7 +29,9 @@ TEST(Faults, SurviveTheWayThroughJson) {
            R"({"route":"/a","garbageBody":true,"status":500,"hits":0})",
            R"({"route":"/a","redirect":"http://127.0.0.1:1/","status":301,"hits":0})",
        }) {
-    EXPECT_EQ(jsonText(describeFault(faultFor(json))), json);
+    std::string text;
+    EXPECT_EQ(writeJson(describeFault(faultFor(json)), text), JsonStatus::Ok);
+    EXPECT_EQ(text, json);
   }
 }
 
@@ -98,4 +99,4 @@ TEST(FaultTable, RemovesByRouteAndWakesWhoWaits) {
 }
 
 }  // namespace
-}  // namespace kesu::dev
+}  // namespace kesu::loopback

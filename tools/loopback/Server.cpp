@@ -1,4 +1,4 @@
-#include "tools/kesu-dev/http/HttpServer.h"
+#include "tools/loopback/Server.h"
 
 #include <sys/socket.h>
 
@@ -7,14 +7,13 @@
 #include <thread>
 
 #include "foundation/Mutex.h"
-#include "tools/kesu-dev/base/Text.h"
-#include "tools/kesu-dev/http/HttpConnection.h"
+#include "tools/loopback/Connection.h"
 
-namespace kesu::dev {
+namespace kesu::loopback {
 namespace {
 
 // One worker serves one connection at a time. Our own HTTP client opens six; the rest is for tests that hang requests,
-// followers of the event stream and browsers. TLS is ours too, inside HttpConnection: the HTTP library's own TLS server
+// followers of the event stream and browsers. TLS is ours too, inside Connection: the HTTP library's own TLS server
 // leaves no hand on the connection.
 constexpr std::size_t kWorkers = 128;
 constexpr std::size_t kBodyLimitBytes = std::size_t{16} * 1024 * 1024;
@@ -39,7 +38,7 @@ class Workers final : public httplib::ThreadPool {
 // What belongs to the request that a worker is serving. The HTTP library has no place for data of ours in its request,
 // and a worker serves one connection at a time.
 struct Current {
-  HttpConnection* connection = nullptr;
+  Connection* connection = nullptr;
   bool parsed = false;     // The request line and headers made sense.
   bool mustClose = false;  // The connection ends with the reply.
   std::optional<std::string> acceptEncoding;
@@ -61,8 +60,8 @@ bool isReceived(const std::string& name) {
   return name != "REMOTE_ADDR" && name != "REMOTE_PORT" && name != "LOCAL_ADDR" && name != "LOCAL_PORT";
 }
 
-HttpRequest requestFrom(const httplib::Request& from) {
-  HttpRequest request;
+Request requestFrom(const httplib::Request& from) {
+  Request request;
   request.method = from.method;
   request.path = from.path;
   for (const auto& header : from.headers) {
@@ -78,7 +77,7 @@ HttpRequest requestFrom(const httplib::Request& from) {
   return request;
 }
 
-void writeStream(HttpReply&& reply, httplib::Response& to) {
+void writeStream(Reply&& reply, httplib::Response& to) {
   current.connection->sendAtOnce();
   to.set_chunked_content_provider(reply.contentType, [stream = reply.stream](std::size_t, httplib::DataSink& sink) {
     stream([&](std::string_view piece) { return sink.write(piece.data(), piece.size()); });
@@ -87,7 +86,7 @@ void writeStream(HttpReply&& reply, httplib::Response& to) {
   });
 }
 
-void writeReply(HttpReply&& reply, httplib::Response& to) {
+void writeReply(Reply&& reply, httplib::Response& to) {
   if (reply.close) {
     current.connection->abort();
     return;
@@ -105,42 +104,9 @@ void writeReply(HttpReply&& reply, httplib::Response& to) {
 
 }  // namespace
 
-std::string_view HttpRequest::header(std::string_view name) const {
-  const std::string wanted = lowerAscii(name);
-  for (const auto& [key, value] : headers) {
-    if (lowerAscii(key) == wanted) {
-      return value;
-    }
-  }
-  return {};
-}
-
-std::optional<std::string_view> HttpRequest::parameter(std::string_view name) const {
-  for (const auto& [key, value] : query) {
-    if (key == name) {
-      return value;
-    }
-  }
-  return std::nullopt;
-}
-
-HttpReply HttpReply::closed() {
-  HttpReply reply;
-  reply.close = true;
-  return reply;
-}
-
-HttpReply HttpReply::error(int status, const std::string& text) {
-  HttpReply reply;
-  reply.status = status;
-  reply.contentType = "text/plain; charset=utf-8";
-  reply.body = text + "\n";
-  return reply;
-}
-
-class HttpServer::Implementation final : private httplib::Server {
+class Server::Implementation final : private httplib::Server {
  public:
-  Implementation(HttpServer::Handler handler, ssl_ctx_st* tls) : handler_(std::move(handler)), tls_(tls) {
+  Implementation(loopback::Server::Handler handler, ssl_ctx_st* tls) : handler_(std::move(handler)), tls_(tls) {
     // The library takes over the pool that it gets as a raw pointer.
     new_task_queue = [this] { return std::make_unique<Workers>([this] { countConnection(1); }).release(); };
     set_payload_max_length(kBodyLimitBytes);
@@ -183,7 +149,7 @@ class HttpServer::Implementation final : private httplib::Server {
     {
       const MutexLock lock(mutex_);
       stopping_ = true;
-      for (HttpConnection* connection : connections_) {
+      for (Connection* connection : connections_) {
         connection->abort();
       }
     }
@@ -211,7 +177,7 @@ class HttpServer::Implementation final : private httplib::Server {
   }
 
   void answer(const httplib::Request& from, httplib::Response& to, const httplib::ContentReader* reader) {
-    HttpRequest request = requestFrom(from);
+    Request request = requestFrom(from);
     // Without a length the library would read until the sender closes.
     bool isRead = reader == nullptr || !(from.has_header("Content-Length") || from.has_header("Transfer-Encoding"));
     // The library hands out a multipart body in pieces of its own; nobody has business sending one here.
@@ -234,7 +200,7 @@ class HttpServer::Implementation final : private httplib::Server {
   }
 
   void serveAll(socket_t socket) {
-    HttpConnection connection(socket, tls_);
+    Connection connection(socket, tls_);
     if (!enter(connection)) {
       return;
     }
@@ -253,7 +219,7 @@ class HttpServer::Implementation final : private httplib::Server {
   }
 
   // Returns whether the connection can take another request.
-  bool serveOne(HttpConnection& connection) {
+  bool serveOne(Connection& connection) {
     bool closes = false;
     current = Current{&connection, false, false, std::nullopt};
     const bool served = process_request(connection, false, closes, beginRequest);
@@ -266,7 +232,7 @@ class HttpServer::Implementation final : private httplib::Server {
     return served && sent && !closes;
   }
 
-  bool enter(HttpConnection& connection) {
+  bool enter(Connection& connection) {
     const MutexLock lock(mutex_);
     if (!stopping_) {
       connections_.insert(&connection);
@@ -274,44 +240,44 @@ class HttpServer::Implementation final : private httplib::Server {
     return !stopping_;
   }
 
-  void leave(HttpConnection& connection) {
+  void leave(Connection& connection) {
     const MutexLock lock(mutex_);
     connections_.erase(&connection);
   }
 
-  const HttpServer::Handler handler_;
+  const loopback::Server::Handler handler_;
   ssl_ctx_st* const tls_;
   std::thread listener_;
   Mutex mutex_;
   std::condition_variable_any left_;
   int open_ KESU_GUARDED_BY(mutex_) = 0;  // Accepted and not yet ended, in a worker's hands or not.
-  std::set<HttpConnection*> connections_ KESU_GUARDED_BY(mutex_);
+  std::set<Connection*> connections_ KESU_GUARDED_BY(mutex_);
   bool stopping_ KESU_GUARDED_BY(mutex_) = false;
 };
 
-HttpServer::HttpServer(Handler handler, ssl_ctx_st* tls)
+Server::Server(Handler handler, ssl_ctx_st* tls)
     : implementation_(std::make_unique<Implementation>(std::move(handler), tls)) {}
 
-HttpServer::~HttpServer() {
+Server::~Server() {
   stop();
 }
 
-bool HttpServer::bind(int port) {
+bool Server::bind(int port) {
   const int bound = implementation_->bindPort(port);
   port_ = bound > 0 ? bound : 0;
   return bound > 0;
 }
 
-void HttpServer::start() {
+void Server::start() {
   implementation_->run();
 }
 
-bool HttpServer::waitForConnections(int most, std::chrono::milliseconds patience) {
+bool Server::waitForConnections(int most, std::chrono::milliseconds patience) {
   return implementation_->waitForConnections(most, patience);
 }
 
-void HttpServer::stop() {
+void Server::stop() {
   implementation_->end();
 }
 
-}  // namespace kesu::dev
+}  // namespace kesu::loopback

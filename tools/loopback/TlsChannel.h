@@ -10,7 +10,7 @@
 struct ssl_st;
 struct ssl_ctx_st;
 
-namespace kesu::dev {
+namespace kesu::loopback {
 
 /// TLS over a connected socket, the server's side. The socket stays the caller's and becomes non-blocking. Used by one
 /// thread at a time.
@@ -49,4 +49,4 @@ class TlsChannel {
   bool broken_ = true;  // Not agreed yet, or failed: a good-bye would be out of place.
 };
 
-}  // namespace kesu::dev
+}  // namespace kesu::loopback

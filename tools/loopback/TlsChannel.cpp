@@ -1,4 +1,4 @@
-#include "tools/kesu-dev/http/TlsChannel.h"
+#include "tools/loopback/TlsChannel.h"
 
 #include <fcntl.h>
 #include <openssl/err.h>
@@ -9,7 +9,7 @@
 #include <limits>
 #include <utility>
 
-namespace kesu::dev {
+namespace kesu::loopback {
 namespace {
 
 int lengthOf(std::size_t size) {
@@ -77,4 +77,4 @@ int TlsChannel::repeat(const std::function<int()>& operation) {
   }
 }
 
-}  // namespace kesu::dev
+}  // namespace kesu::loopback

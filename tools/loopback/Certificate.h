@@ -7,22 +7,22 @@ struct evp_pkey_st;
 struct ssl_ctx_st;
 struct x509_st;
 
-namespace kesu::dev {
+namespace kesu::loopback {
 
 /// The identity of a TLS server on this machine: a key and a certificate for localhost, 127.0.0.1 and ::1 that signs
 /// itself, made anew for each run. The private key never leaves the memory; the certificate lies in a temporary file
 /// of this user's, for programs that are to trust the server, and the file goes with the object.
-class LoopbackCertificate {
+class Certificate {
  public:
   /// Returns null and one sentence in `error` when OpenSSL or the file system refuses.
-  static std::unique_ptr<LoopbackCertificate> make(std::string& error);
+  static std::unique_ptr<Certificate> make(std::string& error);
 
   /// Only make() calls this.
-  LoopbackCertificate() = default;
-  ~LoopbackCertificate();
+  Certificate() = default;
+  ~Certificate();
 
-  LoopbackCertificate(const LoopbackCertificate&) = delete;
-  LoopbackCertificate& operator=(const LoopbackCertificate&) = delete;
+  Certificate(const Certificate&) = delete;
+  Certificate& operator=(const Certificate&) = delete;
 
   /// Absolute path of the certificate, in PEM form.
   const std::string& file() const { return file_; }
@@ -42,4 +42,4 @@ class LoopbackCertificate {
   std::string file_;
 };
 
-}  // namespace kesu::dev
+}  // namespace kesu::loopback

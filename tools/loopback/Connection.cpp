@@ -1,4 +1,4 @@
-#include "tools/kesu-dev/http/HttpConnection.h"
+#include "tools/loopback/Connection.h"
 
 #include <arpa/inet.h>
 #include <fcntl.h>
@@ -12,7 +12,7 @@
 #include <cerrno>
 #include <cstring>
 
-namespace kesu::dev {
+namespace kesu::loopback {
 namespace {
 
 constexpr std::chrono::milliseconds kTransferPatience{15'000};
@@ -31,7 +31,7 @@ void describe(const sockaddr_in& address, std::string& ip, int& port) {
 
 }  // namespace
 
-HttpConnection::HttpConnection(int socket, ssl_ctx_st* tls) : socket_(socket), incoming_(kReadBytes) {
+Connection::Connection(int socket, ssl_ctx_st* tls) : socket_(socket), incoming_(kReadBytes) {
   const int on = 1;
   setsockopt(socket_, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
   fcntl(socket_, F_SETFD, FD_CLOEXEC);
@@ -40,32 +40,32 @@ HttpConnection::HttpConnection(int socket, ssl_ctx_st* tls) : socket_(socket), i
   }
 }
 
-HttpConnection::~HttpConnection() {
+Connection::~Connection() {
   if (tls_ && !aborted_) {
     tls_->sayGoodbye();
   }
   close(socket_);
 }
 
-bool HttpConnection::open() {
+bool Connection::open() {
   return !tls_ || tls_->accept();
 }
 
-bool HttpConnection::waitForRequest(std::chrono::milliseconds patience) {
+bool Connection::waitForRequest(std::chrono::milliseconds patience) {
   return incomingBegin_ < incomingEnd_ || (waitForInput(patience) && fill());
 }
 
-void HttpConnection::abort() {
+void Connection::abort() {
   aborted_ = true;
   shutdown(socket_, SHUT_RDWR);
 }
 
-bool HttpConnection::isGone() const {
+bool Connection::isGone() const {
   pollfd entry{socket_, POLLRDHUP, 0};
   return aborted_ || (poll(&entry, 1, 0) > 0 && entry.revents != 0);
 }
 
-bool HttpConnection::flush() {
+bool Connection::flush() {
   const bool sent = tls_ ? !aborted_ && tls_->write(outgoing_) : sendAll();
   if (!sent) {
     abort();
@@ -74,7 +74,7 @@ bool HttpConnection::flush() {
   return sent;
 }
 
-bool HttpConnection::sendAll() {
+bool Connection::sendAll() {
   std::size_t sent = 0;
   while (sent < outgoing_.size() && !aborted_) {
     const ssize_t count = send(socket_, outgoing_.data() + sent, outgoing_.size() - sent, MSG_NOSIGNAL | MSG_DONTWAIT);
@@ -87,7 +87,7 @@ bool HttpConnection::sendAll() {
   return !aborted_;
 }
 
-void HttpConnection::drain() {
+void Connection::drain() {
   if (tls_) {
     tls_->sayGoodbye();
   }
@@ -98,15 +98,15 @@ void HttpConnection::drain() {
   }
 }
 
-bool HttpConnection::is_readable() const {
+bool Connection::is_readable() const {
   return incomingBegin_ < incomingEnd_ || waitForInput(kTransferPatience);
 }
 
-bool HttpConnection::is_writable() const {
+bool Connection::is_writable() const {
   return !aborted_ && waitFor(POLLOUT, kTransferPatience);
 }
 
-ssize_t HttpConnection::read(char* out, size_t size) {
+ssize_t Connection::read(char* out, size_t size) {
   // An interim reply ("100 Continue") must be out before the body that it asks for can come in.
   if (incomingBegin_ == incomingEnd_ && !(flush() && waitForInput(kTransferPatience) && fill())) {
     return -1;
@@ -117,7 +117,7 @@ ssize_t HttpConnection::read(char* out, size_t size) {
   return static_cast<ssize_t>(count);
 }
 
-ssize_t HttpConnection::write(const char* bytes, size_t size) {
+ssize_t Connection::write(const char* bytes, size_t size) {
   if (aborted_) {
     return -1;
   }
@@ -126,21 +126,21 @@ ssize_t HttpConnection::write(const char* bytes, size_t size) {
   return !mustSend || flush() ? static_cast<ssize_t>(size) : -1;
 }
 
-void HttpConnection::get_remote_ip_and_port(std::string& ip, int& port) const {
+void Connection::get_remote_ip_and_port(std::string& ip, int& port) const {
   sockaddr_in address{};
   socklen_t length = sizeof address;
   getpeername(socket_, reinterpret_cast<sockaddr*>(&address), &length);
   describe(address, ip, port);
 }
 
-void HttpConnection::get_local_ip_and_port(std::string& ip, int& port) const {
+void Connection::get_local_ip_and_port(std::string& ip, int& port) const {
   sockaddr_in address{};
   socklen_t length = sizeof address;
   getsockname(socket_, reinterpret_cast<sockaddr*>(&address), &length);
   describe(address, ip, port);
 }
 
-bool HttpConnection::waitFor(short events, std::chrono::milliseconds patience) const {
+bool Connection::waitFor(short events, std::chrono::milliseconds patience) const {
   pollfd entry{socket_, events, 0};
   int result = 0;
   do {
@@ -149,11 +149,11 @@ bool HttpConnection::waitFor(short events, std::chrono::milliseconds patience) c
   return result > 0 && !aborted_;
 }
 
-bool HttpConnection::waitForInput(std::chrono::milliseconds patience) const {
+bool Connection::waitForInput(std::chrono::milliseconds patience) const {
   return (tls_ && tls_->hasInput()) || waitFor(POLLIN, patience);
 }
 
-bool HttpConnection::fill() {
+bool Connection::fill() {
   ssize_t count = 0;
   do {
     count =
@@ -164,4 +164,4 @@ bool HttpConnection::fill() {
   return count > 0;
 }
 
-}  // namespace kesu::dev
+}  // namespace kesu::loopback

@@ -1,4 +1,4 @@
-#include "tools/kesu-dev/collector/Arrival.h"
+#include "tools/kesu-dev/http/Arrival.h"
 
 #include <utility>
 
@@ -6,7 +6,7 @@
 
 namespace kesu::dev {
 
-StoredRecord arrivalOf(const HttpRequest& request, const std::string& body) {
+StoredRecord arrivalOf(const loopback::Request& request, const std::string& body) {
   Dictionary headers;
   for (const auto& [name, value] : request.headers) {
     headers.set(validUtf8(name), validUtf8(value));
@@ -19,14 +19,14 @@ StoredRecord arrivalOf(const HttpRequest& request, const std::string& body) {
   return record;
 }
 
-HttpReply jsonReply(const Dictionary& body, int status) {
-  HttpReply reply;
+loopback::Reply jsonReply(const Dictionary& body, int status) {
+  loopback::Reply reply;
   reply.status = status;
   reply.body = jsonText(body);
   return reply;
 }
 
-HttpReply reasonsReply(const std::vector<std::string>& reasons, int status) {
+loopback::Reply reasonsReply(const std::vector<std::string>& reasons, int status) {
   Array list;
   for (const std::string& reason : reasons) {
     list.emplace_back(validUtf8(reason));

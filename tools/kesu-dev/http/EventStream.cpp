@@ -1,4 +1,4 @@
-#include "tools/kesu-dev/collector/EventStream.h"
+#include "tools/kesu-dev/http/EventStream.h"
 
 #include <chrono>
 

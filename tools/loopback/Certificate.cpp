@@ -1,4 +1,4 @@
-#include "tools/kesu-dev/http/LoopbackCertificate.h"
+#include "tools/loopback/Certificate.h"
 
 #include <fcntl.h>
 #include <openssl/evp.h>
@@ -14,7 +14,7 @@
 #include <string_view>
 #include <system_error>
 
-namespace kesu::dev {
+namespace kesu::loopback {
 namespace {
 
 // A week: a server that stands on a desk outlives the day, and nothing outlives the server.
@@ -24,7 +24,7 @@ constexpr const char* kNames = "DNS:localhost,IP:127.0.0.1,IP:::1";
 constexpr std::string_view kFileEnding = ".pem";
 
 using Key = std::unique_ptr<EVP_PKEY, decltype(&EVP_PKEY_free)>;
-using Certificate = std::unique_ptr<X509, decltype(&X509_free)>;
+using X509Pointer = std::unique_ptr<X509, decltype(&X509_free)>;
 
 bool addExtension(X509& certificate, int kind, const char* value) {
   X509V3_CTX context{};
@@ -56,14 +56,14 @@ bool fill(X509& certificate, EVP_PKEY& key) {
 
 }  // namespace
 
-void LoopbackCertificate::Freer::operator()(ssl_ctx_st* context) const {
+void Certificate::Freer::operator()(ssl_ctx_st* context) const {
   SSL_CTX_free(context);
 }
 
-std::unique_ptr<LoopbackCertificate> LoopbackCertificate::make(std::string& error) {
+std::unique_ptr<Certificate> Certificate::make(std::string& error) {
   const Key key(EVP_PKEY_Q_keygen(nullptr, nullptr, "EC", "P-256"), &EVP_PKEY_free);
-  const Certificate certificate(X509_new(), &X509_free);
-  auto made = std::make_unique<LoopbackCertificate>();
+  const X509Pointer certificate(X509_new(), &X509_free);
+  auto made = std::make_unique<Certificate>();
   if (key == nullptr || certificate == nullptr || !fill(*certificate, *key) ||
       !made->prepareContext(*key, *certificate)) {
     error = "OpenSSL makes no certificate";
@@ -76,21 +76,21 @@ std::unique_ptr<LoopbackCertificate> LoopbackCertificate::make(std::string& erro
   return made;
 }
 
-LoopbackCertificate::~LoopbackCertificate() {
+Certificate::~Certificate() {
   std::error_code ignored;
   if (!file_.empty()) {
     std::filesystem::remove(file_, ignored);
   }
 }
 
-bool LoopbackCertificate::prepareContext(evp_pkey_st& key, x509_st& certificate) {
+bool Certificate::prepareContext(evp_pkey_st& key, x509_st& certificate) {
   context_.reset(SSL_CTX_new(TLS_server_method()));
   return context_ != nullptr && SSL_CTX_set_min_proto_version(context_.get(), TLS1_2_VERSION) == 1 &&
          SSL_CTX_use_certificate(context_.get(), &certificate) == 1 &&
          SSL_CTX_use_PrivateKey(context_.get(), &key) == 1;
 }
 
-bool LoopbackCertificate::save(x509_st& certificate) {
+bool Certificate::save(x509_st& certificate) {
   std::error_code error;
   const std::filesystem::path directory = std::filesystem::absolute(std::filesystem::temp_directory_path(error));
   std::string path = (directory / "kesu-dev-XXXXXX").string() + std::string(kFileEnding);
@@ -103,4 +103,4 @@ bool LoopbackCertificate::save(x509_st& certificate) {
   return file != nullptr && PEM_write_X509(file.get(), &certificate) == 1 && std::fflush(file.get()) == 0;
 }
 
-}  // namespace kesu::dev
+}  // namespace kesu::loopback
