@@ -6,6 +6,7 @@
 #include "records/DefaultsKeys.h"
 #include "records/Destinations.h"
 #include "records/RecordKeys.h"
+#include "services/MessageKeys.h"
 #include "support/KesuPriorityLogger.h"
 
 namespace kesu {
@@ -32,7 +33,7 @@ void RemoteNotifications::sendDeviceTokenTraits(const std::string& token) {
 }
 
 void RemoteNotifications::processReceivedRemoteNotification(const Object& identifier, const Dictionary& userInfo) {
-  for (const auto& [key, target] : {std::pair{"mid", k_PushMidKey}, std::pair{"cid", k_PushCidKey}}) {
+  for (const auto& [key, target] : {std::pair{kMessageIdKey, k_PushMidKey}, std::pair{kCampaignIdKey, k_PushCidKey}}) {
     if (const Value* value = userInfo.find(key)) {
       defaults_.set(target, *value);
     }

@@ -7,6 +7,7 @@
 #include "lifecycle/Provisioning.h"
 #include "records/DefaultsKeys.h"
 #include "records/RecordKeys.h"
+#include "services/MessageKeys.h"
 
 namespace kesu {
 namespace {
@@ -88,8 +89,8 @@ void addIntegrity(Dictionary& record, Bundle& bundle) {
 void addTraitData(Dictionary& record, TraitType type, const std::string& instanceId2, Platform& platform,
                   KesuMetrics& metrics) {
   const Blocks blocks = blocksOf(type);
-  copyDefault(record, "mid", platform.defaults, k_PushMidKey);
-  copyDefault(record, "cid", platform.defaults, k_PushCidKey);
+  copyDefault(record, kMessageIdKey, platform.defaults, k_PushMidKey);
+  copyDefault(record, kCampaignIdKey, platform.defaults, k_PushCidKey);
   copyDefault(record, kPushIdentifierDefault, platform.defaults, kPushIdentifierDefault);
   record.set(k_KesuAppInstanceId2, instanceId2);
   if (blocks.repair) {

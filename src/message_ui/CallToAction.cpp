@@ -14,6 +14,7 @@
 #include "records/Destinations.h"
 #include "records/MessageIdentifier.h"
 #include "records/RecordKeys.h"
+#include "services/MessageKeys.h"
 #include "support/KesuPriorityLogger.h"
 
 namespace kesu {
@@ -115,20 +116,20 @@ void tellHost(NotificationCenter& notifications, const ButtonPress& press, const
 
 void postRecord(KesuPost& post, UserDefaults& defaults, const ButtonPress& press) {
   Dictionary record;
-  setUnlessNil(record, "mid", press.messageID);
-  setUnlessNil(record, "cid", press.campaignID);
+  setUnlessNil(record, kMessageIdKey, press.messageID);
+  setUnlessNil(record, kCampaignIdKey, press.campaignID);
   setUnlessNil(record, k_KesuAppKey, defaults.get(kAppKeyDefault));
   setUnlessNil(record, k_KesuAppInstanceId, defaults.get(kInstanceIdDefault));
-  record.set("action", "cta");
+  record.set(kActionKey, kActionPressed);
   record.set(k_destinationKeyInDictionary, kTableNotifications);
-  record.set("btnId", decimal(press.tag));
-  record.set("btnName", press.title);
+  record.set(kButtonIdKey, decimal(press.tag));
+  record.set(kButtonNameKey, press.title);
   post.post(std::move(record));
 }
 
 void postEvent(const ButtonPress& press, std::int64_t status) {
   Attributes attributes;
-  setUnlessNil(attributes, "cid", press.campaignID);
+  setUnlessNil(attributes, kCampaignIdKey, press.campaignID);
   attributes.set("buttonID", press.tag);
   attributes.set("title", press.title);
   attributes.set("deepLinkStatus", status);

@@ -13,6 +13,7 @@
 #include "message_ui/MessageLog.h"
 #include "message_ui/MessagePaging.h"
 #include "message_ui/SensibleOptions.h"
+#include "services/MessageKeys.h"
 #include "support/KesuPriorityLogger.h"
 
 namespace kesu {
@@ -175,7 +176,7 @@ void KesuInAppPresenter::updateModelAtCurrentIndex(std::function<void()> complet
     next(turn);
     return;
   }
-  services_.inbox.kesu_getMessageWithContentID(headerValue("cid"), headerValue("mid"),
+  services_.inbox.kesu_getMessageWithContentID(headerValue(kCampaignIdKey), headerValue(kMessageIdKey),
                                                [this, turn, next = std::move(next)](const Object& body) {
                                                  if (turn.isCurrent()) {
                                                    const Turn taken = turns_.begin();
@@ -191,7 +192,7 @@ void KesuInAppPresenter::takeBody(const Object& body) {
     return;
   }
   logMessageContent(*dictionary);
-  const Value* payload = dictionary->find("payload");
+  const Value* payload = dictionary->find(kPayloadKey);
   const Dictionary* content = payload != nullptr ? payload->dictionary() : nullptr;
   model_ = InAppModel(content != nullptr ? *content : Dictionary(), false);
   arrivedImageSize_ = {};
@@ -390,8 +391,8 @@ void KesuInAppPresenter::didPage(std::int64_t tag) {
   if (const CompletionBlock block = completionBlock_) {
     KesuInAppStatus status;
     status.buttonIndex = tag;
-    status.messageID = textOf(headerValue("mid"));
-    status.campaignID = textOf(headerValue("cid"));
+    status.messageID = textOf(headerValue(kMessageIdKey));
+    status.campaignID = textOf(headerValue(kCampaignIdKey));
     status.status = kStatusOtherMessage;
     block(status);
   }
@@ -455,8 +456,8 @@ void KesuInAppPresenter::inAppButtonClicked(const Button& button) {
   if (data != nullptr && press.tag >= 0 && static_cast<std::size_t>(press.tag) < data->buttonCount()) {
     press.action = data->buttonActionAtIndex(static_cast<std::size_t>(press.tag));
   }
-  press.messageID = headerValue("mid");
-  press.campaignID = headerValue("cid");
+  press.messageID = headerValue(kMessageIdKey);
+  press.campaignID = headerValue(kCampaignIdKey);
   press.hasMessages = !responseValue_.empty();
   press.completionBlock = completionBlock_;
   press.delegate = [this, pressed = delegate_, turn = turns_.current()]() -> KesuInAppMessageDelegate* {

@@ -4,6 +4,7 @@
 
 #include "foundation/Describe.h"
 #include "foundation/Json.h"
+#include "services/MessageKeys.h"
 #include "support/KesuPriorityLogger.h"
 
 namespace kesu {
@@ -35,9 +36,9 @@ void logButton(const Value& entryOfButton) {
 
 void logTemplate(const Dictionary& data) {
   KESU_LOG(kLevel, "image source URL = %s,imageWidth = %d,imageHeight = %d,msgColor = %s,titleColor = %s",
-           entry(data, "imageSourceURL").c_str(), integerEntry(data, "imageWidth"), integerEntry(data, "imageHeight"),
-           entry(data, "msgColor").c_str(), entry(data, "titleColor").c_str());
-  const Value* buttons = data.find("buttons");
+           entry(data, kImageUrlKey).c_str(), integerEntry(data, kImageWidthKey), integerEntry(data, kImageHeightKey),
+           entry(data, kMessageColorKey).c_str(), entry(data, kTitleColorKey).c_str());
+  const Value* buttons = data.find(kButtonsKey);
   if (const Array* entries = buttons != nullptr ? buttons->array() : nullptr) {
     for (const Value& button : *entries) {
       logButton(button);
@@ -52,11 +53,11 @@ void logMessageContent(const Dictionary& body) {
     return;
   }
   static const Dictionary kNone;
-  const Value* value = body.find("payload");
+  const Value* value = body.find(kPayloadKey);
   const Dictionary& payload = value != nullptr && value->dictionary() != nullptr ? *value->dictionary() : kNone;
-  KESU_LOG(kLevel, "title = %s , message = %s, template-id = %s", entry(payload, "title").c_str(),
-           entry(payload, "msg").c_str(), entry(payload, "templateId").c_str());
-  const std::string* json = payload.findText("templateData");
+  KESU_LOG(kLevel, "title = %s , message = %s, template-id = %s", entry(payload, kMessageTitleKey).c_str(),
+           entry(payload, kMessageTextKey).c_str(), entry(payload, kTemplateIdKey).c_str());
+  const std::string* json = payload.findText(kTemplateDataKey);
   const auto data = json != nullptr ? parseJson(*json) : std::nullopt;
   logTemplate(data && data->dictionary() != nullptr ? *data->dictionary() : kNone);
 }

@@ -1,6 +1,7 @@
 #include "messaging/InAppModel.h"
 
 #include "foundation/Json.h"
+#include "services/MessageKeys.h"
 
 namespace kesu {
 namespace {
@@ -22,10 +23,10 @@ void readText(const Dictionary& dictionary, std::string_view key, std::string& t
 }  // namespace
 
 InAppModel::InAppModel(const Dictionary& dictionary, bool loadDefaults) {
-  readText(dictionary, "msg", msg);
-  readText(dictionary, "title", title);
-  readText(dictionary, "templateId", templateID);
-  if (const std::string* json = dictionary.findText("templateData")) {
+  readText(dictionary, kMessageTextKey, msg);
+  readText(dictionary, kMessageTitleKey, title);
+  readText(dictionary, kTemplateIdKey, templateID);
+  if (const std::string* json = dictionary.findText(kTemplateDataKey)) {
     templateData = templateDataOf(*json, loadDefaults);
     templateData->setTextOverlapsImage(templateID == kTemplateWithTextOverImage);
   }

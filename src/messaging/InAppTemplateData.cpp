@@ -5,6 +5,7 @@
 #include "graphics/DataUrl.h"
 #include "graphics/ImageDecoder.h"
 #include "messaging/HexColor.h"
+#include "services/MessageKeys.h"
 
 namespace kesu {
 namespace {
@@ -42,17 +43,17 @@ InAppTemplateData::InAppTemplateData(const Dictionary& dictionary, bool loadDefa
   if (dictionary.empty()) {
     return;
   }
-  imageURL_ = textOf(dictionary, "imageSourceURL");
+  imageURL_ = textOf(dictionary, kImageUrlKey);
   shouldLoadFromDefaults_ = loadDefaults;
-  imageWidth_ = integerOf(dictionary, "imageWidth");
-  imageHeight_ = integerOf(dictionary, "imageHeight");
-  optionalBase64Image_ = textOf(dictionary, "optionalBase64Image");
-  titleColorHex_ = textOf(dictionary, "titleColor");
-  msgColor_ = textOf(dictionary, "msgColor");
-  if (const Value* buttons = dictionary.find("buttons"); buttons != nullptr && buttons->array() != nullptr) {
+  imageWidth_ = integerOf(dictionary, kImageWidthKey);
+  imageHeight_ = integerOf(dictionary, kImageHeightKey);
+  optionalBase64Image_ = textOf(dictionary, kInlineImageKey);
+  titleColorHex_ = textOf(dictionary, kTitleColorKey);
+  msgColor_ = textOf(dictionary, kMessageColorKey);
+  if (const Value* buttons = dictionary.find(kButtonsKey); buttons != nullptr && buttons->array() != nullptr) {
     buttons_ = *buttons->array();
   }
-  canvasBgColor_ = textOf(dictionary, "canvas_bgColor");
+  canvasBgColor_ = textOf(dictionary, kCanvasColorKey);
 }
 
 std::optional<Color> InAppTemplateData::colorOf(const std::string& text) const {

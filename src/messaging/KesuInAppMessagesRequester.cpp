@@ -7,6 +7,7 @@
 #include "records/Destinations.h"
 #include "records/RecordKeys.h"
 #include "records/TimeReference.h"
+#include "services/MessageKeys.h"
 
 namespace kesu {
 namespace {
@@ -46,16 +47,16 @@ void KesuInAppMessagesRequester::getAllMessages(const ServiceCredentials& who, H
 void KesuInAppMessagesRequester::messageWithMid(const Object& mid, const Object& cid, const ServiceCredentials& who,
                                                 Handler handler) {
   Dictionary dictionary = request(who, "getmessage/", "PUT");
-  setUnlessNil(dictionary, "mid", mid);
-  setUnlessNil(dictionary, "cid", cid);
+  setUnlessNil(dictionary, kMessageIdKey, mid);
+  setUnlessNil(dictionary, kCampaignIdKey, cid);
   postInternalWithDictionary(std::move(dictionary), RequestType::Message, std::move(handler));
 
   Dictionary receipt;
-  setUnlessNil(receipt, "mid", mid);
-  setUnlessNil(receipt, "cid", cid);
+  setUnlessNil(receipt, kMessageIdKey, mid);
+  setUnlessNil(receipt, kCampaignIdKey, cid);
   setUnlessNil(receipt, k_KesuAppKey, who.kak);
   setUnlessNil(receipt, k_KesuAppInstanceId, who.kaid);
-  receipt.set("action", "delivered");
+  receipt.set(kActionKey, kActionDelivered);
   receipt.set(k_destinationKeyInDictionary, kTableNotifications);
   post_.post(std::move(receipt));
 }

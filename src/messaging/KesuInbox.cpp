@@ -11,6 +11,7 @@
 #include "messaging/MessageHeader.h"
 #include "platform/OrderlyEnd.h"
 #include "records/DefaultsKeys.h"
+#include "services/MessageKeys.h"
 #include "support/KesuPriorityLogger.h"
 
 namespace kesu {
@@ -109,7 +110,7 @@ void KesuInbox::readAhead(BackgroundQueue& worker) {
 void KesuInbox::kesu_countNewUnFetched(CountHandler handler) {
   requester_.unreadMessagesCountWithCount(storedCredentials(defaults_),
                                           [handler = std::move(handler)](const Object& reply) {
-                                            const Value* count = member(reply, "count");
+                                            const Value* count = member(reply, kMessageCountKey);
                                             call(handler, count != nullptr ? count->integerValue() : 0);
                                           });
 }
@@ -124,7 +125,7 @@ void KesuInbox::kesu_getTotalUnreadMessages(CountHandler handler) {
   const auto unread =
       headers.size() - static_cast<std::size_t>(std::count_if(headers.begin(), headers.end(), isContentRead));
   requester_.unreadMessagesCountWithCount(who, [unread, handler = std::move(handler)](const Object& reply) {
-    const Value* count = member(reply, "count");
+    const Value* count = member(reply, kMessageCountKey);
     const std::int64_t fetched = count != nullptr ? count->integerValue() : 0;
     std::int64_t sum = 0;
     const bool overflows = __builtin_add_overflow(static_cast<std::int64_t>(unread), fetched, &sum);
@@ -152,7 +153,7 @@ void KesuInbox::kesu_getMessageHeadersForType(KesuInAppMessageType type, ObjectH
 }
 
 void KesuInbox::keepHeaders(KesuInAppMessageType type, const Object& reply, const ObjectHandler& handler) {
-  const Value* list = member(reply, "metadatalist");
+  const Value* list = member(reply, kHeaderListKey);
   Array merged = storedArray(kHeadersDefault);
   const bool isChanged = appendMarked(merged, list, false) > 0;
   Object all = type == KesuInAppMessageType::All ? Object(Value(merged)) : Object();
@@ -193,7 +194,7 @@ void KesuInbox::kesu_getMessagesForType(KesuInAppMessageType type, const ObjectH
 
 void KesuInbox::getAllMessagesTypeUnread(const ObjectHandler& handler) {
   requester_.getAllMessages(storedCredentials(defaults_), [this, handler](const Object& reply) {
-    const Value* payloadList = member(reply, "payloadlist");
+    const Value* payloadList = member(reply, kMessageListKey);
     afterwards([&] { call(handler, copyOf(payloadList)); },
                [&] {
                  if (payloadList != nullptr) {
@@ -257,7 +258,7 @@ void KesuInbox::updateDefaultsForReadMessage(const Object& messageID) {
   }
   const auto isMeant = [&messageID](const Value& header) {
     const Dictionary* dictionary = header.dictionary();
-    const Value* mid = dictionary != nullptr ? dictionary->find("mid") : nullptr;
+    const Value* mid = dictionary != nullptr ? dictionary->find(kMessageIdKey) : nullptr;
     return mid != nullptr && messageID && *mid == *messageID;
   };
   const auto header = std::find_if(headers->begin(), headers->end(), isMeant);

@@ -8,23 +8,23 @@
 #include "foundation/Keepable.h"
 #include "platform/OrderlyEnd.h"
 #include "records/DefaultsKeys.h"
+#include "services/MessageKeys.h"
 #include "services/ServiceCredentials.h"
 
 namespace kesu {
 namespace {
 
 constexpr LogPlace kReplyPlace{"KesuPersonalizationIntelligence", 159};
-constexpr std::string_view kTags = "tags";
 
 std::atomic<PersonalizationTags::Provider> providerOfTags{nullptr};
 
 // The list in a reply, which holds it as JSON within a text of JSON; nothing unless there is a tag in it.
 std::optional<Value> tagsIn(const Object& reply) {
   const Dictionary* outer = reply ? reply->dictionary() : nullptr;
-  const std::string* json = outer != nullptr ? outer->findText(kTags) : nullptr;
+  const std::string* json = outer != nullptr ? outer->findText(kTagsKey) : nullptr;
   const std::optional<Value> parsed = json != nullptr && !json->empty() ? parseJson(*json) : std::nullopt;
   const Dictionary* inner = parsed ? parsed->dictionary() : nullptr;
-  const Value* tags = inner != nullptr ? inner->find(kTags) : nullptr;
+  const Value* tags = inner != nullptr ? inner->find(kTagsKey) : nullptr;
   const bool hasTags = tags != nullptr && tags->array() != nullptr && !tags->array()->empty();
   return hasTags ? std::optional(*tags) : std::nullopt;
 }
