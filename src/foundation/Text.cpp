@@ -60,10 +60,6 @@ bool areEightAscii(const char* bytes) {
   return (eight & 0x8080808080808080u) == 0;
 }
 
-char asciiLower(char character) {
-  return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
-}
-
 }  // namespace
 
 std::string strippedOfWhitespace(std::string_view text) {
@@ -135,6 +131,16 @@ std::string_view pathExtension(std::string_view path) {
   const std::string_view name = lastPathComponent(path);
   const std::size_t dot = name.rfind('.');
   return dot == std::string_view::npos || dot == 0 ? std::string_view() : name.substr(dot + 1);
+}
+
+char asciiLower(char character) {
+  return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
+}
+
+std::string asciiLowerCase(std::string_view text) {
+  std::string lower(text);
+  std::ranges::transform(lower, lower.begin(), asciiLower);
+  return lower;
 }
 
 bool equalsIgnoringCase(std::string_view left, std::string_view right) {

@@ -32,6 +32,12 @@ std::string_view lastPathComponent(std::string_view path);
 /// What follows the last dot of the last component; "" when there is no dot or only the one that begins the name.
 std::string_view pathExtension(std::string_view path);
 
+/// The lower-case form of an ASCII letter; any other byte stays. Does not depend on the locale.
+char asciiLower(char character);
+
+/// The text with its ASCII letters in lower case.
+std::string asciiLowerCase(std::string_view text);
+
 /// Whether the texts are equal when the ASCII letters of either case count as equal.
 bool equalsIgnoringCase(std::string_view left, std::string_view right);
 

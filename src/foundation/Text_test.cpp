@@ -92,6 +92,7 @@ TEST(TextTest, ComparesIgnoringCaseOfAsciiLetters) {
   EXPECT_FALSE(equalsIgnoringCase("true", "true "));
   EXPECT_FALSE(equalsIgnoringCase("@[", "`{"));
   EXPECT_FALSE(equalsIgnoringCase("\xC3\x84", "\xC3\xA4"));
+  EXPECT_EQ(asciiLowerCase("aZ@[\xC3\x84"), "az@[\xC3\x84");
 }
 
 }  // namespace

@@ -1,8 +1,9 @@
 #include "services/DeploymentSettings.h"
 
-#include <charconv>
+#include <optional>
 
 #include "foundation/Text.h"
+#include "foundation/Url.h"
 
 namespace kesu {
 namespace {
@@ -10,47 +11,23 @@ namespace {
 constexpr int kHttpsPort = 443;
 constexpr int kHttpPort = 80;
 
-int portOr(std::string_view digits, int fallback) {
-  int port = 0;
-  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), port);
-  const bool usable = error == std::errc() && end == digits.data() + digits.size() && port > 0 && port <= 65535;
-  return usable ? port : fallback;
+// A port that cannot be connected to must not keep reachability from being watched at all.
+HostAndPort hostAndPortOf(const std::optional<UrlParts>& parts, int defaultPort) {
+  if (!parts) {
+    return {"", defaultPort};
+  }
+  const int port = portNumber(parts->port).value_or(0);
+  return {std::string(withoutBrackets(parts->host)), port != 0 ? port : defaultPort};
 }
 
 }  // namespace
 
-HostAndPort hostAndPortOfAuthority(const std::string& authority, int defaultPort) {
-  const std::string_view all = authority;
-  if (all.starts_with('[')) {
-    const std::size_t close = all.find(']');
-    if (close == std::string_view::npos) {
-      return {"", defaultPort};
-    }
-    const std::string_view rest = all.substr(close + 1);
-    return {std::string(all.substr(1, close - 1)),
-            rest.starts_with(':') ? portOr(rest.substr(1), defaultPort) : defaultPort};
-  }
-  const std::size_t colon = all.rfind(':');
-  if (colon == std::string_view::npos) {
-    return {authority, defaultPort};
-  }
-  return {std::string(all.substr(0, colon)), portOr(all.substr(colon + 1), defaultPort)};
-}
-
 HostAndPort hostAndPortOfUrl(const std::string& url) {
-  const std::size_t schemeEnd = url.find("://");
-  if (schemeEnd == std::string::npos) {
-    return {};
+  const auto parts = splitUrl(url);
+  if (parts && equalsIgnoringCase(parts->scheme, "http://")) {
+    return hostAndPortOf(parts, kHttpPort);
   }
-  const std::string_view scheme = std::string_view(url).substr(0, schemeEnd);
-  const bool isPlain = equalsIgnoringCase(scheme, "http");
-  if (!isPlain && !equalsIgnoringCase(scheme, "https")) {
-    return {};
-  }
-  const std::size_t begin = schemeEnd + 3;
-  std::string authority = url.substr(begin, url.find_first_of("/?#", begin) - begin);
-  authority.erase(0, authority.rfind('@') + 1);
-  return hostAndPortOfAuthority(authority, isPlain ? kHttpPort : kHttpsPort);
+  return parts && equalsIgnoringCase(parts->scheme, "https://") ? hostAndPortOf(parts, kHttpsPort) : HostAndPort();
 }
 
 std::string DeploymentSettings::textOr(std::string_view key, const char* builtIn) {
@@ -68,7 +45,7 @@ std::string DeploymentSettings::collectorUrl() {
 
 HostAndPort DeploymentSettings::reachabilityHost() {
   const std::string chosen = textOr("KesuReachabilityHost", "");
-  return chosen.empty() ? hostAndPortOfUrl(collectorUrl()) : hostAndPortOfAuthority(chosen, kHttpsPort);
+  return chosen.empty() ? hostAndPortOfUrl(collectorUrl()) : hostAndPortOf(splitHostAndPort(chosen), kHttpsPort);
 }
 
 std::string DeploymentSettings::messagingHost() {

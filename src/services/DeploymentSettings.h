@@ -7,18 +7,15 @@
 
 namespace kesu {
 
-/// A host and the port on it.
+/// A host and a port on it.
 struct HostAndPort {
   std::string host;
   int port = 443;
 };
 
-/// The host and port that an absolute http(s) URL names; an empty host when it is none. The default port follows the
-/// scheme. Square brackets around an IPv6 address are taken off.
+/// Finds the host and port of an absolute http(s) URL; the host is empty for any other text. An IPv6 address comes
+/// without its brackets. A port that is missing or unusable is replaced by the scheme's. Pure.
 HostAndPort hostAndPortOfUrl(const std::string& url);
-
-/// The host and port that "host[:port]" or "[v6]:port" names; an empty host when the text is none.
-HostAndPort hostAndPortOfAuthority(const std::string& authority, int defaultPort);
 
 /// Where the services are. Answers come from the bundle's information dictionary (over which the environment and the
 /// host's options are laid), else from what was built in. Any thread.

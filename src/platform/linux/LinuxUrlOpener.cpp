@@ -11,32 +11,14 @@
 #include <string_view>
 #include <utility>
 
+#include "foundation/Text.h"
+#include "foundation/Url.h"
 #include "platform/linux/base/ServiceThread.h"
 
 namespace kesu {
 namespace {
 
 constexpr std::array<std::string_view, 4> kRefusedSchemes = {"file", "javascript", "vbscript", "data"};
-
-bool isLetter(char character) {
-  return character >= 'a' && character <= 'z';
-}
-
-bool isSchemeCharacter(char character) {
-  return isLetter(character) || (character >= '0' && character <= '9') || character == '+' || character == '-' ||
-         character == '.';
-}
-
-// The scheme in lower case, "" when the URL does not begin with one.
-std::string schemeOf(const std::string& url) {
-  std::string scheme = url.substr(0, url.find(':'));
-  std::ranges::transform(scheme, scheme.begin(), [](char character) {
-    return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
-  });
-  const bool isScheme = scheme.size() < url.size() && !scheme.empty() && isLetter(scheme.front()) &&
-                        std::ranges::all_of(scheme, isSchemeCharacter);
-  return isScheme ? scheme : std::string();
-}
 
 bool isControl(char character) {
   return static_cast<unsigned char>(character) < 0x20 || character == 0x7F;
@@ -97,7 +79,7 @@ bool openWithDesktop(const std::string& url) {
 }  // namespace
 
 bool mayOpenUrl(const std::string& url) {
-  const std::string scheme = schemeOf(url);
+  const std::string scheme = asciiLowerCase(urlScheme(url));
   return !scheme.empty() && std::ranges::find(kRefusedSchemes, scheme) == kRefusedSchemes.end() &&
          std::ranges::none_of(url, isControl);
 }

@@ -2,12 +2,11 @@
 
 #include <httplib.h>
 
-#include "tools/kesu-dev/base/Text.h"
+#include "foundation/Url.h"
 
 namespace kesu::dev {
 namespace {
 
-constexpr std::string_view kScheme = "http://";
 constexpr int kConnectSeconds = 5;
 // The server writes something every 15 s at least.
 constexpr int kReadSeconds = 40;
@@ -33,21 +32,13 @@ FetchResult resultFrom(const httplib::Result& from) {
 }  // namespace
 
 std::optional<ServerAddress> parseServerUrl(std::string_view url) {
-  if (!url.starts_with(kScheme)) {
+  const auto parts = splitUrl(url);
+  if (!parts || parts->scheme != "http://" || !parts->user.empty() || parts->host.empty() ||
+      parts->host.find(':') != std::string_view::npos || (!parts->rest.empty() && parts->rest != "/")) {
     return std::nullopt;
   }
-  url.remove_prefix(kScheme.size());
-  if (url.ends_with('/')) {
-    url.remove_suffix(1);
-  }
-  const std::size_t colon = url.find(':');
-  const auto port =
-      colon == std::string_view::npos ? std::optional<std::int64_t>(80) : parseDecimal(url.substr(colon + 1));
-  const std::string_view host = url.substr(0, colon);
-  if (!port || *port < 1 || *port > 65535 || host.empty() || host.find_first_of("/?#@") != std::string_view::npos) {
-    return std::nullopt;
-  }
-  return ServerAddress{std::string(host), static_cast<int>(*port)};
+  const int port = parts->port.empty() ? 80 : portNumber(parts->port).value_or(0);
+  return port == 0 ? std::nullopt : std::optional(ServerAddress{std::string(parts->host), port});
 }
 
 FetchResult fetch(const ServerAddress& server, const std::string& path) {

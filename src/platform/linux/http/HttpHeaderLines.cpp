@@ -3,33 +3,28 @@
 #include <algorithm>
 #include <utility>
 
+#include "foundation/Text.h"
+
 namespace kesu {
 namespace {
-
-char lower(char c) {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-bool equalWithoutCase(char left, char right) {
-  return lower(left) == lower(right);
-}
 
 std::string withoutLineBreaks(std::string text) {
   std::erase_if(text, [](char c) { return c == '\r' || c == '\n' || c == '\0'; });
   return text;
 }
 
-bool isBlank(const std::string& text) {
+bool hasOnlyBlanks(const std::string& text) {
   return text.find_first_not_of(" \t") == std::string::npos;
 }
 
 bool belongsToTransport(const std::string& name) {
-  return sameHeaderName(name, "Expect") || sameHeaderName(name, "Host") || sameHeaderName(name, "Transfer-Encoding");
+  return equalsIgnoringCase(name, "Expect") || equalsIgnoringCase(name, "Host") ||
+         equalsIgnoringCase(name, "Transfer-Encoding");
 }
 
-// "name;" is how libcurl is told to send a header without a value; "name:" would remove it.
+// libcurl sends a header without a value for "name;"; "name:" would remove it.
 std::string line(const std::string& name, const std::string& value) {
-  return isBlank(value) ? name + ";" : name + ": " + value;
+  return hasOnlyBlanks(value) ? name + ";" : name + ": " + value;
 }
 
 // Collects the lines and remembers which of the special headers the caller gave.
@@ -39,18 +34,18 @@ class Lines {
 
   void add(const std::string& rawName, const std::string& rawValue) {
     const std::string name = withoutLineBreaks(rawName);
-    if (isBlank(name) || name.front() == ':' || belongsToTransport(name)) {
+    if (hasOnlyBlanks(name) || name.front() == ':' || belongsToTransport(name)) {
       return;
     }
-    if (sameHeaderName(name, "Content-Length")) {
+    if (equalsIgnoringCase(name, "Content-Length")) {
       addLength(name);
       return;
     }
-    if (sameHeaderName(name, "Accept-Encoding") && std::exchange(hasEncoding_, true)) {
+    if (equalsIgnoringCase(name, "Accept-Encoding") && std::exchange(hasEncoding_, true)) {
       return;
     }
-    hasAccept_ = hasAccept_ || sameHeaderName(name, "Accept");
-    hasType_ = hasType_ || sameHeaderName(name, "Content-Type");
+    hasAccept_ = hasAccept_ || equalsIgnoringCase(name, "Accept");
+    hasType_ = hasType_ || equalsIgnoringCase(name, "Content-Type");
     lines_.push_back(line(name, withoutLineBreaks(rawValue)));
   }
 
@@ -82,14 +77,6 @@ class Lines {
 
 }  // namespace
 
-bool sameHeaderName(std::string_view left, std::string_view right) {
-  return std::equal(left.begin(), left.end(), right.begin(), right.end(), equalWithoutCase);
-}
-
-bool headerNameStartsWith(std::string_view name, std::string_view prefix) {
-  return name.size() >= prefix.size() && sameHeaderName(name.substr(0, prefix.size()), prefix);
-}
-
 std::vector<std::string> httpHeaderLines(const HttpRequest& request) {
   Lines lines(request);
   for (const auto& [name, value] : request.headers) {
@@ -104,7 +91,7 @@ bool carriesBody(const HttpRequest& request) {
 
 bool acceptsGzip(const HttpRequest& request) {
   return std::any_of(request.headers.begin(), request.headers.end(), [](const auto& header) {
-    return sameHeaderName(withoutLineBreaks(header.first), "Accept-Encoding") &&
+    return equalsIgnoringCase(withoutLineBreaks(header.first), "Accept-Encoding") &&
            header.second.find("gzip") != std::string::npos;
   });
 }

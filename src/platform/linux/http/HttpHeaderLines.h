@@ -8,10 +8,6 @@
 
 namespace kesu {
 
-/// Header names compared without case.
-bool sameHeaderName(std::string_view left, std::string_view right);
-bool headerNameStartsWith(std::string_view name, std::string_view prefix);
-
 /// The request's headers as libcurl wants them (CURLOPT_HTTPHEADER), in the caller's order and without CR, LF and NUL,
 /// followed by the removals of the headers that libcurl would add by itself.
 ///

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
-#include "platform/linux/http/HttpHeaderLines.h"
+#include "foundation/Text.h"
 
 namespace kesu {
 namespace {
@@ -21,12 +21,13 @@ bool becomesGet(int status, const std::string& method) {
 void dropBody(HttpRequest& request) {
   request.method = "GET";
   request.body.clear();
-  std::erase_if(request.headers, [](const auto& header) { return headerNameStartsWith(header.first, "content-"); });
+  std::erase_if(request.headers,
+                [](const auto& header) { return asciiLowerCase(header.first).starts_with("content-"); });
 }
 
 bool saysNothingAboutTheUser(const std::string& name) {
-  return sameHeaderName(name, "accept") || sameHeaderName(name, "accept-encoding") ||
-         sameHeaderName(name, "accept-language");
+  return equalsIgnoringCase(name, "accept") || equalsIgnoringCase(name, "accept-encoding") ||
+         equalsIgnoringCase(name, "accept-language");
 }
 
 }  // namespace

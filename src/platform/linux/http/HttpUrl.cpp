@@ -1,61 +1,58 @@
 #include "platform/linux/http/HttpUrl.h"
 
-#include <curl/curl.h>
-
 #include <algorithm>
-#include <charconv>
-#include <memory>
+
+#include "foundation/Text.h"
+#include "foundation/Url.h"
 
 namespace kesu {
 namespace {
 
-using UrlHandle = std::unique_ptr<CURLU, decltype(&curl_url_cleanup)>;
+constexpr int kHttpPort = 80;
+constexpr int kHttpsPort = 443;
 
-std::string part(CURLU* url, CURLUPart which, unsigned int flags = 0) {
-  char* text = nullptr;
-  if (curl_url_get(url, which, &text, flags) != CURLUE_OK) {
-    return {};
+// libcurl's own lists. What it would refuse is refused here, so that both find the same host in every accepted URL:
+// where the two differed, a redirect could lead past the rules about origins.
+constexpr std::string_view kRefusedInNames = "@{}[]\\$'\"^`*<>=;,+&():!";
+constexpr std::string_view kAllowedInAddresses = "0123456789abcdefABCDEF:.";
+
+bool isBlankOrControl(char character) {
+  return (character >= 0 && character <= ' ') || character == '\x7f';
+}
+
+bool isHost(std::string_view host) {
+  if (!host.starts_with('[')) {
+    return !host.empty() && host.find_first_of(kRefusedInNames) == std::string_view::npos;
   }
-  const std::unique_ptr<char, decltype(&curl_free)> owned(text, &curl_free);
-  return text;
+  const std::string_view address = withoutBrackets(host);
+  return !address.empty() &&
+         address.substr(0, address.find('%')).find_first_not_of(kAllowedInAddresses) == std::string_view::npos;
 }
 
-std::string lowerCase(std::string text) {
-  std::transform(text.begin(), text.end(), text.begin(),
-                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-  return text;
-}
-
-std::string withoutBrackets(const std::string& host) {
-  return host.size() > 2 && host.front() == '[' ? host.substr(1, host.size() - 2) : host;
+// "/path?query", which a URL may leave out and a request may not.
+std::string requestTarget(std::string_view rest) {
+  const std::string_view target = rest.substr(0, rest.find('#'));
+  return (target.starts_with('/') ? "" : "/") + std::string(target);
 }
 
 }  // namespace
 
 std::optional<HttpUrl> parseHttpUrl(const std::string& text) {
-  if (text.find('\0') != std::string::npos) {
+  const auto parts = splitUrl(text);
+  const bool isSecure = equalsIgnoringCase(urlScheme(text), "https");
+  if (!parts || (!isSecure && !equalsIgnoringCase(urlScheme(text), "http"))) {
     return std::nullopt;
   }
-  const UrlHandle url(curl_url(), &curl_url_cleanup);
-  if (url == nullptr || curl_url_set(url.get(), CURLUPART_URL, text.c_str(), 0) != CURLUE_OK) {
+  const bool namesPort = !parts->port.empty() && parts->port != ":";
+  const auto port = namesPort ? portNumber(parts->port) : isSecure ? kHttpsPort : kHttpPort;
+  const bool isUserTwofold = parts->user.find('@') + 1 < parts->user.size();
+  if (!port || isUserTwofold || !isHost(parts->host) || std::ranges::any_of(text, isBlankOrControl)) {
     return std::nullopt;
   }
-  const std::string scheme = lowerCase(part(url.get(), CURLUPART_SCHEME));
-  if (scheme != "http" && scheme != "https") {
-    return std::nullopt;
-  }
-  curl_url_set(url.get(), CURLUPART_USER, nullptr, 0);
-  curl_url_set(url.get(), CURLUPART_PASSWORD, nullptr, 0);
-  curl_url_set(url.get(), CURLUPART_FRAGMENT, nullptr, 0);
   HttpUrl made;
-  made.origin.secure = scheme == "https";
-  made.origin.host = lowerCase(withoutBrackets(part(url.get(), CURLUPART_HOST)));
-  const std::string port = part(url.get(), CURLUPART_PORT, CURLU_DEFAULT_PORT);
-  std::from_chars(port.data(), port.data() + port.size(), made.origin.port);
-  made.text = part(url.get(), CURLUPART_URL);
-  if (made.origin.host.empty() || made.text.empty()) {
-    return std::nullopt;
-  }
+  made.origin = {isSecure, asciiLowerCase(withoutBrackets(parts->host)), *port};
+  made.text = std::string(isSecure ? "https://" : "http://").append(parts->host);
+  made.text += (namesPort ? ":" + std::to_string(*port) : "") + requestTarget(parts->rest);
   return made;
 }
 

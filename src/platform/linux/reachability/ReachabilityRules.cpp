@@ -5,6 +5,9 @@
 #include <algorithm>
 #include <array>
 
+#include "foundation/Text.h"
+#include "foundation/Url.h"
+
 namespace kesu {
 namespace {
 
@@ -78,16 +81,12 @@ bool canBeHostName(std::string_view text) {
 
 std::string comparableHostName(std::string_view host) {
   if (host.size() >= 2 && host.front() == '[' && host.back() == ']') {
-    host = host.substr(1, host.size() - 2);
+    host = withoutBrackets(host);
   }
   if (host.ends_with('.')) {
     host.remove_suffix(1);
   }
-  std::string result(host);
-  for (char& c : result) {
-    c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-  }
-  return result;
+  return asciiLowerCase(host);
 }
 
 }  // namespace kesu
