@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -19,21 +20,48 @@ enum class ArgumentKind {
   Attributes,  ///< The host's attributes; always the last.
 };
 
-/// One operation of the catalogue, callable by name.
+/// How an operation makes the value of a key. <kesu/events/Catalogue.h> defines each kind.
+enum class KeyKind {
+  Object,     ///< The argument as it is; "" when it is missing.
+  AsIs,       ///< The argument as it is; a missing one removes the key.
+  Number,     ///< Decimal text of a number object.
+  Decimal,    ///< Decimal text of a whole integer.
+  Integer,    ///< Decimal text of an integer's low 32 bits.
+  Seconds,    ///< Whole seconds.
+  Latitude,   ///< Degrees, six decimals.
+  Longitude,  ///< Degrees, six decimals.
+  Flag,       ///< "1" or "0".
+  WhenTrue,   ///< "1" or nothing.
+  Constant,   ///< Always the same text.
+};
+
+/// A key that an operation writes into its record.
+struct Key {
+  std::string_view key;
+  KeyKind kind = KeyKind::Constant;
+  std::string_view constant = {};            ///< The text of a constant.
+  std::optional<std::size_t> argument = {};  ///< The place of the argument that feeds it; none for a constant.
+};
+
+/// One operation of the catalogue: what it takes, what it posts, and a way to call it by name.
 struct Operation {
   std::string_view className;
   std::string_view selector;
+  std::string_view destination;         ///< The letter of the table of records; "" for an operation that posts none.
+  std::string_view event;               ///< The name under "~e"; "" likewise.
+  std::vector<ArgumentKind> arguments;  ///< One per part of the selector.
+  std::vector<Key> keys;                ///< In the order of the record.
 
-  /// One a part of the selector, deduced from the function.
-  std::vector<ArgumentKind> kinds;
-
-  /// Calls it on this thread and throws what it throws. Arguments that are missing count as nil, surplus ones are not
-  /// looked at. Where a flag is taken, a bool, a number (0 is false) or the text "1", "true" or "yes" says so; where a
-  /// point is, a text "latitude,longitude" or an array of two numbers, and everything else is no point.
+  /// Calls the operation on this thread and throws what it throws. Missing arguments count as nil, surplus ones are
+  /// ignored. A bool, a number (0 is false) or the text "1", "true" or "yes" is a flag; a text "latitude,longitude" or
+  /// an array of two numbers is a point; everything else is false and no point.
   std::function<void(const std::vector<Object>& arguments, const Attributes& attributes)> invoke;
 
-  /// How many arguments it takes besides the attributes.
+  /// The number of arguments besides the attributes.
   std::size_t argumentCount() const;
+
+  /// Whether it appends to the scene flow instead of posting a record.
+  bool updatesSceneFlow() const { return event.empty(); }
 
   /// The parts of the selector without their colons: "postLevelStarted", "withAttributes".
   std::vector<std::string_view> labels() const;
@@ -42,11 +70,10 @@ struct Operation {
   std::string_view functionName() const { return selector.substr(0, selector.find(':')); }
 };
 
-/// All operations, class by class. Made from pointers to the public functions, so it compiles only as long as each of
-/// them is there. Any thread.
+/// All operations, class by class: the lines of Operations.inc. Any thread.
 const std::vector<Operation>& allOperations();
 
-/// The operation of that class whose selector or function name is `name`. Of several forms of one function: the
+/// Returns the operation of that class whose selector or function name is `name`. Of several forms of one function: the
 /// shortest that takes `argumentCount` arguments. nullptr when there is none.
 const Operation* findOperation(std::string_view className, std::string_view name, std::size_t argumentCount);
 

@@ -1,179 +1,183 @@
 #include <gtest/gtest.h>
-#include <kesu/events/Catalogue.h>
+#include <kesu.h>
 #include <kesu/foundation/Exception.h>
 
-#include <cstdio>
+#include <algorithm>
 #include <limits>
 #include <sstream>
+#include <string>
+#include <tuple>
+#include <utility>
+#include <vector>
 
-#include "CatalogueContract.h"
-#include "CatalogueDescription.h"
-#include "NaturalCalls.h"
-#include "foundation/Json.h"
+#include "CatalogueTable.h"
+#include "Feeds.h"
 #include "testing/RecordingPoster.h"
 
 namespace kesu::catalogue {
 namespace {
 
-struct Feed {
-  std::string key;
-  std::string kind;
-  std::string constant;
-};
+constexpr KesuGeoPoint kCity = {37.774899F, -122.419403F};
 
-struct Row {
-  std::string className, selector, destination, event;
-  std::vector<Feed> feeds;
-
-  bool isSceneFlow() const { return event.empty(); }
-};
-
-std::vector<std::string> split(const std::string& text, char separator) {
-  std::vector<std::string> parts;
-  std::istringstream stream(text);
-  for (std::string part; std::getline(stream, part, separator);) {
-    parts.push_back(part);
-  }
-  return parts;
+// What a host writes at a place, as the type that a literal has.
+template <std::size_t kKeyCount>
+std::tuple<const char*> literal(const Feed<const Object&, kKeyCount>& /*feed*/, std::size_t& place) {
+  static constexpr const char* kTexts[] = {"a0", "a1", "a2", "a3", "a4", "a5", "a6", "a7", "a8"};
+  return kTexts[place++];
+}
+std::tuple<double> literal(const NumberFeed& /*feed*/, std::size_t& place) {
+  ++place;
+  return 4.5;
+}
+std::tuple<int> literal(const Feed<std::int64_t, 1>& /*feed*/, std::size_t& place) {
+  return 40 + static_cast<int>(place++);
+}
+template <std::size_t kKeyCount>
+std::tuple<double> literal(const Feed<double, kKeyCount>& /*feed*/, std::size_t& place) {
+  return 100.9 + static_cast<double>(place++);
+}
+std::tuple<bool> literal(const Feed<bool, 1>& /*feed*/, std::size_t& place) {
+  ++place;
+  return true;
+}
+std::tuple<const KesuGeoPoint*> literal(const Feed<const KesuGeoPoint*, 2>& /*feed*/, std::size_t& place) {
+  ++place;
+  return &kCity;
+}
+std::tuple<> literal(const Feed<NoParameter, 1>& /*feed*/, std::size_t& /*place*/) {
+  return {};
 }
 
-Feed parseFeed(const std::string& text) {
-  const std::size_t mark = text.find_first_of(":=");
-  if (mark == std::string::npos) {
-    return {text == "-" ? "" : text, text == "-" ? "ignored" : "object", ""};
-  }
-  const std::string rest = text.substr(mark + 1);
-  return text[mark] == '=' ? Feed{text.substr(0, mark), "constant", rest} : Feed{text.substr(0, mark), rest, ""};
+template <typename Function, typename... Feeds>
+void callWithLiterals(Function function, const Feeds&... feeds) {
+  std::size_t place = 0;
+  const std::tuple<decltype(literal(feeds, place))...> literals{literal(feeds, place)...};
+  std::apply([&](const auto&... one) { std::apply(function, std::tuple_cat(one...)); }, literals);
 }
 
-std::vector<Row> readContract() {
-  std::vector<Row> rows;
-  for (const std::string& line : split(std::string(kContract), '\n')) {
-    std::vector<std::string> fields = split(line, '|');
-    if (!fields.empty()) {
-      fields.resize(5);
-      rows.push_back({fields[0], fields[1], fields[2], fields[3], {}});
-      for (const std::string& feed : split(fields[4], ',')) {
-        rows.back().feeds.push_back(parseFeed(feed));
-      }
-    }
-  }
-  return rows;
-}
-
-std::string printedDegrees(double degrees) {
-  char text[64];
-  std::snprintf(text, sizeof text, "%f", degrees);
-  return text;
+/// Calls every operation once as a host writes it, without attributes, in the order of the list.
+void callEverythingAsHostsDo() {
+#define KESU_OPERATION(Class, function, rest, destination, event, ...) \
+  callWithLiterals([](auto... literals) { Class::function(literals...); } __VA_OPT__(, ) __VA_ARGS__);
+#define KESU_SCENE_OPERATION(Class, function, rest, ...) KESU_OPERATION(Class, function, rest, "", "", __VA_ARGS__)
+#include "Operations.inc"
+#undef KESU_OPERATION
+#undef KESU_SCENE_OPERATION
 }
 
 std::string printedNumber(double number) {
-  char text[64];
-  std::snprintf(text, sizeof text, "%g", number);
-  return text;
+  std::ostringstream text;
+  text << number;
+  return text.str();
 }
 
-std::string printedInt(std::int64_t number) {
-  char text[64];
-  std::snprintf(text, sizeof text, "%d", static_cast<int>(number));
-  return text;
-}
-
-void writePoint(Dictionary& record, const Array* pair) {
-  record.remove("lat");
-  record.remove("long");
-  if (pair != nullptr) {
-    record.set("lat", printedDegrees(static_cast<float>(pair->front().realValue())));
-    record.set("long", printedDegrees(static_cast<float>(pair->back().realValue())));
-  }
-}
-
-/// What the contract says that an argument does to the record.
-void write(Dictionary& record, const Feed& feed, const Object& argument) {
+/// What an argument becomes under a key, as the list says; nothing: no key, also where the host has one.
+Object expectedValue(const Key& key, const Object& argument, const Object& hosts) {
   const Value value = argument.value_or(Value());
-  if (feed.kind == "object") {
-    record.set(feed.key, argument.value_or(Value("")));
-  } else if (feed.kind == "asis") {
-    record.remove(feed.key);
-    if (argument) {
-      record.set(feed.key, value);
-    }
-  } else if (feed.kind == "number") {
-    record.set(feed.key, argument ? printedNumber(value.realValue()) : "");
-  } else if (feed.kind == "decimal") {
-    record.set(feed.key, std::to_string(value.integerValue()));
-  } else if (feed.kind == "%d" || feed.kind == "seconds") {
-    record.set(feed.key, printedInt(value.integerValue()));
-  } else if (feed.kind == "flag") {
-    record.set(feed.key, value == Value(true) ? "1" : "0");
-  } else if (feed.kind == "true" && value == Value(true)) {
-    record.set(feed.key, "1");
-  } else if (feed.kind == "point") {
-    writePoint(record, value.array());
+  const Array* pair = value.array();
+  switch (key.kind) {
+    case KeyKind::Object:
+      return argument.value_or("");
+    case KeyKind::AsIs:
+      return argument;
+    case KeyKind::Number:
+      return argument ? printedNumber(value.realValue()) : "";
+    case KeyKind::Decimal:
+      return std::to_string(value.integerValue());
+    case KeyKind::Integer:
+    case KeyKind::Seconds:
+      return std::to_string(static_cast<int>(value.integerValue()));
+    case KeyKind::Latitude:
+      return pair != nullptr ? Object(std::to_string(static_cast<float>(pair->front().realValue()))) : nil;
+    case KeyKind::Longitude:
+      return pair != nullptr ? Object(std::to_string(static_cast<float>(pair->back().realValue()))) : nil;
+    case KeyKind::Flag:
+      return value == Value(true) ? "1" : "0";
+    case KeyKind::WhenTrue:
+      return value == Value(true) ? Object("1") : hosts;
+    case KeyKind::Constant:
+      break;
   }
+  return key.constant;
 }
 
-Dictionary expectedRecord(const Row& row, const std::vector<Object>& arguments, Dictionary record) {
-  std::size_t next = 0;
-  for (const Feed& feed : row.feeds) {
-    if (feed.kind == "constant") {
-      record.set(feed.key, feed.constant);
+Dictionary expectedRecord(const Operation& operation, const std::vector<Object>& arguments, Dictionary record) {
+  for (const Key& key : operation.keys) {
+    const Value* hosts = record.find(key.key);
+    const Object value = expectedValue(key, key.argument ? arguments[*key.argument] : Object(nil),
+                                       hosts != nullptr ? Object(*hosts) : Object(nil));
+    if (value) {
+      record.set(key.key, *value);
     } else {
-      write(record, feed, arguments[next++]);
+      record.remove(key.key);
     }
   }
-  record.set("~e", row.event);
+  record.set("~e", operation.event);
   return record;
 }
 
-/// Arguments for a row, one a feed that is no constant.
-using ArgumentMaker = Object (*)(const std::string& kind, std::int64_t place);
+std::vector<std::string> keysInOrder(const Dictionary& record) {
+  std::vector<std::string> keys;
+  for (const Dictionary::Entry& entry : record) {
+    keys.push_back(entry.key);
+  }
+  return keys;
+}
 
-std::vector<Object> argumentsFor(const Row& row, ArgumentMaker make) {
+bool takesNumberAt(const Operation& operation, std::size_t place) {
+  return std::ranges::any_of(operation.keys,
+                             [&](const Key& key) { return key.argument == place && key.kind == KeyKind::Number; });
+}
+
+using ArgumentMaker = Object (*)(ArgumentKind kind, bool isNumber, std::int64_t place);
+
+/// The arguments of an operation besides the attributes.
+std::vector<Object> argumentsFor(const Operation& operation, ArgumentMaker make) {
   std::vector<Object> arguments;
-  for (const Feed& feed : row.feeds) {
-    if (feed.kind != "constant") {
-      arguments.push_back(make(feed.kind, static_cast<std::int64_t>(arguments.size())));
-    }
+  for (std::size_t i = 0; i < operation.argumentCount(); ++i) {
+    arguments.push_back(make(operation.arguments[i], takesNumberAt(operation, i), static_cast<std::int64_t>(i)));
   }
   return arguments;
 }
 
-Object naturalArgument(const std::string& kind, std::int64_t place) {
-  if (kind == "point") {
-    return Value(Array{37.774899F, -122.419403F});
+/// The same values as literal() gives.
+Object naturalArgument(ArgumentKind kind, bool isNumber, std::int64_t place) {
+  switch (kind) {
+    case ArgumentKind::Flag:
+      return true;
+    case ArgumentKind::Integer:
+      return 40 + place;
+    case ArgumentKind::Seconds:
+      return 100.9 + static_cast<double>(place);
+    case ArgumentKind::Point:
+      return Value(Array{kCity.latitude, kCity.longitude});
+    case ArgumentKind::Object:
+    case ArgumentKind::Attributes:
+      break;
   }
-  if (kind == "flag" || kind == "true") {
-    return true;
-  }
-  if (kind == "number") {
-    return 4.5;
-  }
-  if (kind == "seconds") {
-    return 100.9 + static_cast<double>(place);
-  }
-  return kind == "decimal" || kind == "%d" ? Object(40 + place) : Object("a" + std::to_string(place));
+  return isNumber ? Object(4.5) : Object("a" + std::to_string(place));
 }
 
-Object missingArgument(const std::string& /*kind*/, std::int64_t /*place*/) {
+Object missingArgument(ArgumentKind /*kind*/, bool /*isNumber*/, std::int64_t /*place*/) {
   return nil;
 }
 
 /// Objects that are no text, negative and very large numbers, false.
-Object unusualArgument(const std::string& kind, std::int64_t place) {
-  if (kind == "point") {
-    return Value(Array{-0.0000004, 179.5});
+Object unusualArgument(ArgumentKind kind, bool isNumber, std::int64_t place) {
+  switch (kind) {
+    case ArgumentKind::Flag:
+      return false;
+    case ArgumentKind::Integer:
+      return std::numeric_limits<std::int64_t>::max() - place;
+    case ArgumentKind::Seconds:
+      return -1.9 - static_cast<double>(place);
+    case ArgumentKind::Point:
+      return Value(Array{-0.0000004, 179.5});
+    case ArgumentKind::Object:
+    case ArgumentKind::Attributes:
+      break;
   }
-  if (kind == "flag" || kind == "true") {
-    return false;
-  }
-  if (kind == "seconds") {
-    return -1.9 - static_cast<double>(place);
-  }
-  if (kind == "decimal" || kind == "%d") {
-    return std::numeric_limits<std::int64_t>::max() - place;
-  }
-  return kind == "number" || place % 2 == 0 ? Object(-3 - place) : Object(Value(Null{}));
+  return isNumber || place % 2 == 0 ? Object(-3 - place) : Object(Value(Null{}));
 }
 
 class CatalogueTest : public ::testing::Test {
@@ -187,47 +191,44 @@ class CatalogueTest : public ::testing::Test {
   }
 
   testing::RecordingPoster poster;
-  const std::vector<Row> contract = readContract();
 };
 
-TEST_F(CatalogueTest, PostsTheContractWhenCalledAsHostsCall) {
-  ASSERT_EQ(contract.size(), 195U);
-  callEverythingNaturally();
+TEST_F(CatalogueTest, PostsWhatTheListSaysWhenCalledAsHostsCall) {
+  ASSERT_EQ(allOperations().size(), 195U);
+  callEverythingAsHostsDo();
   ASSERT_EQ(poster.posted.size(), 194U);
   EXPECT_EQ(poster.scenes, (std::vector<std::pair<std::string, double>>{{"a0", 101.9}}));
   std::size_t next = 0;
-  for (const Row& row : contract) {
-    if (!row.isSceneFlow()) {
-      SCOPED_TRACE(row.className + " " + row.selector);
-      EXPECT_EQ(poster.flow[next], row.event);
-      EXPECT_EQ(std::string(1, poster.posted[next].first), row.destination);
-      EXPECT_EQ(poster.posted[next].second, expectedRecord(row, argumentsFor(row, naturalArgument), {}));
+  for (const Operation& operation : allOperations()) {
+    if (!operation.updatesSceneFlow()) {
+      SCOPED_TRACE(std::string(operation.className) + " " + std::string(operation.selector));
+      const Dictionary expected = expectedRecord(operation, argumentsFor(operation, naturalArgument), {});
+      EXPECT_EQ(poster.flow[next], operation.event);
+      EXPECT_EQ(std::string(1, poster.posted[next].first), operation.destination);
+      EXPECT_EQ(poster.posted[next].second, expected);
+      EXPECT_EQ(keysInOrder(poster.posted[next].second), keysInOrder(expected));
       ++next;
     }
   }
 }
 
 TEST_F(CatalogueTest, WritesItsKeysOverTheHostsAttributes) {
-  for (const Row& row : contract) {
-    SCOPED_TRACE(row.className + " " + row.selector);
+  for (const Operation& operation : allOperations()) {
+    SCOPED_TRACE(std::string(operation.className) + " " + std::string(operation.selector));
     Attributes host = {{"~e", "host"}, {"extra", 7}, {"lat", "host"}, {"long", "host"}};
-    for (const Feed& feed : row.feeds) {
-      host.set(feed.key, "host");
+    for (const Key& key : operation.keys) {
+      host.set(key.key, "host");
     }
-    const std::vector<std::string> parts = split(row.selector, ':');
+    ASSERT_EQ(findOperation(operation.className, operation.selector, 0), &operation);
+    ASSERT_EQ(operation.arguments.size(), operation.labels().size());
     for (const ArgumentMaker make : {naturalArgument, missingArgument, unusualArgument}) {
-      const std::vector<Object> arguments = argumentsFor(row, make);
-      const Operation* operation = findOperation(row.className, row.selector, 0);
-      ASSERT_NE(operation, nullptr);
-      ASSERT_EQ(operation->kinds.size(), parts.size());
-      operation->invoke(arguments, host);
-      if (!row.isSceneFlow()) {
-        ASSERT_EQ(operation->argumentCount(), arguments.size());
-        EXPECT_EQ(onlyRecord(), expectedRecord(row, arguments, host));
+      const std::vector<Object> arguments = argumentsFor(operation, make);
+      operation.invoke(arguments, host);
+      if (!operation.updatesSceneFlow()) {
+        EXPECT_EQ(onlyRecord(), expectedRecord(operation, arguments, host));
       }
     }
   }
-  EXPECT_EQ(allOperations().size(), contract.size());
 }
 
 TEST_F(CatalogueTest, ThrowsBeforeTheLibraryHasAKey) {
@@ -344,73 +345,6 @@ TEST_F(CatalogueTest, FindsTheShortestFormThatFits) {
   EXPECT_EQ(onlyRecord(), (Dictionary{{"URLProvided", "1"}, {"~e", "iMessageAppsInsertAttachment"}}));
   findOperation("KesuWeatherAndForecast", "postWeatherRequestForUVIndexAtPoint", 1)->invoke({"1.5,-2"}, {});
   EXPECT_EQ(onlyRecord(), (Dictionary{{"lat", "1.500000"}, {"long", "-2.000000"}, {"~e", "WeatherUVIndex"}}));
-}
-
-/// The keys of a description in the notation of the contract.
-std::string keysOf(const OperationDescription& description) {
-  std::string text;
-  for (const KeyDescription& key : description.keys) {
-    text += key.key + " " + std::string(kindName(key.kind)) + " " + key.constant +
-            (key.argument ? std::to_string(*key.argument) : "") + "; ";
-  }
-  return text;
-}
-
-std::string keysOf(const Row& row) {
-  const std::map<std::string, std::string> names = {{"asis", "as is"}, {"%d", "integer"}, {"true", "\"1\" when true"}};
-  std::string text;
-  std::size_t next = 0;
-  for (const Feed& feed : row.feeds) {
-    const std::string place = feed.kind == "constant" ? "" : std::to_string(next++);
-    if (feed.kind == "point") {
-      text += "lat latitude " + place + "; long longitude " + place + "; ";
-    } else if (feed.kind != "ignored") {
-      const auto name = names.find(feed.kind);
-      text += feed.key + " " + (name != names.end() ? name->second : feed.kind) + " " + feed.constant + place + "; ";
-    }
-  }
-  return text;
-}
-
-TEST(CatalogueDescriptionTest, AgreesWithTheContract) {
-  const std::vector<Row> contract = readContract();
-  const std::vector<OperationDescription> descriptions = describeCatalogue();
-  std::map<std::string, const OperationDescription*> byName;
-  for (const OperationDescription& description : descriptions) {
-    byName[std::string(description.operation->className) + std::string(description.operation->selector)] = &description;
-  }
-  ASSERT_EQ(byName.size(), contract.size());
-  for (const Row& row : contract) {
-    const OperationDescription* description = byName[row.className + row.selector];
-    ASSERT_NE(description, nullptr) << row.selector;
-    EXPECT_EQ(description->event, row.event);
-    EXPECT_EQ(description->destination, row.destination);
-    EXPECT_EQ(description->updatesSceneFlow, row.isSceneFlow());
-    EXPECT_EQ(keysOf(*description), keysOf(row)) << row.className << " " << row.selector;
-  }
-  const auto events = keysOfEvents(descriptions);
-  EXPECT_EQ(events.at("FlyingMode"), (std::set<std::string>{"mode"}));
-  EXPECT_EQ(events.at("InAppPurchaseBuy").size(), 10U);
-  EXPECT_FALSE(events.contains(""));
-}
-
-TEST(CatalogueDescriptionTest, PrintsAsJsonAndAsText) {
-  const std::vector<OperationDescription> descriptions = describeCatalogue();
-  const std::optional<Value> json = parseJson(catalogueAsJson(descriptions));
-  ASSERT_TRUE(json);
-  const Array& operations = *json->dictionary()->find("operations")->array();
-  ASSERT_EQ(operations.size(), 195U);
-  EXPECT_EQ(operations[10],
-            *parseJson(R"({"class": "KesuAccount", "operation": "postSocialLoginOffered:withAttributes:",
-      "function": "KesuAccount::postSocialLoginOffered", "event": "AccountSocialLoginOffered", "destination": "e",
-      "updatesSceneFlow": false, "arguments": [{"label": "postSocialLoginOffered", "kind": "object", "keys": ["type"]},
-      {"label": "withAttributes", "kind": "attributes", "keys": []}],
-      "keys": [{"key": "type", "kind": "object", "argument": 0}]})"));
-  const std::string text = catalogueAsText(descriptions);
-  EXPECT_NE(text.find("\nKesuSMS\n  postRegisteredDevice:withCountryCode:withAttributes:\n"
-                      "    m \"KesuSMSRegister\": phoneNumber (as is), countryCode (as is), a = \"r\"\n"),
-            std::string::npos);
-  EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 30 + 29 + 2 * 195);
 }
 
 }  // namespace

@@ -17,10 +17,8 @@ namespace {
 constexpr int kUsageError = 2;
 
 int printCatalogue(const kesu::dev::CommandLine& line) {
-  const auto descriptions = kesu::catalogue::describeCatalogue();
   const bool json = line.format == kesu::dev::OutputFormat::Json;
-  const std::string text =
-      json ? kesu::catalogue::catalogueAsJson(descriptions) + "\n" : kesu::catalogue::catalogueAsText(descriptions);
+  const std::string text = json ? kesu::catalogue::catalogueAsJson() + "\n" : kesu::catalogue::catalogueAsText();
   std::fputs(text.c_str(), stdout);
   return 0;
 }

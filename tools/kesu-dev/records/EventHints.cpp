@@ -11,7 +11,7 @@ namespace kesu::dev {
 namespace {
 
 const std::map<std::string, std::set<std::string>>& knownEvents() {
-  static const auto events = catalogue::keysOfEvents(catalogue::describeCatalogue());
+  static const auto events = catalogue::keysOfEvents();
   return events;
 }
 

@@ -1,4 +1,4 @@
-#include "TableBuilder.h"
+#include "CallByName.h"
 
 #include <string>
 
@@ -46,11 +46,6 @@ std::optional<KesuGeoPoint> Call::pointAt(std::size_t i) const {
   }
   const Array* pair = argument->array();
   return pair != nullptr && pair->size() == 2 ? std::optional(pointOf(pair->front(), pair->back())) : std::nullopt;
-}
-
-void TableBuilder::append(std::string_view selector, std::vector<ArgumentKind> kinds,
-                          decltype(Operation::invoke) invoke) {
-  operations_.push_back({className_, selector, std::move(kinds), std::move(invoke)});
 }
 
 }  // namespace kesu::catalogue

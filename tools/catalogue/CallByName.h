@@ -4,14 +4,13 @@
 
 #include <cstdint>
 #include <optional>
-#include <type_traits>
 #include <utility>
 
 #include "CatalogueTable.h"
 
 namespace kesu::catalogue {
 
-/// What a caller by name hands over.
+/// The arguments of a call by name. Refers to them; a temporary of the call.
 struct Call {
   const std::vector<Object>& arguments;
   const Attributes& attributes;
@@ -22,7 +21,7 @@ struct Call {
   std::optional<KesuGeoPoint> pointAt(std::size_t i) const;
 };
 
-/// How a parameter type is called and how it is filled from a call.
+/// The kind of a parameter type, and how it is read from a call.
 template <typename Parameter>
 struct Reader;
 
@@ -52,7 +51,7 @@ struct Reader<double> {
 
 template <>
 struct Reader<const KesuGeoPoint*> {
-  /// Lives as long as the call it is an argument of.
+  /// Keeps the point until the call that it is an argument of has returned.
   struct Pointer {
     std::optional<KesuGeoPoint> point;
     operator const KesuGeoPoint*() const { return point ? &*point : nullptr; }
@@ -72,33 +71,12 @@ void callFunction(void (*function)(Parameters...), const Call& call, std::index_
   function(Reader<Parameters>::read(call, Places)...);
 }
 
-/// One form of a function that has several: choose<const Object&, const Attributes&>(&KesuCommerceRevenue::postRevenue)
+/// Makes Operation::invoke of a function.
 template <typename... Parameters>
-constexpr auto choose(std::type_identity_t<void (*)(Parameters...)> function) {
-  return function;
+decltype(Operation::invoke) callableByName(void (*function)(Parameters...)) {
+  return [function](const std::vector<Object>& arguments, const Attributes& attributes) {
+    callFunction(function, Call{arguments, attributes}, std::index_sequence_for<Parameters...>());
+  };
 }
-
-/// Collects the operations of one class after the other.
-class TableBuilder {
- public:
-  /// What follows belongs to that class.
-  void startClass(std::string_view className) { className_ = className; }
-
-  template <typename... Parameters>
-  void add(std::string_view selector, void (*function)(Parameters...)) {
-    append(selector, {Reader<Parameters>::kKind...},
-           [function](const std::vector<Object>& arguments, const Attributes& attributes) {
-             callFunction(function, Call{arguments, attributes}, std::index_sequence_for<Parameters...>());
-           });
-  }
-
-  std::vector<Operation> take() { return std::move(operations_); }
-
- private:
-  void append(std::string_view selector, std::vector<ArgumentKind> kinds, decltype(Operation::invoke) invoke);
-
-  std::string_view className_;
-  std::vector<Operation> operations_;
-};
 
 }  // namespace kesu::catalogue
