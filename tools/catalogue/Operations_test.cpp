@@ -78,6 +78,32 @@ std::vector<const Operation*> operationsOf(const std::string& className) {
   return operations;
 }
 
+std::string kindInComments(const Key& key) {
+  const bool isAngle = key.kind == KeyKind::Latitude || key.kind == KeyKind::Longitude;
+  return isAngle ? "degrees" : std::string(kindName(key.kind));
+}
+
+/// The keys as the comments list them: "a", "b" (object); "c" (flag); "d" = "text".
+std::string keysSentence(const Operation& operation) {
+  if (operation.keys.empty()) {
+    return " No keys of its own. ";
+  }
+  std::string text = " Keys: ";
+  for (std::size_t i = 0; i < operation.keys.size(); ++i) {
+    const Key& key = operation.keys[i];
+    const Key* next = i + 1 < operation.keys.size() ? &operation.keys[i + 1] : nullptr;
+    text += "\"" + std::string(key.key) + "\"";
+    if (key.kind == KeyKind::Constant) {
+      text += " = \"" + std::string(key.constant) + (next != nullptr ? "\"; " : "\"");
+    } else if (next != nullptr && kindInComments(*next) == kindInComments(key)) {
+      text += ", ";
+    } else {
+      text += " (" + kindInComments(key) + (next != nullptr ? "); " : ")");
+    }
+  }
+  return text + ". ";
+}
+
 TEST(OperationsTest, ListsWhatThePublicHeadersDeclare) {
   std::size_t count = 0;
   for (const std::string& className : classesOfTheCatalogue()) {
@@ -91,6 +117,22 @@ TEST(OperationsTest, ListsWhatThePublicHeadersDeclare) {
     count += operations.size();
   }
   EXPECT_EQ(count, allOperations().size());
+}
+
+TEST(OperationsTest, AgreesWithTheCommentsOfThePublicHeaders) {
+  for (const std::string& className : classesOfTheCatalogue()) {
+    const std::vector<Declaration> declarations = declarationsOf(fs::path(KESU_EVENT_HEADERS) / (className + ".h"));
+    const std::vector<const Operation*> operations = operationsOf(className);
+    for (std::size_t i = 0; i < std::min(operations.size(), declarations.size()); ++i) {
+      const Operation& operation = *operations[i];
+      const std::string& comment = declarations[i].comment;
+      EXPECT_TRUE(comment.ends_with(" [" + className + " " + std::string(operation.selector) + "]")) << comment;
+      if (!operation.updatesSceneFlow()) {
+        EXPECT_TRUE(comment.starts_with("Posts event \"" + std::string(operation.event) + "\": ")) << comment;
+        EXPECT_NE(comment.find(keysSentence(operation)), std::string::npos) << comment << keysSentence(operation);
+      }
+    }
+  }
 }
 
 TEST(OperationsTest, AreIncludedByTheCatalogueHeader) {

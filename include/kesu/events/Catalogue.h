@@ -1,23 +1,28 @@
 #pragma once
 
-/// The catalogue: predefined events of many kinds of applications, one class a field. Each operation posts one event of
-/// a fixed name to the table of events (KesuSMS: to the table of SMS records). The record holds the host's attributes,
-/// the keys that the operation writes, and the name under "~e"; the later of them wins where two have the same key.
+/// The catalogue: predefined events for many kinds of applications, one class per field. Each operation posts one event
+/// of a fixed name to the table of events (KesuSMS: to the table of SMS records). The record has the host's attributes,
+/// the keys that the operation writes, and the name under "~e"; where two have the same key, the later one wins.
 /// Kept: names and keys, the misspelt ones too, are the contract with the collector.
 ///
-/// What the comments of the operations call the kinds of keys (every value but the first two is a text):
+/// Every operation may be called on any thread, copies its arguments and attributes, and returns before anything is
+/// sent. Before Kesu::initialize it throws InternalInconsistencyException and records nothing. KesuSceneFlow, which
+/// posts no event, says itself what holds for it.
+///
+/// A pointer converts to bool, so a text in place of a flag would count as true: the forms that take one are deleted.
+///
+/// The comments of the operations name the keys and the kind of each. Every value but the first two is a text:
 ///
 ///   object           the argument as it is, whatever its kind; "" when it is missing (kesu::nil)
-///   as is            the same, but a missing argument leaves the key out, and a host attribute of that name too
+///   as is            the same, but a missing argument leaves the key out and removes a host attribute of that name
 ///   number           the argument's decimal text, such as 4 or 4.5; a text as it is, a bool as 1 or 0; "" when it is
 ///                    missing or none of these
 ///   decimal          the decimal text of an integer
-///   integer          the same of its low 32 bits, read as a signed number
-///   seconds          seconds as a whole number, cut toward zero; held inside the range of a 32-bit number, and 0 for
-///                    not-a-number
+///   integer          the decimal text of an integer's low 32 bits, read as a signed number
+///   seconds          whole seconds, truncated toward zero and clamped to a signed 32-bit number; 0 for not-a-number
 ///   degrees          latitude ("lat") or longitude ("long") of a point, six decimals
 ///   flag             "1" for true, "0" for false
-///   "1" when true    "1" for true; for false nothing is written, and a host attribute stays
+///   "1" when true    "1" for true; false writes nothing, and a host attribute of that name stays
 ///   "key" = "value"  always this text
 #include <kesu/events/KesuAccount.h>
 #include <kesu/events/KesuAd.h>

@@ -6,55 +6,57 @@
 namespace kesu {
 
 /// Accounts: registration, login, logout, passwords.
-///
-/// Any thread. Arguments and attributes are copied, and the call returns before anything is sent. A key of the
-/// class's own replaces a host attribute of that name. Before Kesu::initialize every operation throws
-/// InternalInconsistencyException and records nothing. <kesu/events/Catalogue.h> tells what the kinds of keys mean.
+/// <kesu/events/Catalogue.h> states what holds for every operation.
 class KESU_API KesuAccount {
  public:
   KesuAccount() = delete;
 
-  /// [KesuAccount postLoginOffered:] Event "AccountLoginOffered", no keys of its own.
+  /// Posts event "AccountLoginOffered": a login was offered. No keys of its own. [KesuAccount postLoginOffered:]
   static void postLoginOffered(const Attributes& attributes = {});
 
-  /// [KesuAccount postLoginStarted:] Event "AccountLoginStarted", no keys of its own.
+  /// Posts event "AccountLoginStarted": a login was started. No keys of its own. [KesuAccount postLoginStarted:]
   static void postLoginStarted(const Attributes& attributes = {});
 
-  /// [KesuAccount postRegistrationOffered:] Event "AccountRegistrationOffered", no keys of its own.
+  /// Posts event "AccountRegistrationOffered": a registration was offered. No keys of its own.
+  /// [KesuAccount postRegistrationOffered:]
   static void postRegistrationOffered(const Attributes& attributes = {});
 
-  /// [KesuAccount postRegistrationStarted:] Event "AccountRegistrationStarted", no keys of its own.
+  /// Posts event "AccountRegistrationStarted": a registration was started. No keys of its own.
+  /// [KesuAccount postRegistrationStarted:]
   static void postRegistrationStarted(const Attributes& attributes = {});
 
-  /// [KesuAccount postSocialLoginOffered:withAttributes:] Event "AccountSocialLoginOffered".
-  /// Keys: "type" (object).
+  /// Posts event "AccountSocialLoginOffered": a login through a social network was offered. Keys: "type" (object).
+  /// [KesuAccount postSocialLoginOffered:withAttributes:]
   static void postSocialLoginOffered(const Object& type, const Attributes& attributes = {});
 
-  /// [KesuAccount postSocialLoginStarted:withAttributes:] Event "AccountSocialLoginStarted".
-  /// Keys: "type" (object).
+  /// Posts event "AccountSocialLoginStarted": a login through a social network was started. Keys: "type" (object).
+  /// [KesuAccount postSocialLoginStarted:withAttributes:]
   static void postSocialLoginStarted(const Object& type, const Attributes& attributes = {});
 
-  /// [KesuAccount postSocialLoginCompleted:withAttributes:] Event "AccountSocialLoginCompleted".
-  /// Keys: "type" (object).
+  /// Posts event "AccountSocialLoginCompleted": a login through a social network was completed. Keys: "type" (object).
+  /// [KesuAccount postSocialLoginCompleted:withAttributes:]
   static void postSocialLoginCompleted(const Object& type, const Attributes& attributes = {});
 
-  /// [KesuAccount postRegistrationCompleted:] Event "AccountRegistrationCompleted", no keys of its own.
+  /// Posts event "AccountRegistrationCompleted": a registration was completed. No keys of its own.
+  /// [KesuAccount postRegistrationCompleted:]
   static void postRegistrationCompleted(const Attributes& attributes = {});
 
-  /// [KesuAccount postLoginCompleted:withErrCode:withAttributes:] Event "AccountLoginCompleted".
-  /// Keys: "success" (flag); "errCodeStr" (object). A text does not pass for a flag.
+  /// Posts event "AccountLoginCompleted": a login ended, with or without success. Keys: "success" (flag); "errCodeStr"
+  /// (object). [KesuAccount postLoginCompleted:withErrCode:withAttributes:]
   static void postLoginCompleted(bool success, const Object& errCode, const Attributes& attributes = {});
   static void postLoginCompleted(const char*, const Object&, const Attributes& = {}) = delete;
 
-  /// [KesuAccount postLogoutCompleted:withAttributes:] Event "AccountLogoutCompleted".
-  /// Keys: "logoutExplicit" (flag). A text does not pass for a flag.
+  /// Posts event "AccountLogoutCompleted": the user was logged out. Keys: "logoutExplicit" (flag).
+  /// [KesuAccount postLogoutCompleted:withAttributes:]
   static void postLogoutCompleted(bool logoutExplicit, const Attributes& attributes = {});
   static void postLogoutCompleted(const char*, const Attributes& = {}) = delete;
 
-  /// [KesuAccount postPasswordResetRequested:] Event "AccountPasswordResetRequested", no keys of its own.
+  /// Posts event "AccountPasswordResetRequested": a new password was requested. No keys of its own.
+  /// [KesuAccount postPasswordResetRequested:]
   static void postPasswordResetRequested(const Attributes& attributes = {});
 
-  /// [KesuAccount postPasswordResetCompleted:] Event "AccountPasswordResetCompleted", no keys of its own.
+  /// Posts event "AccountPasswordResetCompleted": a new password was set. No keys of its own.
+  /// [KesuAccount postPasswordResetCompleted:]
   static void postPasswordResetCompleted(const Attributes& attributes = {});
 };
 

@@ -5,29 +5,27 @@
 
 namespace kesu {
 
-/// Advertisements: asked for, received, clicked.
-///
-/// Any thread. Arguments and attributes are copied, and the call returns before anything is sent. A key of the
-/// class's own replaces a host attribute of that name. Before Kesu::initialize every operation throws
-/// InternalInconsistencyException and records nothing. <kesu/events/Catalogue.h> tells what the kinds of keys mean.
+/// Advertisements: requested, received, clicked.
+/// <kesu/events/Catalogue.h> states what holds for every operation.
 class KESU_API KesuAd {
  public:
   KesuAd() = delete;
 
-  /// [KesuAd postAdRequested:fromAppScreen:withAdSize:adType:withAttributes:] Event "AdRequested".
-  /// Keys: "adNetwork", "appScreen", "size", "type" (object).
+  /// Posts event "AdRequested": an advertisement was requested. Keys: "adNetwork", "appScreen", "size", "type"
+  /// (object). [KesuAd postAdRequested:fromAppScreen:withAdSize:adType:withAttributes:]
   static void postAdRequested(const Object& adNetwork, const Object& appScreen, const Object& adSize,
                               const Object& adType, const Attributes& attributes = {});
 
-  /// [KesuAd postAdReceived:fromAppScreen:withResultCode:isSuccess:withAttributes:] Event "AdReceived".
-  /// Keys: "adNetwork", "appScreen", "resultCode" (object); "success" (flag). A text does not pass for a flag.
+  /// Posts event "AdReceived": an answer to a request for an advertisement arrived. Keys: "adNetwork", "appScreen",
+  /// "resultCode" (object); "success" (flag).
+  /// [KesuAd postAdReceived:fromAppScreen:withResultCode:isSuccess:withAttributes:]
   static void postAdReceived(const Object& adNetwork, const Object& appScreen, const Object& resultCode, bool isSuccess,
                              const Attributes& attributes = {});
   static void postAdReceived(const Object&, const Object&, const Object&, const char*, const Attributes& = {}) = delete;
 
-  /// [KesuAd postAdClicked:fromAppScreen:adCode:isSuccess:withErrorCode:withAttributes:] Event "AdClicked".
-  /// Keys: "adNetwork", "appScreen", "adCode" (object); "success" (flag); "errorCode" (object). A text does not pass
-  /// for a flag.
+  /// Posts event "AdClicked": an advertisement was clicked. Keys: "adNetwork", "appScreen", "adCode" (object);
+  /// "success" (flag); "errorCode" (object).
+  /// [KesuAd postAdClicked:fromAppScreen:adCode:isSuccess:withErrorCode:withAttributes:]
   static void postAdClicked(const Object& adNetwork, const Object& appScreen, const Object& adCode, bool isSuccess,
                             const Object& errorCode, const Attributes& attributes = {});
   static void postAdClicked(const Object&, const Object&, const Object&, const char*, const Object&,

@@ -6,21 +6,21 @@
 namespace kesu {
 
 /// Feedback and ratings that the host asks its users for.
-///
-/// Any thread. Arguments and attributes are copied, and the call returns before anything is sent. A key of the
-/// class's own replaces a host attribute of that name. Before Kesu::initialize every operation throws
-/// InternalInconsistencyException and records nothing. <kesu/events/Catalogue.h> tells what the kinds of keys mean.
+/// <kesu/events/Catalogue.h> states what holds for every operation.
 class KESU_API KesuAdvocacy {
  public:
   KesuAdvocacy() = delete;
 
-  /// [KesuAdvocacy postRequestForFeedback:] Event "AdvocacyRequestForFeedback", no keys of its own.
+  /// Posts event "AdvocacyRequestForFeedback": the user was asked for feedback. No keys of its own.
+  /// [KesuAdvocacy postRequestForFeedback:]
   static void postRequestForFeedback(const Attributes& attributes = {});
 
-  /// [KesuAdvocacy postFeedbackProvided:] Event "AdvocacyFeedbackProvided", no keys of its own.
+  /// Posts event "AdvocacyFeedbackProvided": the user gave feedback. No keys of its own.
+  /// [KesuAdvocacy postFeedbackProvided:]
   static void postFeedbackProvided(const Attributes& attributes = {});
 
-  /// [KesuAdvocacy postRequestRating:] Event "AdvocacyRequestRating", no keys of its own.
+  /// Posts event "AdvocacyRequestRating": the user was asked for a rating. No keys of its own.
+  /// [KesuAdvocacy postRequestRating:]
   static void postRequestRating(const Attributes& attributes = {});
 };
 

@@ -6,30 +6,30 @@
 namespace kesu {
 
 /// A bitcoin wallet.
-///
-/// Any thread. Arguments and attributes are copied, and the call returns before anything is sent. A key of the
-/// class's own replaces a host attribute of that name. Before Kesu::initialize every operation throws
-/// InternalInconsistencyException and records nothing. <kesu/events/Catalogue.h> tells what the kinds of keys mean.
+/// <kesu/events/Catalogue.h> states what holds for every operation.
 class KESU_API KesuBitcoin {
  public:
   KesuBitcoin() = delete;
 
-  /// [KesuBitcoin postSentBitcoins:] Event "BitcoinSent", no keys of its own.
+  /// Posts event "BitcoinSent": bitcoins were sent. No keys of its own. [KesuBitcoin postSentBitcoins:]
   static void postSentBitcoins(const Attributes& attributes = {});
 
-  /// [KesuBitcoin postRequestedBitcoins:] Event "BitcoinRequested", no keys of its own.
+  /// Posts event "BitcoinRequested": bitcoins were requested. No keys of its own. [KesuBitcoin postRequestedBitcoins:]
   static void postRequestedBitcoins(const Attributes& attributes = {});
 
-  /// [KesuBitcoin postReceivedBitcoins:] Event "BitcoinReceived", no keys of its own.
+  /// Posts event "BitcoinReceived": bitcoins were received. No keys of its own. [KesuBitcoin postReceivedBitcoins:]
   static void postReceivedBitcoins(const Attributes& attributes = {});
 
-  /// [KesuBitcoin postViewedTransactions:] Event "BitcoinViewTransaction", no keys of its own.
+  /// Posts event "BitcoinViewTransaction": transactions were viewed. No keys of its own.
+  /// [KesuBitcoin postViewedTransactions:]
   static void postViewedTransactions(const Attributes& attributes = {});
 
-  /// [KesuBitcoin postImportedPrivateKey:] Event "BitcoinImportPrivateKey", no keys of its own.
+  /// Posts event "BitcoinImportPrivateKey": a private key was imported. No keys of its own.
+  /// [KesuBitcoin postImportedPrivateKey:]
   static void postImportedPrivateKey(const Attributes& attributes = {});
 
-  /// [KesuBitcoin postScannedPrivateKey:] Event "BitcoinScannedPrivateKey", no keys of its own.
+  /// Posts event "BitcoinScannedPrivateKey": a private key was scanned. No keys of its own.
+  /// [KesuBitcoin postScannedPrivateKey:]
   static void postScannedPrivateKey(const Attributes& attributes = {});
 };
 

@@ -5,25 +5,25 @@
 
 namespace kesu {
 
-/// How the billing step went.
-///
-/// Any thread. Arguments and attributes are copied, and the call returns before anything is sent. A key of the
-/// class's own replaces a host attribute of that name. Before Kesu::initialize every operation throws
-/// InternalInconsistencyException and records nothing. <kesu/events/Catalogue.h> tells what the kinds of keys mean.
+/// The billing step of a checkout: started, completed, abandoned or failed.
+/// <kesu/events/Catalogue.h> states what holds for every operation.
 class KESU_API KesuCommerceBilling {
  public:
   KesuCommerceBilling() = delete;
 
-  /// [KesuCommerceBilling postBillingStarted:] Event "BillingStarted", no keys of its own.
+  /// Posts event "BillingStarted": the billing step was started. No keys of its own.
+  /// [KesuCommerceBilling postBillingStarted:]
   static void postBillingStarted(const Attributes& attributes = {});
 
-  /// [KesuCommerceBilling postBillingCompleted:] Event "BillingCompleted", no keys of its own.
+  /// Posts event "BillingCompleted": the billing step was completed. No keys of its own.
+  /// [KesuCommerceBilling postBillingCompleted:]
   static void postBillingCompleted(const Attributes& attributes = {});
 
-  /// [KesuCommerceBilling postBillingAbandoned:] Event "BillingAbandoned", no keys of its own.
+  /// Posts event "BillingAbandoned": the billing step was abandoned. No keys of its own.
+  /// [KesuCommerceBilling postBillingAbandoned:]
   static void postBillingAbandoned(const Attributes& attributes = {});
 
-  /// [KesuCommerceBilling postBillingFailed:] Event "BillingFailed", no keys of its own.
+  /// Posts event "BillingFailed": the billing step failed. No keys of its own. [KesuCommerceBilling postBillingFailed:]
   static void postBillingFailed(const Attributes& attributes = {});
 };
 

@@ -5,25 +5,25 @@
 
 namespace kesu {
 
-/// How a checkout went.
-///
-/// Any thread. Arguments and attributes are copied, and the call returns before anything is sent. A key of the
-/// class's own replaces a host attribute of that name. Before Kesu::initialize every operation throws
-/// InternalInconsistencyException and records nothing. <kesu/events/Catalogue.h> tells what the kinds of keys mean.
+/// A checkout: started, completed, abandoned or failed.
+/// <kesu/events/Catalogue.h> states what holds for every operation.
 class KESU_API KesuCommerceCheckout {
  public:
   KesuCommerceCheckout() = delete;
 
-  /// [KesuCommerceCheckout postCheckoutStarted:] Event "CheckoutStarted", no keys of its own.
+  /// Posts event "CheckoutStarted": a checkout was started. No keys of its own.
+  /// [KesuCommerceCheckout postCheckoutStarted:]
   static void postCheckoutStarted(const Attributes& attributes = {});
 
-  /// [KesuCommerceCheckout postCheckoutCompleted:] Event "CheckoutCompleted", no keys of its own.
+  /// Posts event "CheckoutCompleted": a checkout was completed. No keys of its own.
+  /// [KesuCommerceCheckout postCheckoutCompleted:]
   static void postCheckoutCompleted(const Attributes& attributes = {});
 
-  /// [KesuCommerceCheckout postCheckoutAbandoned:] Event "CheckoutAbandoned", no keys of its own.
+  /// Posts event "CheckoutAbandoned": a checkout was abandoned. No keys of its own.
+  /// [KesuCommerceCheckout postCheckoutAbandoned:]
   static void postCheckoutAbandoned(const Attributes& attributes = {});
 
-  /// [KesuCommerceCheckout postCheckoutFailed:] Event "CheckoutFailed", no keys of its own.
+  /// Posts event "CheckoutFailed": a checkout failed. No keys of its own. [KesuCommerceCheckout postCheckoutFailed:]
   static void postCheckoutFailed(const Attributes& attributes = {});
 };
 

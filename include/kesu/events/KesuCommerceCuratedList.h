@@ -5,39 +5,37 @@
 
 namespace kesu {
 
-/// Lists of goods that somebody put together for others.
-///
-/// Any thread. Arguments and attributes are copied, and the call returns before anything is sent. A key of the
-/// class's own replaces a host attribute of that name. Before Kesu::initialize every operation throws
-/// InternalInconsistencyException and records nothing. <kesu/events/Catalogue.h> tells what the kinds of keys mean.
+/// Lists of goods that one person puts together for others.
+/// <kesu/events/Catalogue.h> states what holds for every operation.
 class KESU_API KesuCommerceCuratedList {
  public:
   KesuCommerceCuratedList() = delete;
 
-  /// [KesuCommerceCuratedList postCreated:withType:withAttributes:] Event "CuratedListCreated".
-  /// Keys: "uniqueCuratedListID", "curatedListType" (object).
+  /// Posts event "CuratedListCreated": a curated list was created. Keys: "uniqueCuratedListID", "curatedListType"
+  /// (object). [KesuCommerceCuratedList postCreated:withType:withAttributes:]
   static void postCreated(const Object& uniqueCuratedListID, const Object& type, const Attributes& attributes = {});
 
-  /// [KesuCommerceCuratedList postBrowsed:withCreator:withAttributes:] Event "CuratedListBrowsed".
-  /// Keys: "curatedList", "curatedListCreator" (object).
+  /// Posts event "CuratedListBrowsed": a curated list was browsed. Keys: "curatedList", "curatedListCreator" (object).
+  /// [KesuCommerceCuratedList postBrowsed:withCreator:withAttributes:]
   static void postBrowsed(const Object& curatedList, const Object& creator, const Attributes& attributes = {});
 
-  /// [KesuCommerceCuratedList postAddedItem:withCategory:withItemId:withAttributes:] Event "CuratedListAddedItem".
-  /// Keys: "uniqueCuratedListId", "itemCategory", "itemID" (object).
+  /// Posts event "CuratedListAddedItem": an item was added to a curated list. Keys: "uniqueCuratedListId",
+  /// "itemCategory", "itemID" (object). [KesuCommerceCuratedList postAddedItem:withCategory:withItemId:withAttributes:]
   static void postAddedItem(const Object& uniqueCuratedListId, const Object& category, const Object& itemId,
                             const Attributes& attributes = {});
 
+  /// Posts event "CuratedListRemovedItem": an item was removed from a curated list. Keys: "uniqueCuratedListID",
+  /// "curatedListType", "itemID" (object).
   /// [KesuCommerceCuratedList postRemovedItem:withListType:withItemID:withAttributes:]
-  /// Event "CuratedListRemovedItem". Keys: "uniqueCuratedListID", "curatedListType", "itemID" (object).
   static void postRemovedItem(const Object& uniqueCuratedListID, const Object& listType, const Object& itemID,
                               const Attributes& attributes = {});
 
-  /// [KesuCommerceCuratedList postShared:withCreator:withAttributes:] Event "CuratedListShared".
-  /// Keys: "curatedList", "curatedLstCreator" (object).
+  /// Posts event "CuratedListShared": a curated list was shared. Keys: "curatedList", "curatedLstCreator" (object).
+  /// [KesuCommerceCuratedList postShared:withCreator:withAttributes:]
   static void postShared(const Object& curatedList, const Object& creator, const Attributes& attributes = {});
 
-  /// [KesuCommerceCuratedList postPublished:withCreator:withAttributes:] Event "CuratedListPublished".
-  /// Keys: "curatedList", "curatedLstCreator" (object).
+  /// Posts event "CuratedListPublished": a curated list was published. Keys: "curatedList", "curatedLstCreator"
+  /// (object). [KesuCommerceCuratedList postPublished:withCreator:withAttributes:]
   static void postPublished(const Object& curatedList, const Object& creator, const Attributes& attributes = {});
 };
 

@@ -6,32 +6,29 @@
 namespace kesu {
 
 /// How customers find goods: search, categories, deals, recommendations, earlier orders.
-///
-/// Any thread. Arguments and attributes are copied, and the call returns before anything is sent. A key of the
-/// class's own replaces a host attribute of that name. Before Kesu::initialize every operation throws
-/// InternalInconsistencyException and records nothing. <kesu/events/Catalogue.h> tells what the kinds of keys mean.
+/// <kesu/events/Catalogue.h> states what holds for every operation.
 class KESU_API KesuCommerceDiscovery {
  public:
   KesuCommerceDiscovery() = delete;
 
-  /// [KesuCommerceDiscovery postSearched:withLatency:withAttributes:] Event "DiscoverySearch".
-  /// Keys: "searchString", "latency" (object).
+  /// Posts event "DiscoverySearch": the user searched for goods. Keys: "searchString", "latency" (object).
+  /// [KesuCommerceDiscovery postSearched:withLatency:withAttributes:]
   static void postSearched(const Object& searchString, const Object& latency, const Attributes& attributes = {});
 
-  /// [KesuCommerceDiscovery postBrowsedCategory:withAttributes:] Event "DiscoveryBrowsedCategory".
-  /// Keys: "category" (object).
+  /// Posts event "DiscoveryBrowsedCategory": a category was browsed. Keys: "category" (object).
+  /// [KesuCommerceDiscovery postBrowsedCategory:withAttributes:]
   static void postBrowsedCategory(const Object& category, const Attributes& attributes = {});
 
-  /// [KesuCommerceDiscovery postBrowsedDeals:withAttributes:] Event "DiscoveryBrowsedDeals".
-  /// Keys: "uniqueDealID" (object).
+  /// Posts event "DiscoveryBrowsedDeals": a deal was browsed. Keys: "uniqueDealID" (object).
+  /// [KesuCommerceDiscovery postBrowsedDeals:withAttributes:]
   static void postBrowsedDeals(const Object& uniqueDealID, const Attributes& attributes = {});
 
-  /// [KesuCommerceDiscovery postBrowsedRecommendations:withAttributes:] Event "DiscoveryBrowsedRecommendations".
-  /// Keys: "uniqueRecommendationID" (object).
+  /// Posts event "DiscoveryBrowsedRecommendations": recommendations were browsed. Keys: "uniqueRecommendationID"
+  /// (object). [KesuCommerceDiscovery postBrowsedRecommendations:withAttributes:]
   static void postBrowsedRecommendations(const Object& uniqueRecommendationID, const Attributes& attributes = {});
 
-  /// [KesuCommerceDiscovery postBrowsedPrevOrders:withEnd:withAttributes:] Event "DiscoveryBrowsedPrevOrders".
-  /// Keys: "rangeStart", "rangeEnd" (object).
+  /// Posts event "DiscoveryBrowsedPrevOrders": earlier orders were browsed. Keys: "rangeStart", "rangeEnd" (object).
+  /// [KesuCommerceDiscovery postBrowsedPrevOrders:withEnd:withAttributes:]
   static void postBrowsedPrevOrders(const Object& rangeStart, const Object& end, const Attributes& attributes = {});
 };
 

@@ -6,34 +6,34 @@
 namespace kesu {
 
 /// One article: looked at, scanned, shared, rated.
-///
-/// Any thread. Arguments and attributes are copied, and the call returns before anything is sent. A key of the
-/// class's own replaces a host attribute of that name. Before Kesu::initialize every operation throws
-/// InternalInconsistencyException and records nothing. <kesu/events/Catalogue.h> tells what the kinds of keys mean.
+/// <kesu/events/Catalogue.h> states what holds for every operation.
 class KESU_API KesuCommerceItem {
  public:
   KesuCommerceItem() = delete;
 
-  /// [KesuCommerceItem postViewedItem:] Event "ItemView", no keys of its own.
+  /// Posts event "ItemView": an item was viewed. No keys of its own. [KesuCommerceItem postViewedItem:]
   static void postViewedItem(const Attributes& attributes = {});
 
-  /// [KesuCommerceItem postScannedItem:] Event "ItemScanned", no keys of its own.
+  /// Posts event "ItemScanned": an item was scanned. No keys of its own. [KesuCommerceItem postScannedItem:]
   static void postScannedItem(const Attributes& attributes = {});
 
-  /// [KesuCommerceItem postViewedReviews:] Event "ItemViewedReviews", no keys of its own.
+  /// Posts event "ItemViewedReviews": the reviews of an item were viewed. No keys of its own.
+  /// [KesuCommerceItem postViewedReviews:]
   static void postViewedReviews(const Attributes& attributes = {});
 
-  /// [KesuCommerceItem postViewedDetails:] Event "ItemViewedDetails", no keys of its own.
+  /// Posts event "ItemViewedDetails": the details of an item were viewed. No keys of its own.
+  /// [KesuCommerceItem postViewedDetails:]
   static void postViewedDetails(const Attributes& attributes = {});
 
-  /// [KesuCommerceItem postViewedPrice:] Event "ItemViewedPrice", no keys of its own.
+  /// Posts event "ItemViewedPrice": the price of an item was viewed. No keys of its own.
+  /// [KesuCommerceItem postViewedPrice:]
   static void postViewedPrice(const Attributes& attributes = {});
 
-  /// [KesuCommerceItem postItemShareItem:] Event "ItemShare", no keys of its own.
+  /// Posts event "ItemShare": an item was shared. No keys of its own. [KesuCommerceItem postItemShareItem:]
   static void postItemShareItem(const Attributes& attributes = {});
 
-  /// [KesuCommerceItem postItemRateOn5Scale:withRating:withAttributes:] Event "ItemRate".
-  /// Keys: "itemSKU", "rating" (object).
+  /// Posts event "ItemRate": an item was rated. Keys: "itemSKU", "rating" (object).
+  /// [KesuCommerceItem postItemRateOn5Scale:withRating:withAttributes:]
   static void postItemRateOn5Scale(const Object& itemSKU, const Object& rating, const Attributes& attributes = {});
 };
 

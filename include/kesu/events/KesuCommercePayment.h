@@ -5,25 +5,25 @@
 
 namespace kesu {
 
-/// How the payment step went.
-///
-/// Any thread. Arguments and attributes are copied, and the call returns before anything is sent. A key of the
-/// class's own replaces a host attribute of that name. Before Kesu::initialize every operation throws
-/// InternalInconsistencyException and records nothing. <kesu/events/Catalogue.h> tells what the kinds of keys mean.
+/// The payment step of a checkout: started, completed, abandoned or failed.
+/// <kesu/events/Catalogue.h> states what holds for every operation.
 class KESU_API KesuCommercePayment {
  public:
   KesuCommercePayment() = delete;
 
-  /// [KesuCommercePayment postPaymentStarted:] Event "PaymentStarted", no keys of its own.
+  /// Posts event "PaymentStarted": the payment step was started. No keys of its own.
+  /// [KesuCommercePayment postPaymentStarted:]
   static void postPaymentStarted(const Attributes& attributes = {});
 
-  /// [KesuCommercePayment postPaymentCompleted:] Event "PaymentCompleted", no keys of its own.
+  /// Posts event "PaymentCompleted": the payment step was completed. No keys of its own.
+  /// [KesuCommercePayment postPaymentCompleted:]
   static void postPaymentCompleted(const Attributes& attributes = {});
 
-  /// [KesuCommercePayment postPaymentAbandoned:] Event "PaymentAbandoned", no keys of its own.
+  /// Posts event "PaymentAbandoned": the payment step was abandoned. No keys of its own.
+  /// [KesuCommercePayment postPaymentAbandoned:]
   static void postPaymentAbandoned(const Attributes& attributes = {});
 
-  /// [KesuCommercePayment postPaymentFailed:] Event "PaymentFailed", no keys of its own.
+  /// Posts event "PaymentFailed": the payment step failed. No keys of its own. [KesuCommercePayment postPaymentFailed:]
   static void postPaymentFailed(const Attributes& attributes = {});
 };
 

@@ -7,36 +7,34 @@
 
 namespace kesu {
 
-/// Revenue, told without its amount.
-///
-/// Any thread. Arguments and attributes are copied, and the call returns before anything is sent. A key of the
-/// class's own replaces a host attribute of that name. Before Kesu::initialize every operation throws
-/// InternalInconsistencyException and records nothing. <kesu/events/Catalogue.h> tells what the kinds of keys mean.
+/// Revenue, reported without its amount.
+/// <kesu/events/Catalogue.h> states what holds for every operation.
 class KESU_API KesuCommerceRevenue {
  public:
   KesuCommerceRevenue() = delete;
 
-  /// [KesuCommerceRevenue postRevenue:withAttributes:] Event "RevenuePost".
-  /// No keys. Kept: the amount is not recorded; hosts that want it put it into the attributes.
+  /// Posts event "RevenuePost": revenue was earned. No keys of its own. Kept: the amount is not recorded; hosts that
+  /// want it put it into the attributes. [KesuCommerceRevenue postRevenue:withAttributes:]
   static void postRevenue(const Object& revenue, const Attributes& attributes = {});
 
-  /// The same with attributes in braces, empty ones too, which would fit either form.
+  /// Does the same with attributes in braces, also empty ones, which would fit both forms otherwise.
   static void postRevenue(const Object& revenue, std::initializer_list<Attributes::Entry> attributes);
 
-  /// [KesuCommerceRevenue postRevenue:withPaymentInstrument:withAttributes:] Event "RevenueWithPaymentInstrument".
-  /// No keys. Kept: neither the amount nor the instrument is recorded.
+  /// Posts event "RevenueWithPaymentInstrument": revenue was earned through a payment instrument. No keys of its own.
+  /// Kept: neither the amount nor the instrument is recorded.
+  /// [KesuCommerceRevenue postRevenue:withPaymentInstrument:withAttributes:]
   static void postRevenue(const Object& revenue, const Object& paymentInstrument, const Attributes& attributes = {});
 
-  /// [KesuCommerceRevenue postRevenueUsingApplePay:withAttributes:] Event "RevenueWithPaymentInstrument".
-  /// No keys: the event of an instrument, "ApplePay".
+  /// Posts event "RevenueWithPaymentInstrument": revenue was earned through "ApplePay". No keys of its own.
+  /// [KesuCommerceRevenue postRevenueUsingApplePay:withAttributes:]
   static void postRevenueUsingApplePay(const Object& revenue, const Attributes& attributes = {});
 
-  /// [KesuCommerceRevenue postRevenueUsingSamsungPay:withAttributes:] Event "RevenueWithPaymentInstrument".
-  /// No keys: the event of an instrument, "SamsungPay".
+  /// Posts event "RevenueWithPaymentInstrument": revenue was earned through "SamsungPay". No keys of its own.
+  /// [KesuCommerceRevenue postRevenueUsingSamsungPay:withAttributes:]
   static void postRevenueUsingSamsungPay(const Object& revenue, const Attributes& attributes = {});
 
-  /// [KesuCommerceRevenue postRevenueUsingGooglePay:withAttributes:] Event "RevenueWithPaymentInstrument".
-  /// No keys: the event of an instrument, "GooglePay".
+  /// Posts event "RevenueWithPaymentInstrument": revenue was earned through "GooglePay". No keys of its own.
+  /// [KesuCommerceRevenue postRevenueUsingGooglePay:withAttributes:]
   static void postRevenueUsingGooglePay(const Object& revenue, const Attributes& attributes = {});
 };
 

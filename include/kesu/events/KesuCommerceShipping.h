@@ -5,25 +5,26 @@
 
 namespace kesu {
 
-/// How the shipping step went.
-///
-/// Any thread. Arguments and attributes are copied, and the call returns before anything is sent. A key of the
-/// class's own replaces a host attribute of that name. Before Kesu::initialize every operation throws
-/// InternalInconsistencyException and records nothing. <kesu/events/Catalogue.h> tells what the kinds of keys mean.
+/// The shipping step of a checkout: started, completed, abandoned or failed.
+/// <kesu/events/Catalogue.h> states what holds for every operation.
 class KESU_API KesuCommerceShipping {
  public:
   KesuCommerceShipping() = delete;
 
-  /// [KesuCommerceShipping postShippingStarted:] Event "ShippingStarted", no keys of its own.
+  /// Posts event "ShippingStarted": the shipping step was started. No keys of its own.
+  /// [KesuCommerceShipping postShippingStarted:]
   static void postShippingStarted(const Attributes& attributes = {});
 
-  /// [KesuCommerceShipping postShippingCompleted:] Event "ShippingCompleted", no keys of its own.
+  /// Posts event "ShippingCompleted": the shipping step was completed. No keys of its own.
+  /// [KesuCommerceShipping postShippingCompleted:]
   static void postShippingCompleted(const Attributes& attributes = {});
 
-  /// [KesuCommerceShipping postShippingAbandoned:] Event "ShippingAbandoned", no keys of its own.
+  /// Posts event "ShippingAbandoned": the shipping step was abandoned. No keys of its own.
+  /// [KesuCommerceShipping postShippingAbandoned:]
   static void postShippingAbandoned(const Attributes& attributes = {});
 
-  /// [KesuCommerceShipping postShippingFailed:] Event "ShippingFailed", no keys of its own.
+  /// Posts event "ShippingFailed": the shipping step failed. No keys of its own.
+  /// [KesuCommerceShipping postShippingFailed:]
   static void postShippingFailed(const Attributes& attributes = {});
 };
 

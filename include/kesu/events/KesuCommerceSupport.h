@@ -6,36 +6,34 @@
 namespace kesu {
 
 /// Help for customers about an order: chats, tickets, feedback.
-///
-/// Any thread. Arguments and attributes are copied, and the call returns before anything is sent. A key of the
-/// class's own replaces a host attribute of that name. Before Kesu::initialize every operation throws
-/// InternalInconsistencyException and records nothing. <kesu/events/Catalogue.h> tells what the kinds of keys mean.
+/// <kesu/events/Catalogue.h> states what holds for every operation.
 class KESU_API KesuCommerceSupport {
  public:
   KesuCommerceSupport() = delete;
 
-  /// [KesuCommerceSupport postLiveChatStartedWithTopic:withOrderNumber:withAttributes:]
-  /// Event "CommerceSupportLiveChatStarted". Keys: "topic", "orderNumber" (object).
+  /// Posts event "CommerceSupportLiveChatStarted": a live chat about an order was started. Keys: "topic", "orderNumber"
+  /// (object). [KesuCommerceSupport postLiveChatStartedWithTopic:withOrderNumber:withAttributes:]
   static void postLiveChatStartedWithTopic(const Object& topic, const Object& orderNumber,
                                            const Attributes& attributes = {});
 
-  /// [KesuCommerceSupport postLiveChatEndedWithTopic:withOrderNumber:withAttributes:]
-  /// Event "CommerceSupportLiveChatEnded". Keys: "topic", "orderNumber" (object).
+  /// Posts event "CommerceSupportLiveChatEnded": a live chat about an order ended. Keys: "topic", "orderNumber"
+  /// (object). [KesuCommerceSupport postLiveChatEndedWithTopic:withOrderNumber:withAttributes:]
   static void postLiveChatEndedWithTopic(const Object& topic, const Object& orderNumber,
                                          const Attributes& attributes = {});
 
-  /// [KesuCommerceSupport postTicketCreated:withTopic:withOrderNumber:withAttributes:]
-  /// Event "CommerceSupportTicketCreated". Keys: "itemID", "topic", "orderNumber" (object).
+  /// Posts event "CommerceSupportTicketCreated": a ticket about an order was created. Keys: "itemID", "topic",
+  /// "orderNumber" (object). [KesuCommerceSupport postTicketCreated:withTopic:withOrderNumber:withAttributes:]
   static void postTicketCreated(const Object& itemID, const Object& topic, const Object& orderNumber,
                                 const Attributes& attributes = {});
 
-  /// [KesuCommerceSupport postFeedbackReceived:withOrderNumber:withAttributes:]
-  /// Event "CommerceSupportFeedbackReceived". Keys: "feedback", "orderNumber" (object).
+  /// Posts event "CommerceSupportFeedbackReceived": feedback about an order was received. Keys: "feedback",
+  /// "orderNumber" (object). [KesuCommerceSupport postFeedbackReceived:withOrderNumber:withAttributes:]
   static void postFeedbackReceived(const Object& feedback, const Object& orderNumber,
                                    const Attributes& attributes = {});
 
+  /// Posts event "CommerceSupportQualityOfService": the user rated the service for an order. Keys: "comment",
+  /// "orderNumber", "rating" (object).
   /// [KesuCommerceSupport postQualityOfServiceRated:withOrderNumber:rateOn5Scale:withAttributes:]
-  /// Event "CommerceSupportQualityOfService". Keys: "comment", "orderNumber", "rating" (object).
   static void postQualityOfServiceRated(const Object& comment, const Object& orderNumber, const Object& rateOn5Scale,
                                         const Attributes& attributes = {});
 };

@@ -6,35 +6,32 @@
 namespace kesu {
 
 /// A customer's own lists of wishes.
-///
-/// Any thread. Arguments and attributes are copied, and the call returns before anything is sent. A key of the
-/// class's own replaces a host attribute of that name. Before Kesu::initialize every operation throws
-/// InternalInconsistencyException and records nothing. <kesu/events/Catalogue.h> tells what the kinds of keys mean.
+/// <kesu/events/Catalogue.h> states what holds for every operation.
 class KESU_API KesuCommerceWishList {
  public:
   KesuCommerceWishList() = delete;
 
-  /// [KesuCommerceWishList postCreated:withWishListType:withAttributes:] Event "WishListCreated".
-  /// Keys: "uniqueWishListId", "wishListtype" (object).
+  /// Posts event "WishListCreated": a wish list was created. Keys: "uniqueWishListId", "wishListtype" (object).
+  /// [KesuCommerceWishList postCreated:withWishListType:withAttributes:]
   static void postCreated(const Object& uniqueWishListId, const Object& wishListType,
                           const Attributes& attributes = {});
 
-  /// [KesuCommerceWishList postBrowsed:withAttributes:] Event "WishListBrowsed".
-  /// Keys: "uniqueWishListId" (object).
+  /// Posts event "WishListBrowsed": a wish list was browsed. Keys: "uniqueWishListId" (object).
+  /// [KesuCommerceWishList postBrowsed:withAttributes:]
   static void postBrowsed(const Object& uniqueWishListId, const Attributes& attributes = {});
 
-  /// [KesuCommerceWishList postAddedItem:withItemCategory:withItemId:withAttributes:] Event "WishListAddedItem".
-  /// Keys: "uniqueWishListId", "itemCategory", "itemId" (object).
+  /// Posts event "WishListAddedItem": an item was added to a wish list. Keys: "uniqueWishListId", "itemCategory",
+  /// "itemId" (object). [KesuCommerceWishList postAddedItem:withItemCategory:withItemId:withAttributes:]
   static void postAddedItem(const Object& uniqueWishListId, const Object& itemCategory, const Object& itemId,
                             const Attributes& attributes = {});
 
-  /// [KesuCommerceWishList postRemovedItem:withItemCategory:withItemId:withAttributes:] Event "WishListRemovedItem".
-  /// Keys: "uniqueWishListId", "itemCategory", "itemId" (object).
+  /// Posts event "WishListRemovedItem": an item was removed from a wish list. Keys: "uniqueWishListId", "itemCategory",
+  /// "itemId" (object). [KesuCommerceWishList postRemovedItem:withItemCategory:withItemId:withAttributes:]
   static void postRemovedItem(const Object& uniqueWishListId, const Object& itemCategory, const Object& itemId,
                               const Attributes& attributes = {});
 
-  /// [KesuCommerceWishList postShared:withAttributes:] Event "WishListShared".
-  /// Keys: "uniqueWishListId" (object).
+  /// Posts event "WishListShared": a wish list was shared. Keys: "uniqueWishListId" (object).
+  /// [KesuCommerceWishList postShared:withAttributes:]
   static void postShared(const Object& uniqueWishListId, const Attributes& attributes = {});
 };
 

@@ -6,36 +6,34 @@
 namespace kesu {
 
 /// Content that is looked at, searched and rated.
-///
-/// Any thread. Arguments and attributes are copied, and the call returns before anything is sent. A key of the
-/// class's own replaces a host attribute of that name. Before Kesu::initialize every operation throws
-/// InternalInconsistencyException and records nothing. <kesu/events/Catalogue.h> tells what the kinds of keys mean.
+/// <kesu/events/Catalogue.h> states what holds for every operation.
 class KESU_API KesuContent {
  public:
   KesuContent() = delete;
 
-  /// [KesuContent postViewed:category:withUniqueContentId:withAttributes:] Event "ContentView".
-  /// Keys: "categoryName", "contentId" (object). Kept: the name of the content is not recorded, unlike everywhere
-  /// else in this class.
+  /// Posts event "ContentView": content was viewed. Keys: "categoryName", "contentId" (object). Kept: the name of the
+  /// content is not recorded, unlike everywhere else in this class.
+  /// [KesuContent postViewed:category:withUniqueContentId:withAttributes:]
   static void postViewed(const Object& contentName, const Object& category, const Object& uniqueContentId,
                          const Attributes& attributes = {});
 
-  /// [KesuContent postSearched:withAttributes:] Event "ContentSearch".
-  /// Keys: "searchString" (object).
+  /// Posts event "ContentSearch": content was searched for. Keys: "searchString" (object).
+  /// [KesuContent postSearched:withAttributes:]
   static void postSearched(const Object& searchString, const Attributes& attributes = {});
 
+  /// Posts event "ContentRated": content was rated on a scale of five. Keys: "contentName", "categoryName", "contentId"
+  /// (object); "rating" (number).
   /// [KesuContent postRatedOn5PointScale:category:withUniqueContentId:contentRating:withAttributes:]
-  /// Event "ContentRated". Keys: "contentName", "categoryName", "contentId" (object); "rating" (number).
   static void postRatedOn5PointScale(const Object& contentName, const Object& category, const Object& uniqueContentId,
                                      const Object& contentRating, const Attributes& attributes = {});
 
-  /// [KesuContent postRatedThumbsUp:category:withUniqueContentId:withAttributes:] Event "ContentThumbsUp".
-  /// Keys: "contentName", "categoryName", "contentId" (object).
+  /// Posts event "ContentThumbsUp": content was rated with a thumb up. Keys: "contentName", "categoryName", "contentId"
+  /// (object). [KesuContent postRatedThumbsUp:category:withUniqueContentId:withAttributes:]
   static void postRatedThumbsUp(const Object& contentName, const Object& category, const Object& uniqueContentId,
                                 const Attributes& attributes = {});
 
-  /// [KesuContent postRatedThumbsDown:category:withUniqueContentId:withAttributes:] Event "ContentThumbsDown".
-  /// Keys: "contentName", "categoryName", "contentId" (object).
+  /// Posts event "ContentThumbsDown": content was rated with a thumb down. Keys: "contentName", "categoryName",
+  /// "contentId" (object). [KesuContent postRatedThumbsDown:category:withUniqueContentId:withAttributes:]
   static void postRatedThumbsDown(const Object& contentName, const Object& category, const Object& uniqueContentId,
                                   const Attributes& attributes = {});
 };

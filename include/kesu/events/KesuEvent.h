@@ -9,31 +9,32 @@ namespace kesu {
 
 /// A named event with free attributes, on its way to the collector.
 ///
-/// A short-lived value of one thread: make it, fill it, post it, drop it. Posting costs the caller a copy of the
-/// attributes, one append to the event flow and one enqueue; delivery happens elsewhere. Posting before
-/// Kesu::initialize throws InternalInconsistencyException and records nothing.
+/// A short-lived value of one thread: make it, fill it, post it once. Posting costs the caller a copy of the
+/// attributes, one append to the event flow and one enqueue; the background queue delivers. Posting before
+/// Kesu::initialize throws InternalInconsistencyException and records nothing. An event whose name is missing, empty or
+/// blank is ignored.
 class KESU_API KesuEvent {
  public:
   KesuEvent() = default;
 
-  /// [KesuEvent post:] Posts an event without attributes. Any thread. A missing, empty or blank name: nothing happens.
+  /// Posts an event without attributes. Any thread. [KesuEvent post:]
   static void post(const Object& name);
 
-  /// [KesuEvent postWithEventName:withAttributes:] Posts an event with a copy of the attributes. Any thread. A missing,
-  /// empty or blank name: nothing happens. An attribute called "~e" is overwritten by the name.
+  /// Posts an event with a copy of the attributes. Any thread. The name replaces an attribute "~e".
+  /// [KesuEvent postWithEventName:withAttributes:]
   static void postWithEventName(const Object& name, const Attributes& attributes = {});
 
-  /// [KesuEvent addAttribute::] Adds one attribute, replacing one of that name. Nothing happens when the key or the
-  /// value is missing, null, empty or only white space; otherwise both are stored as given.
+  /// Adds one attribute, replacing one of that name. Nothing happens when the key or the value is missing, null, empty
+  /// or only white space; otherwise both are stored as given. [KesuEvent addAttribute::]
   void addAttribute(const Object& key, const Object& value);
 
-  /// [KesuEvent addLevelAttribute:] The same under the key "Level".
+  /// Adds an attribute under the key "Level" likewise. [KesuEvent addLevelAttribute:]
   void addLevelAttribute(const Object& level);
 
-  /// [KesuEvent post] Posts to the table of events. A missing, empty or blank name: nothing happens.
+  /// Posts to the table of events; the attributes are moved out. [KesuEvent post]
   void post();
 
-  /// [KesuEvent postEventForTableM] Posts to the table of SMS records, without looking at the name.
+  /// Posts to the table of SMS records, whatever the name; the attributes are moved out. [KesuEvent postEventForTableM]
   void postEventForTableM();
 
   Dictionary attributes;  ///< The record that is posted.

@@ -6,73 +6,72 @@
 namespace kesu {
 
 /// Games: levels, scores, goods, achievements, challenges.
-///
-/// Any thread. Arguments and attributes are copied, and the call returns before anything is sent. A key of the
-/// class's own replaces a host attribute of that name. Before Kesu::initialize every operation throws
-/// InternalInconsistencyException and records nothing. <kesu/events/Catalogue.h> tells what the kinds of keys mean.
+/// <kesu/events/Catalogue.h> states what holds for every operation.
 class KESU_API KesuGaming {
  public:
   KesuGaming() = delete;
 
-  /// [KesuGaming postLevelStarted:withAttributes:] Event "GamingLevelStart".
-  /// Keys: "level" (object).
+  /// Posts event "GamingLevelStart": a level was started. Keys: "level" (object).
+  /// [KesuGaming postLevelStarted:withAttributes:]
   static void postLevelStarted(const Object& level, const Attributes& attributes = {});
 
-  /// [KesuGaming postLevelEnded:withScore:withSuccessOrFailure:withAttributes:] Event "GamingLevelEnd".
-  /// Keys: "level", "score", "success" (object).
+  /// Posts event "GamingLevelEnd": a level ended. Keys: "level", "score", "success" (object).
+  /// [KesuGaming postLevelEnded:withScore:withSuccessOrFailure:withAttributes:]
   static void postLevelEnded(const Object& level, const Object& score, const Object& successOrFailure,
                              const Attributes& attributes = {});
 
-  /// [KesuGaming postPowerUpConsumed:withType:withValue:withAttributes:] Event "GamingPowerUp".
-  /// Keys: "level", "type", "value" (object).
+  /// Posts event "GamingPowerUp": a power-up was consumed. Keys: "level", "type", "value" (object).
+  /// [KesuGaming postPowerUpConsumed:withType:withValue:withAttributes:]
   static void postPowerUpConsumed(const Object& level, const Object& type, const Object& value,
                                   const Attributes& attributes = {});
 
-  /// [KesuGaming postInGameItemPurchased:withItemType:withItemValue:withAttributes:] Event "GamingPurchase".
-  /// Keys: "uniqueItemId", "itemType", "value" (object).
+  /// Posts event "GamingPurchase": an item of the game was bought. Keys: "uniqueItemId", "itemType", "value" (object).
+  /// [KesuGaming postInGameItemPurchased:withItemType:withItemValue:withAttributes:]
   static void postInGameItemPurchased(const Object& uniqueItemId, const Object& itemType, const Object& itemValue,
                                       const Attributes& attributes = {});
 
-  /// [KesuGaming postAchievementEarned:withType:withAttributes:] Event "GamingAchievementEarned".
-  /// Keys: "uniqueAchievementId", "type" (object).
+  /// Posts event "GamingAchievementEarned": an achievement was earned. Keys: "uniqueAchievementId", "type" (object).
+  /// [KesuGaming postAchievementEarned:withType:withAttributes:]
   static void postAchievementEarned(const Object& uniqueAchievementId, const Object& type,
                                     const Attributes& attributes = {});
 
-  /// [KesuGaming postSummaryViewed:withScore:withAttributes:] Event "GamingSummaryView".
-  /// Keys: "level", "score" (object).
+  /// Posts event "GamingSummaryView": a summary was viewed. Keys: "level", "score" (object).
+  /// [KesuGaming postSummaryViewed:withScore:withAttributes:]
   static void postSummaryViewed(const Object& level, const Object& score, const Attributes& attributes = {});
 
-  /// [KesuGaming postLeaderBoardViewed:withScore:withAttributes:] Event "GamingLeaderBoard".
-  /// Keys: "level", "score" (object).
+  /// Posts event "GamingLeaderBoard": a leader board was viewed. Keys: "level", "score" (object).
+  /// [KesuGaming postLeaderBoardViewed:withScore:withAttributes:]
   static void postLeaderBoardViewed(const Object& level, const Object& score, const Attributes& attributes = {});
 
-  /// [KesuGaming postScorecardViewed:withScore:withAttributes:] Event "GamingScorecardView".
-  /// Keys: "level", "score" (object).
+  /// Posts event "GamingScorecardView": a scorecard was viewed. Keys: "level", "score" (object).
+  /// [KesuGaming postScorecardViewed:withScore:withAttributes:]
   static void postScorecardViewed(const Object& level, const Object& score, const Attributes& attributes = {});
 
-  /// [KesuGaming postHelpViewed:withAttributes:] Event "GamingHelpView".
-  /// Keys: "helpTopicId" (object).
+  /// Posts event "GamingHelpView": a page of help was viewed. Keys: "helpTopicId" (object).
+  /// [KesuGaming postHelpViewed:withAttributes:]
   static void postHelpViewed(const Object& helpTopicId, const Attributes& attributes = {});
 
-  /// [KesuGaming postTutorialViewed:withAttributes:] Event "GamingTutorialView".
-  /// Keys: "helpTopicId" (object).
+  /// Posts event "GamingTutorialView": a tutorial was viewed. Keys: "helpTopicId" (object).
+  /// [KesuGaming postTutorialViewed:withAttributes:]
   static void postTutorialViewed(const Object& helpTopicId, const Attributes& attributes = {});
 
-  /// [KesuGaming postFriendChallenged:] Event "GamingFriendChallenge", no keys of its own.
+  /// Posts event "GamingFriendChallenge": a friend was challenged. No keys of its own.
+  /// [KesuGaming postFriendChallenged:]
   static void postFriendChallenged(const Attributes& attributes = {});
 
-  /// [KesuGaming postChallengeAccepted:] Event "GamingChallengeAccepted", no keys of its own.
+  /// Posts event "GamingChallengeAccepted": a challenge was accepted. No keys of its own.
+  /// [KesuGaming postChallengeAccepted:]
   static void postChallengeAccepted(const Attributes& attributes = {});
 
-  /// [KesuGaming postChallengeDeclined:] Event "GamingChallengeDeclined", no keys of its own.
+  /// Posts event "GamingChallengeDeclined": a challenge was declined. No keys of its own.
+  /// [KesuGaming postChallengeDeclined:]
   static void postChallengeDeclined(const Attributes& attributes = {});
 
-  /// [KesuGaming postGameStart:withAttributes:] Event "GamingStart".
-  /// Keys: "level" (object).
+  /// Posts event "GamingStart": a game was started. Keys: "level" (object). [KesuGaming postGameStart:withAttributes:]
   static void postGameStart(const Object& level, const Attributes& attributes = {});
 
-  /// [KesuGaming postGameEnd:withLevelsWon:withAttributes:] Event "GamingEnd".
-  /// Keys: "levelsPlayed", "levelsWon" (object).
+  /// Posts event "GamingEnd": a game ended. Keys: "levelsPlayed", "levelsWon" (object).
+  /// [KesuGaming postGameEnd:withLevelsWon:withAttributes:]
   static void postGameEnd(const Object& levelsPlayed, const Object& levelsWon, const Attributes& attributes = {});
 };
 

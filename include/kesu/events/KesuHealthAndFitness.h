@@ -5,34 +5,37 @@
 
 namespace kesu {
 
-/// Training: started, ended, goals, challenges.
-///
-/// Any thread. Arguments and attributes are copied, and the call returns before anything is sent. A key of the
-/// class's own replaces a host attribute of that name. Before Kesu::initialize every operation throws
-/// InternalInconsistencyException and records nothing. <kesu/events/Catalogue.h> tells what the kinds of keys mean.
+/// Workouts: started, ended, goals, challenges.
+/// <kesu/events/Catalogue.h> states what holds for every operation.
 class KESU_API KesuHealthAndFitness {
  public:
   KesuHealthAndFitness() = delete;
 
-  /// [KesuHealthAndFitness postStarted:] Event "HealthAndFitnessStarted", no keys of its own.
+  /// Posts event "HealthAndFitnessStarted": a workout was started. No keys of its own.
+  /// [KesuHealthAndFitness postStarted:]
   static void postStarted(const Attributes& attributes = {});
 
-  /// [KesuHealthAndFitness postEnded:] Event "HealthAndFitnessEnded", no keys of its own.
+  /// Posts event "HealthAndFitnessEnded": a workout ended. No keys of its own. [KesuHealthAndFitness postEnded:]
   static void postEnded(const Attributes& attributes = {});
 
-  /// [KesuHealthAndFitness postAchievementReceived:] Event "HealthAndFitnessAchievement", no keys of its own.
+  /// Posts event "HealthAndFitnessAchievement": an achievement was earned. No keys of its own.
+  /// [KesuHealthAndFitness postAchievementReceived:]
   static void postAchievementReceived(const Attributes& attributes = {});
 
-  /// [KesuHealthAndFitness postStepGoalCompleted:] Event "HealthAndFitnessStepGoal", no keys of its own.
+  /// Posts event "HealthAndFitnessStepGoal": the goal of a number of steps was reached. No keys of its own.
+  /// [KesuHealthAndFitness postStepGoalCompleted:]
   static void postStepGoalCompleted(const Attributes& attributes = {});
 
-  /// [KesuHealthAndFitness postGoalCompleted:] Event "HealthAndFitnessGoalCompleted", no keys of its own.
+  /// Posts event "HealthAndFitnessGoalCompleted": a goal was reached. No keys of its own.
+  /// [KesuHealthAndFitness postGoalCompleted:]
   static void postGoalCompleted(const Attributes& attributes = {});
 
-  /// [KesuHealthAndFitness postChallengedFriend:] Event "HealthAndFitnessChallengeFriend", no keys of its own.
+  /// Posts event "HealthAndFitnessChallengeFriend": a friend was challenged. No keys of its own.
+  /// [KesuHealthAndFitness postChallengedFriend:]
   static void postChallengedFriend(const Attributes& attributes = {});
 
-  /// [KesuHealthAndFitness postChallengeAccepted:] Event "HealthAndFitnessChallengeAccepted", no keys of its own.
+  /// Posts event "HealthAndFitnessChallengeAccepted": a challenge was accepted. No keys of its own.
+  /// [KesuHealthAndFitness postChallengeAccepted:]
   static void postChallengeAccepted(const Attributes& attributes = {});
 };
 

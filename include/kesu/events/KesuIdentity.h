@@ -11,14 +11,14 @@ class KESU_API KesuIdentity {
  public:
   KesuIdentity() = delete;
 
-  /// [KesuIdentity setUserIdentifer:] Keeps and reports the identifier. Kept: spelled so. A missing identifier is kept
-  /// as "" and cannot be reported; resetUserIdentifer() is the way to clear it.
+  /// Stores and reports the identifier. A missing identifier is stored as "" and not reported; resetUserIdentifer()
+  /// clears it. Kept: spelled so. [KesuIdentity setUserIdentifer:]
   static void setUserIdentifer(const Object& identifier);
 
-  /// [KesuIdentity resetUserIdentifer] Forgets the identifier and reports an empty one, also when there was none.
+  /// Removes the identifier and reports an empty one, also when there was none. [KesuIdentity resetUserIdentifer]
   static void resetUserIdentifer();
 
-  /// [KesuIdentity postTraits:] Posts the host's traits of the user. Without any, the record has its context only.
+  /// Posts the host's traits of the user. Without any, the record has its context only. [KesuIdentity postTraits:]
   static void postTraits(const Attributes& traits);
 };
 

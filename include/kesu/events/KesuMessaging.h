@@ -8,36 +8,33 @@
 namespace kesu {
 
 /// Messages and calls between users.
-///
-/// Any thread. Arguments and attributes are copied, and the call returns before anything is sent. A key of the
-/// class's own replaces a host attribute of that name. Before Kesu::initialize every operation throws
-/// InternalInconsistencyException and records nothing. <kesu/events/Catalogue.h> tells what the kinds of keys mean.
+/// <kesu/events/Catalogue.h> states what holds for every operation.
 class KESU_API KesuMessaging {
  public:
   KesuMessaging() = delete;
 
-  /// [KesuMessaging postMessageSent:withAttributes:] Event "MessageSent".
-  /// Keys: "type" = "0"; "uniqueId" (object).
+  /// Posts event "MessageSent": a message was sent. Keys: "type" = "0"; "uniqueId" (object).
+  /// [KesuMessaging postMessageSent:withAttributes:]
   static void postMessageSent(const Object& uniqueId, const Attributes& attributes = {});
 
-  /// [KesuMessaging postMessageSentOfType:withUniqueId:withAttributes:] Event "MessageSent".
-  /// Keys: "type" (integer); "uniqueId" (object).
+  /// Posts event "MessageSent": a message of a type was sent. Keys: "type" (integer); "uniqueId" (object).
+  /// [KesuMessaging postMessageSentOfType:withUniqueId:withAttributes:]
   static void postMessageSentOfType(std::int64_t type, const Object& uniqueId, const Attributes& attributes = {});
 
-  /// [KesuMessaging postMessageReceived:withAttributes:] Event "MessageReceived".
-  /// Keys: "type" = "0"; "uniqueId" (object).
+  /// Posts event "MessageReceived": a message was received. Keys: "type" = "0"; "uniqueId" (object).
+  /// [KesuMessaging postMessageReceived:withAttributes:]
   static void postMessageReceived(const Object& uniqueId, const Attributes& attributes = {});
 
-  /// [KesuMessaging postMessageReceivedOfType:withUniqueId:withAttributes:] Event "MessageReceived".
-  /// Keys: "type" (integer); "uniqueId" (object).
+  /// Posts event "MessageReceived": a message of a type was received. Keys: "type" (integer); "uniqueId" (object).
+  /// [KesuMessaging postMessageReceivedOfType:withUniqueId:withAttributes:]
   static void postMessageReceivedOfType(std::int64_t type, const Object& uniqueId, const Attributes& attributes = {});
 
-  /// [KesuMessaging postMessageNewConversation:withAttributes:] Event "MessageNewConversation".
-  /// Keys: "uniqueId" (object).
+  /// Posts event "MessageNewConversation": a conversation was started. Keys: "uniqueId" (object).
+  /// [KesuMessaging postMessageNewConversation:withAttributes:]
   static void postMessageNewConversation(const Object& uniqueId, const Attributes& attributes = {});
 
-  /// [KesuMessaging postMessageVoiceCall:withAttributes:] Event "MessageVoiceCall".
-  /// Keys: "uniqueId" (object).
+  /// Posts event "MessageVoiceCall": a voice call was made. Keys: "uniqueId" (object).
+  /// [KesuMessaging postMessageVoiceCall:withAttributes:]
   static void postMessageVoiceCall(const Object& uniqueId, const Attributes& attributes = {});
 };
 

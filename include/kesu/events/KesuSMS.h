@@ -6,26 +6,24 @@
 namespace kesu {
 
 /// Registration for text messages. The records go to the table of SMS records, not to the table of events.
-///
-/// Any thread. Arguments and attributes are copied, and the call returns before anything is sent. A key of the
-/// class's own replaces a host attribute of that name. Before Kesu::initialize every operation throws
-/// InternalInconsistencyException and records nothing. <kesu/events/Catalogue.h> tells what the kinds of keys mean.
+/// <kesu/events/Catalogue.h> states what holds for every operation.
 class KESU_API KesuSMS {
  public:
   KesuSMS() = delete;
 
-  /// [KesuSMS postRegisteredDevice:withCountryCode:withAttributes:] Event "KesuSMSRegister".
-  /// Keys: "phoneNumber", "countryCode" (as is); "a" = "r".
+  /// Posts event "KesuSMSRegister": the user registered a device for text messages. Keys: "phoneNumber", "countryCode"
+  /// (as is); "a" = "r". [KesuSMS postRegisteredDevice:withCountryCode:withAttributes:]
   static void postRegisteredDevice(const Object& phoneNumber, const Object& countryCode,
                                    const Attributes& attributes = {});
 
-  /// [KesuSMS postVerification:withVerificationCode:withCountryCode:withAttributes:] Event "KesuSMSVerification".
-  /// Keys: "phoneNumber", "verificationCode", "countryCode" (as is); "a" = "v".
+  /// Posts event "KesuSMSVerification": the user entered the code that verifies a device. Keys: "phoneNumber",
+  /// "verificationCode", "countryCode" (as is); "a" = "v".
+  /// [KesuSMS postVerification:withVerificationCode:withCountryCode:withAttributes:]
   static void postVerification(const Object& phoneNumber, const Object& verificationCode, const Object& countryCode,
                                const Attributes& attributes = {});
 
-  /// [KesuSMS postUnsubscribeDevice:withCountryCode:withAttributes:] Event "KesuSMSUnSubscribe".
-  /// Keys: "phoneNumber", "countryCode" (as is); "a" = "u".
+  /// Posts event "KesuSMSUnSubscribe": the user unsubscribed a device from text messages. Keys: "phoneNumber",
+  /// "countryCode" (as is); "a" = "u". [KesuSMS postUnsubscribeDevice:withCountryCode:withAttributes:]
   static void postUnsubscribeDevice(const Object& phoneNumber, const Object& countryCode,
                                     const Attributes& attributes = {});
 };

@@ -6,40 +6,38 @@
 namespace kesu {
 
 /// Sharing and friends in social networks.
-///
-/// Any thread. Arguments and attributes are copied, and the call returns before anything is sent. A key of the
-/// class's own replaces a host attribute of that name. Before Kesu::initialize every operation throws
-/// InternalInconsistencyException and records nothing. <kesu/events/Catalogue.h> tells what the kinds of keys mean.
+/// <kesu/events/Catalogue.h> states what holds for every operation.
 class KESU_API KesuSocial {
  public:
   KesuSocial() = delete;
 
+  /// Posts event "SocialContentShare": content was shared in a social network. Keys: "socialNetworkName",
+  /// "contentReference", "category" (object).
   /// [KesuSocial postSocialContentShareForNetworkName:forContentReference:category:withAttributes:]
-  /// Event "SocialContentShare". Keys: "socialNetworkName", "contentReference", "category" (object).
   static void postSocialContentShareForNetworkName(const Object& socialNetworkName, const Object& contentReference,
                                                    const Object& category, const Attributes& attributes = {});
 
-  /// [KesuSocial postLiked:forContentReference:category:withAttributes:] Event "SocialLike".
-  /// Keys: "socialNetworkName", "contentReference", "category" (object).
+  /// Posts event "SocialLike": content was liked. Keys: "socialNetworkName", "contentReference", "category" (object).
+  /// [KesuSocial postLiked:forContentReference:category:withAttributes:]
   static void postLiked(const Object& socialNetworkName, const Object& contentReference, const Object& category,
                         const Attributes& attributes = {});
 
-  /// [KesuSocial postFollowed:forContentReference:category:withAttributes:] Event "SocialFollow".
-  /// Keys: "socialNetworkName", "contentReference", "category" (object).
+  /// Posts event "SocialFollow": content was followed. Keys: "socialNetworkName", "contentReference", "category"
+  /// (object). [KesuSocial postFollowed:forContentReference:category:withAttributes:]
   static void postFollowed(const Object& socialNetworkName, const Object& contentReference, const Object& category,
                            const Attributes& attributes = {});
 
-  /// [KesuSocial postSubscribed:forContentReference:category:withAttributes:] Event "SocialSubscribe".
-  /// Keys: "socialNetworkName", "contentReference", "category" (object).
+  /// Posts event "SocialSubscribe": content was subscribed to. Keys: "socialNetworkName", "contentReference",
+  /// "category" (object). [KesuSocial postSubscribed:forContentReference:category:withAttributes:]
   static void postSubscribed(const Object& socialNetworkName, const Object& contentReference, const Object& category,
                              const Attributes& attributes = {});
 
-  /// [KesuSocial postInvitedFriend:withAttributes:] Event "SocialInviteFriend".
-  /// Keys: "socialNetworkName" (object).
+  /// Posts event "SocialInviteFriend": a friend was invited. Keys: "socialNetworkName" (object).
+  /// [KesuSocial postInvitedFriend:withAttributes:]
   static void postInvitedFriend(const Object& socialNetworkName, const Attributes& attributes = {});
 
-  /// [KesuSocial postFoundFriends:withAtrributes:] Event "SocialFoundFriends".
-  /// Keys: "source" (object).
+  /// Posts event "SocialFoundFriends": friends were found. Keys: "source" (object).
+  /// [KesuSocial postFoundFriends:withAtrributes:]
   static void postFoundFriends(const Object& source, const Attributes& attributes = {});
 };
 

@@ -6,35 +6,33 @@
 namespace kesu {
 
 /// Help for users: calls, chats, tickets, feedback.
-///
-/// Any thread. Arguments and attributes are copied, and the call returns before anything is sent. A key of the
-/// class's own replaces a host attribute of that name. Before Kesu::initialize every operation throws
-/// InternalInconsistencyException and records nothing. <kesu/events/Catalogue.h> tells what the kinds of keys mean.
+/// <kesu/events/Catalogue.h> states what holds for every operation.
 class KESU_API KesuSupport {
  public:
   KesuSupport() = delete;
 
-  /// [KesuSupport postRequestedPhoneCallback:] Event "SupportRequestedPhoneCallback", no keys of its own.
+  /// Posts event "SupportRequestedPhoneCallback": the user asked to be called back. No keys of its own.
+  /// [KesuSupport postRequestedPhoneCallback:]
   static void postRequestedPhoneCallback(const Attributes& attributes = {});
 
-  /// [KesuSupport postLiveChatStartedWithTopic:withAttributes:] Event "SupportLiveChatStarted".
-  /// Keys: "topic" (object).
+  /// Posts event "SupportLiveChatStarted": a live chat was started. Keys: "topic" (object).
+  /// [KesuSupport postLiveChatStartedWithTopic:withAttributes:]
   static void postLiveChatStartedWithTopic(const Object& topic, const Attributes& attributes = {});
 
-  /// [KesuSupport postLiveChatEndedWithTopic:withAttributes:] Event "LiveChatEnded".
-  /// Keys: "topic" (object).
+  /// Posts event "LiveChatEnded": a live chat ended. Keys: "topic" (object).
+  /// [KesuSupport postLiveChatEndedWithTopic:withAttributes:]
   static void postLiveChatEndedWithTopic(const Object& topic, const Attributes& attributes = {});
 
-  /// [KesuSupport postTicketCreated:withTopic:withAttributes:] Event "SupportTicketCreated".
-  /// Keys: "itemID", "topic" (object).
+  /// Posts event "SupportTicketCreated": a ticket was created. Keys: "itemID", "topic" (object).
+  /// [KesuSupport postTicketCreated:withTopic:withAttributes:]
   static void postTicketCreated(const Object& itemID, const Object& topic, const Attributes& attributes = {});
 
-  /// [KesuSupport postFeedbackReceived:withAttributes:] Event "SupportFeedbackReceived".
-  /// Keys: "feedback" (object).
+  /// Posts event "SupportFeedbackReceived": feedback was received. Keys: "feedback" (object).
+  /// [KesuSupport postFeedbackReceived:withAttributes:]
   static void postFeedbackReceived(const Object& feedback, const Attributes& attributes = {});
 
-  /// [KesuSupport postQualityOfServiceRated:rateOn5Scale:withAttributes:] Event "SupportQualityOfService".
-  /// Keys: "comment", "rating" (object).
+  /// Posts event "SupportQualityOfService": the user rated the service. Keys: "comment", "rating" (object).
+  /// [KesuSupport postQualityOfServiceRated:rateOn5Scale:withAttributes:]
   static void postQualityOfServiceRated(const Object& comment, const Object& rateOn5Scale,
                                         const Attributes& attributes = {});
 };

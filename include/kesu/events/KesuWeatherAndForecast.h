@@ -8,66 +8,68 @@
 
 namespace kesu {
 
-/// Requests to a weather service, and its answers. A point that is missing (nullptr) counts as an object that is
-/// missing: "lat" and "long" are left out, a host attribute of either name too.
-///
-/// Any thread. Arguments and attributes are copied, and the call returns before anything is sent. A key of the
-/// class's own replaces a host attribute of that name. Before Kesu::initialize every operation throws
-/// InternalInconsistencyException and records nothing. <kesu/events/Catalogue.h> tells what the kinds of keys mean.
+/// Requests to a weather service, and its answers. A missing point (nullptr) leaves "lat" and "long" out and removes
+/// host attributes of these names. <kesu/events/Catalogue.h> states what holds for every operation.
 class KESU_API KesuWeatherAndForecast {
  public:
   KesuWeatherAndForecast() = delete;
 
-  /// [KesuWeatherAndForecast postWeatherRequestedForType:forDays:withAttributes:] Event "WeatherReqType".
-  /// Keys: "wtype", "nDays" (integer).
+  /// Posts event "WeatherReqType": weather of a type was requested for a number of days. Keys: "wtype", "nDays"
+  /// (integer). [KesuWeatherAndForecast postWeatherRequestedForType:forDays:withAttributes:]
   static void postWeatherRequestedForType(std::int64_t type, std::int64_t days, const Attributes& attributes = {});
 
-  /// [KesuWeatherAndForecast postWeatherHistoricalRequest:withEndDate:withAttributes:]
-  /// Event "WeatherHistoricReqType". Keys: "startInterval", "endInterval" (seconds).
+  /// Posts event "WeatherHistoricReqType": the weather between two dates was requested. Keys: "startInterval",
+  /// "endInterval" (seconds). [KesuWeatherAndForecast postWeatherHistoricalRequest:withEndDate:withAttributes:]
   static void postWeatherHistoricalRequest(double startDate, double endDate, const Attributes& attributes = {});
 
+  /// Posts event "WeatherStationReqType": weather stations near a point were requested. Keys: "clusterData" (as is);
+  /// "lat", "long" (degrees).
   /// [KesuWeatherAndForecast postWeatherStationsRequestWithClusterData:atGeoPoint:withAttributes:]
-  /// Event "WeatherStationReqType". Keys: "clusterData" (as is); "lat", "long" (degrees).
   static void postWeatherStationsRequestWithClusterData(const Object& clusterData, const KesuGeoPoint* geoPoint,
                                                         const Attributes& attributes = {});
 
-  /// [KesuWeatherAndForecast postWeatherMapLayersRequested:withAttributes:] Event "WeatherMapLayer".
-  /// Keys: "layerName" (as is).
+  /// Posts event "WeatherMapLayer": map layers were requested. Keys: "layerName" (as is).
+  /// [KesuWeatherAndForecast postWeatherMapLayersRequested:withAttributes:]
   static void postWeatherMapLayersRequested(const Object& layerName, const Attributes& attributes = {});
 
-  /// [KesuWeatherAndForecast postWeatherRequestForUVIndexAtPoint:withAttributes:] Event "WeatherUVIndex".
-  /// Keys: "lat", "long" (degrees).
+  /// Posts event "WeatherUVIndex": the UV index at a point was requested. Keys: "lat", "long" (degrees).
+  /// [KesuWeatherAndForecast postWeatherRequestForUVIndexAtPoint:withAttributes:]
   static void postWeatherRequestForUVIndexAtPoint(const KesuGeoPoint* point, const Attributes& attributes = {});
 
-  /// [KesuWeatherAndForecast postWeatherResponseForType:withAttributes:] Event "WeatherResponseForType".
-  /// Keys: "wtype" (integer).
+  /// Posts event "WeatherResponseForType": weather of a type was received. Keys: "wtype" (integer).
+  /// [KesuWeatherAndForecast postWeatherResponseForType:withAttributes:]
   static void postWeatherResponseForType(std::int64_t type, const Attributes& attributes = {});
 
+  /// Posts event "WeatherResponseForHistorical": the weather between two dates was received. No keys of its own.
   /// [KesuWeatherAndForecast postWeatherResponseForHistoricalData:]
-  /// Event "WeatherResponseForHistorical", no keys of its own.
   static void postWeatherResponseForHistoricalData(const Attributes& attributes = {});
 
-  /// [KesuWeatherAndForecast postWeatherStationResponseData:] Event "WeatherStationResponse", no keys of its own.
+  /// Posts event "WeatherStationResponse": weather stations were received. No keys of its own.
+  /// [KesuWeatherAndForecast postWeatherStationResponseData:]
   static void postWeatherStationResponseData(const Attributes& attributes = {});
 
-  /// [KesuWeatherAndForecast postWeatherMapLayersResponse:] Event "WeatherMapLayersResponse", no keys of its own.
+  /// Posts event "WeatherMapLayersResponse": map layers were received. No keys of its own.
+  /// [KesuWeatherAndForecast postWeatherMapLayersResponse:]
   static void postWeatherMapLayersResponse(const Attributes& attributes = {});
 
-  /// [KesuWeatherAndForecast postWeatherResponseForUVIndex:] Event "WeatherResponseForUVIndex", no keys of its own.
+  /// Posts event "WeatherResponseForUVIndex": the UV index was received. No keys of its own.
+  /// [KesuWeatherAndForecast postWeatherResponseForUVIndex:]
   static void postWeatherResponseForUVIndex(const Attributes& attributes = {});
 
-  /// [KesuWeatherAndForecast postForecastRequestForKeywords:withAttributes:] Event "ForecastRequest".
-  /// Keys: "keywords" (as is).
+  /// Posts event "ForecastRequest": a forecast for keywords was requested. Keys: "keywords" (as is).
+  /// [KesuWeatherAndForecast postForecastRequestForKeywords:withAttributes:]
   static void postForecastRequestForKeywords(const Object& keywords, const Attributes& attributes = {});
 
-  /// [KesuWeatherAndForecast postForecastResponseForKeywords:] Event "ForecastResponse", no keys of its own.
+  /// Posts event "ForecastResponse": a forecast for keywords was received. No keys of its own.
+  /// [KesuWeatherAndForecast postForecastResponseForKeywords:]
   static void postForecastResponseForKeywords(const Attributes& attributes = {});
 
-  /// [KesuWeatherAndForecast postForecastFetch:withAttributes:] Event "ForecastFetch".
-  /// Keys: "nDays" (integer).
+  /// Posts event "ForecastFetch": a forecast for a number of days was requested. Keys: "nDays" (integer).
+  /// [KesuWeatherAndForecast postForecastFetch:withAttributes:]
   static void postForecastFetch(std::int64_t nDays, const Attributes& attributes = {});
 
-  /// [KesuWeatherAndForecast postForecastFetchResponse:] Event "ForecastFetchResponse", no keys of its own.
+  /// Posts event "ForecastFetchResponse": a forecast for a number of days was received. No keys of its own.
+  /// [KesuWeatherAndForecast postForecastFetchResponse:]
   static void postForecastFetchResponse(const Attributes& attributes = {});
 };
 

@@ -7,46 +7,44 @@ namespace kesu {
 
 /// What a messages extension inserts, sends and receives. The flags say whether the user supplied a thing; the thing
 /// itself is never sent.
-///
-/// Any thread. Arguments and attributes are copied, and the call returns before anything is sent. A key of the
-/// class's own replaces a host attribute of that name. Before Kesu::initialize every operation throws
-/// InternalInconsistencyException and records nothing. <kesu/events/Catalogue.h> tells what the kinds of keys mean.
+/// <kesu/events/Catalogue.h> states what holds for every operation.
 class KESU_API KesuiMessageApps {
  public:
   KesuiMessageApps() = delete;
 
-  /// [KesuiMessageApps postInsertMessageWithAttributes:] Event "iMessageAppsInsertMessage", no keys of its own.
+  /// Posts event "iMessageAppsInsertMessage": a message was inserted. No keys of its own.
+  /// [KesuiMessageApps postInsertMessageWithAttributes:]
   static void postInsertMessageWithAttributes(const Attributes& attributes = {});
 
+  /// Posts event "iMessageAppsInsertSticker": a sticker was inserted. Keys: "descriptionProvided", "URLstringProvided"
+  /// ("1" when true).
   /// [KesuiMessageApps postInsertStickerWithLocalizedDescription:withStickerImageFileURLString:withAttributes:]
-  /// Event "iMessageAppsInsertSticker". Keys: "descriptionProvided", "URLstringProvided" ("1" when true). A text does
-  /// not pass for a flag.
   static void postInsertStickerWithLocalizedDescription(bool localizedDescription, bool stickerImageFileURLString,
                                                         const Attributes& attributes = {});
   static void postInsertStickerWithLocalizedDescription(const char*, bool, const Attributes& = {}) = delete;
   static void postInsertStickerWithLocalizedDescription(bool, const char*, const Attributes& = {}) = delete;
 
-  /// [KesuiMessageApps postInsertTextWithText:withAttributes:] Event "iMessageAppsInsertText".
-  /// Keys: "textProvided" ("1" when true). A text does not pass for a flag.
+  /// Posts event "iMessageAppsInsertText": a text was inserted. Keys: "textProvided" ("1" when true).
+  /// [KesuiMessageApps postInsertTextWithText:withAttributes:]
   static void postInsertTextWithText(bool text, const Attributes& attributes = {});
   static void postInsertTextWithText(const char*, const Attributes& = {}) = delete;
 
-  /// [KesuiMessageApps postInsertAttachmentWithURL:withAlternateFileName:withAttributes:]
-  /// Event "iMessageAppsInsertAttachment". Keys: "URLProvided", "fileNameProvided" ("1" when true). A text does not
-  /// pass for a flag.
+  /// Posts event "iMessageAppsInsertAttachment": an attachment was inserted. Keys: "URLProvided", "fileNameProvided"
+  /// ("1" when true). [KesuiMessageApps postInsertAttachmentWithURL:withAlternateFileName:withAttributes:]
   static void postInsertAttachmentWithURL(bool url, bool alternateFileName, const Attributes& attributes = {});
   static void postInsertAttachmentWithURL(const char*, bool, const Attributes& = {}) = delete;
   static void postInsertAttachmentWithURL(bool, const char*, const Attributes& = {}) = delete;
 
+  /// Posts event "iMessageAppsStartSendingMessage": the user started to send a message. No keys of its own.
   /// [KesuiMessageApps postMessageStartSendingWithAttributes:]
-  /// Event "iMessageAppsStartSendingMessage", no keys of its own.
   static void postMessageStartSendingWithAttributes(const Attributes& attributes = {});
 
-  /// [KesuiMessageApps postReceiveMessageWithAttributes:] Event "iMessageAppsReveiveMessage", no keys of its own.
+  /// Posts event "iMessageAppsReveiveMessage": a message was received. No keys of its own.
+  /// [KesuiMessageApps postReceiveMessageWithAttributes:]
   static void postReceiveMessageWithAttributes(const Attributes& attributes = {});
 
+  /// Posts event "iMessageAppsCancelSendingMessage": the user cancelled a message. No keys of its own.
   /// [KesuiMessageApps postCancelSendingMessageWithAttributes:]
-  /// Event "iMessageAppsCancelSendingMessage", no keys of its own.
   static void postCancelSendingMessageWithAttributes(const Attributes& attributes = {});
 };
 
