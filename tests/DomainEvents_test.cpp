@@ -22,7 +22,7 @@ TEST_F(DomainEventsTest, SendsADomainEventWithTheColumnsOfItsTable) {
   EXPECT_EQ(text(sms, "a") + text(sms, "phoneNumber") + text(sms, "countryCode"), "r+15550100<absent>");
 }
 
-TEST_F(DomainEventsTest, GathersScenesThatHaveAReadableNameAndSeconds) {
+TEST_F(DomainEventsTest, StoresScenesWithAReadableNameAndFiniteSeconds) {
   KesuSceneFlow::postSecondsOnScene("cave", 12.34);
   KesuSceneFlow::postSecondsOnScene("", 1.0);
   KesuSceneFlow::postSecondsOnScene("\xff", 1.0);

@@ -5,6 +5,7 @@
 namespace kesu {
 namespace {
 
+/// Set while the library is loaded, read by every thread that posts.
 std::atomic<EventPoster::Provider> providerOfPoster{nullptr};
 
 }  // namespace

@@ -10,7 +10,7 @@
 namespace kesu {
 namespace {
 
-constexpr int kDecimalsOfElapsedSeconds = 3;
+constexpr int kDecimalsOfElapsedSeconds = 3;  // Milliseconds.
 
 void addElapsedSeconds(Attributes& attributes, double timerReference) {
   const double elapsed = timerReferenceAt(Platform::current().clock.now()) - timerReference;

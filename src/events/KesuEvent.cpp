@@ -12,8 +12,8 @@
 namespace kesu {
 namespace {
 
-/// Whether there is something to store: a text counts when anything but white space is in it.
-bool saysSomething(const Object& object) {
+/// Returns whether there is something to store: a text other than white space, or an object that is no text.
+bool hasContent(const Object& object) {
   if (!object || object->isNull()) {
     return false;
   }
@@ -36,7 +36,7 @@ void KesuEvent::postWithEventName(const Object& name, const Attributes& attribut
 
 void KesuEvent::addAttribute(const Object& key, const Object& value) {
   const std::string* keyText = key ? key->text() : nullptr;
-  if (keyText != nullptr && saysSomething(key) && saysSomething(value)) {
+  if (keyText != nullptr && hasContent(key) && hasContent(value)) {
     attributes.set(*keyText, *value);
   }
 }
@@ -50,7 +50,7 @@ void KesuEvent::post() {
   if (text == nullptr || isBlank(*text)) {
     return;
   }
-  recordName();
+  recordName();  // Throws before anything is posted.
   EventPoster::shared().postAppEvent(std::move(attributes));
 }
 

@@ -31,7 +31,7 @@ TEST_F(EventTest, PostsTheNameAsGivenOverAHostsAttribute) {
   EXPECT_EQ(*host.find("~e"), Value("mine"));
 }
 
-TEST_F(EventTest, DropsNamesThatSayNothing) {
+TEST_F(EventTest, IgnoresBlankNames) {
   for (const Object& name : {Object(nil), Object(""), Object("  \n"), Object("\u3000"), Object(Value(Null{}))}) {
     KesuCustomEvent::postWithEventName(name, {{"k", "v"}});
   }
@@ -54,7 +54,7 @@ TEST_F(EventTest, ThrowsBeforeTheLibraryHasAKey) {
   EXPECT_TRUE(poster.posted.empty() && poster.flow.empty());
 }
 
-TEST_F(EventTest, AddsOnlyAttributesThatSaySomething) {
+TEST_F(EventTest, AddsOnlyAttributesWithContent) {
   KesuEvent event;
   event.addAttribute("my key", "x");
   event.addAttribute("blank", "   ");
@@ -67,7 +67,7 @@ TEST_F(EventTest, AddsOnlyAttributesThatSaySomething) {
   EXPECT_EQ(event.attributes, (Dictionary{{"my key", " y "}, {"Level", "3"}}));
 }
 
-TEST_F(EventTest, SendsToTableMWithoutLookingAtTheName) {
+TEST_F(EventTest, SendsToTableMWhateverTheName) {
   KesuEvent event;
   event.attributes = {{"~e", "mine"}, {"a", "r"}};
   event.postEventForTableM();

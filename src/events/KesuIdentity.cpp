@@ -18,7 +18,7 @@ void store(Dictionary identity) {
   defaults.synchronize();
 }
 
-/// Kept: the stored dictionary is begun anew each time, so that it only ever holds the latest entry and the mark.
+/// Kept: replaces the stored dictionary, so that only the latest entry and the mark of a change are in it.
 void setObjectToUserDefaults(Value value, std::string_view key) {
   Dictionary identity;
   identity.set(key, std::move(value));

@@ -33,7 +33,7 @@ TEST_F(IdentityTest, CannotReportAMissingIdentifier) {
   EXPECT_TRUE(poster.posted.empty());
 }
 
-TEST_F(IdentityTest, ForgetsTheIdentifierAndKeepsTheRest) {
+TEST_F(IdentityTest, RemovesTheIdentifierAndKeepsTheRest) {
   KesuIdentity::resetUserIdentifer();
   EXPECT_FALSE(platform.defaults.get("kesuIdentity")) << "there was none";
   platform.defaults.set("kesuIdentity", Dictionary{{"older", "entry"}});
@@ -110,7 +110,7 @@ TEST_F(VersionTest, RemembersAfterTheReportOnly) {
   EXPECT_EQ(platform.defaults.text("Kesu.AppVersionChanged"), "1.0");
   platform.background.discardAll();
   poster.initialized = false;
-  EXPECT_EQ(launch({{"CFBundleShortVersionString", "1.1"}}), "") << "nobody to report to";
+  EXPECT_EQ(launch({{"CFBundleShortVersionString", "1.1"}}), "") << "there is no key";
   poster.initialized = true;
   EXPECT_EQ(launch({{"CFBundleShortVersionString", "1.1"}}), "Kesu.AppVersionChanged 1.0>1.1");
 }

@@ -22,7 +22,8 @@ void KesuVersionChangeEvent::postVersionChangeWithEventName(std::string_view nam
       try {
         KesuCustomEvent::postWithEventName(name, {{"oldver", old}, {"newver", newVersion.value_or("")}});
       } catch (const InternalInconsistencyException&) {
-        return;  // A launch without a key: nobody to report to, and the next launch with one must still notice.
+        return;  // A launch without a key. The old version stays, so that the next launch with a key reports the
+                 // change.
       }
       remember(name, newVersion);
     });

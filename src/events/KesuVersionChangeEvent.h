@@ -13,13 +13,13 @@
 namespace kesu {
 
 /// Reports that the operating system or the application has another version than at the last launch. The user-defaults
-/// key under which a version is remembered is the name of the event that reports its change.
+/// key of a version is the name of the event that reports its change.
 class KesuVersionChangeEvent {
  public:
   KesuVersionChangeEvent(UserDefaults& defaults, BackgroundQueue& background, KesuMetrics& metrics, Bundle& bundle)
       : defaults_(defaults), background_(background), metrics_(metrics), bundle_(bundle) {}
 
-  /// Compares both versions; once a launch, on the launching thread. Changes are posted on the background queue.
+  /// Compares both versions; called once per launch, on the launching thread. The background queue posts changes.
   void checkVersionChangeAndPost();
 
  private:

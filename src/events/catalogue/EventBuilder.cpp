@@ -12,7 +12,7 @@
 namespace kesu {
 namespace {
 
-constexpr int kDecimalsOfDegrees = 6;
+constexpr int kDecimalsOfDegrees = 6;  // About 0.1 m, finer than a float of degrees.
 
 std::string numberText(const Value& number) {
   switch (number.kind()) {
@@ -34,6 +34,7 @@ std::string numberText(const Value& number) {
 }
 
 std::string wholeSeconds(double seconds) {
+  // A double outside the range of the integer that it is cast to would be undefined.
   using Limits = std::numeric_limits<std::int32_t>;
   if (std::isnan(seconds)) {
     return "0";

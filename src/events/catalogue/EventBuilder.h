@@ -13,8 +13,8 @@ namespace kesu {
 ///
 ///   EventBuilder("GamingLevelEnd", attributes).object("level", level).flag("won", won).post();
 ///
-/// It starts from a copy of the host's attributes; every step writes one key over them. <kesu/events/Catalogue.h> tells
-/// what each kind of key looks like. A temporary of one thread; post() throws what KesuEvent::post() throws.
+/// It starts from a copy of the host's attributes; every step writes one key over them. <kesu/events/Catalogue.h>
+/// defines the kinds of keys. A temporary of one thread; post() throws what KesuEvent::post() throws.
 class EventBuilder {
  public:
   EventBuilder(std::string_view name, const Attributes& attributes);
@@ -22,7 +22,7 @@ class EventBuilder {
   /// The argument as it is, "" when it is missing.
   EventBuilder&& object(std::string_view key, const Object& argument) &&;
 
-  /// The argument as it is; a missing one removes the key, the host's too.
+  /// The argument as it is; a missing one removes the key, also one of the host.
   EventBuilder&& asIs(std::string_view key, const Object& argument) &&;
 
   /// The decimal text of a number, "" when it is missing. A text stands for the number it spells and is kept.
@@ -31,21 +31,22 @@ class EventBuilder {
   /// The whole integer.
   EventBuilder&& decimal(std::string_view key, std::int64_t argument) &&;
 
-  /// The low 32 bits with their sign, as a format for plain ints shows a longer number.
+  /// The low 32 bits with their sign. Kept: a longer number loses its upper bits, as in a plain int.
   EventBuilder&& integer(std::string_view key, std::int64_t argument) &&;
 
-  /// Whole seconds, cut toward zero and held inside 32 bits; not-a-number is 0.
+  /// Whole seconds, truncated toward zero and clamped to 32 bits; not-a-number is 0.
   EventBuilder&& seconds(std::string_view key, double argument) &&;
 
-  /// "lat" and "long" with six decimals; a missing point removes both, the host's too.
+  /// "lat" and "long" with six decimals; a missing point removes both, also those of the host.
   EventBuilder&& point(const KesuGeoPoint* argument) &&;
 
   /// "1" or "0".
   EventBuilder&& flag(std::string_view key, bool argument) &&;
 
-  /// "1", or nothing at all.
+  /// "1" for true; false writes nothing.
   EventBuilder&& whenTrue(std::string_view key, bool argument) &&;
 
+  /// Always this text.
   EventBuilder&& constant(std::string_view key, std::string_view value) &&;
 
   /// Posts to the table of events.
