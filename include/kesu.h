@@ -1,6 +1,6 @@
 #pragma once
 
-/// Everything a host needs. Link kesu::kesu.
+/// Includes everything that a host needs. Link kesu::kesu.
 #include <kesu/Kesu.h>
 #include <kesu/Version.h>
 #include <kesu/delivery/ConnectionMetrics.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-/// Marks what the shared library exports. Everything else is hidden.
+/// Exports a class or function from the shared library; everything else is hidden.
 #if defined(__GNUC__)
 #define KESU_API __attribute__((visibility("default")))
 #else

@@ -11,33 +11,28 @@
 
 namespace kesu {
 
-/// [NSDictionary dictionaryByReplacingNilValuesWithEmptyString]
-/// A copy in which every null object is replaced by "", and every dictionary by the result of this operation on it;
-/// other values stay, nulls inside arrays too. Any thread; never fails.
+/// Returns a copy in which every null object is replaced by "", in dictionaries inside it too; nulls inside arrays
+/// stay. Any thread; never fails. [NSDictionary dictionaryByReplacingNilValuesWithEmptyString]
 KESU_API Dictionary dictionaryByReplacingNilValuesWithEmptyString(const Dictionary& dictionary);
 
+/// Returns the dictionary as compact JSON text; nothing when it contains what JSON cannot carry. Any thread.
 /// [NSDictionary serializeDictionaryToString]
-/// The dictionary as compact JSON text; nothing when it holds what JSON cannot carry. Any thread.
 KESU_API std::optional<std::string> serializeDictionaryToString(const Dictionary& dictionary);
 
 /// A text that may be missing.
 using OptionalText = std::optional<std::string>;
 
-/// [NSString : :: ::: :::: :::::]
-/// The receiver followed by every text that is there; missing ones are skipped.
+/// Returns the receiver followed by the texts, skipping missing ones. [NSString : :: ::: :::: :::::]
 KESU_API std::string concatenated(std::string receiver, std::initializer_list<OptionalText> texts);
 
-/// [NSString concat:]
-/// The receiver followed by the texts up to the first missing one.
+/// Returns the receiver followed by the texts up to the first missing one. [NSString concat:]
 KESU_API std::string concat(std::string receiver, std::initializer_list<OptionalText> texts);
 
-/// [NSObject block:]
-/// Calls the block at once, on the caller's thread.
+/// Calls the block synchronously, on the caller's thread. [NSObject block:]
 KESU_API void block(const std::function<void()>& block);
 
-/// [NSObject block:withDelay:]
-/// Calls the block on the main loop `delaySeconds` from now. Any thread; the block is kept until it has run. Returns
-/// the timer, which MainLoop::cancel takes.
+/// Calls the block on the main loop `delaySeconds` from now and returns the timer for MainLoop::cancel. Any thread; the
+/// block is kept until it has run or was cancelled. [NSObject block:withDelay:]
 KESU_API MainLoop::TimerId block(std::function<void()> block, double delaySeconds);
 
 }  // namespace kesu
