@@ -1,8 +1,9 @@
 // What the popup's drawing takes: a card with a picture, texts and buttons, as a message has, over a dimmed screen.
-#include <kesu/ui/Animator.h>
-#include <kesu/ui/Containers.h>
-#include <kesu/ui/Controls.h>
+#include <kesu/ui/Button.h>
+#include <kesu/ui/ImageView.h>
+#include <kesu/ui/Label.h>
 #include <kesu/ui/Overlay.h>
+#include <kesu/ui/Window.h>
 #include <unistd.h>
 
 #include <fstream>
@@ -11,6 +12,8 @@
 #include "Rows.h"
 #include "Stopwatch.h"
 #include "graphics/TextLayout.h"
+#include "uikit/Animator.h"
+#include "uikit/ViewDrawing.h"
 
 namespace kesu::bench {
 namespace {
@@ -51,7 +54,7 @@ class Popup {
     backdrop_->setBackgroundColor(Color::black().withAlpha(0.7));
     backdrop_->setModal(true);
     card_->setBackgroundColor(Color::white());
-    card_->setComposited(true);
+    ViewDrawing::setComposited(*card_, true);
     card_->setClipsToBounds(true);
     card_->setCornerRadius(5.0);
     card_->setBorder(1.0, Color::white());

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <kesu/ui/Containers.h>
+#include <kesu/ui/Window.h>
 
 #include <cstdint>
 #include <memory>
@@ -22,6 +22,7 @@
 #include "records/DefaultsKeys.h"
 #include "services/DeploymentSettings.h"
 #include "uikit/Animator.h"
+#include "uikit/WindowInput.h"
 
 namespace kesu::testing {
 
@@ -82,8 +83,8 @@ struct MessageScreen {
 
   /// A press of a button of the remote, down and up.
   void press(RemoteButton button) {
-    window.press(button, PressPhase::Began);
-    window.press(button, PressPhase::Ended);
+    WindowInput::of(window).press(button, PressPhase::Began);
+    WindowInput::of(window).press(button, PressPhase::Ended);
   }
 
   Platform& platform;

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <kesu/ui/Controls.h>
+#include <kesu/ui/Button.h>
+#include <kesu/ui/ImageView.h>
+#include <kesu/ui/Label.h>
 
 #include <string>
 #include <vector>

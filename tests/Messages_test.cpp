@@ -1,5 +1,5 @@
 #include <kesu/graphics/Color.h>
-#include <kesu/ui/Controls.h>
+#include <kesu/ui/Label.h>
 #include <kesu/ui/Overlay.h>
 #include <kesu/ui/View.h>
 

@@ -1,10 +1,11 @@
 #include "message_ui/ActionButton.h"
 
-#include <kesu/ui/Containers.h>
+#include <kesu/ui/Window.h>
 
 #include "graphics/Canvas.h"
 #include "graphics/TextLayout.h"
 #include "message_ui/MessageLayout.h"
+#include "uikit/ViewDrawing.h"
 
 namespace kesu {
 namespace {
@@ -32,22 +33,22 @@ bool ActionButton::handleArrow(RemoteButton arrow) {
 
 void ActionButton::didUpdateFocus() {
   KesuCustomBtn::didUpdateFocus();
-  setNeedsDisplay();
+  ViewDrawing::setNeedsDisplay(*this);
 }
 
 // The ring follows the size, which a press changes.
 void ActionButton::pressesBegan(RemoteButton pressed) {
   KesuCustomBtn::pressesBegan(pressed);
-  setNeedsDisplay();
+  ViewDrawing::setNeedsDisplay(*this);
 }
 
 void ActionButton::pressesEnded(RemoteButton released) {
   KesuCustomBtn::pressesEnded(released);
-  setNeedsDisplay();
+  ViewDrawing::setNeedsDisplay(*this);
 }
 
 void ActionButton::draw(Canvas& canvas) const {
-  const Rect box = presentedBounds();
+  const Rect box = ViewDrawing::presentedBounds(*this);
   canvas.save();
   canvas.clip(box, cornerRadius());
   canvas.drawImage(face_, {0.0, 0.0, 1.0, 1.0}, box);

@@ -12,6 +12,8 @@
 #include "testing/MessageScreen.h"
 #include "testing/RecordingPoster.h"
 #include "testing/ScopedPlatform.h"
+#include "uikit/Animator.h"
+#include "uikit/WindowInput.h"
 
 namespace kesu {
 namespace {
@@ -118,10 +120,11 @@ class Chance {
         answerSomething();
         break;
       case 5:
-        screen_->window.swipe(upTo(2) == 0 ? SwipeDirection::Left : SwipeDirection::Right);
+        WindowInput::of(screen_->window).swipe(upTo(2) == 0 ? SwipeDirection::Left : SwipeDirection::Right);
         break;
       case 6:
-        screen_->window.press(static_cast<RemoteButton>(upTo(upTo(6) == 0 ? 7 : 5)), static_cast<PressPhase>(upTo(3)));
+        WindowInput::of(screen_->window)
+            .press(static_cast<RemoteButton>(upTo(upTo(6) == 0 ? 7 : 5)), static_cast<PressPhase>(upTo(3)));
         break;
       case 7:
         Animator::shared().tick(now_ += upTo(100) / 500.0);

@@ -1,8 +1,8 @@
 #include "message_ui/KesuCustomBtn.h"
 
-#include <kesu/ui/Animator.h>
-
 #include <memory>
+
+#include "uikit/Animator.h"
 
 namespace kesu {
 namespace {

@@ -303,12 +303,14 @@ void KesuInAppPresenter::showPopover() {
 void KesuInAppPresenter::makeTable() {
   tableView_ = std::make_shared<TableView>(Rect{0.0, 0.0, kCardWidth, virtualHeight(contentHeight_, visibleHeight_)});
   for (const SwipeDirection direction : {SwipeDirection::Left, SwipeDirection::Right}) {
-    tableView_->addGestureRecognizer(std::make_shared<SwipeGestureRecognizer>(
-        direction, [this, direction, table = std::weak_ptr<TableView>(tableView_), turn = turns_.current()](auto&) {
-          if (turn.isAlive() && tableView_ != nullptr && tableView_ == table.lock()) {
-            swipeGestureHandle(direction);
-          }
-        }));
+    GestureRecognizer::add(
+        *tableView_,
+        std::make_shared<SwipeGestureRecognizer>(
+            direction, [this, direction, table = std::weak_ptr<TableView>(tableView_), turn = turns_.current()](auto&) {
+              if (turn.isAlive() && tableView_ != nullptr && tableView_ == table.lock()) {
+                swipeGestureHandle(direction);
+              }
+            }));
   }
 }
 

@@ -7,7 +7,8 @@
 #include <kesu/messaging/KesuInAppMessageType.h>
 #include <kesu/messaging/KesuInAppStatus.h>
 #include <kesu/platform/Platform.h>
-#include <kesu/ui/Controls.h>
+#include <kesu/ui/Button.h>
+#include <kesu/ui/TableView.h>
 #include <kesu/ui/ViewController.h>
 
 #include <cstdint>

@@ -13,6 +13,8 @@
 #include "support/KesuPriorityLogger.h"
 #include "testing/FontRelease.h"
 #include "testing/PresenterTest.h"
+#include "uikit/ViewDrawing.h"
+#include "uikit/WindowInput.h"
 
 namespace kesu {
 namespace {
@@ -47,7 +49,7 @@ TEST_F(PresenterTest, FetchesAndShowsTheFirstMessage) {
   EXPECT_EQ(presenter().tableView()->bounds().size(), (Size{580.0, height}));
   EXPECT_EQ(presenter().tableView()->backgroundColor(), Color::white());
   EXPECT_EQ(card.bounds().height, height + 80.0 + 80.0);
-  EXPECT_NEAR(card.presented().center.y + card.bounds().height / 2.0, 1080.0, 1e-9);
+  EXPECT_NEAR(ViewDrawing::presented(card).center.y + card.bounds().height / 2.0, 1080.0, 1e-9);
   EXPECT_EQ(focusedTitle(), "Watch");
 }
 
@@ -109,12 +111,12 @@ TEST_F(PresenterTest, PagesAndReports) {
   EXPECT_EQ(screen.window.focusedView(), next) << "the same arrow, which stayed";
   EXPECT_EQ(presenter().popupController()->popupView().bounds().height, presenter().tableView()->bounds().height + 80.0)
       << "no buttons";
-  screen.window.swipe(SwipeDirection::Left);
+  WindowInput::of(screen.window).swipe(SwipeDirection::Left);
   ASSERT_TRUE(answer("getmessage/", bodyReply("C", "Text")));
   EXPECT_EQ(focusedTitle(), "\u276E") << "at the end the other arrow";
-  screen.window.swipe(SwipeDirection::Left);
+  WindowInput::of(screen.window).swipe(SwipeDirection::Left);
   EXPECT_EQ(told.size(), 2U) << "nothing at the end";
-  screen.window.swipe(SwipeDirection::Right);
+  WindowInput::of(screen.window).swipe(SwipeDirection::Right);
   platform.settle();
   ASSERT_EQ(told.size(), 3U) << "from the cache";
   EXPECT_EQ(told[2], (KesuInAppStatus{10, "b", "c-b", {}, {}, 3, {}}));
@@ -233,9 +235,9 @@ TEST_F(PresenterTest, KeepsThePlaceOfAPictureAndFadesItIn) {
   const std::string png(*encodePng(Image(8, 4, std::vector<std::uint32_t>(32, 0xFF00FF00U))));
   ASSERT_TRUE(answer("images.example", png));
   EXPECT_NE(shown->image(), nullptr);
-  EXPECT_EQ(shown->presented().alpha, 0.0);
+  EXPECT_EQ(ViewDrawing::presented(*shown).alpha, 0.0);
   pass(0.3);
-  EXPECT_EQ(shown->presented().alpha, 1.0);
+  EXPECT_EQ(ViewDrawing::presented(*shown).alpha, 1.0);
   EXPECT_EQ(presenter().contentHeight(), height) << "no jump";
   EXPECT_NE(screen.cache.imageForURLString("https://images.example/a.png"), nullptr);
 }
@@ -330,7 +332,7 @@ TEST_F(PresenterFocusTest, ReachesEverythingFromEverything) {
       for (View* start : all) {
         EXPECT_EQ(countReached(start), all.size()) << count << " buttons, " << arrows << " arrows";
       }
-      screen.window.swipe(SwipeDirection::Left);
+      WindowInput::of(screen.window).swipe(SwipeDirection::Left);
       answer("getmessage/", body);
     }
     presenter().dismissViewController(false);

@@ -1,13 +1,15 @@
 #include "message_ui/KesuPopupController.h"
 
 #include <kesu/platform/Platform.h>
-#include <kesu/ui/Animator.h>
 #include <kesu/ui/Application.h>
 
 #include <algorithm>
 #include <utility>
 
 #include "support/KesuPriorityLogger.h"
+#include "uikit/Animator.h"
+#include "uikit/GestureRecognizer.h"
+#include "uikit/ViewDrawing.h"
 
 namespace kesu {
 namespace {
@@ -58,7 +60,7 @@ Window* KesuPopupController::applicationWindow() const {
 void KesuPopupController::setUpPopoverContent() {
   popupView_ = std::make_shared<View>();
   popupView_->setClipsToBounds(true);
-  popupView_->setComposited(true);
+  ViewDrawing::setComposited(*popupView_, true);
   theme_ = KesuPopupTheme::defaultTheme();
   theme_.popupStyle = 0;
   const Window* window = applicationWindow();
@@ -73,7 +75,7 @@ void KesuPopupController::setUpPopoverContent() {
       });
   gesture_->setAllowedPressTypes({RemoteButton::Menu});
   gesture_->setDelegate(this);
-  contentView_->addGestureRecognizer(gesture_);
+  GestureRecognizer::add(*contentView_, gesture_);
   contentView_->addSubview(popupView_);
   addPopupContents();
 }

@@ -1,10 +1,9 @@
 #pragma once
 
 #include <kesu/graphics/Image.h>
-#include <kesu/ui/Containers.h>
-#include <kesu/ui/Controls.h>
-#include <kesu/ui/GestureRecognizer.h>
+#include <kesu/ui/ImageView.h>
 #include <kesu/ui/View.h>
+#include <kesu/ui/Window.h>
 
 #include <cstdint>
 #include <functional>
@@ -12,6 +11,7 @@
 #include <vector>
 
 #include "message_ui/KesuPopupTheme.h"
+#include "uikit/GestureRecognizer.h"
 
 namespace kesu {
 

@@ -1,7 +1,7 @@
 #include "message_ui/KesuPopupController.h"
 
 #include <gtest/gtest.h>
-#include <kesu/ui/Containers.h>
+#include <kesu/ui/Window.h>
 
 #include <memory>
 #include <string>
@@ -10,6 +10,8 @@
 #include "message_ui/KesuCustomBtn.h"
 #include "testing/ScopedPlatform.h"
 #include "uikit/Animator.h"
+#include "uikit/ViewDrawing.h"
+#include "uikit/WindowInput.h"
 
 namespace kesu {
 namespace {
@@ -63,7 +65,7 @@ TEST_F(PopupTest, IsBuiltAsAgreed) {
   EXPECT_EQ(popup->popupView().frame(), Rect{});
   EXPECT_EQ(popup->popupView().backgroundColor(), Color::clear());
   EXPECT_TRUE(popup->popupView().clipsToBounds());
-  EXPECT_TRUE(popup->popupView().isComposited());
+  EXPECT_TRUE(ViewDrawing::isComposited(popup->popupView()));
   EXPECT_EQ(popup->gesture().allowedPressTypes(), std::vector<RemoteButton>{RemoteButton::Menu});
   EXPECT_EQ(popup->gesture().delegate(), popup.get());
   EXPECT_EQ(popup->swipeGesture(), nullptr);
@@ -82,21 +84,21 @@ TEST_F(PopupTest, PresentsAtOnceWithoutAnimation) {
   EXPECT_EQ(first->frame(), (Rect{0.0, 0.0, 580.0, 100.0}));
   EXPECT_EQ(second->frame(), (Rect{0.0, 100.0, 560.0, 50.0}));
   EXPECT_EQ(popup->popupView().frame(), (Rect{670.0, 930.0, 580.0, 150.0}));
-  EXPECT_EQ(popup->contentView().presented().alpha, 1.0);
+  EXPECT_EQ(ViewDrawing::presented(popup->contentView()).alpha, 1.0);
   EXPECT_EQ(popup->popupView().borderColor(), Color::white());
   EXPECT_EQ(popup->popupView().borderWidth(), 1.0);
 }
 
 TEST_F(PopupTest, SlidesInFromBelowWithinThreeTenths) {
   present(true);
-  EXPECT_EQ(popup->contentView().presented().alpha, 0.0);
-  EXPECT_EQ(popup->popupView().presented().center, (Point{960.0, 1080.0 + 150.0}));
+  EXPECT_EQ(ViewDrawing::presented(popup->contentView()).alpha, 0.0);
+  EXPECT_EQ(ViewDrawing::presented(popup->popupView()).center, (Point{960.0, 1080.0 + 150.0}));
   pass(0.29);
   EXPECT_TRUE(completions.empty());
-  EXPECT_LT(popup->contentView().presented().alpha, 1.0);
+  EXPECT_LT(ViewDrawing::presented(popup->contentView()).alpha, 1.0);
   pass(0.02);
   EXPECT_EQ(completions, std::vector<bool>{true});
-  EXPECT_EQ(popup->popupView().presented().center, (Point{960.0, 1080.0 - 75.0}));
+  EXPECT_EQ(ViewDrawing::presented(popup->popupView()).center, (Point{960.0, 1080.0 - 75.0}));
   EXPECT_TRUE(popup->popupView().isUserInteractionEnabled());
 }
 
@@ -117,12 +119,12 @@ TEST_F(PopupTest, ClosesOnceForTheUserThoughItDismissesTwice) {
   popup->setRemovalHandler([&] { ++removed; });
   present(true);
   pass(0.4);
-  EXPECT_TRUE(window.press(RemoteButton::Menu, PressPhase::Began));
-  EXPECT_TRUE(window.press(RemoteButton::Menu, PressPhase::Ended));
+  EXPECT_TRUE(WindowInput::of(window).press(RemoteButton::Menu, PressPhase::Began));
+  EXPECT_TRUE(WindowInput::of(window).press(RemoteButton::Menu, PressPhase::Ended));
   EXPECT_EQ(delegate.closed, 1);
   pass(0.2);
   EXPECT_TRUE(isUp()) << "still sliding out";
-  EXPECT_GT(popup->contentView().presented().alpha, 0.0);
+  EXPECT_GT(ViewDrawing::presented(popup->contentView()).alpha, 0.0);
   pass(0.2);
   EXPECT_FALSE(isUp());
   EXPECT_EQ(removed, 1);
@@ -144,12 +146,12 @@ TEST_F(PopupTest, AsksTheThemeWhetherABackgroundTapCloses) {
 
 TEST_F(PopupTest, IgnoresTapsOnTheCard) {
   present();
-  window.tap({960.0, 1000.0});
+  WindowInput::of(window).tap({960.0, 1000.0});
   EXPECT_EQ(delegate.closed, 0);
   EXPECT_FALSE(popup->shouldReceiveTouch(popup->gesture(), popup->popupView()));
   EXPECT_FALSE(popup->shouldReceiveTouch(popup->gesture(), *first));
   EXPECT_TRUE(popup->shouldReceiveTouch(popup->gesture(), popup->contentView()));
-  window.tap({100.0, 100.0});
+  WindowInput::of(window).tap({100.0, 100.0});
   EXPECT_EQ(delegate.closed, 1);
 }
 
@@ -166,14 +168,14 @@ TEST_F(PopupTest, TellsTheLogOfEveryReleaseAndTouchWithoutAnyThreshold) {
   popup->simulateWideTap();
   EXPECT_EQ(lines(), "") << "nothing was released";
   present();
-  window.tap({960.0, 1000.0});
+  WindowInput::of(window).tap({960.0, 1000.0});
   EXPECT_EQ(lines(), line) << "on the card, where nothing closes";
-  window.press(RemoteButton::Menu, PressPhase::Began);
+  WindowInput::of(window).press(RemoteButton::Menu, PressPhase::Began);
   EXPECT_EQ(lines(), "");
-  window.press(RemoteButton::Menu, PressPhase::Ended);
+  WindowInput::of(window).press(RemoteButton::Menu, PressPhase::Ended);
   EXPECT_EQ(lines(), line);
   present();
-  window.tap({100.0, 100.0});
+  WindowInput::of(window).tap({100.0, 100.0});
   EXPECT_EQ(lines(), line + line) << "the touch, and the gesture that it makes";
 }
 
@@ -193,16 +195,16 @@ TEST_F(PopupTest, GrowsInTwoSteps) {
   EXPECT_EQ(second->frame().y, 300.0);
   EXPECT_EQ(popup->popupView().bounds().height, 150.0) << "not before the next turn";
   Animator::shared().tick(now);
-  EXPECT_LT(first->presented().size.height, 300.0);
+  EXPECT_LT(ViewDrawing::presented(*first).size.height, 300.0);
   Animator::shared().tick(now += 0.1);
-  EXPECT_EQ(first->presented().size.height, 300.0);
+  EXPECT_EQ(ViewDrawing::presented(*first).size.height, 300.0);
   platform.settle();
   EXPECT_EQ(popup->popupView().bounds().height, 350.0);
   EXPECT_EQ(popup->popupView().center(), (Point{960.0, 1080.0 - 175.0}));
   pass(0.49);
-  EXPECT_NE(popup->popupView().presented().center, popup->popupView().center());
+  EXPECT_NE(ViewDrawing::presented(popup->popupView()).center, popup->popupView().center());
   pass(0.02);
-  EXPECT_EQ(popup->popupView().presented().center, popup->popupView().center());
+  EXPECT_EQ(ViewDrawing::presented(popup->popupView()).center, popup->popupView().center());
 }
 
 TEST_F(PopupTest, ForgetsAGrowthThatADismissalOvertakes) {
@@ -233,8 +235,8 @@ TEST_F(PopupTest, SlidesOutWithoutItsController) {
   popup->dismissPopupControllerAnimated(true);
   popup.reset();
   ASSERT_EQ(backdrop->superview(), &window);
-  window.press(RemoteButton::Menu, PressPhase::Began);
-  window.press(RemoteButton::Menu, PressPhase::Ended);
+  WindowInput::of(window).press(RemoteButton::Menu, PressPhase::Began);
+  WindowInput::of(window).press(RemoteButton::Menu, PressPhase::Ended);
   pass(0.4);
   EXPECT_TRUE(window.subviews().empty());
   EXPECT_EQ(delegate.closed, 0);
@@ -273,8 +275,8 @@ TEST_F(PopupTest, FollowsTheScreensGeometry) {
   window.setFrame({0.0, 0.0, 1440.0, 1080.0});
   popup->orientationWillChange();
   pass(0.31);
-  EXPECT_EQ(popup->contentView().presented().size, (Size{1440.0, 1080.0}));
-  EXPECT_EQ(popup->popupView().presented().center, (Point{720.0, 1005.0}));
+  EXPECT_EQ(ViewDrawing::presented(popup->contentView()).size, (Size{1440.0, 1080.0}));
+  EXPECT_EQ(ViewDrawing::presented(popup->popupView()).center, (Point{720.0, 1005.0}));
 }
 
 TEST_F(PopupTest, HasNoGeometryWithoutAWindow) {
@@ -322,9 +324,9 @@ TEST_F(FocusButtonTest, HasTheAgreedLooks) {
   window.setFocusedView(button.get());
   expectFocused();
   pass(0.19);
-  EXPECT_NE(button->presented().transform, button->transform());
+  EXPECT_NE(ViewDrawing::presented(*button).transform, button->transform());
   pass(0.02);
-  EXPECT_EQ(button->presented().transform, button->transform());
+  EXPECT_EQ(ViewDrawing::presented(*button).transform, button->transform());
   window.setFocusedView(other.get());
   expectNormal();
   EXPECT_EQ(button->shadow().opacity, 0.25) << "the shadow stays; clipping hides it";
@@ -335,15 +337,15 @@ TEST_F(FocusButtonTest, LooksPushedInWhileSelectIsHeld) {
   button->setAction([&](Button&) { ++activated; });
   window.setFocusedView(button.get());
   pass(0.1);  // Also while it still grows.
-  window.press(RemoteButton::Select, PressPhase::Began);
+  WindowInput::of(window).press(RemoteButton::Select, PressPhase::Began);
   pass(0.3);
   EXPECT_TRUE(button->transform().isIdentity());
   EXPECT_EQ(button->shadow().offset, (Size{0.0, 10.0}));
-  window.press(RemoteButton::Select, PressPhase::Cancelled);
+  WindowInput::of(window).press(RemoteButton::Select, PressPhase::Cancelled);
   expectFocused();
   EXPECT_EQ(activated, 0);
-  window.press(RemoteButton::Select, PressPhase::Began);
-  window.press(RemoteButton::Select, PressPhase::Ended);
+  WindowInput::of(window).press(RemoteButton::Select, PressPhase::Began);
+  WindowInput::of(window).press(RemoteButton::Select, PressPhase::Ended);
   pass(0.3);
   expectFocused();
   EXPECT_EQ(activated, 1);
@@ -362,7 +364,7 @@ TEST_F(FocusButtonTest, EndsInTheNormalLookWhenTheFocusLeavesEarly) {
   window.setFocusedView(other.get());
   pass(0.3);
   expectNormal();
-  EXPECT_TRUE(button->presented().transform.isIdentity());
+  EXPECT_TRUE(ViewDrawing::presented(*button).transform.isIdentity());
 }
 
 TEST_F(FocusButtonTest, KeepsTheFocusedLookWhenItsAnimationIsInterrupted) {

@@ -1,7 +1,8 @@
 #pragma once
 
 #include <kesu/graphics/Image.h>
-#include <kesu/ui/Controls.h>
+#include <kesu/ui/Button.h>
+#include <kesu/ui/Label.h>
 
 #include <cstddef>
 #include <cstdint>

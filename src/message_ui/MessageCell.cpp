@@ -1,12 +1,13 @@
 #include "message_ui/MessageCell.h"
 
-#include <kesu/ui/Animator.h>
+#include <kesu/ui/Label.h>
 
 #include <memory>
 #include <utility>
 
 #include "message_ui/GradientView.h"
 #include "message_ui/PicturePlaceholder.h"
+#include "uikit/Animator.h"
 
 namespace kesu {
 namespace {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <kesu/ui/Controls.h>
+#include <kesu/ui/ImageView.h>
 
 #include <memory>
 

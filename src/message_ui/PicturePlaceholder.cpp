@@ -1,6 +1,7 @@
 #include "message_ui/PicturePlaceholder.h"
 
 #include "graphics/Canvas.h"
+#include "uikit/ViewDrawing.h"
 
 namespace kesu {
 namespace {
@@ -16,7 +17,7 @@ Rect disc(Point center, double radius) {
 }  // namespace
 
 void PicturePlaceholder::draw(Canvas& canvas) const {
-  const Rect box = presentedBounds();
+  const Rect box = ViewDrawing::presentedBounds(*this);
   canvas.fill(box, ink_.withAlpha(kFaceOpacity));
   if (box.height < 2.0 * kOutline.height) {
     return;

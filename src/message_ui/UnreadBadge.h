@@ -1,6 +1,6 @@
 #pragma once
 
-#include <kesu/ui/Controls.h>
+#include <kesu/ui/Label.h>
 
 #include <cstdint>
 #include <memory>

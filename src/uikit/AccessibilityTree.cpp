@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "uikit/FocusEngine.h"
+#include "uikit/InputTargets.h"
 
 namespace kesu {
 namespace {
@@ -15,9 +16,7 @@ using Role = AccessibilityInfo::Role;
 using Block = std::vector<AccessibilityNode>;
 
 AccessibilityNode nodeOf(const View& view, AccessibilityInfo info) {
-  const Point origin = view.toWindow({});
-  return {info.role, std::move(info.label), std::move(info.value),
-          Rect{origin.x, origin.y, view.bounds().width, view.bounds().height}, view.isFocused()};
+  return {info.role, std::move(info.label), std::move(info.value), placeInWindow(view), view.isFocused()};
 }
 
 void appendInReadingOrder(std::vector<Block> blocks, Block& nodes) {
@@ -55,8 +54,8 @@ void collect(const View& view, std::vector<Block>& blocks) {
 }  // namespace
 
 std::vector<AccessibilityNode> accessibilityTree(const Window& window) {
-  window.focusedView();  // The focus is to be right.
-  const View* modal = window.modalView();
+  window.focusedView();  // Updates the focus, which the nodes contain.
+  const View* modal = frontmostModal(window);
   std::vector<Block> blocks;
   collect(modal != nullptr ? *modal : window, blocks);
   Block nodes;

@@ -1,7 +1,6 @@
 #include "uikit/Animator.h"
 
 #include <kesu/platform/Platform.h>
-#include <kesu/ui/Containers.h>
 
 #include <algorithm>
 #include <cmath>
@@ -13,6 +12,7 @@
 #include "foundation/Afterwards.h"
 #include "foundation/SharedInstance.h"
 #include "uikit/KeyWindow.h"
+#include "uikit/ViewDrawing.h"
 #include "uikit/ViewProperty.h"
 
 namespace kesu {
@@ -122,7 +122,7 @@ void Animator::State::send(View& view, ViewProperty property, const ViewGeometry
   takeOver(view, property);
   if (Group* group = groupOf(id)) {
     ++group->values;
-    motions.push_back({&view, property, id, view.presented(), to});
+    motions.push_back({&view, property, id, ViewDrawing::presented(view), to});
   }
 }
 
@@ -131,9 +131,9 @@ void Animator::State::advance(double time) {
     group.began = group.began.value_or(time);
   }
   for (const Motion& motion : motions) {
-    ViewGeometry next = motion.view->presented();
+    ViewGeometry next = ViewDrawing::presented(*motion.view);
     moveTo(motion.property, motion.from, motion.to, eased(groupOf(motion.group)->partAt(time)), next);
-    present(*motion.view, next);
+    ViewDrawing::present(*motion.view, next);
   }
   endGroups([&](const Group& group) { return group.partAt(time) >= 1.0; });
 }
@@ -142,9 +142,9 @@ void Animator::State::advance(double time) {
 void Animator::State::finish(std::uint64_t lastOfThem) {
   for (const Motion& motion : motions) {
     if (motion.group <= lastOfThem) {
-      ViewGeometry next = motion.view->presented();
+      ViewGeometry next = ViewDrawing::presented(*motion.view);
       moveTo(motion.property, motion.from, motion.to, 1.0, next);
-      present(*motion.view, next);
+      ViewDrawing::present(*motion.view, next);
     }
   }
   endGroups([&](const Group& group) { return group.id <= lastOfThem; });
@@ -278,7 +278,8 @@ void Animator::animate(double durationSeconds, const std::function<void()>& chan
       [&] { state->close(id); });
   Window* window = keyWindow();
   if (id != 0 && window != nullptr) {
-    window->didChange();  // Frames are wanted even where nothing moves: only they bring the completion in time.
+    ViewDrawing::noteChange(
+        *window);  // Frames are wanted even where nothing moves: only they bring the completion in time.
   } else if (id == 0 && completion) {
     completion(true);
   }
@@ -300,7 +301,7 @@ void Animator::finishAll() {
 
 void Animator::viewMoved(View& view, const ViewGeometry& from, const ViewGeometry& to) {
   const bool isGradual = !state_->open.empty() && state_->open.back() != 0;
-  ViewGeometry next = view.presented();
+  ViewGeometry next = ViewDrawing::presented(view);
   for (const ViewProperty property : kViewProperties) {
     if (isSame(property, from, to)) {
       continue;
@@ -309,24 +310,20 @@ void Animator::viewMoved(View& view, const ViewGeometry& from, const ViewGeometr
       state_->send(view, property, to);
       continue;
     }
-    if (view.isAnimated_) {
+    if (ViewDrawing::isAnimated(view)) {
       state_->takeOver(view, property);
     }
     moveTo(property, to, to, 1.0, next);
   }
   if (isGradual) {
-    view.isAnimated_ = true;
-    view.noteChange();
+    ViewDrawing::setAnimated(view);
+    ViewDrawing::noteChangeIn(view);
   }
-  view.present(next);
+  ViewDrawing::present(view, next);
 }
 
-void Animator::viewWentAway(View& view) {
+void Animator::viewDestroyed(View& view) {
   state_->takeOver(view, std::nullopt);
-}
-
-void Animator::present(View& view, const ViewGeometry& next) {
-  view.present(next);
 }
 
 void animate(double durationSeconds, const std::function<void()>& changes, AnimationCompletion completion) {

@@ -1,13 +1,14 @@
 #include "uikit/Animator.h"
 
 #include <gtest/gtest.h>
-#include <kesu/ui/Containers.h>
+#include <kesu/ui/Window.h>
 
 #include <cmath>
 #include <stdexcept>
 
 #include "foundation/SharedInstance.h"
 #include "testing/ScopedPlatform.h"
+#include "uikit/ViewDrawing.h"
 
 namespace kesu {
 namespace {
@@ -24,8 +25,8 @@ class AnimatorTest : public ::testing::Test {
     return [this, name](bool finished) { heard += name + (finished ? "+" : "-"); };
   }
   std::string take() { return std::exchange(heard, {}); }
-  double alpha() const { return view->presented().alpha; }
-  double x() const { return view->presented().center.x; }
+  double alpha() const { return ViewDrawing::presented(*view).alpha; }
+  double x() const { return ViewDrawing::presented(*view).center.x; }
 
   testing::ScopedPlatform platform;
   std::shared_ptr<View> view = std::make_shared<View>(Rect{0.0, 0.0, 100.0, 100.0});
@@ -64,12 +65,12 @@ TEST_F(AnimatorTest, MovesEveryValueOnItsOwn) {
   Animator::shared().tick(0.5);
   const ViewGeometry half{
       {150.0, 137.5}, {200.0, 75.0}, {1.5, 2.0, 5.0, 10.0}, 1.0, {{0.5, 0.0, 0.0, 1.0}, 0.25, 5.0, {1.0, 2.0}}};
-  EXPECT_TRUE(view->presented() == half);
+  EXPECT_TRUE(ViewDrawing::presented(*view) == half);
   view->setTransform({});
   Animator::shared().tick(1.0);
-  EXPECT_EQ(view->presented().size, (Size{300.0, 50.0}));
-  EXPECT_EQ(view->presented().shadow, shadow);
-  EXPECT_TRUE(view->presented().transform.isIdentity());
+  EXPECT_EQ(ViewDrawing::presented(*view).size, (Size{300.0, 50.0}));
+  EXPECT_EQ(ViewDrawing::presented(*view).shadow, shadow);
+  EXPECT_TRUE(ViewDrawing::presented(*view).transform.isIdentity());
 }
 
 TEST_F(AnimatorTest, GoesOnFromWhereItIsWhenAnotherTakesOver) {
@@ -130,7 +131,7 @@ TEST_F(AnimatorTest, SetsAtOnceWithoutDuration) {
         animate(
             0.0, [&] { view->setAlpha(0.0); }, note("in"));
         auto made = std::make_shared<View>(Rect{5.0, 5.0, 10.0, 10.0});
-        EXPECT_EQ(made->presented().size.width, 10.0) << "what is new does not grow from nothing";
+        EXPECT_EQ(ViewDrawing::presented(*made).size.width, 10.0) << "what is new does not grow from nothing";
       },
       note("out"));
   EXPECT_EQ(alpha(), 0.0);
@@ -182,7 +183,7 @@ TEST_F(AnimatorTest, FollowsEndsThatCauseEndsInOneFrame) {
       });
   Animator::shared().tick(0.1);
   EXPECT_EQ(take(), "a-b-");
-  EXPECT_TRUE(view->presented().transform.isIdentity());
+  EXPECT_TRUE(ViewDrawing::presented(*view).transform.isIdentity());
 }
 
 TEST_F(AnimatorTest, NeverGoesBackInTime) {
@@ -276,12 +277,12 @@ TEST_F(AnimatorTest, WantsFrames) {
   Window window;
   window.makeKeyAndVisible();
   window.addSubview(view);
-  const std::uint64_t before = window.changeCount();
+  const std::uint64_t before = ViewDrawing::changeCount(window);
   animate(0.3, [&] { view->setAlpha(0.0); });
-  const std::uint64_t moving = window.changeCount();
+  const std::uint64_t moving = ViewDrawing::changeCount(window);
   EXPECT_GT(moving, before);
   animate(0.3, [] {});
-  EXPECT_GT(window.changeCount(), moving);
+  EXPECT_GT(ViewDrawing::changeCount(window), moving);
 }
 
 }  // namespace

@@ -1,9 +1,10 @@
-#include <kesu/ui/Controls.h>
+#include <kesu/ui/Button.h>
 
 #include <algorithm>
 #include <utility>
 
 #include "graphics/Canvas.h"
+#include "uikit/ViewDrawing.h"
 
 namespace kesu {
 namespace {
@@ -13,31 +14,19 @@ constexpr double kTitleMargin = 8.0;  // Left and right of the title, in points.
 }  // namespace
 
 void Button::setTitle(std::string title) {
-  if (title != title_) {
-    title_ = std::move(title);
-    setNeedsDisplay();
-  }
+  ViewDrawing::set(*this, title_, std::move(title));
 }
 
 void Button::setFont(Font font) {
-  if (font != font_) {
-    font_ = std::move(font);
-    setNeedsDisplay();
-  }
+  ViewDrawing::set(*this, font_, std::move(font));
 }
 
 void Button::setTitleColor(const Color& color) {
-  if (color != titleColor_) {
-    titleColor_ = color;
-    setNeedsDisplay();
-  }
+  ViewDrawing::set(*this, titleColor_, color);
 }
 
 void Button::setBackgroundImage(ImagePtr image) {
-  if (image != backgroundImage_) {
-    backgroundImage_ = std::move(image);
-    setNeedsDisplay();
-  }
+  ViewDrawing::set(*this, backgroundImage_, std::move(image));
 }
 
 void Button::activate() {
@@ -48,7 +37,7 @@ void Button::activate() {
 }
 
 void Button::draw(Canvas& canvas) const {
-  const Rect box = presentedBounds();
+  const Rect box = ViewDrawing::presentedBounds(*this);
   if (backgroundImage_ != nullptr) {
     const Rect whole{0.0, 0.0, static_cast<double>(backgroundImage_->width()),
                      static_cast<double>(backgroundImage_->height())};

@@ -1,48 +1,11 @@
-#include <kesu/ui/Containers.h>
+#include <kesu/ui/NavigationController.h>
+#include <kesu/ui/TabBarController.h>
 
 #include <utility>
 
-#include "uikit/KeyWindow.h"
+#include "uikit/Appearance.h"
 
 namespace kesu {
-namespace {
-
-// Main thread.
-Window* currentKeyWindow = nullptr;
-std::uint64_t currentNumber = 1;
-std::function<void()> keyWindowCallback;
-
-void setCurrentKeyWindow(Window* window) {
-  currentKeyWindow = window;
-  ++currentNumber;
-  if (keyWindowCallback) {
-    keyWindowCallback();
-  }
-}
-
-/// Hands visibility from one screen, or what is shown over it, to another; either may be null.
-void exchange(ViewController* before, ViewController* after, bool animated) {
-  if (before != nullptr) {
-    before->frontmost().disappear(animated);
-  }
-  if (after != nullptr) {
-    after->frontmost().appear(animated);
-  }
-}
-
-}  // namespace
-
-Window* keyWindow() {
-  return currentKeyWindow;
-}
-
-std::uint64_t keyWindowNumber() {
-  return currentNumber;
-}
-
-void setKeyWindowCallback(std::function<void()> callback) {
-  keyWindowCallback = std::move(callback);
-}
 
 TabBarController::~TabBarController() {
   disappear();
@@ -53,7 +16,7 @@ void TabBarController::setViewControllers(std::vector<ViewController*> controlle
   controllers_ = std::move(controllers);
   selected_ = 0;
   if (isVisible() && before != selectedViewController()) {
-    exchange(before, selectedViewController(), false);
+    exchangeScreens(before, selectedViewController(), false);
   }
 }
 
@@ -64,7 +27,7 @@ void TabBarController::setSelectedIndex(std::size_t index, bool animated) {
   ViewController* before = selectedViewController();
   selected_ = index;
   if (isVisible()) {
-    exchange(before, selectedViewController(), animated);
+    exchangeScreens(before, selectedViewController(), animated);
   }
 }
 
@@ -73,11 +36,11 @@ ViewController* TabBarController::selectedViewController() const {
 }
 
 void TabBarController::viewDidAppear(bool animated) {
-  exchange(nullptr, selectedViewController(), animated);
+  exchangeScreens(nullptr, selectedViewController(), animated);
 }
 
 void TabBarController::viewDidDisappear(bool animated) {
-  exchange(selectedViewController(), nullptr, animated);
+  exchangeScreens(selectedViewController(), nullptr, animated);
 }
 
 NavigationController::~NavigationController() {
@@ -88,7 +51,7 @@ void NavigationController::push(ViewController& controller, bool animated) {
   ViewController* before = lastOfStack();
   stack_.push_back(&controller);
   if (isVisible()) {
-    exchange(before, &controller, animated);
+    exchangeScreens(before, &controller, animated);
   }
 }
 
@@ -99,7 +62,7 @@ ViewController* NavigationController::pop(bool animated) {
   ViewController* popped = stack_.back();
   stack_.pop_back();
   if (isVisible()) {
-    exchange(popped, lastOfStack(), animated);
+    exchangeScreens(popped, lastOfStack(), animated);
   }
   return popped;
 }
@@ -113,32 +76,11 @@ ViewController* NavigationController::visibleViewController() const {
 }
 
 void NavigationController::viewDidAppear(bool animated) {
-  exchange(nullptr, lastOfStack(), animated);
+  exchangeScreens(nullptr, lastOfStack(), animated);
 }
 
 void NavigationController::viewDidDisappear(bool animated) {
-  exchange(lastOfStack(), nullptr, animated);
-}
-
-void Window::setRootViewController(ViewController* root) {
-  ViewController* before = std::exchange(root_, root);
-  if (currentKeyWindow == this && before != root) {
-    exchange(before, root, false);
-  }
-}
-
-void Window::resignKey() {
-  if (currentKeyWindow == this) {
-    setCurrentKeyWindow(nullptr);
-  }
-}
-
-void Window::makeKeyAndVisible() {
-  Window* before = currentKeyWindow;
-  if (before != this) {
-    setCurrentKeyWindow(this);
-    exchange(before != nullptr ? before->root_ : nullptr, root_, false);
-  }
+  exchangeScreens(lastOfStack(), nullptr, animated);
 }
 
 }  // namespace kesu

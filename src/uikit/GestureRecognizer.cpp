@@ -1,6 +1,10 @@
-#include <kesu/ui/GestureRecognizer.h>
+#include "uikit/GestureRecognizer.h"
 
 namespace kesu {
+
+void GestureRecognizer::add(View& view, std::shared_ptr<GestureRecognizer> recognizer) {
+  view.recognizers_.push_back(std::move(recognizer));
+}
 
 void GestureRecognizer::recognize() {
   state_ = State::Ended;

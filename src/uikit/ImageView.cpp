@@ -1,9 +1,10 @@
-#include <kesu/ui/Controls.h>
+#include <kesu/ui/ImageView.h>
 
 #include <algorithm>
 #include <utility>
 
 #include "graphics/Canvas.h"
+#include "uikit/ViewDrawing.h"
 
 namespace kesu {
 namespace {
@@ -15,21 +16,15 @@ Rect around(Point center, double width, double height) {
 }  // namespace
 
 void ImageView::setImage(ImagePtr image) {
-  if (image != image_) {
-    image_ = std::move(image);
-    setNeedsDisplay();
-  }
+  ViewDrawing::set(*this, image_, std::move(image));
 }
 
 void ImageView::setContentMode(ContentMode mode) {
-  if (mode != contentMode_) {
-    contentMode_ = mode;
-    setNeedsDisplay();
-  }
+  ViewDrawing::set(*this, contentMode_, mode);
 }
 
 void ImageView::draw(Canvas& canvas) const {
-  const Rect box = presentedBounds();
+  const Rect box = ViewDrawing::presentedBounds(*this);
   if (image_ == nullptr || box.isEmpty()) {
     return;
   }

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <iterator>
 
+#include "uikit/ViewDrawing.h"
+
 namespace kesu {
 namespace {
 
@@ -23,6 +25,14 @@ bool isFocusable(const View& view) {
   return view.canBecomeFocused() && !view.bounds().isEmpty();
 }
 
+/// A point of the superview in the coordinates of a view, its transform undone. The scale is not 0.
+Point throughTransform(const View& view, Point point) {
+  const Transform& transform = view.transform();
+  const Rect bounds = view.bounds();
+  return {(point.x - view.center().x - transform.moveX) / transform.scaleX + bounds.width / 2.0,
+          (point.y - view.center().y - transform.moveY) / transform.scaleY + bounds.height / 2.0};
+}
+
 /// Null for a window as well, which nobody shares.
 ViewPtr superviewOf(const View& view) {
   return view.superview() != nullptr ? view.superview()->weak_from_this().lock() : nullptr;
@@ -33,7 +43,7 @@ void findModal(View& view, View*& found) {
     return;
   }
   found = view.isModal() ? &view : found;
-  for (View* subview : view.drawingOrder()) {
+  for (View* subview : ViewDrawing::drawingOrder(view)) {
     findModal(*subview, found);
   }
 }
@@ -53,7 +63,7 @@ void collectFocusable(View& view, std::vector<ViewPtr>& found) {
 /// The last recogniser of a view that was added and fits, or null.
 template <typename Fits>
 RecognizerPtr recognizerOf(const View& view, Fits fits) {
-  const auto& all = view.gestureRecognizers();
+  const auto& all = GestureRecognizer::of(view);
   const auto found = std::find_if(all.rbegin(), all.rend(), [&](const RecognizerPtr& one) { return fits(*one); });
   return found != all.rend() ? *found : nullptr;
 }
@@ -63,7 +73,7 @@ RecognizerPtr frontmostRecognizer(const View& view, Fits fits) {
   if (!takesPart(view)) {
     return nullptr;
   }
-  const std::vector<View*> order = view.drawingOrder();
+  const std::vector<View*> order = ViewDrawing::drawingOrder(view);
   for (auto subview = order.rbegin(); subview != order.rend(); ++subview) {
     if (RecognizerPtr found = frontmostRecognizer(**subview, fits)) {
       return found;
@@ -88,9 +98,9 @@ RecognizerPtr findRecognizer(const View& modal, const View* focused, Fits fits) 
 
 }  // namespace
 
-View* frontmostModal(const View& root) {
+View* frontmostModal(const Window& window) {
   View* found = nullptr;
-  for (View* view : root.drawingOrder()) {
+  for (View* view : window.isHidden() ? std::vector<View*>() : ViewDrawing::drawingOrder(window)) {
     findModal(*view, found);
   }
   return found;
@@ -105,8 +115,11 @@ std::vector<ViewPtr> focusableIn(View& modal) {
 }
 
 Rect placeInWindow(const View& view) {
-  const Point origin = view.toWindow({});
-  return {origin.x, origin.y, view.bounds().width, view.bounds().height};
+  Rect place = view.bounds();
+  for (const View* one = &view; one->superview() != nullptr; one = one->superview()) {
+    place = place.movedBy(one->frame().x, one->frame().y);
+  }
+  return place;
 }
 
 std::vector<Rect> placesOf(const std::vector<ViewPtr>& views) {
@@ -129,15 +142,33 @@ RecognizerPtr recognizerOfSwipe(const View& modal, const View* focused, SwipeDir
   });
 }
 
+View* hitTest(View& view, Point point) {
+  const bool isInside = view.bounds().contains(point);
+  if (!takesPart(view) || (view.clipsToBounds() && !isInside)) {
+    return nullptr;
+  }
+  const std::vector<View*> order = ViewDrawing::drawingOrder(view);
+  for (auto inner = order.rbegin(); inner != order.rend(); ++inner) {
+    const Transform& transform = (*inner)->transform();
+    const bool hasPlace = transform.scaleX != 0.0 && transform.scaleY != 0.0;
+    View* hit = hasPlace ? hitTest(**inner, throughTransform(**inner, point)) : nullptr;
+    if (hit != nullptr) {
+      return hit;
+    }
+  }
+  return isInside ? &view : nullptr;
+}
+
 View* touchedView(View& modal, Point point) {
-  return takesPartWithAncestors(modal) ? modal.hitTest(modal.fromWindow(point)) : nullptr;
+  const Point origin = placeInWindow(modal).origin();
+  return takesPartWithAncestors(modal) ? hitTest(modal, {point.x - origin.x, point.y - origin.y}) : nullptr;
 }
 
 Tapped whatTapReaches(View& modal, View& touched) {
   Tapped tapped;
   const ViewPtr innermost = touched.shared_from_this();  // A delegate may take anything away.
   for (ViewPtr view = innermost; view != nullptr && modal.contains(*view); view = superviewOf(*view)) {
-    for (const RecognizerPtr& one : std::vector<RecognizerPtr>(view->gestureRecognizers())) {
+    for (const RecognizerPtr& one : std::vector<RecognizerPtr>(GestureRecognizer::of(*view))) {
       const bool isTap = dynamic_cast<TapGestureRecognizer*>(one.get()) != nullptr;
       const bool mayTake = isTap && (one->delegate() == nullptr || one->delegate()->shouldReceiveTouch(*one, touched));
       if (mayTake && tapped.recognizer == nullptr && tapped.view == nullptr) {

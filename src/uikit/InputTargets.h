@@ -1,10 +1,11 @@
 #pragma once
 
-#include <kesu/ui/GestureRecognizer.h>
-#include <kesu/ui/View.h>
+#include <kesu/ui/Window.h>
 
 #include <memory>
 #include <vector>
+
+#include "uikit/GestureRecognizer.h"
 
 namespace kesu {
 
@@ -13,8 +14,8 @@ namespace kesu {
 
 using RecognizerPtr = std::shared_ptr<GestureRecognizer>;
 
-/// The modal view in front of all others inside of `root`, or null. It may be transparent.
-View* frontmostModal(const View& root);
+/// The frontmost modal view of the window that is not hidden, or null. It may be transparent.
+View* frontmostModal(const Window& window);
 
 /// Everything that can be focused, in the order of the tree.
 std::vector<ViewPtr> focusableIn(View& modal);
@@ -30,7 +31,11 @@ RecognizerPtr recognizerOfPress(const View& modal, const View* focused, RemoteBu
 /// The recogniser of a swipe, found the same way.
 RecognizerPtr recognizerOfSwipe(const View& modal, const View* focused, SwipeDirection direction);
 
-/// The view at a point of the window, or null.
+/// The frontmost view at a point of `view`'s coordinates that is visible and takes part in interaction, or null.
+/// Transforms count: it is the view that the user sees there once all animations are over.
+View* hitTest(View& view, Point point);
+
+/// The view in a modal one at a point of the window, or null.
 View* touchedView(View& modal, Point point);
 
 /// Who takes a tap: a recogniser, or a view to be focused and activated, or neither.

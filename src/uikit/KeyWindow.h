@@ -1,6 +1,6 @@
 #pragma once
 
-#include <kesu/ui/Containers.h>
+#include <kesu/ui/Window.h>
 
 #include <cstdint>
 #include <functional>

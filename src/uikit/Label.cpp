@@ -1,57 +1,40 @@
-#include <kesu/ui/Controls.h>
+#include <kesu/ui/Label.h>
 
 #include <algorithm>
 #include <utility>
 
 #include "graphics/Canvas.h"
+#include "uikit/ViewDrawing.h"
 
 namespace kesu {
 
 void Label::setText(std::string text) {
-  if (text != text_) {
-    text_ = std::move(text);
-    setNeedsDisplay();
-  }
+  ViewDrawing::set(*this, text_, std::move(text));
 }
 
 void Label::setFont(Font font) {
-  if (font != font_) {
-    font_ = std::move(font);
-    setNeedsDisplay();
-  }
+  ViewDrawing::set(*this, font_, std::move(font));
 }
 
 void Label::setTextColor(const Color& color) {
-  if (color != textColor_) {
-    textColor_ = color;
-    setNeedsDisplay();
-  }
+  ViewDrawing::set(*this, textColor_, color);
 }
 
 void Label::setAlignment(TextAlignment alignment) {
-  if (alignment != alignment_) {
-    alignment_ = alignment;
-    setNeedsDisplay();
-  }
+  ViewDrawing::set(*this, alignment_, alignment);
 }
 
 void Label::setNumberOfLines(int lines) {
-  if (std::max(0, lines) != numberOfLines_) {
-    numberOfLines_ = std::max(0, lines);
-    setNeedsDisplay();
-  }
+  ViewDrawing::set(*this, numberOfLines_, std::max(0, lines));
 }
 
 void Label::setMinimumScaleFactor(double factor) {
   const double sensible = factor > 0.0 ? std::min(factor, 1.0) : 1.0;
-  if (sensible != minimumScaleFactor_) {
-    minimumScaleFactor_ = sensible;
-    setNeedsDisplay();
-  }
+  ViewDrawing::set(*this, minimumScaleFactor_, sensible);
 }
 
 void Label::draw(Canvas& canvas) const {
-  const Rect box = presentedBounds();
+  const Rect box = ViewDrawing::presentedBounds(*this);
   if (text_.empty() || box.isEmpty()) {
     return;
   }

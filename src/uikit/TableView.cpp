@@ -1,11 +1,12 @@
-#include <kesu/ui/Animator.h>
-#include <kesu/ui/Controls.h>
+#include <kesu/ui/TableView.h>
 
 #include <algorithm>
 #include <cmath>
 #include <memory>
 
 #include "graphics/Canvas.h"
+#include "uikit/Animator.h"
+#include "uikit/ViewDrawing.h"
 
 namespace kesu {
 namespace {
@@ -30,7 +31,7 @@ class Fade : public View {
   void draw(Canvas& canvas) const override {
     const Color color = superview() != nullptr ? superview()->backgroundColor() : Color::clear();
     if (color.alpha >= 1.0) {
-      canvas.fillGradient(presentedBounds(), color.withAlpha(isAtTop_ ? 1.0 : 0.0),
+      canvas.fillGradient(ViewDrawing::presentedBounds(*this), color.withAlpha(isAtTop_ ? 1.0 : 0.0),
                           color.withAlpha(isAtTop_ ? 0.0 : 1.0));
     }
   }

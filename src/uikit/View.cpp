@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "uikit/Animator.h"
+#include "uikit/ViewDrawing.h"
 
 namespace kesu {
 namespace {
@@ -37,14 +38,16 @@ ViewGeometry withFrame(ViewGeometry geometry, const Rect& frame) {
 
 }  // namespace
 
-View::View(const Rect& frame) : model_(withFrame({}, frame)), presented_(model_) {}
+View::View() = default;
+
+View::View(const Rect& frame) : model_(withFrame({}, frame)), drawing_{model_, {}} {}
 
 View::~View() {
   for (const ViewPtr& view : subviews_) {
     view->superview_ = nullptr;
   }
-  if (isAnimated_) {
-    Animator::shared().viewWentAway(*this);
+  if (drawing_.isAnimated) {
+    Animator::shared().viewDestroyed(*this);
   }
 }
 
@@ -54,35 +57,35 @@ Rect View::frame() const {
 }
 
 void View::setFrame(const Rect& frame) {
-  moveModel(withFrame(model_, frame));
+  setGeometry(withFrame(model_, frame));
 }
 
 void View::setCenter(Point center) {
   ViewGeometry next = model_;
   next.center = {finite(center.x), finite(center.y)};
-  moveModel(next);
+  setGeometry(next);
 }
 
 void View::setTransform(const Transform& transform) {
   ViewGeometry next = model_;
   next.transform = {finite(transform.scaleX), finite(transform.scaleY), finite(transform.moveX),
                     finite(transform.moveY)};
-  moveModel(next);
+  setGeometry(next);
 }
 
 void View::setAlpha(double alpha) {
   ViewGeometry next = model_;
   next.alpha = std::clamp(finite(alpha), 0.0, 1.0);
-  moveModel(next);
+  setGeometry(next);
 }
 
 void View::setShadow(const Shadow& shadow) {
   ViewGeometry next = model_;
   next.shadow = finite(shadow);
-  moveModel(next);
+  setGeometry(next);
 }
 
-void View::moveModel(const ViewGeometry& next) {
+void View::setGeometry(const ViewGeometry& next) {
   if (next == model_) {
     return;
   }
@@ -93,105 +96,35 @@ void View::moveModel(const ViewGeometry& next) {
   }
 }
 
-void View::present(const ViewGeometry& next) {
-  if (next == presented_) {
-    return;
-  }
-  if (isComposited() || isWindow_) {
-    if (next.size != presented_.size || next.shadow != presented_.shadow) {
-      repaint([&] { presented_ = next; });
-    }
-    presented_ = next;
-    noteChange();
-    return;
-  }
-  damageSuperview();
-  presented_ = next;
-  damageSuperview();
-}
-
-/// Has everything drawn again that the view touches before and after the change.
-template <typename Change>
-void View::repaint(Change change) {
-  const Rect before = pictureExtent();
-  change();
-  addDamage(before.united(pictureExtent()));
-}
-
 void View::setHidden(bool hidden) {
-  if (hidden == isHidden_) {
+  if (hidden == look_.isHidden) {
     return;
   }
-  damageSuperview();
-  isHidden_ = hidden;
-  damageSuperview();
-  noteChange();
+  // Once before and once after: only one of them finds the view drawn.
+  ViewDrawing::damageSuperview(*this);
+  look_.isHidden = hidden;
+  ViewDrawing::orderChanged(*this);
 }
 
 void View::setClipsToBounds(bool clips) {
-  if (clips != clipsToBounds_) {
-    repaint([&] { clipsToBounds_ = clips; });
+  if (clips != look_.clipsToBounds) {
+    ViewDrawing::repaint(*this, [&] { look_.clipsToBounds = clips; });
   }
 }
 
 void View::setBackgroundColor(const Color& color) {
-  if (finite(color) != backgroundColor_) {
-    backgroundColor_ = finite(color);
-    setNeedsDisplay();
-  }
+  ViewDrawing::set(*this, look_.background, finite(color));
 }
 
 void View::setCornerRadius(double radius) {
-  if (positive(radius) != cornerRadius_) {
-    repaint([&] { cornerRadius_ = positive(radius); });
+  if (positive(radius) != look_.cornerRadius) {
+    ViewDrawing::repaint(*this, [&] { look_.cornerRadius = positive(radius); });
   }
 }
 
 void View::setBorder(double width, const Color& color) {
-  if (positive(width) != borderWidth_ || finite(color) != borderColor_) {
-    borderWidth_ = positive(width);
-    borderColor_ = finite(color);
-    setNeedsDisplay();
-  }
-}
-
-void View::setModal(bool modal) {
-  isModal_ = modal;
-}
-
-void View::setComposited(bool composited) {
-  if (composited == isComposited_) {
-    return;
-  }
-  if (superview_ != nullptr) {
-    superview_->addDamageOfSubview(drawnExtent());
-  }
-  isComposited_ = composited;
-  addDamage(pictureExtent());
-}
-
-void View::setFocused(bool focused) {
-  if (focused == isFocused_) {
-    return;
-  }
-  isFocused_ = focused;
-  damageSuperview();  // It is drawn before or after its siblings now.
-  noteChange();
-}
-
-AccessibilityInfo View::accessibility() const {
-  if (!accessibility_) {
-    return defaultAccessibility();
-  }
-  AccessibilityInfo info = *accessibility_;
-  if (info.label.empty()) {
-    info.label = defaultAccessibility().label;
-  }
-  return info;
-}
-
-void View::setAccessibility(AccessibilityInfo info) {
-  accessibility_ = std::move(info);
+  ViewDrawing::set(*this, look_.borderWidth, positive(width));
+  ViewDrawing::set(*this, look_.border, finite(color));
 }
 
 }  // namespace kesu

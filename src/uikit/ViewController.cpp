@@ -6,10 +6,12 @@
 #include <typeinfo>
 #include <utility>
 
+#include "uikit/Appearance.h"
+
 namespace kesu {
 namespace {
 
-AppearanceObserver* observerOfAppearances = nullptr;  // Main thread.
+AppearanceObserver* appearanceObserver = nullptr;  // Main thread.
 
 std::string demangled(const char* name) {
   int status = 0;
@@ -20,8 +22,17 @@ std::string demangled(const char* name) {
 
 }  // namespace
 
-void ViewController::setAppearanceObserver(AppearanceObserver* observer) {
-  observerOfAppearances = observer;
+void setAppearanceObserver(AppearanceObserver* observer) {
+  appearanceObserver = observer;
+}
+
+void exchangeScreens(ViewController* before, ViewController* after, bool animated) {
+  if (before != nullptr) {
+    before->frontmost().disappear(animated);
+  }
+  if (after != nullptr) {
+    after->frontmost().appear(animated);
+  }
 }
 
 ViewController::~ViewController() {
@@ -48,8 +59,8 @@ void ViewController::appear(bool animated) {
   isVisible_ = true;
   className();
   viewDidAppear(animated);
-  if (observerOfAppearances != nullptr) {
-    observerOfAppearances->didAppear(*this);
+  if (appearanceObserver != nullptr) {
+    appearanceObserver->didAppear(*this);
   }
 }
 
@@ -59,8 +70,8 @@ void ViewController::disappear(bool animated) {
   }
   isVisible_ = false;
   viewDidDisappear(animated);
-  if (observerOfAppearances != nullptr) {
-    observerOfAppearances->didDisappear(*this);
+  if (appearanceObserver != nullptr) {
+    appearanceObserver->didDisappear(*this);
   }
 }
 

@@ -1,8 +1,12 @@
 #include <gtest/gtest.h>
 #include <kesu/ui/Application.h>
-#include <kesu/ui/Containers.h>
+#include <kesu/ui/NavigationController.h>
+#include <kesu/ui/TabBarController.h>
+#include <kesu/ui/Window.h>
 
 #include <memory>
+
+#include "uikit/Appearance.h"
 
 namespace kesu {
 namespace {
@@ -26,8 +30,8 @@ class Tabs : public TabBarController {};
 /// Notes the classes without their namespaces.
 class ViewControllerTest : public ::testing::Test, private AppearanceObserver {
  protected:
-  ViewControllerTest() { ViewController::setAppearanceObserver(this); }
-  ~ViewControllerTest() override { ViewController::setAppearanceObserver(nullptr); }
+  ViewControllerTest() { setAppearanceObserver(this); }
+  ~ViewControllerTest() override { setAppearanceObserver(nullptr); }
 
   std::string take() { return std::exchange(heard, {}); }
 

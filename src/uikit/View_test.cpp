@@ -1,8 +1,11 @@
 #include <gtest/gtest.h>
-#include <kesu/ui/Containers.h>
+#include <kesu/ui/Window.h>
 
 #include <cmath>
 #include <limits>
+
+#include "uikit/InputTargets.h"
+#include "uikit/ViewDrawing.h"
 
 namespace kesu {
 
@@ -24,10 +27,10 @@ class ViewTest : public ::testing::Test {
   ViewTest() { settle(); }
 
   void settle() {
-    card->takeDamage();
-    changes = window.changeCount();
+    ViewDrawing::extractDamage(*card);
+    changes = ViewDrawing::changeCount(window);
   }
-  bool hasChanged() const { return window.changeCount() != changes; }
+  bool hasChanged() const { return ViewDrawing::changeCount(window) != changes; }
 
   Window window;
   std::shared_ptr<View> card = viewIn(window, {100.0, 50.0, 600.0, 400.0});
@@ -52,17 +55,16 @@ TEST_F(ViewTest, TakesNoNumberThatIsNone) {
   EXPECT_EQ(button->transform(), (Transform{0.0, 2.0, 0.0, 1e9}));
   EXPECT_EQ(button->shadow(), (Shadow{Color::black(), 0.0, 0.0, {0.0, 0.0}}));
   EXPECT_EQ(button->cornerRadius() + button->borderWidth(), 0.0);
-  EXPECT_TRUE(std::isfinite(card->drawnExtent().width));
+  EXPECT_TRUE(std::isfinite(ViewDrawing::drawnExtent(*card).width));
 }
 
-TEST_F(ViewTest, TurnsPointsOfTheWindowAroundWithoutTransforms) {
+TEST_F(ViewTest, LiesInTheWindowWithoutTransforms) {
   bar->setTransform(Transform::scale(2.0));
-  EXPECT_EQ(button->toWindow({1.0, 2.0}), (Point{301.0, 372.0}));
-  EXPECT_EQ(button->fromWindow({301.0, 372.0}), (Point{1.0, 2.0}));
+  EXPECT_EQ(placeInWindow(*button), (Rect{300.0, 370.0, 100.0, 60.0}));
   EXPECT_EQ(button->window(), &window);
   card->removeFromSuperview();
   EXPECT_EQ(button->window(), nullptr);
-  EXPECT_EQ(button->toWindow({1.0, 2.0}), (Point{201.0, 322.0})) << "then of the outermost view";
+  EXPECT_EQ(placeInWindow(*button), (Rect{200.0, 320.0, 100.0, 60.0})) << "then in the outermost view";
 }
 
 TEST_F(ViewTest, KeepsATreeWhateverIsAdded) {
@@ -71,13 +73,13 @@ TEST_F(ViewTest, KeepsATreeWhateverIsAdded) {
   button->addSubview(button);
   EXPECT_EQ(card->subviews().size(), 1u);
   EXPECT_TRUE(button->subviews().empty());
-  card->insertSubview(button, 0);
+  card->addSubview(button);
   EXPECT_EQ(button->superview(), card.get());
   EXPECT_TRUE(bar->subviews().empty());
-  EXPECT_EQ(card->subviews().front(), button);
   card->bringSubviewToFront(*button);
-  card->insertSubview(bar, 99);
-  EXPECT_EQ(card->subviews(), (std::vector<ViewPtr>{button, bar}));
+  EXPECT_EQ(card->subviews(), (std::vector<ViewPtr>{bar, button}));
+  card->addSubview(bar);
+  EXPECT_EQ(card->subviews(), (std::vector<ViewPtr>{button, bar})) << "in front, also when added again";
   EXPECT_TRUE(card->contains(*button) && !bar->contains(*button));
   std::weak_ptr<View> gone = card;
   card.reset();
@@ -89,39 +91,39 @@ TEST_F(ViewTest, KeepsATreeWhateverIsAdded) {
 TEST_F(ViewTest, FindsTheFrontmostViewThatCanBeTouched) {
   const auto cover = viewIn(*bar, {250.0, 0.0, 100.0, 100.0});
   const Point both{360.0, 380.0};
-  EXPECT_EQ(window.hitTest(both), cover.get());
+  EXPECT_EQ(hitTest(window, both), cover.get());
   cover->setUserInteractionEnabled(false);
-  EXPECT_EQ(window.hitTest(both), button.get());
+  EXPECT_EQ(hitTest(window, both), button.get());
   button->setAlpha(0.0);
-  EXPECT_EQ(window.hitTest(both), bar.get());
+  EXPECT_EQ(hitTest(window, both), bar.get());
   button->setAlpha(1.0);
   button->setTransform(Transform::scale(2.0));
-  EXPECT_EQ(window.hitTest({260.0, 375.0}), button.get()) << "as large as the user sees it";
+  EXPECT_EQ(hitTest(window, {260.0, 375.0}), button.get()) << "as large as the user sees it";
   button->setTransform(Transform::scale(0.0));
-  EXPECT_EQ(window.hitTest(both), bar.get());
+  EXPECT_EQ(hitTest(window, both), bar.get());
   bar->setHidden(true);
-  EXPECT_EQ(window.hitTest(both), card.get());
+  EXPECT_EQ(hitTest(window, both), card.get());
   button->setTransform({1.0, 1.0, 0.0, 200.0});
   bar->setHidden(false);
-  EXPECT_EQ(window.hitTest({320.0, 570.0}), button.get()) << "beside its superview";
+  EXPECT_EQ(hitTest(window, {320.0, 570.0}), button.get()) << "beside its superview";
   bar->setClipsToBounds(true);
-  EXPECT_EQ(window.hitTest({320.0, 570.0}), &window);
+  EXPECT_EQ(hitTest(window, {320.0, 570.0}), &window);
 }
 
 TEST_F(ViewTest, KnowsAllThatItTouches) {
   button->setTransform({2.0, 1.0, 0.0, 10.0});
-  EXPECT_EQ(button->drawnExtent(), (Rect{150.0, 30.0, 200.0, 60.0}));
+  EXPECT_EQ(ViewDrawing::drawnExtent(*button), (Rect{150.0, 30.0, 200.0, 60.0}));
   button->setTransform({});
   button->setShadow({Color::black(), 0.5, 10.0, {0.0, 27.0}});
-  EXPECT_EQ(button->drawnExtent(), (Rect{169.0, 16.0, 162.0, 122.0}));
-  EXPECT_EQ(card->drawnExtent(), (Rect{100.0, 50.0, 600.0, 438.0})) << "the shadow sticks out below";
-  bar->setComposited(true);
-  EXPECT_EQ(card->pictureExtent(), (Rect{0.0, 0.0, 600.0, 400.0})) << "the bar is a picture of its own";
-  EXPECT_EQ(bar->pictureExtent(), (Rect{0.0, 0.0, 600.0, 138.0}));
+  EXPECT_EQ(ViewDrawing::drawnExtent(*button), (Rect{169.0, 16.0, 162.0, 122.0}));
+  EXPECT_EQ(ViewDrawing::drawnExtent(*card), (Rect{100.0, 50.0, 600.0, 438.0})) << "the shadow sticks out below";
+  ViewDrawing::setComposited(*bar, true);
+  EXPECT_EQ(ViewDrawing::pictureExtent(*card), (Rect{0.0, 0.0, 600.0, 400.0})) << "the bar is a picture of its own";
+  EXPECT_EQ(ViewDrawing::pictureExtent(*bar), (Rect{0.0, 0.0, 600.0, 138.0}));
   button->setClipsToBounds(true);
-  EXPECT_EQ(button->drawnExtent(), button->frame());
+  EXPECT_EQ(ViewDrawing::drawnExtent(*button), button->frame());
   button->setHidden(true);
-  EXPECT_TRUE(button->drawnExtent().isEmpty());
+  EXPECT_TRUE(ViewDrawing::drawnExtent(*button).isEmpty());
 }
 
 TEST_F(ViewTest, DamagesWhatAChangeTouches) {
@@ -178,7 +180,7 @@ TEST_F(ViewTest, DamagesWhatAChangeTouches) {
   for (const Case& one : cases) {
     settle();
     one.change();
-    EXPECT_EQ(card->takeDamage(), one.damage) << one.what;
+    EXPECT_EQ(ViewDrawing::extractDamage(*card), one.damage) << one.what;
     EXPECT_EQ(hasChanged(), !one.damage.isEmpty()) << one.what;
   }
 }
@@ -187,7 +189,7 @@ TEST_F(ViewTest, MovesAPictureWithoutDrawingItAgain) {
   const auto changed = [&](const std::function<void()>& change) {
     settle();
     change();
-    return hasChanged() && card->takeDamage().isEmpty() && window.takeDamage().isEmpty();
+    return hasChanged() && ViewDrawing::extractDamage(*card).isEmpty() && ViewDrawing::extractDamage(window).isEmpty();
   };
   EXPECT_TRUE(changed([&] { card->setCenter({0.0, 0.0}); }));
   EXPECT_TRUE(changed([&] { card->setTransform(Transform::scale(1.1)); }));
@@ -197,33 +199,33 @@ TEST_F(ViewTest, MovesAPictureWithoutDrawingItAgain) {
   settle();
   button->setBackgroundColor(Color::redColor());
   EXPECT_FALSE(hasChanged()) << "nobody sees it";
-  EXPECT_FALSE(card->takeDamage().isEmpty()) << "but the picture is old now";
+  EXPECT_FALSE(ViewDrawing::extractDamage(*card).isEmpty()) << "but the picture is old now";
   EXPECT_TRUE(changed([&] { card->setHidden(false); }));
   card->setFrame({0.0, 0.0, 600.0, 500.0});
-  EXPECT_EQ(card->takeDamage(), (Rect{0.0, 0.0, 600.0, 500.0})) << "another size is another picture";
+  EXPECT_EQ(ViewDrawing::extractDamage(*card), (Rect{0.0, 0.0, 600.0, 500.0})) << "another size is another picture";
 }
 
 TEST_F(ViewTest, DrawsAViewIntoThePictureItBelongsTo) {
   settle();
-  bar->setComposited(true);
-  EXPECT_EQ(card->takeDamage(), bar->frame()) << "it has left that picture";
-  EXPECT_EQ(bar->takeDamage(), bar->bounds());
+  ViewDrawing::setComposited(*bar, true);
+  EXPECT_EQ(ViewDrawing::extractDamage(*card), bar->frame()) << "it has left that picture";
+  EXPECT_EQ(ViewDrawing::extractDamage(*bar), bar->bounds());
   button->setBackgroundColor(Color::redColor());
-  EXPECT_EQ(bar->takeDamage(), button->frame());
-  EXPECT_TRUE(card->takeDamage().isEmpty());
+  EXPECT_EQ(ViewDrawing::extractDamage(*bar), button->frame());
+  EXPECT_TRUE(ViewDrawing::extractDamage(*card).isEmpty());
   card->removeFromSuperview();
-  EXPECT_FALSE(card->isComposited());
+  EXPECT_FALSE(ViewDrawing::isComposited(*card));
   window.addSubview(card);
-  EXPECT_TRUE(card->isComposited());
-  EXPECT_EQ(card->takeDamage(), card->bounds()) << "what comes anew is drawn whole";
+  EXPECT_TRUE(ViewDrawing::isComposited(*card));
+  EXPECT_EQ(ViewDrawing::extractDamage(*card), card->bounds()) << "what comes anew is drawn whole";
 }
 
 TEST_F(ViewTest, TellsWhoWantsToDraw) {
   int calls = 0;
-  window.setChangeCallback([&] { ++calls; });
+  ViewDrawing::setChangeCallback(window, [&] { ++calls; });
   button->setBackgroundColor(Color::redColor());
   EXPECT_EQ(calls, 1);
-  window.setChangeCallback({});
+  ViewDrawing::setChangeCallback(window, {});
   button->setBackgroundColor(Color::white());
   EXPECT_EQ(calls, 1);
 }

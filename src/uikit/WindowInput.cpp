@@ -1,17 +1,14 @@
-#include <kesu/ui/Containers.h>
+#include "uikit/WindowInput.h"
 
 #include <algorithm>
-#include <bitset>
-#include <optional>
 #include <utility>
 
 #include "uikit/FocusEngine.h"
 #include "uikit/InputTargets.h"
+#include "uikit/ViewDrawing.h"
 
 namespace kesu {
 namespace {
-
-constexpr std::size_t kButtons = static_cast<std::size_t>(RemoteButton::PlayPause) + 1;
 
 bool isArrow(RemoteButton button) {
   return button <= RemoteButton::Right;
@@ -33,44 +30,19 @@ RemoteButton arrowOf(SwipeDirection direction) {
 
 }  // namespace
 
-struct Window::Input {
-  std::weak_ptr<View> focused;
-  std::weak_ptr<View> focusedIn;     // The modal view at that time.
-  std::optional<Rect> focusedPlace;  // In the window, when it was last looked at.
-  std::weak_ptr<View> selected;      // Where Select went down.
-  std::bitset<kButtons> down;        // Presses that were taken and are not over.
-};
-
-Window::Window() : View({0.0, 0.0, 1920.0, 1080.0}), input_(std::make_shared<Input>()) {
-  isWindow_ = true;
-}
-
-Window::~Window() {
-  resignKey();
-  changeCallback_ = nullptr;
-  if (const ViewPtr focused = input_->focused.lock()) {
-    focused->setFocused(false);
+WindowInput::~WindowInput() {
+  if (const ViewPtr focused = focused_.lock()) {
+    setFocused(*focused, false);
   }
 }
 
-void Window::didChange() {
-  ++changeCount_;
-  if (changeCallback_) {
-    changeCallback_();
-  }
+View* WindowInput::focusedView() {
+  updateFocus();
+  return focused_.lock().get();
 }
 
-View* Window::modalView() const {
-  return isHidden() ? nullptr : frontmostModal(*this);
-}
-
-View* Window::focusedView() const {
-  const_cast<Window*>(this)->updateFocus();
-  return input_->focused.lock().get();
-}
-
-void Window::setFocusedView(View* view) {
-  View* modal = modalView();
+void WindowInput::setFocusedView(View* view) {
+  View* modal = frontmostModal(window_);
   if (modal == nullptr) {
     updateFocus();
     return;
@@ -84,67 +56,74 @@ void Window::setFocusedView(View* view) {
   wanted != views.end() ? focus(*wanted) : updateFocus();
 }
 
-void Window::updateFocus() {
-  View* modal = modalView();
-  const ViewPtr focused = input_->focused.lock();
+void WindowInput::updateFocus() {
+  View* modal = frontmostModal(window_);
+  const ViewPtr focused = focused_.lock();
   const std::vector<ViewPtr> views = modal != nullptr ? focusableIn(*modal) : std::vector<ViewPtr>();
   if (focused != nullptr && std::ranges::count(views, focused) > 0) {
-    input_->focusedPlace = placeInWindow(*focused);
+    focusedPlace_ = placeInWindow(*focused);
     return;
   }
   if (views.empty()) {
     focus(nullptr);
     return;
   }
-  const bool isSameModal = input_->focusedIn.lock().get() == modal && input_->focusedPlace.has_value();
+  const bool isSameModal = focusedIn_.lock().get() == modal && focusedPlace_.has_value();
   const std::vector<Rect> places = placesOf(views);
-  focus(views[isSameModal ? *nearestInReadingOrder(places, *input_->focusedPlace) : readingOrder(places).front()]);
+  focus(views[isSameModal ? *nearestInReadingOrder(places, *focusedPlace_) : readingOrder(places).front()]);
+}
+
+void WindowInput::setFocused(View& view, bool focused) {
+  if (focused != view.isFocused_) {
+    view.isFocused_ = focused;
+    ViewDrawing::orderChanged(view);
+  }
 }
 
 /// Null takes the focus away, but not what is known about where it was.
-void Window::focus(const ViewPtr& wanted) {
-  if (input_->focused.lock() != wanted) {
+void WindowInput::focus(const ViewPtr& wanted) {
+  if (focused_.lock() != wanted) {
     cancelSelect();
   }
-  View* modal = modalView();  // What was cancelled may have closed it.
+  View* modal = frontmostModal(window_);  // What was cancelled may have closed it.
   const ViewPtr next = wanted != nullptr && modal != nullptr && modal->contains(*wanted) ? wanted : nullptr;
-  const ViewPtr before = input_->focused.lock();
+  const ViewPtr before = focused_.lock();
   if (next != nullptr) {
-    input_->focusedPlace = placeInWindow(*next);
-    input_->focusedIn = modal->weak_from_this();
+    focusedPlace_ = placeInWindow(*next);
+    focusedIn_ = modal->weak_from_this();
   }
   if (before == next) {
     return;
   }
-  input_->focused = next;
+  focused_ = next;
   if (before != nullptr) {
-    before->setFocused(false);
+    setFocused(*before, false);
   }
   if (next != nullptr) {
-    next->setFocused(true);
+    setFocused(*next, true);
   }
   if (before != nullptr) {
     before->didUpdateFocus();
   }
-  if (next != nullptr && input_->focused.lock() == next) {
+  if (next != nullptr && focused_.lock() == next) {
     next->didUpdateFocus();
   }
 }
 
-bool Window::press(RemoteButton button, PressPhase phase) {
+bool WindowInput::press(RemoteButton button, PressPhase phase) {
   const auto index = static_cast<std::size_t>(button);
   updateFocus();
   if (phase == PressPhase::Began) {
-    const bool isRepeated = input_->down[index];
-    const bool isTaken = modalView() != nullptr;
-    input_->down[index] = isTaken;
+    const bool isRepeated = down_[index];
+    const bool isTaken = frontmostModal(window_) != nullptr;
+    down_[index] = isTaken;
     if (isTaken && (!isRepeated || isArrow(button))) {
       beginPress(button);
     }
     return isTaken;
   }
-  const bool isOurs = input_->down[index];
-  input_->down.reset(index);
+  const bool isOurs = down_[index];
+  down_.reset(index);
   if (isOurs && phase == PressPhase::Ended) {
     endPress(button);
   } else if (isOurs && button == RemoteButton::Select) {
@@ -153,13 +132,13 @@ bool Window::press(RemoteButton button, PressPhase phase) {
   return isOurs;
 }
 
-void Window::beginPress(RemoteButton button) {
-  const std::weak_ptr<Input> alive = input_;
+void WindowInput::beginPress(RemoteButton button) {
+  const std::weak_ptr<WindowInput> alive = weak_from_this();
   if (isArrow(button)) {
     moveByArrow(button);
   } else if (button == RemoteButton::Select) {
-    const ViewPtr focused = input_->focused.lock();
-    input_->selected = focused;
+    const ViewPtr focused = focused_.lock();
+    selected_ = focused;
     if (focused != nullptr) {
       focused->pressesBegan(button);
     }
@@ -170,11 +149,11 @@ void Window::beginPress(RemoteButton button) {
 }
 
 // Host's functions run in here, which may destroy the window.
-void Window::endPress(RemoteButton button) {
-  const std::weak_ptr<Input> alive = input_;
-  const ViewPtr selected = std::exchange(input_->selected, {}).lock();
-  const ViewPtr focused = input_->focused.lock();
-  View* modal = modalView();
+void WindowInput::endPress(RemoteButton button) {
+  const std::weak_ptr<WindowInput> alive = weak_from_this();
+  const ViewPtr selected = std::exchange(selected_, {}).lock();
+  const ViewPtr focused = focused_.lock();
+  View* modal = frontmostModal(window_);
   if (button == RemoteButton::Select && focused != nullptr) {
     if (selected == focused) {
       selected->pressesEnded(button);
@@ -192,24 +171,24 @@ void Window::endPress(RemoteButton button) {
   }
 }
 
-void Window::cancelSelect() {
-  if (const ViewPtr selected = std::exchange(input_->selected, {}).lock()) {
+void WindowInput::cancelSelect() {
+  if (const ViewPtr selected = std::exchange(selected_, {}).lock()) {
     selected->pressesCancelled(RemoteButton::Select);
   }
 }
 
-void Window::cancelPresses() {
-  input_->down.reset();
+void WindowInput::cancelPresses() {
+  down_.reset();
   cancelSelect();
   updateFocus();
 }
 
-void Window::moveByArrow(RemoteButton arrow) {
-  const ViewPtr focused = input_->focused.lock();
+void WindowInput::moveByArrow(RemoteButton arrow) {
+  const ViewPtr focused = focused_.lock();
   if (focused == nullptr || focused->handleArrow(arrow)) {
     return;
   }
-  View* modal = modalView();
+  View* modal = frontmostModal(window_);
   const std::vector<ViewPtr> views = modal != nullptr ? focusableIn(*modal) : std::vector<ViewPtr>();
   const auto here = std::ranges::find(views, focused);
   if (here == views.end()) {
@@ -221,14 +200,14 @@ void Window::moveByArrow(RemoteButton arrow) {
   }
 }
 
-bool Window::swipe(SwipeDirection direction) {
+bool WindowInput::swipe(SwipeDirection direction) {
   updateFocus();
-  View* modal = modalView();
+  View* modal = frontmostModal(window_);
   if (modal == nullptr) {
     return false;
   }
-  const std::weak_ptr<Input> alive = input_;
-  const ViewPtr focused = input_->focused.lock();
+  const std::weak_ptr<WindowInput> alive = weak_from_this();
+  const ViewPtr focused = focused_.lock();
   if (const RecognizerPtr recognizer = recognizerOfSwipe(*modal, focused.get(), direction)) {
     recognizer->recognize();
   } else {
@@ -240,13 +219,13 @@ bool Window::swipe(SwipeDirection direction) {
   return true;
 }
 
-bool Window::tap(Point point) {
+bool WindowInput::tap(Point point) {
   updateFocus();
-  View* modal = modalView();
+  View* modal = frontmostModal(window_);
   if (modal == nullptr) {
     return false;
   }
-  const std::weak_ptr<Input> alive = input_;
+  const std::weak_ptr<WindowInput> alive = weak_from_this();
   View* touched = touchedView(*modal, point);
   if (touched != nullptr) {
     const ViewPtr kept = modal->shared_from_this();

@@ -1,13 +1,19 @@
+#include "uikit/WindowInput.h"
+
 #include <gtest/gtest.h>
-#include <kesu/ui/Containers.h>
-#include <kesu/ui/Controls.h>
-#include <kesu/ui/GestureRecognizer.h>
+#include <kesu/ui/Button.h>
+#include <kesu/ui/ImageView.h>
+#include <kesu/ui/Label.h>
+#include <kesu/ui/Window.h>
 
 #include <cmath>
 #include <random>
 
 #include "uikit/AccessibilityTree.h"
 #include "uikit/Animator.h"
+#include "uikit/GestureRecognizer.h"
+#include "uikit/InputTargets.h"
+#include "uikit/ViewDrawing.h"
 
 namespace kesu {
 namespace {
@@ -63,7 +69,7 @@ class WindowInputTest : public ::testing::Test, private GestureRecognizerDelegat
   /// Shows the backdrop; the focus lies on the first button then.
   void open() {
     window.addSubview(backdrop);
-    window.updateFocus();
+    WindowInput::of(window).updateFocus();
     heard.clear();
   }
 
@@ -73,18 +79,18 @@ class WindowInputTest : public ::testing::Test, private GestureRecognizerDelegat
     });
     tap->setAllowedPressTypes({RemoteButton::Menu});
     tap->setDelegate(this);
-    view.addGestureRecognizer(tap);
+    GestureRecognizer::add(view, tap);
     return tap;
   }
 
   void listenToSwipes(View& view, SwipeDirection direction, const std::string& name) {
-    view.addGestureRecognizer(std::make_shared<SwipeGestureRecognizer>(
-        direction, [this, name](GestureRecognizer&) { heard += name + "! "; }));
+    GestureRecognizer::add(view, std::make_shared<SwipeGestureRecognizer>(
+                                     direction, [this, name](GestureRecognizer&) { heard += name + "! "; }));
   }
 
   bool click(RemoteButton button) {
-    const bool began = window.press(button, PressPhase::Began);
-    return window.press(button, PressPhase::Ended) && began;
+    const bool began = WindowInput::of(window).press(button, PressPhase::Began);
+    return WindowInput::of(window).press(button, PressPhase::Ended) && began;
   }
   std::string take() { return std::exchange(heard, {}); }
 
@@ -109,15 +115,15 @@ class WindowInputTest : public ::testing::Test, private GestureRecognizerDelegat
 
 TEST_F(WindowInputTest, TakesPressesOnlyWhileSomethingIsModal) {
   EXPECT_FALSE(click(RemoteButton::Select) || click(RemoteButton::Menu) || click(RemoteButton::Up));
-  EXPECT_FALSE(window.swipe(SwipeDirection::Left) || window.tap({5.0, 5.0}));
+  EXPECT_FALSE(WindowInput::of(window).swipe(SwipeDirection::Left) || WindowInput::of(window).tap({5.0, 5.0}));
   window.addSubview(backdrop);
   EXPECT_EQ(window.focusedView(), a.get()) << "the first in reading order";
   EXPECT_EQ(take(), "+a ");
   EXPECT_TRUE(click(RemoteButton::PlayPause)) << "what nobody waits for is swallowed";
-  EXPECT_TRUE(window.swipe(SwipeDirection::Up));
+  EXPECT_TRUE(WindowInput::of(window).swipe(SwipeDirection::Up));
   EXPECT_EQ(take(), "");
   backdrop->setHidden(true);
-  EXPECT_EQ(window.modalView(), nullptr);
+  EXPECT_EQ(frontmostModal(window), nullptr);
   EXPECT_EQ(window.focusedView(), nullptr);
   EXPECT_FALSE(a->isFocused());
   EXPECT_EQ(take(), "-a ");
@@ -127,15 +133,15 @@ TEST_F(WindowInputTest, MovesTheFocusByArrows) {
   open();
   click(RemoteButton::Right);
   EXPECT_EQ(take(), "-a +b ");
-  window.press(RemoteButton::Right, PressPhase::Began);
-  window.press(RemoteButton::Right, PressPhase::Began);
-  window.press(RemoteButton::Right, PressPhase::Ended);
+  WindowInput::of(window).press(RemoteButton::Right, PressPhase::Began);
+  WindowInput::of(window).press(RemoteButton::Right, PressPhase::Began);
+  WindowInput::of(window).press(RemoteButton::Right, PressPhase::Ended);
   EXPECT_EQ(take(), "-b +c ") << "a held arrow goes on, to the end";
   EXPECT_TRUE(click(RemoteButton::Up));
   EXPECT_EQ(window.focusedView(), c.get());
-  EXPECT_EQ(card->drawingOrder().back(), c.get());
+  EXPECT_EQ(ViewDrawing::drawingOrder(*card).back(), c.get());
   window.setFocusedView(a.get());
-  EXPECT_EQ(card->drawingOrder().back(), a.get()) << "drawn over its neighbours";
+  EXPECT_EQ(ViewDrawing::drawingOrder(*card).back(), a.get()) << "drawn over its neighbours";
   EXPECT_EQ(card->subviews().back(), c) << "but in its place";
 }
 
@@ -182,7 +188,7 @@ TEST_F(WindowInputTest, HandsTheFocusToTheNeighbour) {
   front->addSubview(only);
   front->setModal(true);
   window.addSubview(front);
-  EXPECT_EQ(window.modalView(), front.get());
+  EXPECT_EQ(frontmostModal(window), front.get());
   EXPECT_EQ(window.focusedView(), only.get()) << "the frontmost modal view has it";
   front->removeFromSuperview();
   EXPECT_NE(window.focusedView(), nullptr);
@@ -192,30 +198,30 @@ TEST_F(WindowInputTest, ActivatesOnceWhenSelectIsLetGo) {
   open();
   click(RemoteButton::Select);
   EXPECT_EQ(take(), "a< a> a! ");
-  window.press(RemoteButton::Select, PressPhase::Began);
-  window.press(RemoteButton::Select, PressPhase::Began);
+  WindowInput::of(window).press(RemoteButton::Select, PressPhase::Began);
+  WindowInput::of(window).press(RemoteButton::Select, PressPhase::Began);
   EXPECT_EQ(take(), "a< ") << "a held button begins once";
-  window.press(RemoteButton::Select, PressPhase::Cancelled);
-  EXPECT_FALSE(window.press(RemoteButton::Select, PressPhase::Ended));
+  WindowInput::of(window).press(RemoteButton::Select, PressPhase::Cancelled);
+  EXPECT_FALSE(WindowInput::of(window).press(RemoteButton::Select, PressPhase::Ended));
   EXPECT_EQ(take(), "ax ");
-  window.press(RemoteButton::Select, PressPhase::Began);
+  WindowInput::of(window).press(RemoteButton::Select, PressPhase::Began);
   click(RemoteButton::Right);
-  window.press(RemoteButton::Select, PressPhase::Ended);
+  WindowInput::of(window).press(RemoteButton::Select, PressPhase::Ended);
   EXPECT_EQ(take(), "a< ax -a +b ") << "the focus has left what was pressed";
-  window.press(RemoteButton::Select, PressPhase::Began);
-  window.cancelPresses();
-  window.press(RemoteButton::Select, PressPhase::Ended);
+  WindowInput::of(window).press(RemoteButton::Select, PressPhase::Began);
+  WindowInput::of(window).cancelPresses();
+  WindowInput::of(window).press(RemoteButton::Select, PressPhase::Ended);
   EXPECT_EQ(take(), "b< bx ");
 }
 
 TEST_F(WindowInputTest, LeavesTheEndOfAPressToWhomItBeganWith) {
-  EXPECT_FALSE(window.press(RemoteButton::Menu, PressPhase::Began));
+  EXPECT_FALSE(WindowInput::of(window).press(RemoteButton::Menu, PressPhase::Began));
   open();
-  EXPECT_FALSE(window.press(RemoteButton::Menu, PressPhase::Ended));
+  EXPECT_FALSE(WindowInput::of(window).press(RemoteButton::Menu, PressPhase::Ended));
   EXPECT_EQ(take(), "") << "what the host was asked for closes nothing here";
-  EXPECT_TRUE(window.press(RemoteButton::Menu, PressPhase::Began));
+  EXPECT_TRUE(WindowInput::of(window).press(RemoteButton::Menu, PressPhase::Began));
   backdrop->removeFromSuperview();
-  EXPECT_TRUE(window.press(RemoteButton::Menu, PressPhase::Ended));
+  EXPECT_TRUE(WindowInput::of(window).press(RemoteButton::Menu, PressPhase::Ended));
   EXPECT_EQ(take(), "-a ") << "and the other way round";
 }
 
@@ -242,36 +248,36 @@ TEST_F(WindowInputTest, HandsSwipesOn) {
   auto table = std::make_shared<View>(Rect{0.0, 60.0, 500.0, 100.0});
   listenToSwipes(*table, SwipeDirection::Left, "left");
   card->addSubview(table);
-  window.swipe(SwipeDirection::Left);
+  WindowInput::of(window).swipe(SwipeDirection::Left);
   EXPECT_EQ(take(), "left! ");
   listenToSwipes(*card, SwipeDirection::Left, "nearer");
-  window.swipe(SwipeDirection::Left);
+  WindowInput::of(window).swipe(SwipeDirection::Left);
   EXPECT_EQ(take(), "nearer! ");
-  window.swipe(SwipeDirection::Right);
+  WindowInput::of(window).swipe(SwipeDirection::Right);
   EXPECT_EQ(take(), "-a +b ") << "without a recogniser it moves the focus";
 }
 
 TEST_F(WindowInputTest, TapsWhatLiesThere) {
   open();
-  EXPECT_TRUE(window.tap({320.0, 920.0}));
+  EXPECT_TRUE(WindowInput::of(window).tap({320.0, 920.0}));
   EXPECT_EQ(take(), "-a +b b! ");
   EXPECT_EQ(std::exchange(touched, {}), (std::vector<View*>{b.get()})) << "the backdrop is asked all the same";
-  window.tap({10.0, 10.0});
+  WindowInput::of(window).tap({10.0, 10.0});
   EXPECT_EQ(take(), "menu! ");
   EXPECT_EQ(touched.back(), backdrop.get());
   mayTouch = false;
-  window.tap({110.0, 1070.0});
+  WindowInput::of(window).tap({110.0, 1070.0});
   EXPECT_EQ(touched.back(), card.get());
   b->setUserInteractionEnabled(false);
-  window.tap({320.0, 920.0});
+  WindowInput::of(window).tap({320.0, 920.0});
   EXPECT_EQ(take(), "-b +c ");
 }
 
 TEST_F(WindowInputTest, ForgetsAnAimThatACallbackTookAway) {
   open();
   a->onCancel = [&] { backdrop->removeFromSuperview(); };
-  window.press(RemoteButton::Select, PressPhase::Began);
-  window.press(RemoteButton::Right, PressPhase::Began);
+  WindowInput::of(window).press(RemoteButton::Select, PressPhase::Began);
+  WindowInput::of(window).press(RemoteButton::Right, PressPhase::Began);
   EXPECT_EQ(take(), "a< ax -a ");
   EXPECT_FALSE(b->isFocused());
   open();
@@ -281,7 +287,7 @@ TEST_F(WindowInputTest, ForgetsAnAimThatACallbackTookAway) {
     card.reset();
     backdrop.reset();
   };
-  EXPECT_TRUE(window.tap({110.0, 1070.0})) << "asking may close it, too";
+  EXPECT_TRUE(WindowInput::of(window).tap({110.0, 1070.0})) << "asking may close it, too";
   EXPECT_EQ(window.focusedView(), nullptr);
 }
 
@@ -294,27 +300,29 @@ TEST_F(WindowInputTest, SurvivesWhateverACallbackTakesAway) {
     card.reset();
     a.reset();
   });
-  window.press(RemoteButton::Select, PressPhase::Began);
-  window.press(RemoteButton::Select, PressPhase::Ended);
+  WindowInput::of(window).press(RemoteButton::Select, PressPhase::Began);
+  WindowInput::of(window).press(RemoteButton::Select, PressPhase::Ended);
   EXPECT_EQ(window.focusedView(), nullptr);
-  EXPECT_EQ(window.modalView(), nullptr);
+  EXPECT_EQ(frontmostModal(window), nullptr);
   EXPECT_TRUE(window.subviews().empty());
   auto next = std::make_shared<View>(Rect{0.0, 0.0, 100.0, 100.0});
   next->setModal(true);
-  next->addGestureRecognizer(std::make_shared<SwipeGestureRecognizer>(
-      SwipeDirection::Up, [&](GestureRecognizer&) { std::exchange(next, nullptr)->removeFromSuperview(); }));
+  GestureRecognizer::add(*next, std::make_shared<SwipeGestureRecognizer>(SwipeDirection::Up, [&](GestureRecognizer&) {
+    std::exchange(next, nullptr)->removeFromSuperview();
+  }));
   window.addSubview(next);
-  EXPECT_TRUE(window.swipe(SwipeDirection::Up));
+  EXPECT_TRUE(WindowInput::of(window).swipe(SwipeDirection::Up));
   EXPECT_EQ(next, nullptr);
 }
 
 TEST(WindowTest, MayGoInWhatItsInputLeadsTo) {
-  const std::function<void(Window&)> inputs[] = {[](Window& window) { window.press(RemoteButton::Select, {}); },
-                                                 [](Window& window) { window.press(RemoteButton::Menu, {}); },
-                                                 [](Window& window) { window.swipe(SwipeDirection::Up); },
-                                                 [](Window& window) {
-                                                   window.tap({10.0, 10.0});
-                                                 }};
+  const std::function<void(Window&)> inputs[] = {
+      [](Window& window) { WindowInput::of(window).press(RemoteButton::Select, {}); },
+      [](Window& window) { WindowInput::of(window).press(RemoteButton::Menu, {}); },
+      [](Window& window) { WindowInput::of(window).swipe(SwipeDirection::Up); },
+      [](Window& window) {
+        WindowInput::of(window).tap({10.0, 10.0});
+      }};
   for (const auto& input : inputs) {
     auto window = std::make_unique<Window>();
     const auto leave = [&window](auto&) { window.reset(); };
@@ -323,16 +331,16 @@ TEST(WindowTest, MayGoInWhatItsInputLeadsTo) {
     button->setAction(leave);
     const auto menu = std::make_shared<TapGestureRecognizer>(leave);
     menu->setAllowedPressTypes({RemoteButton::Menu});
-    button->addGestureRecognizer(menu);
-    button->addGestureRecognizer(std::make_shared<SwipeGestureRecognizer>(SwipeDirection::Up, leave));
+    GestureRecognizer::add(*button, menu);
+    GestureRecognizer::add(*button, std::make_shared<SwipeGestureRecognizer>(SwipeDirection::Up, leave));
     window->addSubview(button);
     Window& used = *window;
     input(used);
     if (window != nullptr) {
-      used.press(RemoteButton::Select, PressPhase::Ended);
+      WindowInput::of(used).press(RemoteButton::Select, PressPhase::Ended);
     }
     if (window != nullptr) {
-      used.press(RemoteButton::Menu, PressPhase::Ended);
+      WindowInput::of(used).press(RemoteButton::Menu, PressPhase::Ended);
     }
     EXPECT_EQ(window, nullptr);
   }
@@ -350,12 +358,12 @@ class Monkey {
     const std::vector<std::function<void()>> deeds = {
         [&] { add(); },
         [&] { modal_.setModal(number(20) != 0); },
-        [&] { window_.press(button, static_cast<PressPhase>(number(3))); },
-        [&] { window_.press(button, PressPhase::Began); },
+        [&] { WindowInput::of(window_).press(button, static_cast<PressPhase>(number(3))); },
+        [&] { WindowInput::of(window_).press(button, PressPhase::Began); },
         [&] {
-          window_.tap({amount, static_cast<double>(number(400))});
+          WindowInput::of(window_).tap({amount, static_cast<double>(number(400))});
         },
-        [&] { window_.swipe(static_cast<SwipeDirection>(number(4))); },
+        [&] { WindowInput::of(window_).swipe(static_cast<SwipeDirection>(number(4))); },
         [&] { Animator::shared().tick(now_ += amount / 1000.0); },
         [&] { view != nullptr ? views_[number(views_.size())]->addSubview(view) : add(); },
         [&] { view != nullptr ? view->setHidden(number(3) == 0) : add(); },
@@ -381,8 +389,8 @@ class Monkey {
     auto button = std::make_shared<Button>(Rect{static_cast<double>(number(400)), static_cast<double>(number(400)),
                                                 static_cast<double>(number(90)), 50.0});
     button->setAction([this](Button&) { step(); });
-    button->addGestureRecognizer(
-        std::make_shared<SwipeGestureRecognizer>(SwipeDirection::Left, [this](GestureRecognizer&) { remove(); }));
+    GestureRecognizer::add(*button, std::make_shared<SwipeGestureRecognizer>(SwipeDirection::Left,
+                                                                             [this](GestureRecognizer&) { remove(); }));
     (views_.empty() || number(2) == 0 ? modal_ : *views_[number(views_.size())]).addSubview(button);
     views_.push_back(button);
   }
@@ -420,8 +428,10 @@ TEST_F(WindowInputTest, HasOneFocusWhateverHappens) {
     View* focused = window.focusedView();
     withFocus += focused != nullptr ? 1 : 0;
     ASSERT_EQ(countFocused(window), focused != nullptr ? 1u : 0u) << step;
-    ASSERT_TRUE(focused == nullptr || (focused->isFocused() && window.modalView()->contains(*focused))) << step;
-    ASSERT_TRUE(std::isfinite(backdrop->takeDamage().width) && backdrop->drawnExtent().width < 1e6) << step;
+    ASSERT_TRUE(focused == nullptr || (focused->isFocused() && frontmostModal(window)->contains(*focused))) << step;
+    ASSERT_TRUE(std::isfinite(ViewDrawing::extractDamage(*backdrop).width) &&
+                ViewDrawing::drawnExtent(*backdrop).width < 1e6)
+        << step;
   }
   EXPECT_GT(withFocus, 1000);
   while (Animator::shared().isRunning()) {

@@ -2,8 +2,8 @@
 #include <gtest/gtest.h>
 #include <kesu.h>
 #include <kesu/host/sdl.h>
-#include <kesu/ui/Containers.h>
-#include <kesu/ui/Controls.h>
+#include <kesu/ui/Button.h>
+#include <kesu/ui/Window.h>
 
 #include <array>
 #include <optional>

@@ -2,8 +2,7 @@
 // program. With KESU_FULL_PICTURES=1 each is also written in full size.
 #include <gtest/gtest.h>
 #include <kesu/message_ui/KesuInAppOptions.h>
-#include <kesu/ui/Containers.h>
-#include <kesu/ui/Controls.h>
+#include <kesu/ui/Window.h>
 
 #include <algorithm>
 #include <cstdlib>

@@ -12,32 +12,31 @@ class Window;
 /// records.
 class KESU_API Application {
  public:
-  /// The application of this process; always there.
+  /// Returns the application of this process, which is never destroyed before exit.
   static Application& shared();
 
-  /// Once, after Kesu::initialize, when the application is ready: posts the installation record on the first launch,
-  /// the traits that are due and the launch itself, and starts to watch the network.
+  /// Reports that the application is ready; call once, after Kesu::initialize. Posts the installation record on the
+  /// first launch, the traits that are due and the launch itself, and starts to watch the network.
   void didFinishLaunching();
 
-  /// The application is no longer visible. What is stored so far is also moved into its final place on disk.
+  /// Reports that the application is no longer visible. Moves stored values to their final place on disk.
   void didEnterBackground();
 
-  /// The application is about to be visible again.
+  /// Reports that the application is about to be visible again.
   void willEnterForeground();
 
-  /// The process is about to end. Returns within 50 ms whatever the network does; every record is then delivered or on
-  /// disk (where thousands are pending, writing them down takes what it takes). An exit handler does the same for hosts
-  /// that just return from main().
+  /// Reports that the process is about to end. Returns within 50 ms whatever the network does, with every record
+  /// delivered or on disk; writing thousands of pending ones takes longer. Called at exit for hosts that return from
+  /// main().
   void willTerminate();
 
-  /// Locale, languages or time zone of the device have changed.
+  /// Reports that locale, languages or time zone of the device have changed.
   void localeDidChange();
 
-  /// The system is short of memory: pictures that are kept for later are dropped.
+  /// Reports that the system is short of memory: cached pictures are dropped.
   void didReceiveMemoryWarning();
 
-  /// The window that the user sees (Window::makeKeyAndVisible), or null: before there is one, and when it has gone. Not
-  /// owned.
+  /// Returns the window that the user sees (Window::makeKeyAndVisible), or null. Not owned.
   Window* keyWindow();
 };
 

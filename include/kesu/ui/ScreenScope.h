@@ -7,14 +7,14 @@
 
 namespace kesu {
 
-/// For hosts with screens of their own: reports that a screen called `name` appeared. `id` tells apart two screens of
-/// one name that are visible at the same time. Main thread.
+/// Reports that a screen called `name` appeared, for hosts without view controllers. `id` distinguishes screens of one
+/// name that are visible at the same time. Main thread.
 KESU_API void screenAppeared(const std::string& name, std::uint64_t id = 0);
 
-/// Reports that it disappeared. Without an appearance before, nothing is measured.
+/// Reports that the screen disappeared. Without an appearance before, nothing is measured. Main thread.
 KESU_API void screenDisappeared(const std::string& name, std::uint64_t id = 0);
 
-/// A screen that is visible for as long as this lives. Main thread.
+/// Reports a screen as visible during its own lifetime. Main thread.
 class KESU_API ScreenScope {
  public:
   explicit ScreenScope(std::string name);

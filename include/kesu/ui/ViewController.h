@@ -7,18 +7,8 @@
 
 namespace kesu {
 
-class ViewController;
-
-/// Told of every screen that appears or disappears. Main thread.
-class AppearanceObserver {
- public:
-  virtual ~AppearanceObserver() = default;
-  virtual void didAppear(ViewController& controller) = 0;
-  virtual void didDisappear(ViewController& controller) = 0;
-};
-
 /// One screen of the host. Derive from it, and call appear() and disappear() (or let a container or Window do it): the
-/// library then knows which screens the user saw and for how long. Main thread. Not copyable: its address is its
+/// library then records which screens the user saw and for how long. Main thread. Not copyable: its address is its
 /// identity.
 class KESU_API ViewController {
  public:
@@ -28,40 +18,36 @@ class KESU_API ViewController {
   ViewController(const ViewController&) = delete;
   ViewController& operator=(const ViewController&) = delete;
 
-  /// The screen is on: runs viewDidAppear(), then tells the library. Nothing happens when it is on already.
+  /// Makes the screen visible: runs viewDidAppear(), then reports it. Ignored while it is visible.
   void appear(bool animated = false);
 
-  /// The screen is off: runs viewDidDisappear(), then tells the library. Nothing happens when it is off already.
+  /// Makes the screen invisible: runs viewDidDisappear(), then reports it. Ignored while it is invisible.
   void disappear(bool animated = false);
 
   bool isVisible() const { return isVisible_; }
 
-  /// Shows another controller over this one, which disappears. It must stay alive until it is dismissed. Nothing
-  /// happens while one is shown, or when the other one is shown elsewhere or lies below this one.
+  /// Presents another controller over this one, which disappears. Not owned; must stay alive until it is dismissed.
+  /// Ignored while this one presents, or when the other is presented elsewhere or lies below this one.
   void present(ViewController& controller, bool animated = false);
 
-  /// Takes the controller that is shown over this one away, with all that is shown over that: the frontmost one
-  /// disappears and this one appears again.
+  /// Dismisses the controller that this one presents, with all those above: the frontmost disappears and this one
+  /// appears.
   void dismissPresented(bool animated = false);
 
   ViewController* presentedViewController() const { return presented_; }
 
-  /// The last of the controllers that are shown over this one, one over the other; this one itself without any.
+  /// Returns the last of the controllers presented over this one, or this one.
   ViewController& frontmost();
 
-  /// The name by which the screen is known: its class. Found out when it appears, since a screen that is being
-  /// destroyed has lost its class.
+  /// Returns the name of the class, by which the screen is recorded. Looked up on appearance, as a destructor no longer
+  /// sees the derived class.
   const std::string& className();
 
   const std::string& title() const { return title_; }
   void setTitle(std::string title) { title_ = std::move(title); }
 
-  /// The controller inside this one that the user really sees; this one itself unless it is a container.
+  /// Returns the controller inside this container that the user sees; null unless it is a container.
   virtual ViewController* visibleChild() { return nullptr; }
-
-  /// Names who is told of appearances, in place of the one before; null for nobody. Not owned. The library names
-  /// itself: a host that calls this takes the screens away from its records.
-  static void setAppearanceObserver(AppearanceObserver* observer);
 
  protected:
   virtual void viewDidAppear(bool /*animated*/) {}
@@ -77,7 +63,8 @@ class KESU_API ViewController {
   bool isVisible_ = false;
 };
 
-/// The controller on top of `root`: containers lead to their visible child, others to what they present. Null for null.
+/// Returns the controller on top of `root`: the visible child of a container, else the presented controller,
+/// repeatedly. Null for null.
 KESU_API ViewController* topViewControllerWithRootViewController(ViewController* root);
 
 }  // namespace kesu

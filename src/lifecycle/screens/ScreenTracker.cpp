@@ -1,14 +1,15 @@
 #include "lifecycle/screens/ScreenTracker.h"
 
 #include <kesu/ui/Application.h>
-#include <kesu/ui/Containers.h>
 #include <kesu/ui/ScreenScope.h>
+#include <kesu/ui/Window.h>
 
 #include <cinttypes>
 #include <cstdio>
 
 #include "foundation/SharedInstance.h"
 #include "records/StateCodes.h"
+#include "uikit/Appearance.h"
 
 namespace kesu {
 namespace {
@@ -47,7 +48,7 @@ ScreenTracker& sharedScreenTracker() {
 void ScreenTracker::trackScreens(Provider provider) {
   static Forwarder forwarder;
   providerOfStateChanges = provider;
-  ViewController::setAppearanceObserver(&forwarder);
+  setAppearanceObserver(&forwarder);
 }
 
 void ScreenTracker::didAppear(ViewController& controller) {

@@ -1,5 +1,5 @@
-#include <kesu/ui/Containers.h>
 #include <kesu/ui/Overlay.h>
+#include <kesu/ui/Window.h>
 
 #include <algorithm>
 #include <cmath>
@@ -7,7 +7,10 @@
 
 #include "uikit/AccessibilityTree.h"
 #include "uikit/Animator.h"
+#include "uikit/InputTargets.h"
 #include "uikit/KeyWindow.h"
+#include "uikit/ViewDrawing.h"
+#include "uikit/WindowInput.h"
 #include "uikit/render/Renderer.h"
 
 namespace kesu {
@@ -70,7 +73,7 @@ void Overlay::State::listen() {
     return;
   }
   watched = keyWindowNumber();
-  window->setChangeCallback([asking = std::weak_ptr(request)] {
+  ViewDrawing::setChangeCallback(*window, [asking = std::weak_ptr(request)] {
     if (const std::shared_ptr<FrameRequest> alive = asking.lock()) {
       alive->ask();
     }
@@ -86,13 +89,13 @@ void Overlay::State::keyWindowChanged() {
 }
 
 void Overlay::State::beginFrame(double nowSeconds) {
-  window().updateFocus();
+  WindowInput::of(window()).updateFocus();
   Animator::shared().tick(nowSeconds);
 }
 
 void Overlay::State::endFrame() {
   drawn = keyWindowNumber();
-  drawnChanges = keyWindow() != nullptr ? keyWindow()->changeCount() : 0;
+  drawnChanges = keyWindow() != nullptr ? ViewDrawing::changeCount(*keyWindow()) : 0;
   isSizeNew = false;
   request->isAsked = differs();
 }
@@ -101,7 +104,7 @@ bool Overlay::State::differs() const {
   const Window* window = keyWindow();
   const bool isDrawn = drawn == keyWindowNumber();
   const bool isOther = !isDrawn && (drawn != 0 || (window != nullptr && !window->subviews().empty()));
-  return isSizeNew || isOther || (window != nullptr && window->changeCount() != drawnChanges && isDrawn) ||
+  return isSizeNew || isOther || (window != nullptr && ViewDrawing::changeCount(*window) != drawnChanges && isDrawn) ||
          Animator::shared().isRunning();
 }
 
@@ -136,7 +139,7 @@ void Overlay::setPixelSize(int width, int height) {
 }
 
 bool Overlay::isModal() const {
-  return state_->window().modalView() != nullptr;
+  return frontmostModal(state_->window()) != nullptr;
 }
 
 // Presses and frames end in functions of the host, which may destroy the overlay: the state is held until they are
@@ -144,22 +147,22 @@ bool Overlay::isModal() const {
 
 bool Overlay::press(RemoteButton button, PressPhase phase) {
   const std::shared_ptr<State> state = state_;
-  return state->window().press(button, phase);
+  return WindowInput::of(state->window()).press(button, phase);
 }
 
 bool Overlay::swipe(SwipeDirection direction) {
   const std::shared_ptr<State> state = state_;
-  return state->window().swipe(direction);
+  return WindowInput::of(state->window()).swipe(direction);
 }
 
 bool Overlay::tap(double x, double y) {
   const std::shared_ptr<State> state = state_;
-  return std::isfinite(x) && std::isfinite(y) && state->window().tap(state->toPoints(x, y));
+  return std::isfinite(x) && std::isfinite(y) && WindowInput::of(state->window()).tap(state->toPoints(x, y));
 }
 
 void Overlay::cancelPresses() {
   const std::shared_ptr<State> state = state_;
-  state->window().cancelPresses();
+  WindowInput::of(state->window()).cancelPresses();
 }
 
 bool Overlay::needsFrame() const {

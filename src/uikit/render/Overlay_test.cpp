@@ -1,8 +1,7 @@
 #include <gtest/gtest.h>
-#include <kesu/ui/Animator.h>
-#include <kesu/ui/Containers.h>
-#include <kesu/ui/Controls.h>
+#include <kesu/ui/Button.h>
 #include <kesu/ui/Overlay.h>
+#include <kesu/ui/Window.h>
 
 #include <memory>
 #include <optional>

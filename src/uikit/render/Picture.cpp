@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "graphics/Canvas.h"
+#include "uikit/ViewDrawing.h"
 #include "uikit/render/ViewPainter.h"
 
 namespace kesu {
@@ -16,7 +17,7 @@ Rect scaledBy(const Rect& rect, double factor) {
 
 void Picture::update(View& view, const Rect& extent, double scale) {
   const PixelRect place = touchedPixels(scaledBy(extent, scale));
-  const Rect changed = view.takeDamage();
+  const Rect changed = ViewDrawing::extractDamage(view);
   PixelRect area = changed.isEmpty() ? PixelRect{} : touchedPixels(scaledBy(changed, scale).inset(-1.0, -1.0));
   if (place != place_ || scale != scale_) {
     store_ = {};

@@ -11,6 +11,7 @@
 
 #include "graphics/Canvas.h"
 #include "graphics/TextLayout.h"
+#include "uikit/ViewDrawing.h"
 #include "uikit/render/Compositor.h"
 #include "uikit/render/Picture.h"
 #include "uikit/render/Placement.h"
@@ -122,8 +123,8 @@ const std::vector<FrameLayer>& Renderer::State::build(Window& window, int pixelW
   scale = pixelHeight / kScreenHeight;
   screen = {0.0, 0.0, static_cast<double>(pixelWidth), static_cast<double>(pixelHeight)};
   const Placement points{scale, scale, std::round((pixelWidth - kScreenWidth * scale) / 2.0), 0.0};
-  if (!window.isHidden() && window.presented().alpha > 0.0) {
-    const Surroundings inside{points, window.presented().alpha, screen};
+  if (!window.isHidden() && ViewDrawing::presented(window).alpha > 0.0) {
+    const Surroundings inside{points, ViewDrawing::presented(window).alpha, screen};
     addLayer(window, inside);
     addInner(window, inside);
   }
@@ -133,13 +134,13 @@ const std::vector<FrameLayer>& Renderer::State::build(Window& window, int pixelW
 }
 
 void Renderer::State::addView(View& view, const Surroundings& around) {
-  const ViewGeometry& geometry = view.presented();
+  const ViewGeometry& geometry = ViewDrawing::presented(view);
   const Surroundings inside{around.placement.of(geometry), around.alpha * geometry.alpha, around.clip};
   const bool hasPlace = inside.placement.scaleX != 0.0 && inside.placement.scaleY != 0.0;
   if (view.isHidden() || inside.alpha <= 0.0 || !hasPlace || inside.clip.isEmpty()) {
     return;
   }
-  if (view.isComposited()) {
+  if (ViewDrawing::isComposited(view)) {
     addLayer(view, inside);
   }
   addInner(view, inside);
@@ -148,10 +149,10 @@ void Renderer::State::addView(View& view, const Surroundings& around) {
 void Renderer::State::addInner(View& view, const Surroundings& inside) {
   Surroundings limited = inside;
   if (view.clipsToBounds()) {
-    const Size& size = view.presented().size;
+    const Size& size = ViewDrawing::presented(view).size;
     limited.clip = limited.clip.intersected(snapped(inside.placement.onScreen({0.0, 0.0, size.width, size.height})));
   }
-  for (View* inner : view.drawingOrder()) {
+  for (View* inner : ViewDrawing::drawingOrder(view)) {
     addView(*inner, limited);
   }
 }
@@ -175,7 +176,7 @@ void Renderer::State::addLayer(View& view, const Surroundings& inside) {
     addPicture(view, inside, entry);
     return;
   }
-  const Size& size = view.presented().size;
+  const Size& size = ViewDrawing::presented(view).size;
   const Rect place = snapped(inside.placement.onScreen({0.0, 0.0, size.width, size.height})).intersected(inside.clip);
   if (view.backgroundColor().alpha > 0.0 && !place.isEmpty()) {
     FrameLayer layer;
@@ -191,7 +192,7 @@ void Renderer::State::addLayer(View& view, const Surroundings& inside) {
 }
 
 void Renderer::State::addPicture(View& view, const Surroundings& inside, Entry& entry) {
-  Rect extent = view.pictureExtent();
+  Rect extent = ViewDrawing::pictureExtent(view);
   const Placement& placement = inside.placement;
   if (extent.width * scale > 2.0 * screen.width || extent.height * scale > 2.0 * screen.height) {
     extent = extent.intersected(placement.fromScreen(screen));
@@ -296,7 +297,7 @@ void Renderer::releaseMemory() {
 }
 
 ImagePtr viewToImage(const View& view) {
-  const Size& size = view.presented().size;
+  const Size& size = ViewDrawing::presented(view).size;
   const double width = std::ceil(size.width);
   const double height = std::ceil(size.height);
   if (width < 1.0 || height < 1.0 || width > kLargestSnapshotSide || height > kLargestSnapshotSide) {

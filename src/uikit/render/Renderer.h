@@ -1,8 +1,8 @@
 #pragma once
 
 #include <kesu/graphics/Image.h>
-#include <kesu/ui/Containers.h>
 #include <kesu/ui/Overlay.h>
+#include <kesu/ui/Window.h>
 
 #include <cstdint>
 #include <memory>

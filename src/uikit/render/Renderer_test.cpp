@@ -1,7 +1,7 @@
 #include "uikit/render/Renderer.h"
 
 #include <gtest/gtest.h>
-#include <kesu/ui/Controls.h>
+#include <kesu/ui/Label.h>
 
 #include <algorithm>
 #include <cmath>
@@ -10,6 +10,7 @@
 
 #include "graphics/Canvas.h"
 #include "graphics/TextLayout.h"
+#include "uikit/ViewDrawing.h"
 
 namespace kesu {
 namespace {
@@ -20,7 +21,7 @@ class Probe : public View {
   using View::View;
   void draw(Canvas& canvas) const override {
     ++draws;
-    canvas.fill(presentedBounds(), Color::blueColor());
+    canvas.fill(ViewDrawing::presentedBounds(*this), Color::blueColor());
   }
   mutable int draws = 0;
 };
@@ -46,7 +47,7 @@ class RendererTest : public testing::Test {
   void showCard() {
     backdrop_ = viewIn(window_, {0.0, 0.0, 1920.0, 1080.0}, Color::black().withAlpha(0.5));
     card_ = viewIn(*backdrop_, {600.0, 200.0, 500.0, 800.0}, Color::white());
-    card_->setComposited(true);
+    ViewDrawing::setComposited(*card_, true);
     card_->setClipsToBounds(true);
     probe_ = viewIn<Probe>(*card_, {100.0, 100.0, 40.0, 30.0});
   }
@@ -136,7 +137,7 @@ TEST_F(RendererTest, CropsPicturesThatLieInClippingViews) {
   const ViewPtr frame = viewIn(window_, {100.0, 100.0, 200.0, 200.0});
   frame->setClipsToBounds(true);
   const auto picture = viewIn<Probe>(*frame, {150.0, -20.0, 100.0, 100.0});
-  picture->setComposited(true);
+  ViewDrawing::setComposited(*picture, true);
   const FrameLayer layer = layers().at(0);
   EXPECT_EQ(layer.x, 250.0);
   EXPECT_EQ(layer.y, 100.0);
@@ -151,7 +152,7 @@ TEST_F(RendererTest, TellsOfAllThatComesIntoSightInAClippingView) {
   const ViewPtr frame = viewIn(window_, {100.0, 100.0, 200.0, 200.0});
   frame->setClipsToBounds(true);
   const ViewPtr picture = viewIn(*frame, {0.0, 0.0, 200.0, 600.0}, Color::redColor());
-  picture->setComposited(true);
+  ViewDrawing::setComposited(*picture, true);
   viewIn(*picture, {0.0, 400.0, 200.0, 200.0}, Color::blueColor());
   EXPECT_EQ(layers().at(0).damage, (PixelRect{0, 0, 200, 200}));
   EXPECT_EQ(pixelOf(flat(), 150, 150), 0xFFFF0000U);
@@ -232,7 +233,7 @@ TEST_F(RendererTest, MakesTransparentPicturesOfViews) {
   view.setTransform(Transform::scale(3.0));
   view.setAlpha(0.5);
   const auto inner = viewIn<Probe>(view, {10.0, 10.0, 10.0, 10.0});
-  inner->setComposited(true);
+  ViewDrawing::setComposited(*inner, true);
   const ImagePtr image = viewToImage(view);
   ASSERT_NE(image, nullptr);
   EXPECT_EQ(image->width(), 40);
@@ -280,7 +281,7 @@ class RandomTree {
       case 10:
         return view->setTransform({0.5 + number(1.0), 0.5 + number(1.0), number(100.0), 0.0});
       case 11:
-        return view->setComposited(below(2) == 0);
+        return ViewDrawing::setComposited(*view, below(2) == 0);
       case 12:
         return view->setBorder(number(40.0), color());
       default:

@@ -1,24 +1,18 @@
 #include "uikit/render/ViewPainter.h"
 
-#include <kesu/ui/Containers.h>
+#include <kesu/ui/Window.h>
 
 #include <algorithm>
 #include <typeinfo>
 
+#include "uikit/ViewDrawing.h"
+
 namespace kesu {
 namespace {
-
-bool isDrawn(const View& view) {
-  return !view.isHidden() && view.presented().alpha > 0.0;
-}
 
 // Other classes may draw something.
 bool isBareView(const View& view) {
   return typeid(view) == typeid(View) || typeid(view) == typeid(Window);
-}
-
-Rect boundsOf(const View& view) {
-  return {0.0, 0.0, view.presented().size.width, view.presented().size.height};
 }
 
 void paintContent(Canvas& canvas, const View& view) {
@@ -26,22 +20,22 @@ void paintContent(Canvas& canvas, const View& view) {
     return;
   }
   canvas.save();
-  canvas.clip(boundsOf(view));
+  canvas.clip(ViewDrawing::presentedBounds(view));
   if (view.cornerRadius() > 0.0) {
     canvas.beginGroup();
-    view.draw(canvas);
-    canvas.endGroup(1.0, boundsOf(view), view.cornerRadius());
+    ViewDrawing::draw(view, canvas);
+    canvas.endGroup(1.0, ViewDrawing::presentedBounds(view), view.cornerRadius());
   } else {
-    view.draw(canvas);
+    ViewDrawing::draw(view, canvas);
   }
   canvas.restore();
 }
 
 void paintInSuperview(Canvas& canvas, const View& view, PaintScope scope) {
-  const ViewGeometry& geometry = view.presented();
+  const ViewGeometry& geometry = ViewDrawing::presented(view);
   const Transform& transform = geometry.transform;
-  const Rect extent = view.drawnExtent();
-  if (!isDrawn(view) || transform.scaleX == 0.0 || transform.scaleY == 0.0 ||
+  const Rect extent = ViewDrawing::drawnExtent(view);
+  if (!ViewDrawing::isDrawn(view) || transform.scaleX == 0.0 || transform.scaleY == 0.0 ||
       extent.intersected(canvas.clipBounds()).isEmpty()) {
     return;
   }
@@ -64,15 +58,15 @@ void paintInSuperview(Canvas& canvas, const View& view, PaintScope scope) {
 
 void paintInside(Canvas& canvas, const View& view, PaintScope scope) {
   paintContent(canvas, view);
-  for (const View* inner : view.drawingOrder()) {
-    if (scope == PaintScope::Everything || !inner->isComposited()) {
+  for (const View* inner : ViewDrawing::drawingOrder(view)) {
+    if (scope == PaintScope::Everything || !ViewDrawing::isComposited(*inner)) {
       paintInSuperview(canvas, *inner, scope);
     }
   }
 }
 
 void paintClipped(Canvas& canvas, const View& view, PaintScope scope) {
-  const Rect bounds = boundsOf(view);
+  const Rect bounds = ViewDrawing::presentedBounds(view);
   canvas.save();
   canvas.clip(bounds);
   if (view.cornerRadius() > 0.0) {
@@ -90,11 +84,11 @@ void paintClipped(Canvas& canvas, const View& view, PaintScope scope) {
 }  // namespace
 
 void paintView(Canvas& canvas, const View& view, PaintScope scope) {
-  const Rect bounds = boundsOf(view);
+  const Rect bounds = ViewDrawing::presentedBounds(view);
   if (view.clipsToBounds()) {
     paintClipped(canvas, view, scope);
   } else {
-    const Shadow& shadow = view.presented().shadow;
+    const Shadow& shadow = ViewDrawing::presented(view).shadow;
     if (shadow.opacity > 0.0) {
       canvas.drawShadow(bounds, view.cornerRadius(), shadow.color, shadow.opacity, shadow.radius, shadow.offset);
     }
@@ -106,10 +100,11 @@ void paintView(Canvas& canvas, const View& view, PaintScope scope) {
 
 bool isPlainColor(const View& view) {
   const bool hasBorder = view.borderWidth() > 0.0 && view.borderColor().alpha > 0.0;
-  const bool hasShadow = view.presented().shadow.opacity > 0.0 && !view.clipsToBounds();
+  const bool hasShadow = ViewDrawing::presented(view).shadow.opacity > 0.0 && !view.clipsToBounds();
   return isBareView(view) && !hasBorder && !hasShadow && view.cornerRadius() <= 0.0 &&
-         std::ranges::none_of(view.subviews(),
-                              [](const ViewPtr& inner) { return !inner->isComposited() && isDrawn(*inner); });
+         std::ranges::none_of(view.subviews(), [](const ViewPtr& inner) {
+           return !ViewDrawing::isComposited(*inner) && ViewDrawing::isDrawn(*inner);
+         });
 }
 
 }  // namespace kesu

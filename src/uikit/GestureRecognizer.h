@@ -1,43 +1,47 @@
 #pragma once
 
-#include <kesu/Export.h>
-#include <kesu/ui/Remote.h>
+#include <kesu/ui/View.h>
 
 #include <functional>
+#include <memory>
 #include <utility>
 #include <vector>
 
 namespace kesu {
 
 class GestureRecognizer;
-class View;
 
-/// May keep a recogniser from looking at a touch. Main thread.
-class KESU_API GestureRecognizerDelegate {
+/// May exclude a recogniser from a touch. Main thread.
+class GestureRecognizerDelegate {
  public:
   virtual ~GestureRecognizerDelegate() = default;
-  /// Asked before each tap with a pointer, never before presses and swipes. `touched` is the innermost view at the
-  /// place: the recogniser's own or one that lies inside it. False: the tap is for whoever is around.
+  /// Called before each tap with a pointer, never before presses and swipes. `touched` is the innermost view at the
+  /// point: the recogniser's own or one inside it. Returns false to leave the tap to the views around.
   virtual bool shouldReceiveTouch(GestureRecognizer& /*recognizer*/, View& /*touched*/) { return true; }
 };
 
-/// Turns presses and touches on a view, and on all that lies inside it, into one call: see View::addGestureRecognizer.
-/// Main thread. The action may take the view away; the recogniser lives until it is over.
-class KESU_API GestureRecognizer {
+/// Turns presses and touches on a view, and on all that lies inside it, into one call. Main thread. Works while the
+/// view is a modal one or lies in one. The action may remove the view; the recogniser lives until it returns.
+class GestureRecognizer {
  public:
-  /// Gestures are made at once here: only Possible and Ended occur.
+  /// Gestures are recognised at once here: only Possible and Ended occur.
   enum class State { Possible = 0, Began = 1, Changed = 2, Ended = 3, Cancelled = 4 };
   using Action = std::function<void(GestureRecognizer&)>;
+
+  /// Adds a recogniser to a view, which owns it from then on.
+  static void add(View& view, std::shared_ptr<GestureRecognizer> recognizer);
+  /// The recognisers of a view, in the order in which they were added.
+  static const std::vector<std::shared_ptr<GestureRecognizer>>& of(const View& view) { return view.recognizers_; }
 
   explicit GestureRecognizer(Action action) : action_(std::move(action)) {}
   virtual ~GestureRecognizer() = default;
 
   State state() const { return state_; }
-  /// Not owned; it outlives the recogniser, or is taken away.
+  /// Not owned; must outlive the recogniser or be removed first.
   void setDelegate(GestureRecognizerDelegate* delegate) { delegate_ = delegate; }
   GestureRecognizerDelegate* delegate() const { return delegate_; }
 
-  /// The gesture was made: the action runs with the state Ended, which then is Possible again.
+  /// Runs the action with the state Ended, which then is Possible again.
   void recognize();
 
  private:
@@ -47,11 +51,11 @@ class KESU_API GestureRecognizer {
 };
 
 /// A tap with the pointer, or a press of one of the allowed buttons.
-class KESU_API TapGestureRecognizer : public GestureRecognizer {
+class TapGestureRecognizer : public GestureRecognizer {
  public:
   using GestureRecognizer::GestureRecognizer;
 
-  /// With buttons set, presses of these count; taps with a pointer always do.
+  /// Sets the buttons that count as a tap; taps with a pointer always do.
   void setAllowedPressTypes(std::vector<RemoteButton> buttons) { allowedPressTypes_ = std::move(buttons); }
   const std::vector<RemoteButton>& allowedPressTypes() const { return allowedPressTypes_; }
 
@@ -60,7 +64,7 @@ class KESU_API TapGestureRecognizer : public GestureRecognizer {
 };
 
 /// A swipe in one direction.
-class KESU_API SwipeGestureRecognizer : public GestureRecognizer {
+class SwipeGestureRecognizer : public GestureRecognizer {
  public:
   SwipeGestureRecognizer(SwipeDirection direction, Action action)
       : GestureRecognizer(std::move(action)), direction_(direction) {}
