@@ -1,14 +1,14 @@
-#include "tools/kesu-dev/commands/ServeCommand.h"
-
 #include <cstdio>
 
-#include "tools/kesu-dev/commands/ReadyFile.h"
-#include "tools/kesu-dev/commands/Services.h"
+#include "tools/kesu-dev/commands/Commands.h"
+#include "tools/kesu-dev/commands/ServiceOptions.h"
 #include "tools/kesu-dev/commands/Signals.h"
 #include "tools/kesu-dev/records/RecordText.h"
 
 namespace kesu::dev {
 namespace {
+
+constexpr std::size_t kSummaryWidth = 100;
 
 void printAddresses(const Services& services) {
   const std::string url = services.url();
@@ -29,15 +29,11 @@ void printAddresses(const Services& services) {
   std::fflush(stdout);
 }
 
-}  // namespace
-
-int runServe(const CommandLine& line) {
+int serve(const ServiceOptions& options) {
   const BlockedSignals signals;
-  std::string error;
-  const std::unique_ptr<Services> services = Services::start(line.services, error);
   ReadyFile readyFile;
-  if (services == nullptr || !readyFile.write(line.readyFile, *services)) {
-    std::fprintf(stderr, "kesu-dev: %s\n", error.empty() ? "cannot write the ready file" : error.c_str());
+  const std::unique_ptr<Services> services = startServices(options, readyFile);
+  if (services == nullptr) {
     return 1;
   }
   printAddresses(*services);
@@ -46,8 +42,16 @@ int runServe(const CommandLine& line) {
     signal = signals.wait().si_signo;
   }
   services->stop();
-  std::printf("\n%s", summaryTable(services->store().counts(), 100).c_str());
+  std::printf("\n%s", summaryTable(services->store().counts(), kSummaryWidth).c_str());
   return 0;
+}
+
+}  // namespace
+
+void addServeCommand(Program& program) {
+  const auto options = std::make_shared<ServiceOptions>();
+  Command command = program.command("serve", "serve until Ctrl-C", [options] { return serve(*options); });
+  addServiceOptions(command, *options);
 }
 
 }  // namespace kesu::dev

@@ -1,9 +1,9 @@
 #include "tools/kesu-dev/commands/Services.h"
 
 #include <chrono>
-#include <cstdio>
 #include <utility>
 
+#include "tools/kesu-dev/base/Console.h"
 #include "tools/kesu-dev/http/HttpFetch.h"
 
 namespace kesu::dev {
@@ -11,10 +11,6 @@ namespace {
 
 constexpr int kPortsToTry = 20;
 constexpr std::chrono::milliseconds kSettlePatience{2000};
-
-void sayOnStandardError(const std::string& line) {
-  std::fprintf(stderr, "kesu-dev: %s\n", line.c_str());
-}
 
 // The port asked for, or the first free one from `standard` on.
 bool bindTo(loopback::Server& server, const std::optional<int>& port, int standard) {
@@ -67,7 +63,7 @@ Services::Services(std::unique_ptr<RecordStore> store, std::unique_ptr<loopback:
                    const Options& options)
     : store_(std::move(store)),
       certificate_(std::move(certificate)),
-      messaging_(*store_, faults_, options.say ? options.say : sayOnStandardError),
+      messaging_(*store_, faults_, options.say ? options.say : say),
       collector_(*store_, faults_, messaging_, {options.strict}),
       server_([this](loopback::Request& request) { return collector_.handle(request); }),
       messagingServer_([this](loopback::Request& request) { return messaging_.handle(request); },

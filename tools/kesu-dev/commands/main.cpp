@@ -1,70 +1,50 @@
 #include <kesu/Version.h>
 
 #include <cstdio>
+#include <memory>
 #include <string>
-#include <vector>
 
 #include "CatalogueDescription.h"
-#include "tools/kesu-dev/commands/CommandLine.h"
-#include "tools/kesu-dev/commands/Preview.h"
-#include "tools/kesu-dev/commands/RunCommand.h"
-#include "tools/kesu-dev/commands/ServeCommand.h"
-#include "tools/kesu-dev/commands/WatchCommand.h"
+#include "tools/kesu-dev/base/CommandLine.h"
+#include "tools/kesu-dev/base/Console.h"
+#include "tools/kesu-dev/commands/Commands.h"
 #include "tools/kesu-dev/records/KeyTable.h"
 
 namespace {
 
-constexpr int kUsageError = 2;
-
-int printCatalogue(const kesu::dev::CommandLine& line) {
-  const bool json = line.format == kesu::dev::OutputFormat::Json;
-  const std::string text = json ? kesu::catalogue::catalogueAsJson() + "\n" : kesu::catalogue::catalogueAsText();
-  std::fputs(text.c_str(), stdout);
-  return 0;
+void addCatalogueCommand(kesu::dev::Program& program) {
+  const auto asJson = std::make_shared<bool>(false);
+  kesu::dev::Command command =
+      program.command("catalogue", "print every event of the catalogue: who posts it and what it says", [asJson] {
+        kesu::dev::print(*asJson ? kesu::catalogue::catalogueAsJson() + "\n" : kesu::catalogue::catalogueAsText());
+        return 0;
+      });
+  addFormatOption(command, "one JSON object", *asJson);
 }
 
-int printKeys() {
-  for (const kesu::dev::KeyInfo& key : kesu::dev::allKeys()) {
-    std::printf("%-20s %s\n", std::string(key.key).c_str(), std::string(key.meaning).c_str());
-  }
-  return 0;
-}
-
-int execute(const kesu::dev::CommandLine& line) {
-  switch (line.command) {
-    case kesu::dev::Command::Help:
-      std::fputs(kesu::dev::usageText().c_str(), stdout);
-      return 0;
-    case kesu::dev::Command::Version:
-      std::puts("kesu-dev " KESU_VERSION);
-      return 0;
-    case kesu::dev::Command::Serve:
-      return kesu::dev::runServe(line);
-    case kesu::dev::Command::Run:
-      return kesu::dev::runProgram(line);
-    case kesu::dev::Command::Tail:
-      return kesu::dev::runTail(line);
-    case kesu::dev::Command::Show:
-      return kesu::dev::runShow(line);
-    case kesu::dev::Command::Messages:
-      return kesu::dev::runMessages(line);
-    case kesu::dev::Command::Preview:
-      return kesu::dev::runPreview(line);
-    case kesu::dev::Command::Catalogue:
-      return printCatalogue(line);
-    case kesu::dev::Command::Keys:
-      return printKeys();
-  }
-  return kUsageError;
+void addKeysCommand(kesu::dev::Program& program) {
+  program.command("keys", "print every short key of a record and its meaning", [] {
+    for (const kesu::dev::KeyInfo& key : kesu::dev::allKeys()) {
+      std::printf("%-20s %s\n", std::string(key.key).c_str(), std::string(key.meaning).c_str());
+    }
+    return 0;
+  });
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  const kesu::dev::CommandLine line = kesu::dev::parseCommandLine({argv + 1, argv + argc});
-  if (!line.error.empty()) {
-    std::fprintf(stderr, "kesu-dev: %s (kesu-dev help explains)\n", line.error.c_str());
-    return kUsageError;
-  }
-  return execute(line);
+  kesu::dev::Program program(
+      "kesu-dev", KESU_VERSION,
+      "kesu-dev: a collector and a messaging service on this machine, for integrating and testing the Kesu library.",
+      "COMMAND --help lists the options of a command. Open the collector's address in a browser: records live with "
+      "the\n"
+      "meaning of every key, messages with their receipts, faults to switch on. GET /help there lists it for scripts.");
+  addServeCommand(program);
+  addRunCommand(program);
+  addWatchCommands(program);
+  addPreviewCommand(program);
+  addCatalogueCommand(program);
+  addKeysCommand(program);
+  return program.run(argc, argv);
 }

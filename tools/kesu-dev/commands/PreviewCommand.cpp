@@ -1,23 +1,24 @@
-#include "tools/kesu-dev/commands/Preview.h"
-
 #include <kesu.h>
 #include <kesu/ui/Overlay.h>
 #include <poll.h>
 
 #include <chrono>
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <memory>
 #include <string>
-#include <system_error>
 #include <utility>
 #include <vector>
 
 #include "graphics/Canvas.h"
 #include "graphics/PngEncoder.h"
 #include "graphics/SystemFonts.h"
+#include "tools/kesu-dev/base/CommandLine.h"
+#include "tools/kesu-dev/base/Console.h"
+#include "tools/kesu-dev/base/ScratchDirectory.h"
+#include "tools/kesu-dev/base/Text.h"
+#include "tools/kesu-dev/commands/Commands.h"
 #include "tools/kesu-dev/messages/PreviewService.h"
 #include "tools/kesu-dev/messages/PreviewWindow.h"
 
@@ -26,30 +27,11 @@ namespace {
 
 constexpr double kPatienceSeconds = 10.0;
 
-int fail(const std::string& sentence) {
-  std::fprintf(stderr, "kesu-dev: %s\n", sentence.c_str());
-  return 1;
-}
-
-/// The library's home for as long as this process lives.
-class TemporaryHome {
- public:
-  TemporaryHome() {
-    std::error_code error;
-    std::string name = (std::filesystem::temp_directory_path(error) / "kesu-preview-XXXXXX").string();
-    path_ = ::mkdtemp(name.data()) != nullptr ? name : std::string();
-  }
-  ~TemporaryHome() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-  }
-  TemporaryHome(const TemporaryHome&) = delete;
-  TemporaryHome& operator=(const TemporaryHome&) = delete;
-
-  const std::string& path() const { return path_; }
-
- private:
-  std::string path_;
+struct PreviewOptions {
+  std::string file;    // A message file.
+  std::string output;  // The PNG file to be written; empty = a window.
+  int width = 1920;    // In pixels.
+  int height = 1080;
 };
 
 bool openUrl(const std::string& url) {
@@ -59,18 +41,18 @@ bool openUrl(const std::string& url) {
 }
 
 void startLibrary(const std::string& home, HttpClient& service) {
-  PlatformOptions options;
-  options.homeDirectory = home;
-  options.messagingHost = "preview.invalid";
-  options.reachabilityHost = "127.0.0.1";
-  options.http = &service;
-  options.urlOpener = &openUrl;
-  options.logSink = [](int level, std::string_view text) {
+  PlatformOptions platform;
+  platform.homeDirectory = home;
+  platform.messagingHost = "preview.invalid";
+  platform.reachabilityHost = "127.0.0.1";
+  platform.http = &service;
+  platform.urlOpener = &openUrl;
+  platform.logSink = [](int level, std::string_view text) {
     if (level <= 2) {
       std::fprintf(stderr, "%.*s\n", static_cast<int>(text.size()), text.data());
     }
   };
-  installLinuxPlatform(options);
+  installLinuxPlatform(platform);
   Kesu::initialize("preview", 0);
   Application::shared().didFinishLaunching();
 }
@@ -114,39 +96,73 @@ ImagePtr finishedPicture(Overlay& overlay, int width, int height) {
   return std::make_shared<const Image>(width, height, std::move(pixels));
 }
 
-std::string writePicture(const PreviewOptions& preview) {
+std::string writePicture(const PreviewOptions& options) {
   Overlay overlay;
-  overlay.setPixelSize(preview.width, preview.height);
+  overlay.setPixelSize(options.width, options.height);
   showMessage();
   if (!waitForPopup(overlay)) {
     return "the popup did not appear";
   }
-  const auto png = encodePng(*finishedPicture(overlay, preview.width, preview.height));
-  std::ofstream file(preview.output, std::ios::binary);
+  const auto png = encodePng(*finishedPicture(overlay, options.width, options.height));
+  std::ofstream file(options.output, std::ios::binary);
   file << png.value_or("");
-  return png && file.flush().good() ? "" : "cannot write " + preview.output;
+  return png && file.flush().good() ? "" : "cannot write " + options.output;
 }
 
-}  // namespace
+std::string readSize(const std::string& value, PreviewOptions& options) {
+  // Below, the popup has no room; above, a picture takes 64 MB and more.
+  constexpr std::int64_t kSmallest = 64;
+  constexpr std::int64_t kLargest = 4096;
+  const std::size_t cross = value.find('x');
+  const auto width = parseDecimal(value.substr(0, cross));
+  const auto height = cross == std::string::npos ? std::nullopt : parseDecimal(value.substr(cross + 1));
+  for (const auto& side : {width, height}) {
+    if (!side || *side < kSmallest || *side > kLargest) {
+      return "the size is WIDTHxHEIGHT, 64 to 4096 pixels each, not " + value;
+    }
+  }
+  options.width = static_cast<int>(*width);
+  options.height = static_cast<int>(*height);
+  return {};
+}
 
-int runPreview(const CommandLine& line) {
-  const std::filesystem::path file(line.preview.file);
+int preview(const PreviewOptions& options) {
+  const std::filesystem::path file(options.file);
   const std::string folder = file.has_parent_path() ? file.parent_path().string() : ".";
+  // Static, as the library is: it uses them until the process ends.
   static const MessageDirectory directory(folder, PreviewService::kOrigin);
   std::string problem;
   auto message = directory.message(file.filename().string(), problem);
   if (!message) {
-    return fail(line.preview.file + ": " + problem);
+    return fail(options.file + ": " + problem);
   }
-  static const TemporaryHome home;
+  static const ScratchDirectory home;
   static PreviewService service(directory, std::move(*message));
   startLibrary(home.path(), service);
-  const PreviewOptions& preview = line.preview;
   problem =
-      preview.output.empty() ? runPreviewWindow(preview.width, preview.height, &showMessage) : writePicture(preview);
+      options.output.empty() ? runPreviewWindow(options.width, options.height, &showMessage) : writePicture(options);
   Application::shared().willTerminate();
   forgetSystemFonts();
   return problem.empty() ? 0 : fail(problem);
+}
+
+}  // namespace
+
+void addPreviewCommand(Program& program) {
+  const auto options = std::make_shared<PreviewOptions>();
+  Command command =
+      program.command("preview",
+                      "show a message file in the library's popup, in a window with remote keys (arrows,\n"
+                      "Return, Escape), or as a picture",
+                      [options] { return preview(*options); });
+  command.argument("FILE", "the message file", options->file);
+  command.option("-o,--output", "FILE", "write a PNG picture instead of opening a window",
+                 [options](const std::string& name) {
+                   options->output = name;
+                   return name.empty() ? std::string("-o needs the name of a file") : std::string();
+                 });
+  command.option("--size", "WIDTHxHEIGHT", "of the screen in pixels (default: 1920x1080)",
+                 [options](const std::string& value) { return readSize(value, *options); });
 }
 
 }  // namespace kesu::dev
