@@ -8,19 +8,13 @@
 #include <string>
 #include <vector>
 
-#include "delivery/KesuPost.h"
-#include "delivery/KesuStore.h"
-#include "device/KesuMetrics.h"
 #include "foundation/Base64.h"
 #include "foundation/Json.h"
 #include "graphics/PngEncoder.h"
 #include "message_ui/KesuInAppPresenter.h"
 #include "messaging/KesuImageCache.h"
-#include "messaging/KesuInAppMessagesRequester.h"
-#include "messaging/KesuInbox.h"
-#include "messaging/MessageImageLoader.h"
+#include "messaging/MessagingWiring.h"
 #include "records/DefaultsKeys.h"
-#include "services/DeploymentSettings.h"
 #include "uikit/Animator.h"
 #include "uikit/WindowInput.h"
 
@@ -67,9 +61,10 @@ inline std::string pictureUrl(int width, int height) {
   return "data:image/png;base64," + base64Encode({reinterpret_cast<const std::uint8_t*>(png.data()), png.size()});
 }
 
-/// A presenter with everything that it works with, on a platform of doubles, and a window that is key.
-struct MessageScreen {
-  explicit MessageScreen(Platform& on) : platform(on) {
+/// A presenter on a platform of doubles, wired as in the library, and a window that is key. The presenter may be
+/// destroyed before the rest.
+struct MessageScreen : MessagingWiring {
+  explicit MessageScreen(Platform& on) : MessagingWiring(on) {
     current_ = this;
     platform.defaults.set(kAppKeyDefault, "key");
     platform.defaults.set(kInstanceIdDefault, "kaid");
@@ -87,18 +82,10 @@ struct MessageScreen {
     WindowInput::of(window).press(button, PressPhase::Ended);
   }
 
-  Platform& platform;
   Window window;
-  DeploymentSettings settings{platform.bundle};
-  KesuMetrics metrics{platform.device, platform.reachability, platform.locale, settings};
-  KesuStore store{platform.files, platform.defaults, platform.clock};
-  KesuPost post{platform.http, platform.defaults, platform.clock, settings, store};
-  KesuInAppMessagesRequester requester{platform.http, platform.defaults, platform.clock, settings, post};
-  KesuInbox inbox{platform.defaults, requester};
-  MessageImageLoader loader{platform.http, platform.imageWorker};
   KesuImageCache cache{platform.files, platform.imageWorker, platform.notifications};
   std::optional<KesuInAppPresenter> presenter{
-      std::in_place, KesuInAppPresenter::Services{platform, inbox, loader,
+      std::in_place, KesuInAppPresenter::Services{platform, inbox, imageLoader,
                                                   []() -> KesuImageCache& { return current_->cache; }, post, metrics}};
 
  private:

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <kesu/foundation/Value.h>
-#include <kesu/graphics/Image.h>
 #include <kesu/message_ui/KesuInAppMessageDelegate.h>
 #include <kesu/message_ui/KesuInAppOptions.h>
 #include <kesu/messaging/KesuInAppMessageType.h>
@@ -18,23 +17,21 @@
 
 #include "message_ui/CallToAction.h"
 #include "message_ui/KesuPopupController.h"
-#include "message_ui/MessageBars.h"
-#include "message_ui/MessageCell.h"
-#include "message_ui/MessageLayout.h"
-#include "message_ui/TurnCounter.h"
-#include "messaging/InAppModel.h"
+#include "message_ui/MessagePicture.h"
+#include "message_ui/MessagePopup.h"
+#include "message_ui/MessageSession.h"
 #include "messaging/KesuImageCache.h"
 #include "messaging/KesuInbox.h"
 #include "messaging/MessageImageLoader.h"
 
 namespace kesu {
 
-/// Shows in-app messages: fetches headers, picks the first message, fetches its body, lays it out in a popup, and lets
-/// the user page. Main thread, every operation.
+/// Shows in-app messages: connects the session, which fetches messages, with the popup that shows them, with what
+/// buttons do, and with the host's functions. Main thread.
 ///
 /// One popup at a time. Whatever is closed, paged or presented again while replies, pictures and animations are under
-/// way: what comes late is dropped, and never shown.
-class KesuInAppPresenter final : public KesuPopoverDelegate, public TableViewDataSource {
+/// way: what arrives late is dropped, and never shown.
+class KesuInAppPresenter final : public KesuPopoverDelegate {
  public:
   using CompletionBlock = std::function<void(const KesuInAppStatus&)>;
 
@@ -47,12 +44,12 @@ class KesuInAppPresenter final : public KesuPopoverDelegate, public TableViewDat
     std::optional<Color> messageTextColor;
   };
 
-  /// What a presenter works with; everything must outlive it.
+  /// The services of a presenter; they must outlive it.
   struct Services {
     Platform& platform;
     KesuInbox& inbox;
     MessageImageLoader& loader;
-    KesuImageCache& (*cache)();  ///< Made when the first picture comes.
+    KesuImageCache& (*cache)();  ///< Called when the first picture arrives.
     KesuPost& post;
     KesuMetrics& metrics;
   };
@@ -63,133 +60,90 @@ class KesuInAppPresenter final : public KesuPopoverDelegate, public TableViewDat
   KesuInAppPresenter(const KesuInAppPresenter&) = delete;
   KesuInAppPresenter& operator=(const KesuInAppPresenter&) = delete;
 
-  /// [KesuInAppPresenter sharedInstance] The presenter of this process; null before it was made.
+  /// Returns the presenter of this process; null before it was made. [KesuInAppPresenter sharedInstance]
   static KesuInAppPresenter* sharedInstance();
 
-  /// Who is told of pressed buttons and paging: the block, or without one the delegate (not owned; see
-  /// forgetDelegate()). Each display names its own, so that none of an earlier one is told.
+  /// Sets what is called for pressed buttons and paging: the block, or without one the delegate (not owned; see
+  /// forgetDelegate()). Each display sets its own, so that none of an earlier one is called.
   void setCallbacks(CompletionBlock block, KesuInAppMessageDelegate* delegate);
   void setColors(const Colors& colors) { colors_ = colors; }
-  /// Functions count from now on, also for what is shown; insets and text scale from the next present on.
+  /// Sets the host's options: functions apply at once, also to what is shown; insets and text scale from the next
+  /// presentation on.
   void setOptions(KesuInAppOptions options);
-
-  /// A delegate that is destroyed is not told any more.
+  /// Forgets a delegate that is being destroyed.
   void forgetDelegate(const KesuInAppMessageDelegate* delegate);
 
-  /// [presentWithController:withType:] Begins to show messages. The controller is kept for its identity only. A popup
-  /// that is still up goes at once.
+  /// Begins to show messages. The controller is kept for its identity only. A popup that is still up is closed at once.
+  /// [presentWithController:withType:]
   void presentWithController(ViewController* controller, KesuInAppMessageType type);
-
-  /// [dismissViewController:] Closes what is shown, or gives up what is being fetched.
+  /// Closes what is shown, or drops what is being fetched. [dismissViewController:]
   void dismissViewController(bool animated);
-
-  /// [didPopoverClosed] The user has closed the popup: everything is as before it was presented.
+  /// Resets everything to what it was before the presentation, once the user has closed the popup. [didPopoverClosed]
   void didPopoverClosed() override;
-
-  /// [changeTemplate:] A button with tag 10 (previous) or 11 (next) was pressed.
-  void changeTemplate(const View& button) { page(button.tag()); }
-  /// [swipeGestureHandle:] Left is next, every other direction is previous.
-  void swipeGestureHandle(SwipeDirection direction);
-  /// [inAppButtonClicked:] An action button was pressed; its tag is the index.
-  void inAppButtonClicked(const Button& button);
-  /// [fetchUnreadMessageCount] Asks how many messages are new; unreadMessageCount() tells once the answer is there.
-  void fetchUnreadMessageCount();
-  /// Has the fonts loaded on the image worker, unless they are there.
+  /// Loads the fonts on the image worker, unless they are loaded.
   void loadFonts();
-  /// [orientationChanged] Lays the popup out again for the screen's geometry.
-  void orientationChanged();
 
+  /// From the presentation to the close, fetching included.
+  bool isInAppShown() const { return session_.isOpen(); }
+  /// Returns whether a popup is up whose window the host has destroyed, or that never had one.
+  bool hasLostItsWindow() const;
+
+  // Owed to the agreed interface; no caller inside the library beyond the popup's own actions.
+
+  /// Pages: a button with tag 10 (previous) or 11 (next) was pressed. [changeTemplate:]
+  void changeTemplate(const View& button) { page(button.tag()); }
+  /// Pages: left is next, every other direction is previous. [swipeGestureHandle:]
+  void swipeGestureHandle(SwipeDirection direction);
+  /// Performs the action of a button; its tag is the index. [inAppButtonClicked:]
+  void inAppButtonClicked(const Button& button);
+  /// Fetches how many messages are new; unreadMessageCount() returns it once the reply has arrived.
+  /// [fetchUnreadMessageCount]
+  void fetchUnreadMessageCount() { session_.fetchUnreadMessageCount(); }
+  /// Lays the popup out again for the screen's geometry. [orientationChanged]
+  void orientationChanged();
   /// [screenBounds]
-  static Rect screenBounds() { return {0.0, 0.0, 1920.0, 1080.0}; }
-  /// [imageWithImage:scaledToWidth:] The picture at this width in pixels; itself when it is not wider. Slow: never on
-  /// the main thread.
-  static ImagePtr imageWithImage(const ImagePtr& image, int width);
+  static Rect screenBounds() { return kScreenBounds; }
 
   ViewController* rootViewController() const { return rootViewController_; }
-  KesuInAppMessageType inappMessageType() const { return inappMessageType_; }
-  const Array& responseValue() const { return responseValue_; }
-  std::int64_t showIndex() const { return showIndex_; }
-  const std::optional<InAppModel>& model() const { return model_; }
-  bool isInAppShown() const { return isInAppShown_; }  ///< From present to close, fetching included.
-  bool hasLostItsWindow() const;  ///< Something is up, but the host has destroyed the window, or never had one.
-  bool textOverlapsImage() const { return textOverlapsImage_; }  ///< As the template says, also without a picture.
-  std::int64_t unreadMessageCount() const { return unreadMessageCount_; }
-  double contentHeight() const { return contentHeight_; }
-  double visibleHeight() const { return visibleHeight_; }
+  KesuInAppMessageType inappMessageType() const { return session_.type(); }
+  const Array& responseValue() const { return session_.headers(); }
+  std::int64_t showIndex() const { return session_.index(); }
+  const InAppModel* model() const { return session_.model().get(); }  ///< Null for none.
+  std::int64_t unreadMessageCount() const { return session_.unreadMessageCount(); }
   const Colors& colors() const { return colors_; }
   const CompletionBlock& completionBlock() const { return completionBlock_; }
   KesuInAppMessageDelegate* delegate() const { return delegate_; }
-  KesuPopupController* popupController() const { return popupController_.get(); }  ///< Null while nothing is up.
-  TableView* tableView() const { return tableView_.get(); }
-  const MessageBars* bars() const { return bars_.get(); }
   Array& plistArray() { return plistArray_; }  ///< Kept: an auxiliary list that nothing fills.
 
-  // The table has one row, which holds the message; it is made anew for each, so that nothing is reused.
-  std::size_t numberOfRows() override { return 1; }
-  double heightOfRow(std::size_t row) override;
-  ViewPtr cellForRow(std::size_t row, double width) override { return loadCurrentTemplate(row, width); }
+  // Of the popup; 0, false or null while none is up.
+  bool textOverlapsImage() const { return popup_ != nullptr && popup_->textOverlapsImage(); }
+  double contentHeight() const { return popup_ != nullptr ? popup_->contentHeight() : 0.0; }
+  double visibleHeight() const { return popup_ != nullptr ? popup_->visibleHeight() : 0.0; }
+  KesuPopupController* popupController() const { return popup_ != nullptr ? popup_->controller().get() : nullptr; }
+  TableView* tableView() const { return popup_ != nullptr ? &popup_->table() : nullptr; }
+  const MessageBars* bars() const { return popup_ != nullptr ? &popup_->bars() : nullptr; }
 
  private:
-  void fetchUnreadMessage();
-  void takeHeaders(const Object& headers);
-  void doPopoverSetup();
-  void updateModelAtCurrentIndex(std::function<void()> completion);
-  void takeBody(const Object& body);
-  void whenFontsReady(std::function<void()> step);
-  void calculateHeights();
   void showPopover();
-  void makeTable();
-  void makeBars();
-  void showBars();
-  void showMessage();
-  void fitHeight(double barHeightBefore);
   void page(std::int64_t tag);
   void didPage(std::int64_t tag);
-  void focus(View* view);
-  ViewPtr loadCurrentTemplate(std::size_t row, double width);
-  void loadImage();
-  void takeImage(const ImagePtr& original, const ImagePtr& shown, const std::string& url, const Turn& turn);
-  void tearDown();
-  void tell(const std::function<void()>& callback);
-  void orGiveUp(const Turn& turn, const std::function<void()>& hook);
+  void loadPicture();
+  void close();
+  MessageContent content() const;
+  static void call(std::function<void()> hook);
 
-  bool hasMessage() const;
-  const InAppTemplateData* templateData() const;
-  Color canvasColor() const;
-  MessageFonts fonts() const;
-  Object headerValue(std::string_view key) const;
-
-  Services services_;
+  Platform& platform_;
+  MessageSession session_;
+  MessagePicture picture_;
   CallToAction callToAction_;
+  std::shared_ptr<MessagePopup> popup_;  // Null while none is up. Owned here; what is called later watches it.
+  MessageLooks looks_;                   // Of what is shown.
   KesuInAppOptions options_;
-  EdgeInsets screenInsets_;  // Of what is shown.
-  double textScale_ = 1.0;   // Of what is shown.
   Colors colors_;
   CompletionBlock completionBlock_;
   KesuInAppMessageDelegate* delegate_ = nullptr;
-
   ViewController* rootViewController_ = nullptr;
-  KesuInAppMessageType inappMessageType_ = KesuInAppMessageType::Unread;
-  Array responseValue_;
-  std::int64_t showIndex_ = 0;
-  std::optional<InAppModel> model_;
-  bool isInAppShown_ = false;
-  bool textOverlapsImage_ = false;
-  std::int64_t unreadMessageCount_ = 0;
   Array plistArray_;
-
-  MessageMeasures measures_;
-  double contentHeight_ = 0.0;
-  double visibleHeight_ = 0.0;
-  Size arrivedImageSize_;  // Of a picture whose message did not say.
-  ImagePtr image_;         // What the cell shows, once it is there.
-
-  std::shared_ptr<KesuPopupController> popupController_;  // Shared with what closes it.
-  std::shared_ptr<TableView> tableView_;
-  std::unique_ptr<MessageBars> bars_;
-  std::shared_ptr<MessageCell> cell_;
-
-  TurnCounter turns_;  // Presented, closed, paged, or an answer taken: what was asked before does not count any more.
 };
 
 }  // namespace kesu

@@ -163,7 +163,7 @@ TEST_F(PresenterTest, ClosesAndShowsAgain) {
   screen.press(RemoteButton::Menu);
   EXPECT_FALSE(presenter().isInAppShown());
   EXPECT_EQ(presenter().popupController(), nullptr);
-  EXPECT_FALSE(presenter().model().has_value());
+  EXPECT_EQ(presenter().model(), nullptr);
   EXPECT_EQ(presenter().showIndex(), 0);
   EXPECT_EQ(dismissals, 1);
   pass(0.4);

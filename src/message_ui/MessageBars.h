@@ -12,13 +12,10 @@
 
 #include "message_ui/KesuCustomBtn.h"
 #include "message_ui/MessageLayout.h"
+#include "message_ui/MessagePaging.h"
 #include "messaging/InAppTemplateData.h"
 
 namespace kesu {
-
-// Tags of the arrows; hosts are told them as the index of a button.
-inline constexpr std::int64_t kPreviousTag = 10;
-inline constexpr std::int64_t kNextTag = 11;
 
 /// [imageWithColor:] A picture of one pixel in this colour, to be stretched.
 ImagePtr imageWithColor(const Color& color);

@@ -5,9 +5,9 @@
 #include <memory>
 #include <utility>
 
-#include "message_ui/GradientView.h"
-#include "message_ui/PicturePlaceholder.h"
+#include "graphics/Canvas.h"
 #include "uikit/Animator.h"
+#include "uikit/ViewDrawing.h"
 
 namespace kesu {
 namespace {
@@ -15,7 +15,61 @@ namespace {
 constexpr double kFadeSeconds = 0.25;
 constexpr double kScrimOpacity = 0.82;
 constexpr double kScrimOpacityAtTitle = 0.55;  // Where the title begins: a long one stands high in the picture.
+constexpr double kPlaceholderOpacity = 0.08;   // Faint: most pictures arrive within a second.
+constexpr double kOutlineOpacity = 0.16;
+constexpr Size kOutline{112.0, 84.0};
 constexpr const char* kNoMessagesText = "No messages to show.";
+
+/// Fades from one colour at its upper edge to another at its lower one.
+class GradientView : public View {
+ public:
+  GradientView(const Rect& frame, const Color& top, const Color& bottom) : View(frame), top_(top), bottom_(bottom) {}
+
+  void draw(Canvas& canvas) const override { canvas.fillGradient(ViewDrawing::presentedBounds(*this), top_, bottom_); }
+
+ private:
+  Color top_;
+  Color bottom_;
+};
+
+/// Keeps the place of a picture that is missing, or has not arrived: a faint face with the outline of a picture in its
+/// middle, where the face is high enough. `ink` is dark on light cards and light on dark ones.
+class PicturePlaceholder : public View {
+ public:
+  PicturePlaceholder(const Rect& frame, const Color& ink) : View(frame), ink_(ink) {}
+
+  void draw(Canvas& canvas) const override {
+    const Rect box = ViewDrawing::presentedBounds(*this);
+    canvas.fill(box, ink_.withAlpha(kPlaceholderOpacity));
+    if (box.height < 2.0 * kOutline.height) {
+      return;
+    }
+    const Point middle = box.center();
+    canvas.beginGroup();
+    drawOutline(canvas, {middle.x - kOutline.width / 2.0, middle.y - kOutline.height / 2.0});
+    canvas.endGroup(kOutlineOpacity);
+  }
+
+ private:
+  // A frame, a sun, and two hills that the frame cuts off.
+  void drawOutline(Canvas& canvas, Point corner) const {
+    constexpr double kRadius = 12.0;
+    const auto fillDisc = [&](Point center, double radius) {
+      canvas.fill({center.x - radius, center.y - radius, 2.0 * radius, 2.0 * radius}, ink_, radius);
+    };
+    canvas.save();
+    canvas.translate(corner.x, corner.y);
+    const Rect box{0.0, 0.0, kOutline.width, kOutline.height};
+    canvas.strokeInside(box, 6.0, ink_, kRadius);
+    canvas.clip(box, kRadius);
+    fillDisc({34.0, 30.0}, 10.0);
+    fillDisc({32.0, 108.0}, 50.0);
+    fillDisc({84.0, 106.0}, 64.0);
+    canvas.restore();
+  }
+
+  Color ink_;
+};
 
 std::shared_ptr<Label> makeLabel(const Rect& frame, const std::string& text, const Font& font, const Color& color) {
   auto label = std::make_shared<Label>(frame);

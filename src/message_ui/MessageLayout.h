@@ -14,6 +14,7 @@ namespace kesu {
 // Where everything in a message's card lies: pure functions, in points. Any thread, except that measuring a text needs
 // the fonts (graphics/TextLayout.h). None of them answers not-a-number, whatever a message says.
 
+inline constexpr Rect kScreenBounds{0.0, 0.0, 1920.0, 1080.0};
 inline constexpr double kCardWidth = 580.0;
 inline constexpr double kCardTextWidth = 557.0;
 inline constexpr double kCardGap = 8.0;

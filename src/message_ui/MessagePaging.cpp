@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "message_ui/MessageBars.h"
 #include "messaging/MessageHeader.h"
 
 namespace kesu {

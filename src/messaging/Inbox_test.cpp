@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "foundation/Json.h"
-#include "messaging/KesuInbox.h"
+#include "messaging/MessagingWiring.h"
 #include "platform/OrderlyEnd.h"
 #include "records/DefaultsKeys.h"
 #include "support/KesuPriorityLogger.h"
@@ -58,11 +58,9 @@ class InboxTest : public ::testing::Test {
   }
 
   testing::ScopedPlatform platform;
-  DeploymentSettings settings{platform.bundle};
-  KesuStore store{platform.files, platform.defaults, platform.clock};
-  KesuPost post{platform.http, platform.defaults, platform.clock, settings, store};
-  KesuInAppMessagesRequester requester{platform.http, platform.defaults, platform.clock, settings, post};
-  KesuInbox inbox{platform.defaults, requester};
+  MessagingWiring wiring{platform.platform};
+  KesuInAppMessagesRequester& requester = wiring.requester;
+  KesuInbox& inbox = wiring.inbox;
   std::vector<std::string> told;
 };
 
