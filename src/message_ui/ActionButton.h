@@ -9,17 +9,18 @@
 
 namespace kesu {
 
-/// A button of a message. It keeps its title short enough to be read while it is focused: the card cuts off what is
-/// wider. A ring tells the focus as well, since beside the card's edges, and for an only button, its size tells little.
-/// Main thread.
+/// A button of a message. It shortens its title so that all of it is visible while the button is focused: the card cuts
+/// off what is wider. A ring shows the focus as well, since beside the card's edges, and for an only button, the size
+/// shows little. Main thread.
 class ActionButton : public KesuCustomBtn {
  public:
   using KesuCustomBtn::KesuCustomBtn;
 
-  /// Where Down leads, wherever that lies, since there is nothing else below; null or gone leaves it to the window.
+  /// Sets what Down focuses, wherever that lies, since nothing else is below; null or destroyed leaves it to the
+  /// window.
   void setWayDown(std::weak_ptr<View> arrow) { wayDown_ = std::move(arrow); }
 
-  /// The picture that is stretched over the button, and the colour of the ring, which must be told from it.
+  /// Sets the picture that is stretched over the button, and the colour of the ring, which must contrast with it.
   void setFace(ImagePtr face, const Color& ring);
 
   bool handleArrow(RemoteButton arrow) override;

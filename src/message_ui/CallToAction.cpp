@@ -43,7 +43,8 @@ bool continuesCharacter(char byte) {
   return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
 }
 
-// Takes whole characters off the end until as many UTF-16 units as the marker has are gone.
+// Removes whole characters from the end until as many UTF-16 units as the marker has are removed: 8, which is how the
+// length was always counted.
 std::string_view withoutMarker(std::string_view action) {
   constexpr std::size_t kMarkerUnits = 8;
   constexpr std::size_t kBytesOfPair = 4;
@@ -102,7 +103,7 @@ void callWebHook(Platform& platform, KesuMetrics& metrics, const std::string& ur
                      });
 }
 
-void tellHost(NotificationCenter& notifications, const ButtonPress& press, const KesuInAppStatus& status) {
+void callHost(NotificationCenter& notifications, const ButtonPress& press, const KesuInAppStatus& status) {
   if (isEndingAtExit()) {
     return;
   }
@@ -188,7 +189,7 @@ void CallToAction::run(const ButtonPress& press) {
       [&] {
         const ButtonAction action = decideAction(press.action);
         act(press, action, status);
-        tellHost(platform_.notifications, press, statusOf(press, action, status));
+        callHost(platform_.notifications, press, statusOf(press, action, status));
       },
       [&] {
         postRecord(post_, platform_.defaults, press);

@@ -16,7 +16,7 @@
 
 namespace kesu {
 
-/// What came of a button's action; hosts and the collector see the number.
+/// The outcome of a button's action; hosts and the collector see the number.
 enum class DeepLinkStatus : std::int64_t {
   NoAction = 1,    ///< The button has none.
   Opened = 2,      ///< A URL, which the system opened.
@@ -39,11 +39,11 @@ struct ButtonAction {
   friend bool operator==(const ButtonAction&, const ButtonAction&) = default;
 };
 
-/// Decides by the text alone. Any thread.
+/// Decides by the text of an action alone. Any thread.
 /// Kept: a web hook loses its last 8 characters, wherever its marker stands.
 ButtonAction decideAction(std::string_view action);
 
-/// One pressed button: all that is needed later, when message and popup may have gone.
+/// One pressed button: all that is needed later, when message and popup may be closed.
 struct ButtonPress {
   std::int64_t tag = 0;  ///< The button's index.
   std::string title;
@@ -52,19 +52,20 @@ struct ButtonPress {
   Object campaignID;         ///< "cid".
   bool hasMessages = false;  ///< Whether there are headers: without, no event is posted.
   std::function<void(const KesuInAppStatus&)> completionBlock;
-  std::function<KesuInAppMessageDelegate*()> delegate;        ///< Asked when the time has come; may answer null.
+  std::function<KesuInAppMessageDelegate*()> delegate;  ///< Called when the action was performed; may return null.
   std::function<bool(const std::string& url)> shouldOpenUrl;  ///< The host's veto; empty for none.
 };
 
-/// Does what a pressed button asks for, and tells host and collector. Main thread. The services must outlive it.
+/// Performs the actions of pressed buttons, and reports them to host and collector. Main thread. The services must
+/// outlive it.
 class CallToAction {
  public:
   CallToAction(Platform& platform, KesuPost& post, KesuMetrics& metrics)
       : platform_(platform), post_(post), metrics_(metrics) {}
 
-  /// With the main loop's next turn: the action; the host's block, else its delegate, and the exported notification;
-  /// the record "cta"; the event "Kesu.InAppCallToAction". A web hook that fails calls the block once more.
-  /// Inside an exit handler nothing of the host's is called: no URL is opened, and only the collector is told.
+  /// Performs on the main loop's next turn: the action; the host's block, else its delegate, and the exported
+  /// notification; the record "cta"; the event "Kesu.InAppCallToAction". A web hook that fails calls the block once
+  /// more. During an exit handler no function of the host is called and no URL opened; only the collector is informed.
   void perform(ButtonPress press);
 
  private:
@@ -77,7 +78,7 @@ class CallToAction {
   std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);  // Presses that are queued watch it.
 };
 
-/// The body of a web hook. `uniqueId` is a fresh identifier (newBase64Uuid).
+/// Returns the body of a web hook. `uniqueId` is a fresh identifier (newBase64Uuid). Any thread.
 Dictionary webHookBody(Platform& platform, KesuMetrics& metrics, const std::string& uniqueId);
 
 }  // namespace kesu

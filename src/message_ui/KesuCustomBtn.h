@@ -7,8 +7,8 @@
 
 namespace kesu {
 
-/// The button of message cards: it grows and throws a shadow while it has the focus, and looks pushed in while the
-/// remote's button is held. Main thread. Call setup() after making one: without it the focus would scale it to nothing.
+/// The button of message cards: it grows and casts a shadow while it is focused, and looks pushed in while the remote's
+/// button is pressed. Main thread. Call setup() first: without it the focus would scale the button to nothing.
 class KesuCustomBtn : public Button {
  public:
   using Button::Button;
@@ -17,6 +17,14 @@ class KesuCustomBtn : public Button {
   void setup();
 
   double focusedScaleFactor() const { return focusedScaleFactor_; }
+
+  void didUpdateFocus() override;
+  void pressesBegan(RemoteButton button) override;
+  void pressesEnded(RemoteButton button) override;
+  void pressesCancelled(RemoteButton button) override;
+
+  // Owed to the agreed interface; no caller inside the library.
+
   void setFocusedScaleFactor(double factor) { focusedScaleFactor_ = factor; }
   double focusedShadowRadius() const { return focusedShadowRadius_; }
   void setFocusedShadowRadius(double radius) { focusedShadowRadius_ = radius; }
@@ -28,11 +36,6 @@ class KesuCustomBtn : public Button {
   void setShadowColor(const Color& color) { shadowColor_ = color; }
   double animationDuration() const { return animationDuration_; }  ///< Seconds.
   void setAnimationDuration(double seconds) { animationDuration_ = seconds; }
-
-  void didUpdateFocus() override;
-  void pressesBegan(RemoteButton button) override;
-  void pressesEnded(RemoteButton button) override;
-  void pressesCancelled(RemoteButton button) override;
 
  private:
   void animateLook(void (KesuCustomBtn::*look)());
@@ -48,7 +51,7 @@ class KesuCustomBtn : public Button {
   Size shadowOffsetFocussed_;
   Color shadowColor_ = Color::clear();
   double animationDuration_ = 0.0;
-  std::uint64_t looks_ = 0;  // How many looks have been begun.
+  std::uint64_t looks_ = 0;  // Counts the looks that were begun.
 };
 
 }  // namespace kesu

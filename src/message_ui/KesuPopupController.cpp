@@ -15,11 +15,11 @@ namespace kesu {
 namespace {
 
 constexpr double kSlideSeconds = 0.3;
-constexpr double kHeightSeconds = 0.1;
-constexpr double kRecenterSeconds = 0.5;
+constexpr double kHeightSeconds = 0.1;    // Short: the views must have their places before the card moves.
+constexpr double kRecenterSeconds = 0.5;  // Slow: what the user is reading moves.
 constexpr double kDefaultCornerRadius = 5.0;
 constexpr double kBorderWidth = 1.0;
-constexpr Color kBackdropColor = Color::black().withAlpha(0.7);
+constexpr Color kBackdropColor = Color::black().withAlpha(0.7);  // The application stays visible behind the card.
 
 double slideSeconds(bool animated) {
   return animated ? kSlideSeconds : 0.0;
@@ -31,8 +31,8 @@ void setHeight(View& view, double height) {
   view.setFrame(frame);
 }
 
-// Kept: whatever the log threshold, and for touches too, those on the card among them.
-void tellRelease() {
+// Kept: at every log threshold, and for touches too, those on the card among them.
+void logRelease() {
   KESU_LOG(0, "Menu button released");
 }
 
@@ -60,15 +60,15 @@ Window* KesuPopupController::applicationWindow() const {
 void KesuPopupController::setUpPopoverContent() {
   popupView_ = std::make_shared<View>();
   popupView_->setClipsToBounds(true);
-  ViewDrawing::setComposited(*popupView_, true);
+  ViewDrawing::setComposited(*popupView_, true);  // It slides as one picture, instead of being drawn for each frame.
   theme_ = KesuPopupTheme::defaultTheme();
   theme_.popupStyle = 0;
   const Window* window = applicationWindow();
   contentView_ = std::make_shared<View>(window != nullptr ? window->bounds() : Rect{});
   contentView_->setBackgroundColor(kBackdropColor);
-  contentView_->setModal(true);
+  contentView_->setModal(true);  // Presses do not reach the application behind it.
   gesture_ =
-      std::make_shared<TapGestureRecognizer>([this, alive = std::weak_ptr<Turn>(turn_)](GestureRecognizer& made) {
+      std::make_shared<TapGestureRecognizer>([this, alive = std::weak_ptr(presentation_)](GestureRecognizer& made) {
         if (!alive.expired()) {  // The backdrop may outlive the controller while it slides out.
           handleBackgroundTapGesture(&made);
         }
@@ -87,6 +87,7 @@ void KesuPopupController::addPopupContents() {
 }
 
 void KesuPopupController::applyTheme() {
+  // Kept: the presentation style follows the popup style, though nothing reads it.
   if (theme_.popupStyle == 2) {
     theme_.presentationStyle = 0;
   } else if (theme_.popupStyle == 0) {
@@ -118,14 +119,15 @@ Point KesuPopupController::dockedCenter() const {
           contentView_->bounds().height - popupView_->bounds().height * 0.5 - screenInsets_.bottom};
 }
 
+// A whole card below the edge, so that nothing of it shows while it waits.
 Point KesuPopupController::hiddenCenter() const {
   return {dockedCenter().x, contentView_->bounds().height + popupView_->bounds().height};
 }
 
 void KesuPopupController::presentPopupControllerAnimated(bool animated, Completion completion) {
   dismissAnimated_ = animated;
-  ++turn_->number;
-  turn_->isPresented = true;
+  ++presentation_->number;
+  presentation_->isUp = true;
   applyTheme();
   calculateVisibleContentSize();
   popupView_->setCenter(hiddenCenter());
@@ -148,17 +150,18 @@ void KesuPopupController::presentPopupControllerAnimated(bool animated, Completi
 }
 
 void KesuPopupController::dismissPopupControllerAnimated(bool animated, Completion completion) {
-  const std::uint64_t number = ++turn_->number;
+  const std::uint64_t number = ++presentation_->number;
   animate(
       slideSeconds(animated),
       [this] {
         contentView_->setAlpha(0.0);
         popupView_->setCenter(hiddenCenter());
       },
-      [backdrop = contentView_, turn = turn_, number, removed = removed_, completion = std::move(completion)](bool) {
-        if (turn->number == number) {
+      [backdrop = contentView_, presentation = presentation_, number, removed = removed_,
+       completion = std::move(completion)](bool) {
+        if (presentation->number == number) {
           backdrop->removeFromSuperview();
-          if (std::exchange(turn->isPresented, false) && removed) {
+          if (std::exchange(presentation->isUp, false) && removed) {
             removed();
           }
         }
@@ -184,10 +187,11 @@ void KesuPopupController::updatePopoverHeight(double height) {
   redock();
 }
 
+// On the next turn: by then the bars, too, have the size of the new message.
 void KesuPopupController::redock() {
-  Platform::current().mainLoop.post([this, turn = std::weak_ptr<Turn>(turn_), number = turn_->number] {
-    const auto present = turn.lock();
-    if (present == nullptr || present->number != number) {
+  Platform::current().mainLoop.post([this, weak = std::weak_ptr(presentation_), number = presentation_->number] {
+    const auto presentation = weak.lock();
+    if (presentation == nullptr || presentation->number != number) {
       return;  // Dismissed or presented again meanwhile: that has set the card's place.
     }
     const auto& stacked = popupView_->subviews();
@@ -207,14 +211,14 @@ void KesuPopupController::orientationWillChange() {
   });
 }
 
-// Nothing in a card can be edited, so there is no editing to end before a dismissal.
+// Nothing in a card can be edited, so there is no editing to end first.
 void KesuPopupController::dismissForUser() {
   dismissPopupControllerAnimated(dismissAnimated_);
 }
 
 void KesuPopupController::handleBackgroundTapGesture(GestureRecognizer* recognizer) {
   if (recognizer != nullptr && recognizer->state() == GestureRecognizer::State::Ended) {
-    tellRelease();
+    logRelease();
   }
   if (!gesture_->allowedPressTypes().empty()) {
     dismissForUser();
@@ -228,7 +232,7 @@ void KesuPopupController::handleBackgroundTapGesture(GestureRecognizer* recogniz
 }
 
 bool KesuPopupController::shouldReceiveTouch(GestureRecognizer& /*recognizer*/, View& touched) {
-  tellRelease();
+  logRelease();
   return !popupView_->contains(touched);
 }
 

@@ -17,8 +17,8 @@ constexpr double kArrowFace = 0.2;  // How much of the arrow's colour is in the 
 constexpr Color kDarkBar{0.11, 0.12, 0.14, 1.0};
 constexpr Color kLightBar{0.95, 0.95, 0.97, 1.0};
 
-/// An arrow has no face of its own: while it is focused it gets a faint one, that it can be told from the other. The
-/// face is opaque, since the button's shadow lies behind it.
+/// An arrow has no face of its own: while it is focused it gets a faint one, so that it differs from the other arrow.
+/// The face is opaque, since the button's shadow lies behind it.
 class ArrowButton : public KesuCustomBtn {
  public:
   ArrowButton(const Rect& frame, const Color& face) : KesuCustomBtn(frame), face_(face) {}
@@ -49,7 +49,7 @@ void dressButton(KesuCustomBtn& button, const Font& font, const Color& border) {
   button.setClipsToBounds(true);
 }
 
-// What lies above is drawn over: else a seam shows where edges fall between pixels.
+// Extends under what lies above: else a seam shows where edges fall between pixels.
 Rect withOverlap(const Rect& frame) {
   constexpr double kOverlap = 2.0;
   return frame.isEmpty() ? frame : Rect{frame.x, frame.y - kOverlap, frame.width, frame.height + kOverlap};
@@ -114,7 +114,7 @@ void MessageBars::show(const BarContent& content) {
   showPaging(content);
 }
 
-// A colour that is none leaves the button without a face: then its title is read against the card.
+// A text that names no colour leaves the button without a face: then its title must be legible on the card.
 void MessageBars::dressFace(ActionButton& button, const BarContent& content, std::size_t index) {
   const std::optional<Color> face = content.data->buttonBackgroundAtIndex(index);
   const Color title = content.data->buttonTitleColorAtIndex(index).value_or(Color::white());

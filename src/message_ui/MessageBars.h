@@ -17,12 +17,12 @@
 
 namespace kesu {
 
-/// [imageWithColor:] A picture of one pixel in this colour, to be stretched.
+/// Returns a picture of one pixel in this colour, to be stretched. Any thread. [imageWithColor:]
 ImagePtr imageWithColor(const Color& color);
 
 class ActionButton;
 
-/// What a message's bars show.
+/// What the bars of a message show.
 struct BarContent {
   const InAppTemplateData* data = nullptr;  ///< Its buttons are shown; null for none.
   std::int64_t index = 0;                   ///< Of the message, from 0.
@@ -32,29 +32,29 @@ struct BarContent {
   std::optional<Color> bar;                 ///< Behind them; by default dark behind light text, light behind dark.
 };
 
-/// What lies under a message: the row of its action buttons, and the paging bar. Main thread.
+/// The bars under a message: the row of its action buttons, and the paging bar. Main thread.
 class MessageBars {
  public:
   using Pressed = Button::Action;
 
-  /// Who is told of pressed action buttons (tag: the button's index) and of arrows.
+  /// Sets what is called for pressed action buttons (tag: the button's index) and arrows.
   MessageBars(Pressed actionPressed, Pressed arrowPressed);
-  /// The views may live on; their buttons do nothing any more.
+  /// The views may outlive the bars; their buttons then do nothing.
   ~MessageBars();
 
   MessageBars(const MessageBars&) = delete;
   MessageBars& operator=(const MessageBars&) = delete;
 
-  /// Shows the bars of a message. Arrows that stay are the same views as before, so that the focus stays on them.
+  /// Shows the bars of a message. Arrows that remain are the same views as before, so that the focus stays on them.
   void show(const BarContent& content);
 
   const ViewPtr& bottomBarView() const { return bottomBar_; }    ///< All of it.
   const ViewPtr& buttonBarView() const { return buttonBar_; }    ///< The row of buttons: 80 high, or 0 without.
   const ViewPtr& controlBarView() const { return controlBar_; }  ///< Holds the buttons; null without.
 
-  /// What the remote begins with: the first action button, else the next arrow, else the previous one, else null.
+  /// Returns what is focused first: the first action button, else the next arrow, else the previous one, else null.
   View* firstFocus() const;
-  /// Where the focus goes after paging with an arrow: to it, else to the other one, else to the first button, else
+  /// Returns what is focused after paging with an arrow: that arrow, else the other one, else the first button, else
   /// null.
   View* focusAfter(std::int64_t arrowTag) const;
 

@@ -13,8 +13,8 @@ namespace kesu {
 namespace {
 
 constexpr double kFadeSeconds = 0.25;
-constexpr double kScrimOpacity = 0.82;
-constexpr double kScrimOpacityAtTitle = 0.55;  // Where the title begins: a long one stands high in the picture.
+constexpr double kScrimOpacity = 0.82;         // A white title stays legible on a white picture.
+constexpr double kScrimOpacityAtTitle = 0.55;  // Where the title begins: a long one reaches high into the picture.
 constexpr double kPlaceholderOpacity = 0.08;   // Faint: most pictures arrive within a second.
 constexpr double kOutlineOpacity = 0.16;
 constexpr Size kOutline{112.0, 84.0};

@@ -15,14 +15,14 @@ struct MessageFonts {
   Font message = kMessageFont;
 };
 
-/// A message in its table's row: picture, title and text, in the message's colours as far as they can be read. Main
+/// The table's row for a message: picture, title and text, in the message's colours as far as they are legible. Main
 /// thread.
 class MessageCell : public View {
  public:
-  /// `canvas` is what the cell lies on. Where there is to be a picture its place is kept, quietly filled.
+  /// `canvas` is the colour behind the cell. The place of a picture is filled with a placeholder.
   MessageCell(const InAppModel& model, const MessageMeasures& measures, const MessageFonts& fonts, const Color& canvas);
 
-  /// Puts the picture in, gradually or at once. Null leaves the place as it is.
+  /// Shows the picture, fading it in or at once. Null leaves the placeholder.
   void showImage(ImagePtr image, bool fades);
 
  private:
@@ -35,7 +35,7 @@ class MessageCell : public View {
   std::shared_ptr<ImageView> imageView_;
 };
 
-/// What a table's row holds when there is no message: the text "No messages to show." in a row of this height.
+/// Returns the table's row when there is no message: the text "No messages to show." in a row of this height.
 ViewPtr makeEmptyCell(double height);
 
 }  // namespace kesu

@@ -9,21 +9,21 @@ namespace kesu {
 namespace {
 
 constexpr double kVisiblePart = static_cast<double>(0.9F);  // Kept: a single-precision number, widened.
-constexpr double kTallestImage = 16384.0;
+constexpr double kTallestImage = 16384.0;                   // 15 screens: a service's typing error, not a picture.
 constexpr double kActionButtonHeight = 74.0;
 constexpr double kActionButtonTop = 2.0;
 constexpr double kSideMargin = (kCardWidth - kCardTextWidth) / 2.0;
 constexpr double kNoTitleHeight = 24.0;
 constexpr double kOverlaidTitleMargin = 16.0;
-constexpr double kScrimAbove = 72.0;  // The gradient begins well above the title, so that no edge shows.
-constexpr double kLegibleContrast = 1.6;
+constexpr double kScrimAbove = 72.0;      // The gradient begins well above the title, so that no edge shows.
+constexpr double kLegibleContrast = 1.6;  // Low: the service chose the colours, only invisible texts are corrected.
 constexpr double kLightLuminance = 0.4;
 
 double rounded(double height) {
   return std::ceil(height) + 1.0;
 }
 
-// The eye's brightness of a colour, from 0 to 1, as contrast ratios are reckoned.
+// The relative luminance of an sRGB colour, from 0 to 1, as contrast ratios are defined on it.
 double luminance(const Color& color) {
   const auto linear = [](double part) {
     return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
@@ -128,7 +128,7 @@ PagingFrames pagingFrames(double barWidth) {
   return {previous, next, {left, (kBarHeight - kLabelHeight) / 2.0, next.x - kCardGap - left, kLabelHeight}};
 }
 
-// The gaps add up to what calculateContentHeight() allows for.
+// The gaps add up to what calculateContentHeight() reserves.
 CellFrames cellFrames(const MessageMeasures& measures) {
   CellFrames frames;
   frames.height = calculateContentHeight(measures);

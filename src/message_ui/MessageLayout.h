@@ -11,8 +11,8 @@
 
 namespace kesu {
 
-// Where everything in a message's card lies: pure functions, in points. Any thread, except that measuring a text needs
-// the fonts (graphics/TextLayout.h). None of them answers not-a-number, whatever a message says.
+// The geometry of a message's card: pure functions, in points. Any thread, except that measuring a text needs the fonts
+// (graphics/TextLayout.h). None of them returns not-a-number, whatever a message says.
 
 inline constexpr Rect kScreenBounds{0.0, 0.0, 1920.0, 1080.0};
 inline constexpr double kCardWidth = 580.0;
@@ -28,7 +28,7 @@ inline const Font kEmptyFont{"HelveticaNeue-Light", 18.0};
 inline const Font kCounterFont{"HelveticaNeue-Regular", 18.0};
 inline const Font kArrowFont = Font::system(36.0);
 
-/// More lines of a title end in an ellipsis, and take no more room.
+/// A longer title ends in an ellipsis: the message must remain visible below it.
 inline constexpr int kTitleLines = 5;
 
 /// What a message's parts measure.
@@ -39,39 +39,39 @@ struct MessageMeasures {
   bool textOverlapsImage = false;       ///< The title lies over the picture.
 };
 
-/// [heightForText:font:withinWidth:] 0 when text or font is missing, else the height of the text broken at `width`,
-/// rounded up, plus 1.
+/// Returns the height of the text broken at `width`, rounded up, plus 1; 0 when text or font is missing.
+/// [heightForText:font:withinWidth:]
 double heightForText(std::optional<std::string_view> text, const std::optional<Font>& font, double width);
 
-/// The height that a title takes: heightForText, but of kTitleLines lines at most.
+/// Returns the height of a title: heightForText(), but of kTitleLines lines at most.
 double titleHeight(std::string_view title, const Font& font);
 
-/// [clippedSizeFromImageSize:scaledToWidth:] The size at this width with the same shape. Empty for sizes that are no
-/// size; a height is held below any that somebody would scroll through.
+/// Returns the size at this width with the same aspect ratio. Empty for sizes that are not positive; the height is
+/// clamped to what can be scrolled through. [clippedSizeFromImageSize:scaledToWidth:]
 Size clippedSizeFromImageSize(Size image, double width);
 
-/// [calculateContentHeight] All that the message needs.
+/// Returns the height of the whole message. [calculateContentHeight]
 double calculateContentHeight(const MessageMeasures& measures);
 
-/// [calculateVisibleHeight] What the screen has room for, beside the bars.
+/// Returns the height that the screen has room for, besides the bars. [calculateVisibleHeight]
 double calculateVisibleHeight(double screenHeight, bool hasButtons);
 
-/// [virtualHeight] The height at which the message is shown; the rest is scrolled to.
+/// Returns the height at which the message is shown; the rest is scrolled to. [virtualHeight]
 double virtualHeight(double contentHeight, double visibleHeight);
 
-/// The frames of a row of `count` action buttons in a bar of this width.
-/// More than kMostActionButtons would leave no room for any: the first ones are shown.
+/// Returns the frames of a row of `count` action buttons in a bar of this width; of the first kMostActionButtons only,
+/// since more would leave no room for any.
 std::vector<Rect> actionButtonFrames(std::size_t count, double barWidth);
 inline constexpr std::size_t kMostActionButtons = 32;
 
-/// How wide the title of such a button may be, so that it is not cut at the bar's ends while the button is `scale`
-/// times as large.
+/// Returns the largest width of a button's title that is not cut at the bar's ends while the button is `scale` times as
+/// large.
 double actionTitleWidth(const Rect& button, double barWidth, double scale);
 
-/// What the bar's ends leave of such a button, from its upper left corner, while it is `scale` times as large.
+/// Returns what the bar's ends leave of a button, from its upper left corner, while it is `scale` times as large.
 Rect uncutPart(const Rect& button, double barWidth, double scale);
 
-/// Where the paging bar's arrows and its text lie in a bar of this width.
+/// The frames of the paging bar's arrows and of its text, in a bar of this width.
 struct PagingFrames {
   Rect previous;
   Rect next;
@@ -79,7 +79,7 @@ struct PagingFrames {
 };
 PagingFrames pagingFrames(double barWidth);
 
-/// Where the parts of a message lie in its row, which is calculateContentHeight() high. Empty for parts that it lacks.
+/// The frames of a message's parts in its row, which is calculateContentHeight() high. Empty for parts that it lacks.
 struct CellFrames {
   Rect image;
   Rect scrim;  ///< What dims the picture behind a title that lies over it.
@@ -89,10 +89,10 @@ struct CellFrames {
 };
 CellFrames cellFrames(const MessageMeasures& measures);
 
-/// `wanted` when it can be told from `background`, else black or white, whichever is farther from it.
+/// Returns `wanted` when it is legible on `background`, else black or white, whichever contrasts more.
 Color legibleColor(const Color& wanted, const Color& background);
 
-/// Whether dark text is easier to read on this colour than light text.
+/// Returns whether dark text is easier to read on this colour than light text.
 bool isLight(const Color& color);
 
 }  // namespace kesu

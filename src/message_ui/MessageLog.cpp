@@ -4,6 +4,7 @@
 
 #include "foundation/Describe.h"
 #include "foundation/Json.h"
+#include "foundation/Objects.h"
 #include "services/MessageKeys.h"
 #include "support/KesuPriorityLogger.h"
 
@@ -18,8 +19,7 @@ std::string entry(const Dictionary& dictionary, std::string_view key) {
 }
 
 int integerEntry(const Dictionary& dictionary, std::string_view key) {
-  const Value* value = dictionary.find(key);
-  return value != nullptr ? static_cast<int>(value->integerValue()) : 0;
+  return static_cast<int>(integerIn(dictionary, key));
 }
 
 std::string element(const Array& button, std::size_t index) {

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "foundation/Objects.h"
 #include "graphics/TextLayout.h"
 #include "message_ui/MessageLog.h"
 #include "message_ui/MessagePaging.h"
@@ -139,8 +140,7 @@ void MessageSession::fetchUnreadMessageCount() {
 Object MessageSession::headerValue(std::string_view key) const {
   const auto index = static_cast<std::size_t>(index_);
   const Dictionary* header = index < headers_.size() ? headers_[index].dictionary() : nullptr;
-  const Value* value = header != nullptr ? header->find(key) : nullptr;
-  return value != nullptr ? Object(*value) : Object(nil);
+  return header != nullptr ? valueIn(*header, key) : Object(nil);
 }
 
 }  // namespace kesu

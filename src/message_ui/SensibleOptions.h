@@ -4,8 +4,8 @@
 
 namespace kesu {
 
-/// The options with insets and text scale held within what leaves a popup to look at; not-a-number counts as unset. Any
-/// thread.
+/// Returns the options with insets and text scale clamped to what leaves a readable popup; not-a-number counts as
+/// unset. Any thread.
 KesuInAppOptions sensibleOptions(KesuInAppOptions options);
 
 }  // namespace kesu

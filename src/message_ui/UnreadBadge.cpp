@@ -8,7 +8,7 @@ namespace kesu {
 namespace {
 
 constexpr double kSide = 26.0;
-constexpr double kOverhang = 13.0;
+constexpr double kOverhang = 13.0;  // Half of the side: the badge is centred on the corner.
 constexpr double kCornerRadius = 14.0;
 constexpr double kFontSize = 14.0;
 

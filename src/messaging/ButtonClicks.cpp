@@ -7,16 +7,6 @@
 namespace kesu {
 namespace {
 
-std::optional<std::string> textIn(const Dictionary& info, std::string_view key) {
-  const std::string* text = info.findText(key);
-  return text != nullptr ? std::optional(*text) : std::nullopt;
-}
-
-std::int64_t integerIn(const Dictionary& info, std::string_view key) {
-  const Value* value = info.find(key);
-  return value != nullptr ? value->integerValue() : 0;
-}
-
 Dictionary userInfoOf(const KesuInAppStatus& status) {
   Dictionary info{{"buttonIndex", status.buttonIndex}, {"status", status.status}};
   setUnlessNil(info, "messageID", status.messageID);
@@ -35,14 +25,13 @@ KesuInAppStatus statusOf(const Dictionary& info) {
   KesuInAppStatus status;
   status.buttonIndex = integerIn(info, "buttonIndex");
   status.status = integerIn(info, "status");
-  status.messageID = textIn(info, "messageID");
-  status.campaignID = textIn(info, "campaignID");
-  status.title = textIn(info, "title");
-  status.urlString = textIn(info, "urlString");
+  status.messageID = textOf(valueIn(info, "messageID"));
+  status.campaignID = textOf(valueIn(info, "campaignID"));
+  status.title = textOf(valueIn(info, "title"));
+  status.urlString = textOf(valueIn(info, "urlString"));
   if (info.contains("errorCode")) {
-    status.error =
-        KesuInAppError{static_cast<HttpError>(integerIn(info, "errorCode")),
-                       static_cast<int>(integerIn(info, "errorStatus")), textIn(info, "errorText").value_or("")};
+    status.error = KesuInAppError{static_cast<HttpError>(integerIn(info, "errorCode")),
+                                  static_cast<int>(integerIn(info, "errorStatus")), textIn(info, "errorText")};
   }
   return status;
 }

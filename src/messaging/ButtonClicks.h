@@ -7,8 +7,8 @@
 
 namespace kesu {
 
-/// Tells every observer of kInAppMessageButtonClickedNotification about a pressed button. The notification's object is
-/// the address of `status`, for identity only; its user information carries the content. Main thread.
+/// Posts kInAppMessageButtonClickedNotification for a pressed button. The notification's object is the address of
+/// `status`, for identity only; its user information carries the content. Main thread.
 void postButtonClick(NotificationCenter& notifications, const KesuInAppStatus& status);
 
 /// Calls `handler` for every pressed button, on the posting thread, until the observer is removed.

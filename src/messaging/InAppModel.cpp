@@ -1,12 +1,13 @@
 #include "messaging/InAppModel.h"
 
 #include "foundation/Json.h"
+#include "foundation/Objects.h"
 #include "services/MessageKeys.h"
 
 namespace kesu {
 namespace {
 
-constexpr std::string_view kTemplateWithTextOverImage = "p_temp_1";
+constexpr std::string_view kTemplateWithTextOverImage = "p_temp_1";  // Every other one has it below.
 
 InAppTemplateData templateDataOf(const std::string& json, bool loadDefaults) {
   const std::optional<Value> parsed = parseJson(json);
@@ -14,18 +15,12 @@ InAppTemplateData templateDataOf(const std::string& json, bool loadDefaults) {
   return dictionary != nullptr ? InAppTemplateData(*dictionary, loadDefaults) : InAppTemplateData();
 }
 
-void readText(const Dictionary& dictionary, std::string_view key, std::string& text) {
-  if (const std::string* found = dictionary.findText(key)) {
-    text = *found;
-  }
-}
-
 }  // namespace
 
-InAppModel::InAppModel(const Dictionary& dictionary, bool loadDefaults) {
-  readText(dictionary, kMessageTextKey, msg);
-  readText(dictionary, kMessageTitleKey, title);
-  readText(dictionary, kTemplateIdKey, templateID);
+InAppModel::InAppModel(const Dictionary& dictionary, bool loadDefaults)
+    : msg(textIn(dictionary, kMessageTextKey)),
+      title(textIn(dictionary, kMessageTitleKey)),
+      templateID(textIn(dictionary, kTemplateIdKey)) {
   if (const std::string* json = dictionary.findText(kTemplateDataKey)) {
     templateData = templateDataOf(*json, loadDefaults);
     templateData->setTextOverlapsImage(templateID == kTemplateWithTextOverImage);

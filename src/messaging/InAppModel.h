@@ -9,13 +9,13 @@
 
 namespace kesu {
 
-/// A full in-app message: its texts ("" for those that it lacks) and how it is to look. A plain value.
+/// A full in-app message: its texts ("" for missing ones) and its looks. A plain value.
 struct InAppModel {
   InAppModel() = default;
 
-  /// [initWithDictionary:loadDefaults:] Reads the message that the service sent ("payload" of a message body). An empty
-  /// dictionary gives an empty model. "templateData" is a text that holds JSON itself; damaged, it gives template data
-  /// with nothing set. Any thread.
+  /// Reads the message that the service sent ("payload" of a message body). An empty dictionary gives an empty model.
+  /// "templateData" is a text that holds JSON itself; damaged, it gives template data with nothing set. Any thread.
+  /// [initWithDictionary:loadDefaults:]
   InAppModel(const Dictionary& dictionary, bool loadDefaults);
 
   std::string msg;

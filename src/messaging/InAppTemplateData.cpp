@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "foundation/Objects.h"
 #include "graphics/DataUrl.h"
 #include "graphics/ImageDecoder.h"
 #include "messaging/HexColor.h"
@@ -16,22 +17,12 @@ constexpr std::size_t kActionEntry = 1;
 constexpr std::size_t kBackgroundEntry = 2;
 constexpr std::size_t kEntriesWithColors = 3;
 
-std::string textOf(const Dictionary& dictionary, std::string_view key) {
-  const std::string* text = dictionary.findText(key);
-  return text != nullptr ? *text : std::string();
-}
-
-std::int64_t integerOf(const Dictionary& dictionary, std::string_view key) {
-  const Value* value = dictionary.find(key);
-  return value != nullptr ? value->integerValue() : 0;
-}
-
 // The text at a place of a button's entry, or null.
 const std::string* entryText(const Array& entry, std::size_t place) {
   return place < entry.size() ? entry[place].text() : nullptr;
 }
 
-// The text of a colour that counts: the entry is long enough and the text passes the test.
+// The text of a colour; null when the entry is too short to have colours, or the text names the default.
 const std::string* colorText(const Array& entry, std::size_t place) {
   const std::string* text = entry.size() >= kEntriesWithColors ? entryText(entry, place) : nullptr;
   return text != nullptr && isValidHexadecimalString(*text) ? text : nullptr;
@@ -43,17 +34,17 @@ InAppTemplateData::InAppTemplateData(const Dictionary& dictionary, bool loadDefa
   if (dictionary.empty()) {
     return;
   }
-  imageURL_ = textOf(dictionary, kImageUrlKey);
+  imageURL_ = textIn(dictionary, kImageUrlKey);
   shouldLoadFromDefaults_ = loadDefaults;
-  imageWidth_ = integerOf(dictionary, kImageWidthKey);
-  imageHeight_ = integerOf(dictionary, kImageHeightKey);
-  optionalBase64Image_ = textOf(dictionary, kInlineImageKey);
-  titleColorHex_ = textOf(dictionary, kTitleColorKey);
-  msgColor_ = textOf(dictionary, kMessageColorKey);
+  imageWidth_ = integerIn(dictionary, kImageWidthKey);
+  imageHeight_ = integerIn(dictionary, kImageHeightKey);
+  optionalBase64Image_ = textIn(dictionary, kInlineImageKey);
+  titleColorHex_ = textIn(dictionary, kTitleColorKey);
+  msgColor_ = textIn(dictionary, kMessageColorKey);
   if (const Value* buttons = dictionary.find(kButtonsKey); buttons != nullptr && buttons->array() != nullptr) {
     buttons_ = *buttons->array();
   }
-  canvasBgColor_ = textOf(dictionary, kCanvasColorKey);
+  canvasBgColor_ = textIn(dictionary, kCanvasColorKey);
 }
 
 std::optional<Color> InAppTemplateData::colorOf(const std::string& text) const {

@@ -16,45 +16,35 @@
 namespace kesu {
 
 /// The visual parameters of a message: picture, colours and buttons. A value: copies share the downloaded picture only.
-/// Texts that the message lacks, or that are none, are "". Main thread, unless a comment says otherwise.
+/// Texts that are missing, or of another type, are "". Main thread, unless a comment says otherwise.
 class InAppTemplateData {
  public:
   InAppTemplateData() = default;
 
-  /// [initWithDictionary:loadDefaults:] Reads what the service sent; an empty dictionary leaves everything unset, the
-  /// flag too. With `loadDefaults` every colour answers its default instead of the message's.
+  /// Reads what the service sent; an empty dictionary leaves everything unset, the flag too. With `loadDefaults` every
+  /// colour is its default instead of the message's. [initWithDictionary:loadDefaults:]
   InAppTemplateData(const Dictionary& dictionary, bool loadDefaults);
 
   const std::string& imageURL() const { return imageURL_; }
   std::int64_t imageWidth() const { return imageWidth_; }    ///< As the message says; may be any number.
   std::int64_t imageHeight() const { return imageHeight_; }  ///< As the message says; may be any number.
-  const std::string& optionalBase64Image() const { return optionalBase64Image_; }
-  const std::string& titleColorHex() const { return titleColorHex_; }
-  const std::string& msgColor() const { return msgColor_; }
-  const Array& buttons() const { return buttons_; }  ///< Each an array: title, action, background, ..., title colour.
-  const std::string& canvasBgColor() const { return canvasBgColor_; }
   bool textOverlapsImage() const { return textOverlapsImage_; }
-  bool shouldLoadFromDefaults() const { return shouldLoadFromDefaults_; }
-
-  /// Nothing reads it from the message; whoever needs one sets it.
-  const std::string& templateID() const { return templateID_; }
-  void setTemplateID(std::string templateID) { templateID_ = std::move(templateID); }
   void setTextOverlapsImage(bool overlaps) { textOverlapsImage_ = overlaps; }
 
-  /// Whether the message names a picture or carries one.
+  /// Returns whether the message names a picture or carries one.
   bool hasPicture() const { return !(imageURL_.empty() && optionalBase64Image_.empty()); }
 
-  /// [imageSize] Width and height that the message names.
+  /// Returns the width and height that the message names. [imageSize]
   Size imageSize() const { return {static_cast<double>(imageWidth_), static_cast<double>(imageHeight_)}; }
 
-  /// [titleColor], [messageColor], [canvasColor] The message's colour, white without one; nothing when its text names
-  /// no colour. Kept: white is for a missing text only, messages rely on it.
+  /// Return the message's colour, white without one; nothing when its text names no colour.
+  /// Kept: white is for a missing text only, messages rely on it. [titleColor], [messageColor], [canvasColor]
   std::optional<Color> titleColor() const { return colorOf(titleColorHex_); }
   std::optional<Color> messageColor() const { return colorOf(msgColor_); }
   std::optional<Color> canvasColor() const { return colorOf(canvasBgColor_); }
 
-  /// [buttonCount], and what belongs to the button at an index from 0. An index without a button, and a button that
-  /// lacks the entry, answer nothing, "" or white, as each says.
+  /// Return the number of buttons, and what belongs to the button at an index from 0. An index without a button, and a
+  /// button that lacks the entry, give nothing, "" or white, as each says. [buttonCount]
   std::size_t buttonCount() const { return buttons_.size(); }
   std::optional<std::string> buttonTitleAtIndex(std::size_t index) const;
   std::string buttonActionAtIndex(std::size_t index) const;  ///< "" when there is none.
@@ -66,20 +56,31 @@ class InAppTemplateData {
   /// Nothing without such a button; "0x09b6ee" by default.
   std::optional<Color> buttonBackgroundAtIndex(std::size_t index) const;
 
-  /// [base64Image] The picture that the message carries within itself as a "data:" URL; null for none. Decodes: never
-  /// on the main thread (post it to the image worker, with a copy of this object).
+  /// Returns the picture that the message carries within itself as a "data:" URL; null for none. Decodes: never on the
+  /// main thread (post it to the image worker, with a copy of this object). [base64Image]
   ImagePtr base64Image() const;
 
-  /// [downloadedImage] The picture that was fetched from imageURL, once it was. Any thread.
+  /// Returns the picture that was fetched from imageURL; null before. Any thread. [downloadedImage]
   ImagePtr downloadedImage() const;
 
-  /// [downloadImageWithCompletionHandler:] Hands over the picture at imageURL: at once, on the caller's thread, when it
-  /// is there; else it is fetched, kept, and handed over ON THE IMAGE WORKER (null when it cannot be had). Whoever
-  /// shows it hops to the main loop. This object may go meanwhile.
+  /// Calls `handler` with the picture at imageURL: synchronously when it was fetched before; else ON THE IMAGE WORKER,
+  /// once it was fetched, with null if it cannot be. This object may be destroyed meanwhile.
+  /// [downloadImageWithCompletionHandler:]
   void downloadImageWithCompletionHandler(MessageImageLoader& loader, MessageImageLoader::Handler handler) const;
 
+  // Owed to the agreed interface; no caller inside the library.
+
+  const std::string& optionalBase64Image() const { return optionalBase64Image_; }
+  const std::string& titleColorHex() const { return titleColorHex_; }
+  const std::string& msgColor() const { return msgColor_; }
+  const Array& buttons() const { return buttons_; }  ///< Each an array: title, action, background, ..., title colour.
+  const std::string& canvasBgColor() const { return canvasBgColor_; }
+  bool shouldLoadFromDefaults() const { return shouldLoadFromDefaults_; }
+  const std::string& templateID() const { return templateID_; }  ///< Not read from the message.
+  void setTemplateID(std::string templateID) { templateID_ = std::move(templateID); }
+
  private:
-  /// The picture, shared with loads that are under way.
+  /// The picture, shared with downloads that are under way.
   struct Download {
     Mutex mutex;
     ImagePtr image KESU_GUARDED_BY(mutex);

@@ -15,12 +15,12 @@
 namespace kesu {
 namespace {
 
-// Our own files: as large as the largest picture, stored without compression, with room for its frame.
+// Our own files are stored without compression: the largest picture that is decoded, with room for its frame.
 constexpr ImageLimits kFileLimits{.inputBytes = std::size_t{80} * 1024 * 1024};
 
 }  // namespace
 
-// What queued writes need, so that they may outlive the cache.
+// Shared with queued writes, which may outlive the cache.
 struct KesuImageCache::Shared {
   explicit Shared(Files& fileService) : files(fileService), directory(files.cachesDirectory() + "/ImageCache") {}
 
@@ -44,7 +44,7 @@ struct KesuImageCache::Shared {
   std::uint64_t generation KESU_GUARDED_BY(mutex) = 0;
 };
 
-// Returns the generation, which a memory warning moves on.
+// Returns the generation, which a memory warning advances.
 std::uint64_t KesuImageCache::Shared::keep(std::string_view key, ImagePtr image) {
   const MutexLock lock(mutex);
   std::erase_if(entries, [key](const Entry& entry) { return entry.key == key; });

@@ -16,9 +16,8 @@ constexpr LogPlace kReplyPlace{"KesuInAppMessagesRequester", 158};
 constexpr std::string_view kMethod = "HTTPMethod";
 constexpr double kSecondsPerMinute = 60.0;
 
-std::string takeText(Dictionary& dictionary, std::string_view key) {
-  const std::string* found = dictionary.findText(key);
-  std::string text = found != nullptr ? *found : std::string();
+std::string extractText(Dictionary& dictionary, std::string_view key) {
+  std::string text = textIn(dictionary, key);
   dictionary.remove(key);
   return text;
 }
@@ -62,8 +61,8 @@ void KesuInAppMessagesRequester::messageWithMid(const Object& mid, const Object&
 }
 
 std::optional<HttpRequest> KesuInAppMessagesRequester::requestFromDictionary(Dictionary& dictionary) {
-  std::string method = takeText(dictionary, kMethod);
-  const std::string path = takeText(dictionary, k_destinationKeyInDictionary);
+  std::string method = extractText(dictionary, kMethod);
+  const std::string path = extractText(dictionary, k_destinationKeyInDictionary);
   return jsonRequest(dictionary, std::move(method), postURL(path));
 }
 

@@ -15,9 +15,9 @@
 
 namespace kesu {
 
-/// Turns the questions of the inbox into requests to the messaging service, and sends the receipt of a fetched message
-/// to the collector. Keeps no state. Any thread; handlers are called on the main loop, with the parsed reply or nil:
-/// see handleServiceReply() for how often. A body that cannot be JSON sends nothing and calls nobody.
+/// Sends the inbox's requests to the messaging service, and the receipt of a fetched message to the collector. Keeps no
+/// state. Any thread; handlers are called on the main loop, with the parsed reply or nil: see handleServiceReply() for
+/// how often. A body that cannot be JSON is not sent, and its handler not called.
 class KesuInAppMessagesRequester {
  public:
   using Handler = ServiceReplyHandler;
@@ -26,37 +26,41 @@ class KesuInAppMessagesRequester {
                              KesuPost& post)
       : http_(http), defaults_(defaults), clock_(clock), settings_(settings), post_(post) {}
 
-  /// What kind of question a request asks. The reply is handled alike for all.
+  /// What a request asks for. Every reply is handled alike.
   enum class RequestType { Count = 0, Headers = 1, Message = 2, AllMessages = 3 };
 
-  /// [unreadMessagesCountWithCount:withKaid:withKaid2:withCompletionHandler:] How many messages are new: "count" of the
-  /// reply. `who` names the application and the installation.
+  /// Asks how many messages are new: "count" of the reply. `who` names the application and the installation.
+  /// [unreadMessagesCountWithCount:withKaid:withKaid2:withCompletionHandler:]
   void unreadMessagesCountWithCount(const ServiceCredentials& who, Handler handler);
 
-  /// [unreadMessagesData:withKaid:withKaid2:withCompletionHandler:] The headers of new messages: "metadatalist".
+  /// Asks for the headers of new messages: "metadatalist".
+  /// [unreadMessagesData:withKaid:withKaid2:withCompletionHandler:]
   void unreadMessagesData(const ServiceCredentials& who, Handler handler);
 
-  /// [messageWithMid:andCid:withKak:withKaid:withKaid2:withCompletionHandler:] One message, the whole reply; right
-  /// behind the request, not waiting for its reply, the receipt "delivered" goes to the collector. Missing identifiers
-  /// are left out of both. Kept: the receipt goes even if the fetch fails later; the service counts deliveries so.
+  /// Asks for one message, which is the whole reply, and posts the receipt "delivered" to the collector without waiting
+  /// for the reply. Missing identifiers are left out of both.
+  /// Kept: the receipt is sent even if the request fails; the service counts deliveries this way.
+  /// [messageWithMid:andCid:withKak:withKaid:withKaid2:withCompletionHandler:]
   void messageWithMid(const Object& mid, const Object& cid, const ServiceCredentials& who, Handler handler);
 
-  /// [getAllMessages:withKaid:withKaid2:withCompletionHandler:] The new messages in full: "payloadlist".
+  /// Asks for the new messages in full: "payloadlist". [getAllMessages:withKaid:withKaid2:withCompletionHandler:]
   void getAllMessages(const ServiceCredentials& who, Handler handler);
 
-  /// [requestFromDictionary:] Takes "dest" (the path) and "HTTPMethod" out of the dictionary and makes a request with
-  /// the rest as its JSON body. Nothing when it cannot be JSON.
+  /// Extracts "dest" (the path) and "HTTPMethod" from the dictionary and makes a request with the rest as its JSON
+  /// body. Nothing when that cannot be JSON. [requestFromDictionary:]
   std::optional<HttpRequest> requestFromDictionary(Dictionary& dictionary);
 
-  /// [postURL:] The URL of a path such as "count/" on the messaging service, of production or of development.
+  /// Returns the URL of a path such as "count/" on the messaging service, for production or development. [postURL:]
   std::string postURL(const std::string& path);
 
-  /// [postInternalWithDictionary:forType:forHandler:] Sends the dictionary as a request (see above).
+  /// Sends the dictionary as a request (see requestFromDictionary()). [postInternalWithDictionary:forType:forHandler:]
   void postInternalWithDictionary(Dictionary dictionary, RequestType type, Handler handler);
 
-  /// [elapsedSecondsAfterLastRequest] Seconds since the time kept under "kesuInAppFetchAfterLastRequest" (which is on
-  /// the clock of Kesu::timerReference).
-  /// Kept: after more than a minute, and where no time is kept, the kept value itself is returned. Nothing writes it.
+  // Owed to the agreed interface; no caller inside the library.
+
+  /// Returns the seconds since the time stored under "kesuInAppFetchAfterLastRequest", which is on the clock of
+  /// Kesu::timerReference. [elapsedSecondsAfterLastRequest]
+  /// Kept: after more than a minute, and without a stored time, the stored value itself is returned. Nothing writes it.
   double elapsedSecondsAfterLastRequest();
 
  private:

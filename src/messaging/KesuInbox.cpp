@@ -26,11 +26,16 @@ const Value* member(const Object& reply, std::string_view key) {
   return dictionary != nullptr ? dictionary->find(key) : nullptr;
 }
 
+std::int64_t countIn(const Object& reply) {
+  const Value* count = member(reply, kMessageCountKey);
+  return count != nullptr ? count->integerValue() : 0;
+}
+
 Object copyOf(const Value* value) {
   return value != nullptr ? Object(*value) : Object();
 }
 
-// A copy of a header or message that can be kept, marked; nothing for what is no dictionary.
+// A copy of a header or message that the user defaults accept, marked; nothing for what is no dictionary.
 std::optional<Value> marked(const Value& message, bool isRead) {
   if (message.dictionary() == nullptr) {
     return std::nullopt;
@@ -89,7 +94,7 @@ Object keptBody(const Array& bodies, const std::string& key) {
   return nil;
 }
 
-// Handlers of the host may be empty, and what they use is gone when an exit handler runs.
+// Handlers of the host may be empty, and what they use may be destroyed when an exit handler runs.
 template <typename Handler, typename Argument>
 void call(const Handler& handler, Argument&& argument) {
   if (handler && !isEndingAtExit()) {
@@ -108,11 +113,9 @@ void KesuInbox::readAhead(BackgroundQueue& worker) {
 }
 
 void KesuInbox::kesu_countNewUnFetched(CountHandler handler) {
-  requester_.unreadMessagesCountWithCount(storedCredentials(defaults_),
-                                          [handler = std::move(handler)](const Object& reply) {
-                                            const Value* count = member(reply, kMessageCountKey);
-                                            call(handler, count != nullptr ? count->integerValue() : 0);
-                                          });
+  requester_.unreadMessagesCountWithCount(
+      storedCredentials(defaults_),
+      [handler = std::move(handler)](const Object& reply) { call(handler, countIn(reply)); });
 }
 
 void KesuInbox::kesu_getTotalUnreadMessages(CountHandler handler) {
@@ -125,8 +128,7 @@ void KesuInbox::kesu_getTotalUnreadMessages(CountHandler handler) {
   const auto unread =
       headers.size() - static_cast<std::size_t>(std::count_if(headers.begin(), headers.end(), isContentRead));
   requester_.unreadMessagesCountWithCount(who, [unread, handler = std::move(handler)](const Object& reply) {
-    const Value* count = member(reply, kMessageCountKey);
-    const std::int64_t fetched = count != nullptr ? count->integerValue() : 0;
+    const std::int64_t fetched = countIn(reply);
     std::int64_t sum = 0;
     const bool overflows = __builtin_add_overflow(static_cast<std::int64_t>(unread), fetched, &sum);
     call(handler, overflows ? fetched : sum);
@@ -204,7 +206,7 @@ void KesuInbox::getAllMessagesTypeUnread(const ObjectHandler& handler) {
   });
 }
 
-// What was read is looked up before the fetch, so that the messages it brings are not in both lists.
+// What was read is looked up before the fetch, so that the messages of its reply are not in both lists.
 void KesuInbox::getAllMessagesTypeAll(const ObjectHandler& handler) {
   Array both;
   if (auto read = defaults_.get(kReadMessagesDefault)) {

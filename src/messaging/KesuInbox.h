@@ -17,54 +17,60 @@
 
 namespace kesu {
 
-/// The messages of this installation: asks the service for what is new and keeps in the user defaults what was seen.
-/// Nothing that is kept is ever cleared. Main thread; handlers are called there, some before the operation returns,
-/// some twice (an error that comes with a reply) or never, as KesuInAppMessagesRequester says. An exit handler keeps
-/// what still comes and calls nobody. Empty handlers are allowed.
+/// Keeps the messages of this installation: asks the service for new ones and stores in the user defaults what was
+/// seen. Nothing that is stored is ever cleared. Main thread; handlers are called there, some before the operation
+/// returns, some twice (an error that comes with a reply) or never, as KesuInAppMessagesRequester says. During an exit
+/// handler replies are stored, but no handler is called. Empty handlers are allowed.
 ///
-/// What the service sends is kept without its null entries, at any depth, and without the control characters that no
-/// property list can hold: the user defaults would refuse the whole list. New lists are handed over as they were sent.
-/// Each key is written once an operation, however many messages a reply brings.
+/// What the service sends is stored without its null entries, at any depth, and without the control characters that a
+/// property list cannot represent: the user defaults would refuse the whole list. Handlers receive new lists as they
+/// were sent. Each key is written once per operation, however many messages a reply has.
 class KesuInbox {
  public:
   using CountHandler = std::function<void(std::int64_t count)>;
   using ObjectHandler = std::function<void(const Object& result)>;
 
-  /// Together the four keys of the inbox may take this much before a warning (level 2, once a process) is logged.
+  /// The size of the inbox's four keys above which a warning (level 2, once per process) is logged: the user defaults
+  /// are read and written as a whole.
   static constexpr std::size_t kWarningBytes = std::size_t{384} * 1024;
 
   KesuInbox(UserDefaults& defaults, KesuInAppMessagesRequester& requester)
       : defaults_(defaults), requester_(requester) {}
 
-  /// Has the lists read into memory on the worker, since the first reading of a long one takes tens of milliseconds.
+  /// Reads the lists into memory on the worker: the first reading of a long one takes tens of milliseconds.
   void readAhead(BackgroundQueue& worker);
 
-  /// [kesu_countNewUnFetched:] How many new messages the service has; 0 when it cannot say.
+  /// Asks how many new messages the service has; 0 when the request fails. [kesu_countNewUnFetched:]
   void kesu_countNewUnFetched(CountHandler handler);
 
-  /// [kesu_getTotalUnreadMessages:] Fetched headers whose message was not read, plus the new messages that the service
-  /// counts. 0 without a request when the key or an identifier is missing.
-  void kesu_getTotalUnreadMessages(CountHandler handler);
-
-  /// [kesu_getMessageHeadersForType:withCompletionHandler:] Headers: those of new messages (Unread), those known before
-  /// the last fetch (Read, at once and without a request; "" when there is none yet, nil when nothing is kept), or
-  /// those known with the new ones behind (All). Other types fetch and get nil. New headers are kept, with
-  /// "contentRead" false; the list is never trimmed. Entries that are no dictionary are not kept.
+  /// Gets headers: those of new messages (Unread), those known before the last fetch (Read, called synchronously and
+  /// without a request; "" when there is none yet, nil when nothing is stored), or those known followed by the new ones
+  /// (All). Other types fetch and get nil. New headers are stored, with "contentRead" false; the list is never trimmed.
+  /// Entries that are no dictionary are not stored. [kesu_getMessageHeadersForType:withCompletionHandler:]
   void kesu_getMessageHeadersForType(KesuInAppMessageType type, ObjectHandler handler);
 
-  /// [kesu_getMessagesForType:withCompletionHandler:] Full messages: the new ones (Unread), which are handed over and
-  /// then kept as read; those kept as read (Read, at once); or an array of both lists (All). Other types never call the
-  /// handler.
+  /// Gets full messages: the new ones (Unread), which are stored as read after the handler was called; those stored as
+  /// read (Read, called synchronously); or an array of both lists (All). Other types never call the handler.
+  /// [kesu_getMessagesForType:withCompletionHandler:]
   void kesu_getMessagesForType(KesuInAppMessageType type, const ObjectHandler& handler);
 
-  /// [kesu_getMessageWithContentID:andMessageID:withCompletionHandler:] The body of one message, from the last 19
-  /// fetched when it is among them (at once, without request or receipt), else from the service; nil when it has none.
-  /// In it, and in the dictionaries directly in it, null is "". The message counts as read from now on, whatever comes.
+  /// Gets the body of one message, from the last 19 fetched when it is among them (called synchronously, without
+  /// request or receipt), else from the service; nil when it has none. In it, and in the dictionaries directly in it,
+  /// null is
+  /// "". The message counts as read from now on, even if the request fails.
+  /// [kesu_getMessageWithContentID:andMessageID:withCompletionHandler:]
   void kesu_getMessageWithContentID(const Object& contentID, const Object& messageID, ObjectHandler handler);
 
-  /// [kesu_previousReadMessages] The headers that were known before the last fetch; "" when there was none, nil when
-  /// nothing is kept. Kept: hosts tell "none yet" by that text.
+  /// Returns the headers that were known before the last fetch; "" when there was none, nil when nothing is stored.
+  /// [kesu_previousReadMessages]
+  /// Kept: hosts recognise "none yet" by that text.
   Object kesu_previousReadMessages();
+
+  // Owed to the agreed interface; no caller inside the library.
+
+  /// Adds the fetched headers whose message was not read and the new messages that the service counts. 0 without a
+  /// request when the key or an identifier is missing. [kesu_getTotalUnreadMessages:]
+  void kesu_getTotalUnreadMessages(CountHandler handler);
 
  private:
   void keepHeaders(KesuInAppMessageType type, const Object& reply, const ObjectHandler& handler);
@@ -79,7 +85,7 @@ class KesuInbox {
 
   UserDefaults& defaults_;
   KesuInAppMessagesRequester& requester_;
-  std::map<std::string_view, std::size_t> keptBytes_;  // Of the keys that were measured.
+  std::map<std::string_view, std::size_t> keptBytes_;  // Size of each key that was measured.
   bool warned_ = false;
 };
 

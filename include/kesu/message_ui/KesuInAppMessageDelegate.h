@@ -7,9 +7,9 @@
 
 namespace kesu {
 
-/// Told about pressed buttons of in-app messages by shows that were given no completion handler; not of paging, and not
-/// of web hooks that fail later. Derive the view controller that is handed to Kesu::showInAppNotificationUI from it as
-/// well. Main thread. Not owned; one that is destroyed is no longer told.
+/// Receives the pressed buttons of in-app messages that are shown without a completion handler; not paging, and not web
+/// hooks that fail later. Derive the view controller that is passed to Kesu::showInAppNotificationUI from it as well.
+/// Main thread. Not owned; it may be destroyed at any time, and is not called any more then.
 class KESU_API KesuInAppMessageDelegate {
  public:
   KesuInAppMessageDelegate() = default;
@@ -18,9 +18,9 @@ class KESU_API KesuInAppMessageDelegate {
   KesuInAppMessageDelegate(const KesuInAppMessageDelegate&) = delete;
   KesuInAppMessageDelegate& operator=(const KesuInAppMessageDelegate&) = delete;
 
+  /// Receives a pressed button: its index from 0, its title, its action as the message has it, and the outcome (see
+  /// KesuInAppStatus::status). Called after the action was performed.
   /// [inAppMessageButtonHandlerWithIndex:buttonTitle:containingURLString:withDeepLinkStatus:]
-  /// A button was pressed: its index from 0, its title, its action as the message has it, and what came of it (see
-  /// KesuInAppStatus::status).
   virtual void inAppMessageButtonHandlerWithIndex(std::int64_t index, const std::string& buttonTitle,
                                                   const std::string& containingURLString,
                                                   std::int64_t withDeepLinkStatus) = 0;

@@ -4,11 +4,11 @@
 
 namespace kesu {
 
-/// Which in-app messages an operation is about. A host may pass any other number (by static_cast): what happens then is
-/// said where it is taken.
+/// Which in-app messages an operation is about. A host may pass any other number (by static_cast); the operations say
+/// what they do then.
 enum class KesuInAppMessageType : std::int64_t {
-  Unread = 0,  ///< Those that the service has for this installation.
-  Read = 1,    ///< Those that were fetched before, from the user defaults only.
+  Unread = 0,  ///< New ones, which the service has for this installation.
+  Read = 1,    ///< Fetched before; read from the user defaults, without a request.
   All = 2      ///< Both.
 };
 
