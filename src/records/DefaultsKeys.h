@@ -3,7 +3,7 @@
 #include <array>
 #include <string_view>
 
-/// Names of the entries in the user defaults. docs/disk.md tells who writes and reads each.
+/// Names of the entries in the user defaults. docs/disk.md lists writers and readers.
 namespace kesu {
 
 inline constexpr std::string_view kAppKeyDefault = "kesuSDKAPIKey";
@@ -26,7 +26,7 @@ inline constexpr std::string_view kUsageByDayDefault = "AppActivationUsage";
 inline constexpr std::string_view kAggregateSecondsDefault = "asst";
 inline constexpr std::string_view kLastSeenDefault = "lastSeen";
 
-/// The current screen flow, kept for the case that the process dies; "" once sent.
+/// The current screen flow, in case the process dies; "" once sent.
 inline constexpr std::string_view k_UnsentScreenFlowData = "UnsentScreens";
 
 // Push notifications: the last device token and the identifiers of the last notification.
@@ -49,7 +49,7 @@ inline constexpr std::string_view kHeadersDefault = "midcidArray";
 inline constexpr std::string_view kPreviousHeadersDefault = "PreviousMessages";
 inline constexpr std::string_view kReadMessagesDefault = "GetAllMessagesRead";
 inline constexpr std::string_view kBodiesDefault = "midcidResponse";
-inline constexpr std::string_view kLastFetchDefault = "kesuInAppFetchAfterLastRequest";  ///< Nobody writes it.
+inline constexpr std::string_view kLastFetchDefault = "kesuInAppFetchAfterLastRequest";  ///< Kept: read, never written.
 
 /// The personalization tags fetched last.
 inline constexpr std::string_view kTagsDefault = "KesuPersonalizationIntelligence";

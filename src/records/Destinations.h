@@ -4,7 +4,7 @@
 
 namespace kesu {
 
-// Destination codes: which of the collector's tables a record is meant for.
+// Destination codes: the collector's table for a record.
 inline constexpr std::string_view k_TableInstalls = "i";
 inline constexpr std::string_view k_TableStates = "s";
 inline constexpr std::string_view k_TableEvents = "e";
@@ -14,7 +14,7 @@ inline constexpr std::string_view k_TableSMS = "m";
 inline constexpr std::string_view k_Table_iOSPermissions = "p";
 inline constexpr std::string_view kTableNotifications = "n";  ///< Message receipts and calls to action.
 
-/// Stands for the destination of a record that has none.
+/// The destination of a record without one.
 inline constexpr std::string_view kUnknownDestination = "UnknownDestination";
 
 }  // namespace kesu

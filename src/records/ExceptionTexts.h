@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-/// Reasons of the exceptions that misuse by the host raises.
+/// Reasons of the exceptions thrown for misuse by the host.
 namespace kesu {
 
 inline constexpr std::string_view k_KesuAppKeyMissingException =

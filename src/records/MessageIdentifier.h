@@ -6,10 +6,8 @@
 
 namespace kesu {
 
-/// A fresh identifier of 22 characters: the 16 bytes of a new random UUID in base64 without padding. Any thread.
+/// Returns a fresh identifier of 22 characters: the 16 bytes of a new random UUID in base64 without padding. Any
+/// thread. [Kesu base64UUID:]
 std::string newBase64Uuid(Random& random);
-
-/// [Kesu base64UUID:] The same for the UUID in `uuidString`; "" when the text is no UUID.
-std::string base64UUID(const std::string& uuidString);
 
 }  // namespace kesu

@@ -2,11 +2,11 @@
 
 #include <string_view>
 
-/// Names that travel in records: keys of the body and of what is taken out of it before sending. They are the wire
-/// contract with the collector; a misspelling here is part of it.
+/// Keys of records, including those that are removed before sending. They are the wire contract with the collector;
+/// misspellings are part of it.
 namespace kesu {
 
-// Taken out by the poster, never sent in the body.
+// Removed by the poster, never sent in the body.
 inline constexpr std::string_view k_destinationKeyInDictionary = "dest";
 inline constexpr std::string_view k_keyFilename = "fnk";
 
@@ -62,7 +62,7 @@ inline constexpr std::string_view k_ProvisioningMode = "pm";
 inline constexpr std::string_view k_ProvisionedFromAppStore = "pas";
 inline constexpr std::string_view k_FullTrait = "~ft";
 
-/// Stands where a carrier would be named.
+/// The name of the carrier where there is none.
 inline constexpr std::string_view kNoCarrier = "N/A for tvOS";
 
 // Events, state changes and flows.

@@ -2,7 +2,7 @@
 
 namespace kesu {
 
-// One character a life-cycle transition; it travels in the record.
+// One character per life-cycle transition, as it travels in the record.
 inline constexpr char kStateLaunch = 'l';
 inline constexpr char kStateBackground = 'b';
 inline constexpr char kStateResume = 'r';
@@ -10,7 +10,7 @@ inline constexpr char kStateTerminate = 't';
 inline constexpr char kStateAppeared = 'a';
 inline constexpr char kStateDisappeared = 'd';
 
-/// What fixed details say of the launch and the end.
+/// The fixed details of launch and termination.
 inline constexpr const char* kLaunchDetailText = "Foreground Inactive";
 inline constexpr const char* kTerminateDetailText = "from foreground";
 

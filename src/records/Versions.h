@@ -16,7 +16,7 @@ inline constexpr std::string_view k_SDKVersion = "3.2.3";
 inline constexpr const char* kBuildDate = "Mar 15 2017";
 inline constexpr const char* kBuildTime = "12:02:00";
 
-/// "10-i-3.2.3": header "v" and column "~v" of every record.
+/// Returns "10-i-3.2.3": header "v" and column "~v" of every record.
 const std::string& fullVersionText();
 
 }  // namespace kesu
