@@ -15,14 +15,10 @@
 namespace kesu {
 namespace {
 
-constexpr double kFiguresPerSecond = 100.0;
+constexpr double kFiguresPerSecond = 100.0;  // Kept: hundredths of a second, though the text says "ms".
 
-OptionalText decimalText(const std::optional<std::int64_t>& number) {
-  return number ? OptionalText(decimal(*number)) : std::nullopt;
-}
-
-/// The figure is a 32-bit integer; a second updateFinish() takes a figure for a time and runs out of its range.
-double heldIn32Bits(double figure) {
+/// The figure is a 32-bit integer; a second updateFinish() takes a figure for a time and leaves its range.
+double clampedTo32Bits(double figure) {
   constexpr double kLowest = std::numeric_limits<std::int32_t>::min();
   constexpr double kHighest = std::numeric_limits<std::int32_t>::max();
   return std::clamp(std::trunc(figure), kLowest, kHighest);
@@ -52,7 +48,7 @@ void Metric::updateSessionForTask(std::int64_t received, std::int64_t sent) {
 
 void Metric::updateFinish() {
   const double start = std::trunc(latency.value_or(0.0));
-  latency = heldIn32Bits((Platform::current().clock.now() - start) * kFiguresPerSecond);
+  latency = clampedTo32Bits((Platform::current().clock.now() - start) * kFiguresPerSecond);
   KESU_LOG_AT(3, "ConnectionMetrics", 46, "Connection Metric : %s", description().c_str());
 }
 
@@ -61,8 +57,8 @@ std::string Metric::description() const {
     return "";
   }
   const OptionalText latencyText = latency ? OptionalText(shortestReal(*latency)) : std::nullopt;
-  return concat(*url, {" | ", method, " | ", "bytes in ", decimalText(bytesReceived), " | ", "bytes out ",
-                       decimalText(bytesSent), " | ", "latency ", latencyText, "ms"});
+  return concat(*url, {" | ", method, " | ", "bytes in ", decimalOrNothing(bytesReceived), " | ", "bytes out ",
+                       decimalOrNothing(bytesSent), " | ", "latency ", latencyText, "ms"});
 }
 
 struct ConnectionMetrics::List {

@@ -52,7 +52,7 @@ TEST_F(MetricTest, TakesTheFirstFigureForAStartTheSecondTime) {
   EXPECT_EQ(metric->latency, -4850.0) << "(101.5 - 150) * 100";
   platform.clock.set(1489579320.0);
   metric->updateFinish();
-  EXPECT_EQ(metric->latency, 2147483647.0) << "held in 32 bits";
+  EXPECT_EQ(metric->latency, 2147483647.0) << "clamped to 32 bits";
 }
 
 TEST_F(MetricTest, ListsEveryRegisteredMetricForEver) {

@@ -6,7 +6,7 @@
 
 namespace kesu {
 
-/// Questions to the device itself; most have fixed answers on a television. Any thread.
+/// Facts about the device itself; most are fixed on a television. Any thread.
 class KesuDevice {
  public:
   explicit KesuDevice(DeviceFacts& facts) : facts_(facts) {}

@@ -1,6 +1,8 @@
 #include "device/KesuHardware.h"
 
 #include <algorithm>
+#include <cinttypes>
+#include <cstdio>
 #include <limits>
 
 #include "foundation/NumberText.h"
@@ -9,23 +11,10 @@
 namespace kesu {
 namespace {
 
-constexpr std::int64_t kHertzAMegahertz = 1'000'000;
-
-ProbeText decimalOrNothing(std::optional<std::int64_t> number) {
-  return number ? ProbeText(decimal(*number)) : std::nullopt;
-}
+constexpr std::int64_t kHertzPerMegahertz = 1'000'000;
 
 ProbeText megahertz(std::optional<std::int64_t> hertz) {
-  return hertz && *hertz >= 1 ? ProbeText(decimal(*hertz / kHertzAMegahertz)) : std::nullopt;
-}
-
-std::string lowerHex(std::uint32_t number) {
-  std::string digits;
-  do {
-    digits.insert(digits.begin(), "0123456789abcdef"[number % 16]);
-    number /= 16;
-  } while (number != 0);
-  return digits;
+  return hertz && *hertz >= 1 ? ProbeText(decimal(*hertz / kHertzPerMegahertz)) : std::nullopt;
 }
 
 }  // namespace
@@ -79,6 +68,9 @@ ProbeText KesuHardware::processorBusSpeed() {
 }
 
 Dictionary KesuHardware::describeProcess(const ProcessFacts& process) {
+  char flags[16];
+  // Kept: a literal 0 in front of the hexadecimal digits, without the usual x.
+  std::snprintf(flags, sizeof flags, "0%" PRIx32, process.flags);
   return {{"ProcessID", decimal(process.processId)},
           {"ProcessName", process.name},
           {"priority", decimal(process.priority)},
@@ -86,8 +78,7 @@ Dictionary KesuHardware::describeProcess(const ProcessFacts& process) {
           {"processStartDate", Date{static_cast<double>(process.startSeconds)}},
           {"processParentID", decimal(parentPIDForProcess(process.processId))},
           {"processStatus", decimal(process.status)},
-          // Kept: a literal 0 in front of the hexadecimal digits, without the usual x.
-          {"processFlags", "0" + lowerHex(process.flags)}};
+          {"processFlags", flags}};
 }
 
 std::optional<Array> KesuHardware::systemProcesses() {
@@ -97,6 +88,7 @@ std::optional<Array> KesuHardware::systemProcesses() {
   }
   Array described;
   described.reserve(processes->size());
+  // From the end: readers of the list expect the latest process first.
   for (auto process = processes->rbegin(); process != processes->rend(); ++process) {
     described.emplace_back(describeProcess(*process));
   }
@@ -124,7 +116,7 @@ std::int32_t KesuHardware::parentPIDForProcess(std::int32_t processId) {
 }
 
 ProbeText KesuHardware::rebootTime() {
-  facts_.bootTime();
+  facts_.bootTime();  // Kept: read, and not used.
   return std::nullopt;
 }
 

@@ -24,6 +24,7 @@ std::string KesuMetrics::granularReachability() {
 }
 
 std::string KesuMetrics::carrierName() {
+  // The two processor names that simulators report instead of a model.
   const std::string machine = product().value_or("");
   return machine == "i386" || machine == "x86_64" ? "Simulated" : std::string(kNoCarrier);
 }

@@ -89,7 +89,7 @@ TEST_F(MetricsTest, NamesTheNetworkClass) {
   }
 }
 
-TEST_F(MetricsTest, TellsTheWirelessNetwork) {
+TEST_F(MetricsTest, ReportsTheWirelessNetwork) {
   std::string bssid = "stale";
   std::string ssid = "stale";
   metrics.currentWiFi(bssid, ssid);

@@ -66,6 +66,10 @@ void appendDecimal(std::string& out, std::int64_t number) {
   out.append(text, std::to_chars(text, text + sizeof text, number).ptr);
 }
 
+std::optional<std::string> decimalOrNothing(std::optional<std::int64_t> number) {
+  return number ? std::optional(decimal(*number)) : std::nullopt;
+}
+
 std::string fixed(double number, int digits) {
   constexpr std::size_t kLongestWholePart = 312;  // The largest double has 309 digits; sign and point come on top.
   digits = std::max(digits, 0);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace kesu {
@@ -10,6 +11,9 @@ namespace kesu {
 
 /// "%lld".
 std::string decimal(std::int64_t number);
+
+/// "%lld", or nothing for nothing.
+std::optional<std::string> decimalOrNothing(std::optional<std::int64_t> number);
 
 /// "%.Nf" with `digits` digits after the point; negative `digits` count as 0.
 std::string fixed(double number, int digits);
