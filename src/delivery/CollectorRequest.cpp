@@ -62,7 +62,7 @@ void stampInterruptedRun(Dictionary& body, UserDefaults& defaults) {
   if (interruptedAt == nullptr || interruptedAt->empty()) {
     return;
   }
-  body.set(k_AgentCollectionEpoch, std::string(*interruptedAt));
+  body.set(k_AgentCollectionEpoch, *interruptedAt);
   defaults.set(k_CrashedOrForcedQuitTimestamp, "");
   const std::pair<std::string_view, std::string_view> versions[] = {
       {kFlowOsVersionDefault, k_OsVersion},
@@ -81,7 +81,7 @@ void stampInterruptedRun(Dictionary& body, UserDefaults& defaults) {
 std::optional<HttpRequest> collectorRequest(const Dictionary& body, const std::string& destination,
                                             const std::string& url) {
   auto request = jsonRequest(body, "POST", url);
-  if (request) {
+  if (request) {  // In front of those of jsonRequest, as the collector has always received them.
     request->headers.insert(request->headers.begin(), {{std::string(k_TableName), destination},
                                                        {std::string(k_FullVersionKeyForHeader), fullVersionText()}});
   }

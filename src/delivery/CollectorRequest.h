@@ -9,21 +9,19 @@
 
 namespace kesu {
 
-/// Removes the entries that say nothing, at the top level only: those that hold the null object.
-/// Kept: empty texts stay and are sent as "".
+/// Removes null entries, at the top level only. Kept: empty texts stay and are sent as "". [optimizeDictionary:]
 void optimizeDictionary(Dictionary& record);
 
-/// The body of a collector request: every entry of the record except "dest" and "fnk", unsupported top-level values as
-/// their description (one level-0 log line each), and "ase" = `sentAt` in milliseconds since 1970.
+/// Returns the body of a collector request: every entry of the record except "dest" and "fnk", unsupported top-level
+/// values as their description (one level-0 log line each), and "ase" = `sentAt` in milliseconds since 1970.
 Dictionary collectorBody(const Dictionary& record, double sentAt);
 
 /// Marks the body of a record that reports an interrupted run (a non-empty "~cfqt"): "ace" becomes that time, and the
-/// versions under which the run happened are moved from the defaults into "ov", "av" and "rv". Does nothing for others.
+/// versions under which the run happened move from the defaults into "ov", "av" and "rv". Does nothing for others.
 void stampInterruptedRun(Dictionary& body, UserDefaults& defaults);
 
-/// The request that carries `body` to the collector at `url`, with the destination in header "t". Nothing when the body
-/// cannot be JSON: silently for numbers and kinds that JSON does not know; with one level-0 log line for texts that are
-/// not UTF-8 and for nesting beyond any reader's limit.
+/// Returns the request that carries `body` to the collector at `url`, with the destination in header "t"; nothing when
+/// the body cannot be JSON (see jsonRequest).
 std::optional<HttpRequest> collectorRequest(const Dictionary& body, const std::string& destination,
                                             const std::string& url);
 

@@ -45,6 +45,7 @@ void KesuPost::postInternal(Dictionary record, PostKind kind) {
   if (!request) {
     return;
   }
+  // The record, not the body: what is stored is completed again when it is re-sent ("ase", interrupted run).
   http_.send(std::move(*request),
              [this, record = std::move(record), kind](const HttpReply& reply) { finish(record, kind, reply); });
 }
@@ -54,7 +55,7 @@ void KesuPost::finish(const Dictionary& record, PostKind kind, const HttpReply& 
     case PostAction::None:
       return;
     case PostAction::StoreRecord:
-      if (!store_.add(record)) {
+      if (!store_.add(record)) {  // Lost: there is neither a collector nor a disk to give it to.
         KESU_LOG_AT(3, kSource, 177, "Error writing dictionary to disk %s", describe(record).c_str());
       }
       return;

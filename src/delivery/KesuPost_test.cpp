@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "delivery/ResendPass.h"
 #include "foundation/Json.h"
 #include "support/KesuPriorityLogger.h"
 #include "testing/ScopedPlatform.h"
@@ -27,10 +26,9 @@ class PostTest : public ::testing::Test {
   DeploymentSettings settings{platform.bundle};
   KesuStore store{platform.files, platform.defaults, platform.clock};
   KesuPost post{platform.http, platform.defaults, platform.clock, settings, store};
-  ResendPass resendPass{store, post, platform.mainLoop, platform.clock};
 };
 
-TEST_F(PostTest, SendsOneCompactJsonRequestARecord) {
+TEST_F(PostTest, SendsOneCompactJsonRequestPerRecord) {
   platform.bundle.dictionary.set("KesuOverrideServer", "http://127.0.0.1:8470/collect?x=1");
   post.post({{"dest", "e"}, {"~e", "Start"}, {"fnk", "x"}, {"empty", ""}, {"null", Null{}}, {"n", 3}, {"flag", true}});
   const HttpRequest sent = platform.http.request(0);
@@ -110,8 +108,7 @@ TEST_F(PostTest, StampsTheRecordOfAnInterruptedRunOnce) {
   EXPECT_EQ(*body(2).find("ace"), Value("1"));
 }
 
-TEST_F(PostTest, StoresAFailedFirstAttemptAndDeletesADeliveredFile) {
-  KesuPriorityLogger::sharedLogger().setLogLevel(3);
+TEST_F(PostTest, StoresAFailedFirstAttempt) {
   post.post({{"dest", "e"}, {"n", 1}, {"null", Null{}}});
   answer(0, 500);
   ASSERT_EQ(store.dictionariesToRepost().size(), 1U);
@@ -119,40 +116,26 @@ TEST_F(PostTest, StoresAFailedFirstAttemptAndDeletesADeliveredFile) {
   EXPECT_EQ(stored.find("ase"), nullptr);
   EXPECT_EQ(stored.find("null"), nullptr);
   EXPECT_EQ(*stored.find("dest"), Value("e"));
+}
+
+TEST_F(PostTest, DeletesTheFileOfADeliveredRecordOnly) {
+  store.add({{"dest", "e"}, {"n", 1}});
+  const Dictionary stored = store.dictionariesToRepost().at(0);
   post.repost(stored);
-  answer(1, 403);
+  answer(0, 403);
   EXPECT_EQ(store.storedFiles().size(), 1U);
   post.repost(stored);
-  answer(2, 200);
+  answer(1, 200);
   EXPECT_TRUE(store.storedFiles().empty());
-  platform.log.takeLines();
+}
+
+TEST_F(PostTest, LogsWhatCannotBeStored) {
+  KesuPriorityLogger::sharedLogger().setLogLevel(3);
   post.post({{"list", Array{Null{}}}});
-  answer(3, 500);
+  answer(0, 500);
   const auto lines = platform.log.takeLines();
   ASSERT_EQ(lines.size(), 1U);
   EXPECT_TRUE(lines[0].text.starts_with("[KesuPost:177]Error writing dictionary to disk ")) << lines[0].text;
-}
-
-TEST_F(PostTest, SendsEveryStoredRecordAgainInOnePass) {
-  KesuPriorityLogger::sharedLogger().setLogLevel(3);
-  for (int i = 0; i < 20; ++i) {
-    platform.clock.advance(0.001);
-    store.add({{"dest", "e"}, {"n", i}});
-  }
-  const std::pair<NetworkStatus, const char*> rows[] = {
-      {NetworkStatus::NotReachable, "[KesuManager:1951]**** Not Reachable ****"},
-      {NetworkStatus::Reachable, "[KesuManager:1953]**** wifi ****"},
-      {NetworkStatus::ReachableCell, "[KesuManager:1955]**** cell ****"}};
-  for (const auto& [status, line] : rows) {
-    resendPass.start(status);
-    platform.settle();
-    EXPECT_EQ(platform.log.takeLines().front().text, line);
-  }
-  ASSERT_EQ(platform.http.requestCount(), 40U) << "passes know nothing of each other";
-  platform.http.answerAll(200);
-  platform.settle();
-  EXPECT_TRUE(store.storedFiles().empty());
-  EXPECT_TRUE(platform.log.contains("[KesuStore:129]FAILED removing "));
 }
 
 }  // namespace

@@ -12,9 +12,9 @@
 namespace kesu {
 namespace {
 
-constexpr std::int64_t kMostFiles = 5000;
+constexpr std::int64_t kMostFiles = 5000;  // Some 20 MB on a disk with blocks of 4 kB.
 
-/// A record is a few hundred bytes; whatever is larger than this was not written by us.
+/// Records have a few hundred bytes; a larger file was not written by this class.
 constexpr std::size_t kLargestFile = std::size_t{16} * 1024 * 1024;
 
 constexpr const char* kSource = "KesuStore";
@@ -40,7 +40,7 @@ bool KesuStore::add(const Dictionary& record) {
 std::vector<std::string> KesuStore::storedFiles() {
   std::vector<std::string> paths;
   files_.enumerate(documentsDirectory(), [&paths](const DirectoryEntry& entry) {
-    if (entry.isRegularFile && isStoreFile(entry.name)) {
+    if (entry.isRegularFile && isStoreFile(entry.name)) {  // Opening a pipe of that name would block.
       paths.push_back(entry.path);
     }
     return true;
@@ -79,6 +79,7 @@ bool KesuStore::deleteFile(const std::string& name) {
   if (files_.remove(path).ok()) {
     return true;
   }
+  // Kept: a second attempt, for failures that pass.
   const FileResult secondTry = files_.remove(path);
   if (!secondTry.ok()) {
     KESU_LOG_AT(3, kSource, 129, "FAILED removing %s %s", name.c_str(), secondTry.reason.c_str());
@@ -101,7 +102,7 @@ void KesuStore::deleteFirstFile() {
     defaults_.set(kNumberOfFilesDefault, count - 1);
     defaults_.synchronize();
   }
-  // Kept: the number printed counts the files that did go, whatever the words say.
+  // Kept: the number printed counts the deleted files, whatever the words say.
   KESU_LOG_AT(3, kSource, 193, "Deleted %s successfully and %ld unsuccessfully", name.c_str(), deleted);
 }
 

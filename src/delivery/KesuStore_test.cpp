@@ -13,6 +13,8 @@ namespace {
 
 constexpr const char* kDocuments = "/home/Documents/";
 
+using Texts = std::vector<std::string>;
+
 class StoreTest : public ::testing::Test {
  protected:
   StoreTest() { KesuPriorityLogger::sharedLogger().setLogLevel(3); }
@@ -23,8 +25,8 @@ class StoreTest : public ::testing::Test {
     return store.add({{"dest", "e"}, {"n", number}});
   }
 
-  std::vector<std::string> lines() {
-    std::vector<std::string> texts;
+  Texts lines() {
+    Texts texts;
     for (const auto& line : platform.log.takeLines()) {
       texts.push_back(line.text);
     }
@@ -36,15 +38,6 @@ class StoreTest : public ::testing::Test {
   testing::ScopedPlatform platform;
   KesuStore store{platform.files, platform.defaults, platform.clock};
 };
-
-TEST(StoreFileName, CountsMicrosecondsAndSortsByTime) {
-  EXPECT_EQ(storeFileName(1489579320.0), "c01959121-20000000.kesuCache");  // 2017-03-15 12:02:00 UTC
-  EXPECT_LT(storeFileName(1489579320.0), storeFileName(1489579320.000002));
-  EXPECT_TRUE(isStoreFile(storeFileName(0.0)));
-  for (const char* foreign : {"kesuCache", ".kesuCache", "a.kesuCache.txt", "a.KESUCACHE", "a.plist", ""}) {
-    EXPECT_FALSE(isStoreFile(foreign)) << foreign;
-  }
-}
 
 TEST_F(StoreTest, GivesBackWhatItStored) {
   const Dictionary record = {{"dest", "e"}, {"~e", "Start"}, {"n", 3}, {"r", 4.5}, {"list", Array{"a", true}}};
@@ -79,7 +72,7 @@ TEST_F(StoreTest, ActsOnItsLimitOnce) {
     EXPECT_EQ(counter(), after);
     EXPECT_EQ(store.storedFiles().size(), files);
   }
-  EXPECT_EQ(*store.dictionariesToRepost()[0].find("n"), Value(2)) << "the first file goes";
+  EXPECT_EQ(*store.dictionariesToRepost()[0].find("n"), Value(2)) << "the first file is deleted";
 }
 
 TEST_F(StoreTest, NeverOpensWhatIsNotItsOwn) {
@@ -109,29 +102,40 @@ TEST_F(StoreTest, FindsFilesInSubdirectoriesButCannotDeleteThem) {
   EXPECT_TRUE(logged[1].starts_with("[KesuStore:129]FAILED removing a.kesuCache "));
 }
 
-TEST_F(StoreTest, DeletesListsAndLogs) {
+TEST_F(StoreTest, DeletesNoForeignFile) {
   EXPECT_FALSE(store.deleteFile("letter.txt"));
+  EXPECT_EQ(lines(), Texts());
+}
+
+TEST_F(StoreTest, ListsItsFiles) {
+  addNumbered(1);
+  addNumbered(2);
+  store.ls();
+  EXPECT_EQ(lines(), (Texts{"[KesuStore:145]ls 1 - " + store.storedFiles()[0],
+                            "[KesuStore:145]ls 2 - " + store.storedFiles()[1], "[KesuStore:148]2 files listed"}));
+}
+
+TEST_F(StoreTest, DeletesTheFirstFileAndCountsItOff) {
   store.deleteFirstFile();
   EXPECT_EQ(counter(), 0);
-  EXPECT_EQ(lines(), std::vector<std::string>{"[KesuStore:193]Deleted  successfully and 0 unsuccessfully"});
+  EXPECT_EQ(lines(), Texts{"[KesuStore:193]Deleted  successfully and 0 unsuccessfully"});
   addNumbered(1);
   addNumbered(2);
   const std::string first = store.storedFiles()[0];
-  const std::string second = store.storedFiles()[1];
-  store.ls();
   store.deleteFirstFile();
   EXPECT_EQ(counter(), 1);
+  const std::string name = first.substr(std::string(kDocuments).size());
+  EXPECT_EQ(lines(), (Texts{"[KesuStore:114]fullpath " + first,
+                            "[KesuStore:193]Deleted " + name + " successfully and 1 unsuccessfully"}));
+}
+
+TEST_F(StoreTest, DeletesAllFilesAndLeavesTheCounter) {
+  addNumbered(1);
+  const std::string path = store.storedFiles()[0];
   store.deleteAllFiles();
   EXPECT_EQ(counter(), 1);
-  const std::string name = first.substr(std::string(kDocuments).size());
-  const std::vector<std::string> wanted = {"[KesuStore:145]ls 1 - " + first,
-                                           "[KesuStore:145]ls 2 - " + second,
-                                           "[KesuStore:148]2 files listed",
-                                           "[KesuStore:114]fullpath " + first,
-                                           "[KesuStore:193]Deleted " + name + " successfully and 1 unsuccessfully",
-                                           "[KesuStore:114]fullpath " + second,
-                                           "[KesuStore:169]Deleted 1 successfully and 0 unsuccessfully"};
-  EXPECT_EQ(lines(), wanted);
+  EXPECT_EQ(lines(),
+            (Texts{"[KesuStore:114]fullpath " + path, "[KesuStore:169]Deleted 1 successfully and 0 unsuccessfully"}));
   EXPECT_TRUE(store.storedFiles().empty());
 }
 

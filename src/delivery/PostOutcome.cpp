@@ -10,6 +10,7 @@ bool isSuccess(int status) {
   return status >= 200 && status <= 299;
 }
 
+/// The record itself is at fault, so that no later attempt can succeed.
 bool isRefusedForGood(int status) {
   return status == kBadRequest || status == kForbidden;
 }

@@ -14,15 +14,15 @@ namespace kesu {
 
 /// Sends every stored record again. Main thread.
 ///
-/// A pass waits for no reply and knows no limit, and it does not ask whether an earlier one is still on its way:
-/// records that are still stored go out again. Reading and sending is cut into slices of a few milliseconds, each its
-/// own task of the main loop, so that thousands of records never hold up a frame.
+/// Kept: a pass waits for no reply, has no limit, and does not look whether an earlier one is still running: records
+/// that are still stored are sent again. Reading and sending is cut into slices of a few milliseconds, each a timer of
+/// the main loop, so that thousands of records never delay a frame.
 class ResendPass {
  public:
   ResendPass(KesuStore& store, KesuPost& post, MainLoop& mainLoop, Clock& clock)
       : store_(store), post_(post), mainLoop_(mainLoop), clock_(clock) {}
 
-  /// Starts a pass if `status` says that the collector can be reached; logs the status at level 3.
+  /// Starts a pass if the collector is reachable by `status`; logs the status at level 3.
   void start(NetworkStatus status);
 
  private:
