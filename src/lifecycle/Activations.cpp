@@ -10,9 +10,9 @@
 namespace kesu {
 namespace {
 
-constexpr std::size_t kMostDaysKept = 7;
-constexpr int kLastDaysLookedAt = 7;
-constexpr std::int64_t kLastMilestone = 10;
+constexpr std::size_t kMostDaysKept = 7;     // The largest milestone of days, "~a:7UD".
+constexpr int kLastDaysLookedAt = 7;         // "L7": today and the six days before.
+constexpr std::int64_t kLastMilestone = 10;  // The counter stops here, so that it is not written for ever.
 
 bool counts(char state) {
   return state == kStateLaunch || state == kStateResume;
@@ -51,6 +51,7 @@ void Activations::activationsForUniqueDays(Dictionary& flags, char state) {
     return;
   }
   const MutexLock lock(mutex_);
+  // Once everything is sent, launches no longer pay for calendar and user defaults.
   const bool allOfLastWeekSent = isSent("~a:2DL7") && isSent("~a:3DL7");
   if (allOfLastWeekSent && isSent("~a:3UD") && isSent("~a:5UD") && isSent("~a:7UD")) {
     return;
@@ -59,7 +60,7 @@ void Activations::activationsForUniqueDays(Dictionary& flags, char state) {
   Array days = stored && stored->array() != nullptr ? *stored->array() : Array();
   const double now = clock_.now();
   const Value today = calendar_.dayStringFromToday(0, now);
-  if (!days.empty() && days.front() == today) {
+  if (!days.empty() && days.front() == today) {  // Only the latest: a clock set back counts a day again.
     return;
   }
   days.insert(days.begin(), today);
@@ -76,7 +77,7 @@ void Activations::activationsForUniqueDays(Dictionary& flags, char state) {
   defaults_.synchronize();
 }
 
-// Kept: local days with the year of their week are looked for among GMT days with the calendar year.
+// Kept: searches for local days, with the year of their week, among GMT days with the calendar year.
 std::size_t Activations::daysOfUseInLastWeek(const Array& days, double now) {
   std::set<std::string> lastWeek;
   for (int day = 0; day < kLastDaysLookedAt; ++day) {

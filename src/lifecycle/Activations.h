@@ -10,17 +10,17 @@
 
 namespace kesu {
 
-/// Milestones of launches and resumes, each sent once in an installation: the third, fifth and tenth of them; use on 3,
-/// 5 and 7 days; use on 2 and 3 of the last 7 days. Any thread.
+/// Milestones of launches and resumes, each sent once per installation: the third, fifth and tenth; use on 3, 5 and 7
+/// days; use on 2 and 3 of the last 7 days. Any thread.
 class Activations {
  public:
   Activations(UserDefaults& defaults, Clock& clock, LocaleService& locale, WeekCalendar& calendar)
       : defaults_(defaults), clock_(clock), locale_(locale), calendar_(calendar) {}
 
-  /// [activationForLR:theState:] Counts launches and resumes up to ten. Other states change nothing.
+  /// Counts launches and resumes up to ten. Ignores other states. [activationForLR:theState:]
   void activationForLR(Dictionary& flags, char state);
 
-  /// [activationsForUniqueDays:theState:] Counts days of use. Other states change nothing.
+  /// Counts days of use. Ignores other states. [activationsForUniqueDays:theState:]
   void activationsForUniqueDays(Dictionary& flags, char state);
 
  private:
@@ -32,7 +32,7 @@ class Activations {
   Clock& clock_;
   LocaleService& locale_;
   WeekCalendar& calendar_;
-  Mutex mutex_;  // Counters are read and written in one step.
+  Mutex mutex_;  // Makes reading and writing a counter one step.
 };
 
 }  // namespace kesu

@@ -1,9 +1,5 @@
 #include "lifecycle/AppInstance.h"
 
-#include <algorithm>
-#include <utility>
-#include <vector>
-
 #include "records/DefaultsKeys.h"
 #include "records/MessageIdentifier.h"
 
@@ -26,12 +22,14 @@ bool AppInstance::hasAppKey() const {
 void AppInstance::load() {
   const MutexLock lock(mutex_);
   const std::string key = appKey_.value_or("");
+  // Before the key is replaced below: half an identity, as a kill between two writes leaves it, counts as none.
   const auto storedKey = defaults_.get(kAppKeyDefault);
   firstLaunch_ = !defaults_.get(kInstanceIdDefault) || !defaults_.get(kInstanceId2Default);
   if (storedKey && *storedKey != Value(key)) {
     firstLaunch_ = true;
     clearKesuPreference();
   }
+  // Synchronized step by step: a kill in between leaves an installation that the next run completes.
   defaults_.set(kAppKeyDefault, key);
   defaults_.synchronize();
   if (firstLaunch_) {
@@ -62,11 +60,8 @@ std::int64_t AppInstance::appLaunchCount() const {
 }
 
 void AppInstance::clearKesuPreference() {
-  const std::vector<std::string> present = defaults_.keys();
   for (const std::string_view key : kKeysClearedWithAppKey) {
-    if (std::ranges::find(present, key) != present.end()) {
-      defaults_.remove(key);
-    }
+    defaults_.remove(key);
   }
   defaults_.synchronize();
 }

@@ -11,12 +11,11 @@
 
 namespace kesu {
 
-/// Who this installation is: the application key, the two instance identifiers and the launch count.
-///
-/// Set up once on the main thread, read from any.
+/// The identity of this installation: the application key, the two instance identifiers and the launch count. Set up
+/// once on the main thread, read on any.
 class AppInstance {
  public:
-  /// What records carry. `id` is empty until the library is initialised.
+  /// The part that records carry. `id` is empty until the library is initialised.
   struct Identity {
     std::string appKey;
     std::string id;   ///< "kaid": 22 characters.
@@ -25,27 +24,28 @@ class AppInstance {
 
   AppInstance(UserDefaults& defaults, Random& random) : defaults_(defaults), random_(random) {}
 
-  /// Keeps the key. False when there is one already; the first key stays.
+  /// Keeps the key; returns false, and keeps the first one, at a second call.
   bool setAppKey(const std::string& key);
 
   bool hasAppKey() const;
 
-  /// Loads or makes the identifiers and counts the launch. Another key than last time makes this a first launch: what
-  /// belongs to the old key is cleared and both identifiers are made anew.
+  /// Loads or creates the identifiers and counts the launch. A key other than that of the last run makes this a first
+  /// launch: what belongs to the old key is cleared and both identifiers are replaced.
   void load();
 
   Identity identity() const;
 
-  /// True when this run is the first of the installation, or the first under another key.
+  /// Returns whether this run is the first of the installation, or the first under another key.
   bool firstLaunch() const;
 
-  /// How often the library was initialised in this installation, this time included.
+  // Owed to hosts and to the agreed interface; no caller inside the library, which counts for the service only.
+
+  /// Returns how often the library was initialised in this installation, this time included.
   std::int64_t appLaunchCount() const;
 
-  /// Removes what belongs to an application key from the user defaults.
+ private:
   void clearKesuPreference();
 
- private:
   UserDefaults& defaults_;
   Random& random_;
 

@@ -9,7 +9,14 @@
 namespace kesu {
 namespace {
 
-/// "%ld-%ld-...".
+/// The two instants whose periods are compared, local and GMT.
+struct PeriodPair {
+  CalendarComponents localNow;
+  CalendarComponents localLast;
+  CalendarComponents gmtNow;
+  CalendarComponents gmtLast;
+};
+
 std::string joined(std::initializer_list<int> numbers) {
   std::string text;
   for (const int number : numbers) {
@@ -34,8 +41,7 @@ bool sameHour(const LocalTime& left, const LocalTime& right) {
   return sameDay(left, right) && left.hour == right.hour;
 }
 
-}  // namespace
-
+/// Adds an entry for each period (local hour, hour, day, month, quarter, week) that has changed since last time. Pure.
 void addChangedPeriods(Dictionary& flags, const PeriodPair& pair, const std::string& timeZoneName) {
   const LocalTime& local = pair.localNow.time;
   if (!sameHour(local, pair.localLast.time)) {
@@ -56,15 +62,18 @@ void addChangedPeriods(Dictionary& flags, const PeriodPair& pair, const std::str
   if (now.year != last.year || quarterOf(now) != quarterOf(last)) {
     flags.set(k_Quarter, joined({now.year, quarterOf(now)}));
   }
+  // By the year of the week: the new year may begin inside the last week of the old one.
   const CalendarComponents& week = pair.gmtNow;
   if (week.weekOfYear != pair.gmtLast.weekOfYear || week.weekBasedYear != pair.gmtLast.weekBasedYear) {
     flags.set(k_Week, joined({week.weekBasedYear, week.weekOfYear}));
   }
 }
 
+}  // namespace
+
 void CalendarVariants::calculateVariantsForDMWQ(Dictionary& flags) {
   const MutexLock lock(mutex_);
-  if (dLastSeen_ == 0.0) {
+  if (dLastSeen_ == 0.0) {  // Kept: read once per run, so that a change of the key leaves the time in memory.
     dLastSeen_ = defaults_.real(kLastSeenDefault);
   }
   const double now = clock_.now();

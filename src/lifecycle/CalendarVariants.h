@@ -10,26 +10,14 @@
 
 namespace kesu {
 
-/// The two instants between which periods are compared, local and GMT.
-struct PeriodPair {
-  CalendarComponents localNow;
-  CalendarComponents localLast;
-  CalendarComponents gmtNow;
-  CalendarComponents gmtLast;
-};
-
-/// Adds an entry for each period (local hour, hour, day, month, quarter, week) that is another one now than last time.
-/// Pure.
-void addChangedPeriods(Dictionary& flags, const PeriodPair& pair, const std::string& timeZoneName);
-
 /// Reports each new hour, day, week, month and quarter once. Any thread.
 class CalendarVariants {
  public:
   CalendarVariants(UserDefaults& defaults, Clock& clock, LocaleService& locale, WeekCalendar& calendar)
       : defaults_(defaults), clock_(clock), locale_(locale), calendar_(calendar) {}
 
-  /// [calculateVariantsForDMWQ:] Adds the variants that are due. When `flags` then holds anything at all, now becomes
-  /// the instant to which the next call compares.
+  /// Adds the variants that are due. If `flags` then has any entry, now becomes the instant to which the next call
+  /// compares. [calculateVariantsForDMWQ:]
   void calculateVariantsForDMWQ(Dictionary& flags);
 
  private:

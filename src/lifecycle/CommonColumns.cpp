@@ -12,7 +12,7 @@
 namespace kesu {
 namespace {
 
-constexpr std::size_t kMostColumns = 16;
+constexpr std::size_t kMostColumns = 16;  // All below: one allocation per record instead of several.
 
 /// The host's user identifier, when one is set.
 std::optional<Value> userIdentifier(UserDefaults& defaults) {
@@ -44,7 +44,7 @@ void CommonColumns::addCommonColumnsToDictionary(Dictionary& record, std::string
   record.set(k_FullVersionKeyForBody, fullVersionText());
   record.set(k_KesuAppInstanceId, identity.id);
   record.set(k_AgentCollectionEpoch, milliseconds(now));
-  record.set(k_AgentSentEpoch, "");
+  record.set(k_AgentSentEpoch, "");  // Keeps its place; the poster sets it when it sends.
   record.set(k_CommonMsgId, newBase64Uuid(platform_.random));
   if (destination == k_TableTraits) {
     setOrRemove(record, k_DeviceProduct, metrics_.product());

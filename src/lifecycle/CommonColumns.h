@@ -11,14 +11,14 @@
 
 namespace kesu {
 
-/// The context that every record carries. Any thread.
+/// Adds the context that every record carries. Any thread.
 class CommonColumns {
  public:
   CommonColumns(Platform& platform, KesuMetrics& metrics, const AppInstance& instance, const Location& location)
       : platform_(platform), metrics_(metrics), instance_(instance), location_(location) {}
 
-  /// Writes the columns into `record`, over entries of the same names. Does nothing before the library is initialised:
-  /// such records carry no context.
+  /// Sets the columns in `record`, replacing entries of the same names. Does nothing before the library is initialised:
+  /// such records carry no context. [addCommonColumnsToDictionary:]
   void addCommonColumnsToDictionary(Dictionary& record, std::string_view destination);
 
  private:
@@ -31,7 +31,7 @@ class CommonColumns {
   const Location& location_;
 };
 
-/// Stores a text that may be missing: a missing one removes the key.
+/// Sets a text that may be missing; a missing one removes the key.
 void setOrRemove(Dictionary& record, std::string_view key, const std::optional<std::string>& text);
 
 }  // namespace kesu

@@ -6,17 +6,17 @@
 namespace kesu {
 namespace {
 
-constexpr std::size_t kBytesAGroup = 4;
-constexpr std::size_t kDigitsAGroup = 5;
-constexpr std::uint32_t kBase = 85;
+constexpr std::size_t kBytesPerGroup = 4;
+constexpr std::size_t kDigitsPerGroup = 5;
+constexpr std::uint32_t kBase = 85;  // 85 to the power of 5 just exceeds 2 to the power of 32.
 
-std::array<char, kDigitsAGroup> digitsOf(std::string_view group) {
+std::array<char, kDigitsPerGroup> digitsOf(std::string_view group) {
   std::uint32_t number = 0;
-  for (std::size_t i = 0; i < kBytesAGroup; ++i) {
+  for (std::size_t i = 0; i < kBytesPerGroup; ++i) {
     number = number << 8 | (i < group.size() ? static_cast<unsigned char>(group[i]) : 0U);
   }
-  std::array<char, kDigitsAGroup> digits{};
-  for (std::size_t i = kDigitsAGroup; i-- > 0; number /= kBase) {
+  std::array<char, kDigitsPerGroup> digits{};
+  for (std::size_t i = kDigitsPerGroup; i-- > 0; number /= kBase) {
     digits[i] = static_cast<char>('!' + number % kBase);
   }
   return digits;
@@ -26,9 +26,9 @@ std::array<char, kDigitsAGroup> digitsOf(std::string_view group) {
 
 std::string developerToken(std::string_view identifier) {
   std::string token = "<~";
-  for (std::size_t begin = 0; begin < identifier.size(); begin += kBytesAGroup) {
-    const std::string_view group = identifier.substr(begin, kBytesAGroup);
-    token.append(digitsOf(group).data(), group.size() + 1);
+  for (std::size_t begin = 0; begin < identifier.size(); begin += kBytesPerGroup) {
+    const std::string_view group = identifier.substr(begin, kBytesPerGroup);
+    token.append(digitsOf(group).data(), group.size() + 1);  // n bytes of a last group need n + 1 digits.
   }
   return token + "~>";
 }

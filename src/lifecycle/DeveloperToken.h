@@ -5,8 +5,8 @@
 
 namespace kesu {
 
-/// The identifier of an installation as developers paste it into the console: Ascii85 between "<~" and "~>", so that it
-/// is not taken for the identifier itself. Pure.
+/// Returns the identifier of an installation as developers paste it into the console: Ascii85 between "<~" and "~>", so
+/// that it is not mistaken for the identifier itself. Pure.
 std::string developerToken(std::string_view identifier);
 
 }  // namespace kesu

@@ -8,6 +8,7 @@
 namespace kesu {
 namespace {
 
+/// Names that people gave and identifiers of their devices leave the device as digests only.
 std::optional<std::string> hashed(const std::optional<std::string>& text) {
   return text ? std::optional(hashStr(*text)) : std::nullopt;
 }

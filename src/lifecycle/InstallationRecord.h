@@ -9,9 +9,8 @@
 
 namespace kesu {
 
-/// Adds what the installation record says of the application and the device: "kaid2" and the columns from "idv" to
-/// "bspd". Facts that the device cannot tell are left out, unknown clock speeds become the null object. Pure but for
-/// the questions to `metrics` and `bundle`.
+/// Adds the facts of the installation record about application and device: "kaid2" and the columns from "idv" to
+/// "bspd". Leaves out unknown facts; unknown clock speeds become the null object. Any thread.
 void addInstallationFacts(Dictionary& record, const std::string& instanceId2, KesuMetrics& metrics, Bundle& bundle);
 
 }  // namespace kesu

@@ -21,7 +21,6 @@
 namespace kesu {
 namespace {
 
-constexpr double kLocationCheckSeconds = 60.0;
 constexpr double kSecondsPerDay = 86400.0;
 constexpr const char* kSource = "KesuManager";
 
@@ -32,15 +31,13 @@ KesuManager::KesuManager(Platform& platform, DeploymentSettings& settings, KesuM
     : platform_(platform),
       settings_(settings),
       metrics_(metrics),
-      resendPass_(resendPass),
-      sender_(platform, metrics, post, instance_, columns_, variants_),
-      stateChanges_(platform.background, metrics, instance_, sender_, flow_, usage_, activations_, variants_,
-                    topScreen) {
+      sender_(platform, metrics, post, instance_, location_, reports_.variants),
+      stateChanges_(platform, metrics, instance_, sender_, reports_, topScreen),
+      collector_(platform.reachability, platform.notifications, settings, resendPass) {
   addPrimaryObservers();
 }
 
 KesuManager::~KesuManager() {
-  platform_.mainLoop.cancel(locationTimer_);
   for (const NotificationCenter::Token token : observers_) {
     platform_.notifications.removeObserver(token);
   }
@@ -51,19 +48,18 @@ void KesuManager::observe(std::string_view name, std::function<void()> handler) 
       name, nullptr, [handler = std::move(handler)](const Notification&) { handler(); }));
 }
 
+// All handlers run on the main thread, where hosts announce these, so that they may look at the screens. StateChanges
+// moves what takes time to the background queue.
 void KesuManager::addPrimaryObservers() {
-  location_.reset();
   observe(kApplicationDidFinishLaunchingNotification, [this] { didFinishLaunching(); });
   observe(kApplicationDidEnterBackgroundNotification,
           [this] { stateChanges_.stateChangeEventAppLevel(kStateBackground, std::nullopt); });
   observe(kApplicationWillEnterForegroundNotification,
           [this] { stateChanges_.stateChangeEventAppLevel(kStateResume, std::nullopt); });
   observe(kCurrentLocaleDidChangeNotification, [this] { sender_.saveTraits(TraitType::LocaleChanged); });
-  observe(kKesuReachabilityChangedNotification, [this] { checkReachabilityAndRepostPendingPosts(); });
+  observe(kKesuReachabilityChangedNotification, [this] { collector_.checkReachabilityAndRepostPendingPosts(); });
   observe(kApplicationWillTerminateNotification,
           [this] { stateChanges_.stateChangeEventAppLevel(kStateTerminate, kTerminateDetailText); });
-  locationTimer_ =
-      platform_.mainLoop.schedule(kLocationCheckSeconds, true, [this] { location_.checkAndEnableLocations(); });
 }
 
 void KesuManager::initializeWithKey(const std::string& key) {
@@ -73,8 +69,8 @@ void KesuManager::initializeWithKey(const std::string& key) {
   if (!instance_.setAppKey(key)) {
     throw InternalInconsistencyException(std::string(k_KesuAppKeyDuplicateException));
   }
-  copyright(key);
-  instance_.load();
+  copyright(key);    // Before anything of this run is logged.
+  instance_.load();  // From here on records carry their context.
   if (platform_.bundle.path().ends_with(".appex")) {
     didFinishLaunching();
   }
@@ -89,6 +85,8 @@ void KesuManager::copyright(const std::string& key) {
   KESU_LOG(0, " ");
 }
 
+// The order in which the collector learns of a run: the installation, its traits, then what happens in it. The first
+// two are built here and not on the background queue, where events that the host posted earlier already wait.
 void KesuManager::didFinishLaunching() {
   if (instance_.firstLaunch()) {
     newInstallation();
@@ -98,7 +96,8 @@ void KesuManager::didFinishLaunching() {
   }
   stateChanges_.stateChangeEventAppLevel(kStateLaunch, kLaunchDetailText);
   versionChange_.checkVersionChangeAndPost();
-  startReachabilityNotifications();
+  // Last: the first status that it announces starts the re-send pass of older records.
+  collector_.startReachabilityNotifications();
   printObsfucatedAscii85KaidIfNeeded();
 }
 
@@ -112,6 +111,7 @@ void KesuManager::newInstallation() {
 }
 
 bool KesuManager::hasItBeenSoManyDaysSinceSaving(int days, std::string_view destination) {
+  // 0: never saved. The other comparison is by time, not by day, so that a change of the zone refreshes nothing.
   const double savedAt = platform_.defaults.real(std::string(destination) + std::string(kSaveTimeSuffix));
   return days < 1 || savedAt == 0.0 || platform_.clock.now() - savedAt >= days * kSecondsPerDay;
 }
@@ -123,8 +123,10 @@ void KesuManager::printObsfucatedAscii85KaidIfNeeded() {
   }
 }
 
+// On the caller's thread and to disk before the call returns: a flow must survive a kill right behind it. An append
+// costs the same however long the flow is.
 void KesuManager::appendToFlow(std::string_view flow, const std::string& name, std::string_view seconds) {
-  // A name that is no text would spoil the whole flow, and with it the record that carries it.
+  // Bytes that are not UTF-8 would make the whole flow, and with it the record that carries it, unsendable.
   if (isValidUtf8(name)) {
     platform_.defaults.appendString(flow, flowEntry(name, seconds));
     platform_.defaults.synchronize();
@@ -136,7 +138,7 @@ void KesuManager::updateEvent(const std::string& name) {
 }
 
 void KesuManager::updateScreenFlowForScenes(const std::string& name, double seconds) {
-  if (std::isfinite(seconds)) {  // "nan" and "inf" are no seconds to whoever reads the flow.
+  if (std::isfinite(seconds)) {  // The collector cannot read "nan" and "inf".
     appendToFlow(k_SceneFlow, name, fixed(seconds, 1));
   }
 }
@@ -155,23 +157,6 @@ void KesuManager::postAppEventToTableU(Dictionary record) {
 
 void KesuManager::postActivationTrait(Dictionary record) {
   sender_.postAppTraits(std::move(record), TraitType::ExplicitActivation);
-}
-
-void KesuManager::startReachabilityNotifications() {
-  if (kesuServiceReachability_ == nullptr) {
-    const HostAndPort target = settings_.reachabilityHost();
-    kesuServiceReachability_ = KesuServiceReachability::reachabilityWithHostName(
-        platform_.reachability, platform_.notifications, target.host, target.port);
-  }
-  if (kesuServiceReachability_ != nullptr) {
-    kesuServiceReachability_->startNotifier();
-  }
-}
-
-void KesuManager::checkReachabilityAndRepostPendingPosts() {
-  if (kesuServiceReachability_ != nullptr) {
-    resendPass_.start(kesuServiceReachability_->currentReachabilityStatus());
-  }
 }
 
 }  // namespace kesu

@@ -4,8 +4,6 @@
 #include <kesu/platform/Platform.h>
 
 #include <functional>
-#include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -15,28 +13,23 @@
 #include "device/KesuMetrics.h"
 #include "events/EventPoster.h"
 #include "events/KesuVersionChangeEvent.h"
-#include "lifecycle/Activations.h"
 #include "lifecycle/AppInstance.h"
-#include "lifecycle/CalendarVariants.h"
-#include "lifecycle/CommonColumns.h"
+#include "lifecycle/CalendarReports.h"
+#include "lifecycle/CollectorWatch.h"
 #include "lifecycle/Location.h"
 #include "lifecycle/RecordSender.h"
 #include "lifecycle/RemoteNotifications.h"
-#include "lifecycle/ScreenFlow.h"
 #include "lifecycle/StateChanges.h"
 #include "lifecycle/TopScreen.h"
-#include "lifecycle/UsageStatistics.h"
-#include "lifecycle/WeekCalendar.h"
-#include "network/KesuServiceReachability.h"
 #include "services/DeploymentSettings.h"
 
 namespace kesu {
 
-/// The object behind the facade: knows the key, watches the application's life cycle and connects what turns it into
-/// records. One a process, made on the main thread; the posters of EventPoster may be called on any thread.
+/// The object behind the facade: keeps the key, observes the application's life cycle and connects what turns it into
+/// records. One per process, created on the main thread; the operations of EventPoster may be called on any thread.
 class KesuManager : public EventPoster {
  public:
-  /// Installs the observers and the repeating timer. The services must outlive the manager.
+  /// Installs the observers. The services must outlive the manager.
   KesuManager(Platform& platform, DeploymentSettings& settings, KesuMetrics& metrics, KesuPost& post,
               ResendPass& resendPass, TopScreen& topScreen);
   ~KesuManager() override;
@@ -44,9 +37,9 @@ class KesuManager : public EventPoster {
   KesuManager(const KesuManager&) = delete;
   KesuManager& operator=(const KesuManager&) = delete;
 
-  /// Takes the key, loads the installation's identity and, inside an application extension (which is told of no
-  /// launch), launches at once. Throws InternalInconsistencyException for a blank key and for a second one. Main
-  /// thread.
+  /// Keeps the key, loads the installation's identity and, inside an application extension (which receives no launch
+  /// notification), launches synchronously. Throws InternalInconsistencyException for a blank key and for a second one.
+  /// Main thread.
   void initializeWithKey(const std::string& key);
 
   bool isSDKInitialized() override { return instance_.hasAppKey(); }
@@ -59,7 +52,7 @@ class KesuManager : public EventPoster {
   void postAppEventToTableU(Dictionary record) override;
   void postActivationTrait(Dictionary record) override;
 
-  /// Screens and push notifications, each with its own rules.
+  /// Return the parts that take screens and push notifications.
   StateChanges& stateChanges() { return stateChanges_; }
   RemoteNotifications& remoteNotifications() { return remoteNotifications_; }
 
@@ -71,32 +64,22 @@ class KesuManager : public EventPoster {
   void didFinishLaunching();
   void newInstallation();
   bool hasItBeenSoManyDaysSinceSaving(int days, std::string_view destination);
-  void startReachabilityNotifications();
-  void checkReachabilityAndRepostPendingPosts();
   void printObsfucatedAscii85KaidIfNeeded();
   void appendToFlow(std::string_view flow, const std::string& name, std::string_view seconds);
 
   Platform& platform_;
   DeploymentSettings& settings_;
   KesuMetrics& metrics_;
-  ResendPass& resendPass_;
 
   AppInstance instance_{platform_.defaults, platform_.random};
-  Location location_;
-  CommonColumns columns_{platform_, metrics_, instance_, location_};
-  WeekCalendar calendar_{platform_.locale};
-  CalendarVariants variants_{platform_.defaults, platform_.clock, platform_.locale, calendar_};
-  UsageStatistics usage_{platform_.defaults, platform_.clock, calendar_};
-  Activations activations_{platform_.defaults, platform_.clock, platform_.locale, calendar_};
-  ScreenFlow flow_{platform_.defaults, platform_.clock, platform_.bundle, metrics_, usage_};
+  Location location_{platform_.mainLoop};
+  CalendarReports reports_{platform_};
   KesuVersionChangeEvent versionChange_{platform_.defaults, platform_.background, metrics_, platform_.bundle};
   RecordSender sender_;
   StateChanges stateChanges_;
   RemoteNotifications remoteNotifications_{platform_.defaults, platform_.background, sender_};
-
-  std::unique_ptr<KesuServiceReachability> kesuServiceReachability_;  // Main thread.
+  CollectorWatch collector_;
   std::vector<NotificationCenter::Token> observers_;
-  MainLoop::TimerId locationTimer_ = 0;
 };
 
 }  // namespace kesu

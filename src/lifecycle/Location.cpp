@@ -4,6 +4,19 @@
 #include <utility>
 
 namespace kesu {
+namespace {
+
+/// The agreed period. The check is a wake-up of the main loop, so not more often.
+constexpr double kCheckSeconds = 60.0;
+
+}  // namespace
+
+Location::Location(MainLoop& mainLoop)
+    : mainLoop_(mainLoop), timer_(mainLoop.schedule(kCheckSeconds, true, [this] { checkAndEnableLocations(); })) {}
+
+Location::~Location() {
+  mainLoop_.cancel(timer_);
+}
 
 void Location::setManager(std::unique_ptr<LocationManager> manager) {
   const MutexLock lock(mutex_);
@@ -28,15 +41,10 @@ void Location::stopUpdatingLocation() {
     const MutexLock lock(mutex_);
     manager = std::move(manager_);
   }
-  if (manager != nullptr) {
+  if (manager != nullptr) {  // Outside the lock: a manager may deliver one more update while it stops.
     manager->stopUpdatingLocation();
     manager->clearDelegate();
   }
-}
-
-void Location::reset() {
-  const MutexLock lock(mutex_);
-  position_.reset();
 }
 
 std::optional<Position> Location::fetched() const {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kesu/platform/MainLoop.h>
+
 #include <memory>
 #include <optional>
 #include <vector>
@@ -24,30 +26,39 @@ class LocationManager {
   virtual void clearDelegate() = 0;
 };
 
-/// The last known position, for the common columns. Nothing on a television makes a location manager: the checks that
-/// the timer asks for do nothing, so positions come only from a platform that hands its manager over. Any thread.
+/// The last known position, for the common columns. No television has a location service: the checks do nothing, and
+/// positions come only from a platform that sets a manager. Created on the main thread; any thread.
 class Location {
  public:
-  /// [checkAndEnableLocations:] Kept: empty on televisions, though the timer still calls it.
-  void checkAndEnableLocations() {}
+  /// Schedules the repeating check, which ends with this object.
+  explicit Location(MainLoop& mainLoop);
+  ~Location();
 
-  /// Takes over the manager whose updates follow.
-  void setManager(std::unique_ptr<LocationManager> manager);
+  Location(const Location&) = delete;
+  Location& operator=(const Location&) = delete;
 
-  /// [locationManager:didUpdateLocations:] Keeps the last position of an update and ends the updates. An empty update
-  /// changes nothing. Kept: signs are dropped, southern and western positions read as northern and eastern ones.
-  void didUpdateLocations(const std::vector<Position>& positions);
-
-  /// [stopUpdatingLocationWithMessage:] Ends the updates and lets the manager go, if there is one.
-  void stopUpdatingLocation();
-
-  /// Forgets that a position was fetched.
-  void reset();
-
-  /// The position, once one was fetched.
+  /// Returns the position, once one was fetched.
   std::optional<Position> fetched() const;
 
+  /// Does nothing. Kept: the timer calls it all the same. [checkAndEnableLocations:]
+  void checkAndEnableLocations() {}
+
+  // Owed to hosts and to the agreed interface; no caller inside the library. A platform with a location service drives
+  // its manager by these.
+
+  /// Takes ownership of the manager whose updates follow.
+  void setManager(std::unique_ptr<LocationManager> manager);
+
+  /// Keeps the last position of an update and stops the updates. An empty update changes nothing. Kept: signs are
+  /// dropped, southern and western positions read as northern and eastern ones. [locationManager:didUpdateLocations:]
+  void didUpdateLocations(const std::vector<Position>& positions);
+
+  /// Stops the updates and destroys the manager, if there is one. [stopUpdatingLocationWithMessage:]
+  void stopUpdatingLocation();
+
  private:
+  MainLoop& mainLoop_;
+  MainLoop::TimerId timer_;
   mutable Mutex mutex_;
   std::unique_ptr<LocationManager> manager_ KESU_GUARDED_BY(mutex_);
   std::optional<Position> position_ KESU_GUARDED_BY(mutex_);

@@ -8,7 +8,7 @@
 namespace kesu {
 namespace {
 
-/// Profiles are some ten kilobytes; a larger file is none.
+/// Profiles have some ten kilobytes; a larger file is none, and is not read into memory.
 constexpr std::size_t kLargestProfile = std::size_t{4} * 1024 * 1024;
 
 constexpr std::string_view kBegin = "<plist";

@@ -8,18 +8,20 @@
 
 namespace kesu {
 
-/// How the application was distributed: "App Store", "Ad hoc", "Enterprise", "Developer" or "Unknown", read from the
-/// profile "embedded.mobileprovision" in the bundle. Its signature is not verified. Any thread.
+/// Returns how the application was distributed: "App Store", "Ad hoc", "Enterprise", "Developer" or "Unknown", by the
+/// profile "embedded.mobileprovision" in the bundle. Does not verify its signature. Any thread. [provisioningMode]
 std::string provisioningMode(Bundle& bundle);
 
-/// The same for the bytes of a profile.
+/// Returns false: no store installs applications here. [provisionedFromAppStore]
+bool provisionedFromAppStore();
+
+// Owed to hosts and to the agreed interface; no caller inside the library but provisioningMode().
+
+/// Returns how the application was distributed, by the bytes of a profile. [releaseModeFromData:]
 std::string releaseModeFromData(const std::optional<Data>& data);
 
-/// The profile's property list, cut out of the bytes by its text markers; nothing when the markers or the list are
-/// broken.
+/// Returns the profile's property list, cut out of the bytes by its text markers; nothing when the markers or the list
+/// are broken. [parseDataIntoDictionary:]
 std::optional<Value> parseDataIntoDictionary(const Data& data);
-
-/// Always false: no store installs applications here.
-bool provisionedFromAppStore();
 
 }  // namespace kesu

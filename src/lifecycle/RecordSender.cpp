@@ -25,15 +25,15 @@ void RecordSender::postAndSave(Dictionary record) {
   platform_.defaults.synchronize();
 }
 
-// Handing every time to the system would be the larger half of what an event costs, and hosts that post meanwhile would
-// wait for it.
+// Synchronizing the user defaults for each record would be the larger half of what an event costs, and hosts that post
+// meanwhile would wait for their lock.
 void RecordSender::postAndSaveSoon(Dictionary record) {
   const std::string key = saveTimeKey(record);
   post_.post(std::move(record));
   const bool isFirst = saveTimes_.empty();
   saveTimes_[key] = platform_.clock.now();
   if (isFirst) {
-    platform_.background.post([this] { saveTimesNow(); });  // Runs at once while the process ends.
+    platform_.background.post([this] { saveTimesNow(); });  // Called synchronously while the process ends.
   }
 }
 
@@ -45,6 +45,7 @@ void RecordSender::saveTimesNow() {
   platform_.defaults.synchronize();
 }
 
+// The record is completed on the worker: the caller pays for a copy only. "ace" is therefore the time of completion.
 void RecordSender::postToTable(Dictionary record, std::string_view destination) {
   platform_.background.post([this, record = std::move(record), destination]() mutable {
     addCommonColumns(record, destination);
@@ -70,7 +71,7 @@ void RecordSender::saveTraits(TraitType type) {
 
 void RecordSender::addTraits(Dictionary& record, TraitType type) {
   addTraitData(record, type, instance_.identity().id2, platform_, metrics_);
-  if (type == TraitType::FirstLaunch) {
+  if (type == TraitType::FirstLaunch) {  // The first report to which later periods are compared.
     variants_.calculateVariantsForDMWQ(record);
   }
 }
@@ -79,6 +80,7 @@ void RecordSender::postActivation(Dictionary flags) {
   if (flags.empty()) {
     return;
   }
+  // Behind the flags: their order in the record is part of the wire contract.
   addCommonColumns(flags, k_TableTraits);
   postAndSave(std::move(flags));
 }

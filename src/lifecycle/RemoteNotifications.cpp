@@ -18,6 +18,7 @@ void RemoteNotifications::setRemoteNotificationDeviceToken(const Data& token) {
 }
 
 void RemoteNotifications::sendDeviceTokenTraits(const std::string& token) {
+  // Systems deliver the token at every launch; only a new one is worth a record.
   if (defaults_.text(k_DeviceTokenIdentifier) == token) {
     return;
   }
@@ -27,6 +28,7 @@ void RemoteNotifications::sendDeviceTokenTraits(const std::string& token) {
     record.set(k_KesuPushNotificationKey, token);
     sender_.postAndSave(std::move(record));
     KESU_LOG_AT(3, "KesuManager", 1473, "%s and device token %s", "sendDeviceTokenTraits:", token.c_str());
+    // Kept: remembered after the report, so that a call before it reports the token again.
     defaults_.set(k_DeviceTokenIdentifier, token);
     defaults_.synchronize();
   });

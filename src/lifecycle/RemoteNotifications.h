@@ -10,17 +10,17 @@
 
 namespace kesu {
 
-/// Reports device tokens and received notifications. Any thread.
+/// Reports device tokens and received push notifications. Any thread.
 class RemoteNotifications {
  public:
   RemoteNotifications(UserDefaults& defaults, BackgroundQueue& background, RecordSender& sender)
       : defaults_(defaults), background_(background), sender_(sender) {}
 
-  /// Reports a new token. The one reported last is not reported again.
+  /// Reports a token on the background queue. Ignores an empty one and the one reported last.
   void setRemoteNotificationDeviceToken(const Data& token);
 
-  /// Keeps the identifiers of a notification, which full traits carry from now on, and refreshes the traits at once.
-  /// What the notification lacks leaves the identifiers of an earlier one in place, and so does an empty `identifier`.
+  /// Keeps the identifiers of a notification, which full traits carry from now on, and posts full traits synchronously.
+  /// Missing and empty identifiers leave those of an earlier notification in place.
   void processReceivedRemoteNotification(const Object& identifier, const Dictionary& userInfo);
 
  private:

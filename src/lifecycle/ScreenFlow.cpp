@@ -10,17 +10,23 @@
 namespace kesu {
 namespace {
 
-constexpr double kLongestVisit = 7200.0;
-constexpr double kSecondsForALongerVisit = 300.0;
+// A screen visible for longer than a film was most likely left on: it counts as five minutes.
+constexpr double kLongestVisitSeconds = 7200.0;
+constexpr double kSecondsOfALongerVisit = 300.0;
 
 bool isAnyOf(char state, std::string_view states) {
   return states.find(state) != std::string_view::npos;
 }
 
-void setIfOther(UserDefaults& defaults, std::string_view key, const std::optional<std::string>& text) {
-  if (text && defaults.get(key) != Value(*text)) {
+void setIfKnown(UserDefaults& defaults, std::string_view key, const std::optional<std::string>& text) {
+  if (text) {
     defaults.set(key, *text);
   }
+}
+
+// Kept: cuts long visits in the flow, not in the usage totals.
+std::string screenEntry(std::string_view name, double seconds) {
+  return flowEntry(name, fixed(seconds > kLongestVisitSeconds ? kSecondsOfALongerVisit : seconds, 1));
 }
 
 }  // namespace
@@ -29,10 +35,6 @@ std::string flowEntry(std::string_view name, std::string_view seconds) {
   std::string entry = "$$";
   entry.append(name).append("~~").append(seconds);
   return entry;
-}
-
-std::string screenEntry(std::string_view name, double seconds) {
-  return flowEntry(name, fixed(seconds > kLongestVisit ? kSecondsForALongerVisit : seconds, 1));
 }
 
 bool endsSession(char state) {
@@ -58,7 +60,7 @@ void ScreenFlow::screenFlowHandler(char state, const ScreenKey& screen, Dictiona
   }
 }
 
-// What this session has itself stored is reported as well, but stays: the end of the session has to send it.
+// Kept: what this session itself has stored is reported as well. It stays, as the end of the session must send it.
 void ScreenFlow::reportUnsent(char state, Dictionary& record) {
   screens_.clear();
   std::string unsent = defaults_.text(k_UnsentScreenFlowData);
@@ -78,7 +80,7 @@ void ScreenFlow::reportUnsent(char state, Dictionary& record) {
 
 void ScreenFlow::beginScreen(const std::string& key, char state, double now) {
   screens_[key] = now;
-  if (state == kStateAppeared) {
+  if (state == kStateAppeared) {  // The time of death for the next run, should the process die.
     defaults_.set(k_CrashedOrForcedQuitTimestamp, milliseconds(now));
     defaults_.synchronize();
   }
@@ -122,10 +124,10 @@ void ScreenFlow::moveFlow(std::string_view key, Dictionary& record) {
 }
 
 void ScreenFlow::rememberVersions() {
-  if (bundle_.hasInfo()) {
-    setIfOther(defaults_, kFlowBundleVersionDefault, bundle_.infoText("CFBundleVersion"));
-    setIfOther(defaults_, kFlowShortVersionDefault, bundle_.infoText("CFBundleShortVersionString"));
-    setIfOther(defaults_, kFlowOsVersionDefault, metrics_.systemVersion());
+  if (bundle_.hasInfo()) {  // Versions that are unknown for the moment must not mix with known ones.
+    setIfKnown(defaults_, kFlowBundleVersionDefault, bundle_.infoText("CFBundleVersion"));
+    setIfKnown(defaults_, kFlowShortVersionDefault, bundle_.infoText("CFBundleShortVersionString"));
+    setIfKnown(defaults_, kFlowOsVersionDefault, metrics_.systemVersion());
   }
 }
 

@@ -16,20 +16,16 @@
 
 namespace kesu {
 
-/// Which screen: what its entry in the flow is called, and what tells two screens of one name apart.
+/// Identifies a screen: the name of its entry in the flow, and what distinguishes two screens of one name.
 struct ScreenKey {
   std::string prefix;
   std::string suffix;
 };
 
-/// One entry of a flow text: "$$" name "~~" seconds.
+/// Returns one entry of a flow text: "$$" name "~~" seconds.
 std::string flowEntry(std::string_view name, std::string_view seconds);
 
-/// The entry of a screen that was visible for `seconds`. Kept: more than two hours count as five minutes in the flow,
-/// not in the usage totals.
-std::string screenEntry(std::string_view name, double seconds);
-
-/// Whether a transition ends the session: its flows are sent and the usage of the session is counted.
+/// Returns whether a transition ends the session: its flows are sent and its usage is counted.
 bool endsSession(char state);
 
 /// Records which screens were visible and for how long. Any thread; one state change at a time.
@@ -38,8 +34,8 @@ class ScreenFlow {
   ScreenFlow(UserDefaults& defaults, Clock& clock, Bundle& bundle, KesuMetrics& metrics, UsageStatistics& usage)
       : defaults_(defaults), clock_(clock), bundle_(bundle), metrics_(metrics), usage_(usage) {}
 
-  /// Tracks one state change: adds the flows that are due to `record`. `screen` is the screen meant; for a launch, and
-  /// for changes of the application, the one that is on top.
+  /// Tracks one state change and adds the flows that are due to `record`. `screen` is the screen that changed; for
+  /// changes of the application, the one on top. [screenFlowHandler:]
   void screenFlowHandler(char state, const ScreenKey& screen, Dictionary& record);
 
  private:
@@ -58,7 +54,7 @@ class ScreenFlow {
 
   Mutex mutex_;
   std::map<std::string, double> screens_ KESU_GUARDED_BY(mutex_);  // Visible screens: start, seconds since 1970.
-  // Whether the flow in the user defaults, the only copy of it, is this session's and not that of an interrupted run.
+  // Whether the flow in the user defaults, its only copy, is this session's and not that of an interrupted run.
   bool isFlowOurs_ KESU_GUARDED_BY(mutex_) = false;
 };
 

@@ -54,14 +54,15 @@ void StateChanges::screenChanged(char state, const ScreenKey& screen) {
 void StateChanges::executePostMethod(const Change& change) {
   stateChangeEvent(change);
   Dictionary flags;
-  activations_.activationForLR(flags, change.state);
-  activations_.activationsForUniqueDays(flags, change.state);
-  variants_.calculateVariantsForDMWQ(flags);
+  reports_.activations.activationForLR(flags, change.state);
+  reports_.activations.activationsForUniqueDays(flags, change.state);
+  // Last: any flag that is already due makes this the report to which the next periods are compared.
+  reports_.variants.calculateVariantsForDMWQ(flags);
   sender_.postActivation(std::move(flags));
 }
 
 void StateChanges::stateChangeEvent(const Change& change) {
-  if (instance_.identity().id.empty()) {
+  if (instance_.identity().id.empty()) {  // Kept: a change before the initialisation is posted, without context.
     KESU_LOG_AT(3, "KesuManager", 1316, "self.kesuAppInstanceId is nil Init");
   }
   Dictionary record;
@@ -71,12 +72,12 @@ void StateChanges::stateChangeEvent(const Change& change) {
     record.set(key, value);
   }
   if (endsSession(change.state)) {
-    usage_.fillInTraitsForAggregateAndActivations(traits);
+    reports_.usage.fillInTraitsForAggregateAndActivations(traits);
   }
   addDetail(record, change);
   addDeviceState(record, change.state);
   sender_.post(std::move(record));
-  sender_.postActivation(std::move(traits));
+  sender_.postActivation(std::move(traits));  // Behind the change that closed the session which they sum up.
 }
 
 void StateChanges::addDetail(Dictionary& record, const Change& change) {
@@ -101,7 +102,7 @@ void StateChanges::addDeviceState(Dictionary& record, char state) {
   if (!bssid.empty()) {
     record.set(k_CurrentWifiBSSID, bssid);
   }
-  if (state == kStateLaunch) {
+  if (state == kStateLaunch) {  // It does not change within a run.
     setOrRemove(record, k_Uptime, metrics_.uptime());
   }
 }

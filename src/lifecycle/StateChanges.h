@@ -1,19 +1,17 @@
 #pragma once
 
 #include <kesu/foundation/Value.h>
-#include <kesu/platform/BackgroundQueue.h>
+#include <kesu/platform/Platform.h>
 
 #include <optional>
 #include <string>
 
 #include "device/KesuMetrics.h"
-#include "lifecycle/Activations.h"
 #include "lifecycle/AppInstance.h"
-#include "lifecycle/CalendarVariants.h"
+#include "lifecycle/CalendarReports.h"
 #include "lifecycle/RecordSender.h"
 #include "lifecycle/ScreenFlow.h"
 #include "lifecycle/TopScreen.h"
-#include "lifecycle/UsageStatistics.h"
 
 namespace kesu {
 
@@ -21,32 +19,29 @@ namespace kesu {
 /// are due with them.
 class StateChanges {
  public:
-  StateChanges(BackgroundQueue& background, KesuMetrics& metrics, const AppInstance& instance, RecordSender& sender,
-               ScreenFlow& flow, UsageStatistics& usage, Activations& activations, CalendarVariants& variants,
-               TopScreen& topScreen)
-      : background_(background),
+  StateChanges(Platform& platform, KesuMetrics& metrics, const AppInstance& instance, RecordSender& sender,
+               CalendarReports& reports, TopScreen& topScreen)
+      : background_(platform.background),
         metrics_(metrics),
         instance_(instance),
         sender_(sender),
-        flow_(flow),
-        usage_(usage),
-        activations_(activations),
-        variants_(variants),
-        topScreen_(topScreen) {}
+        reports_(reports),
+        topScreen_(topScreen),
+        flow_(platform.defaults, platform.clock, platform.bundle, metrics, reports.usage) {}
 
-  /// [stateChangeEventAppLevel::] A transition of the application. Main thread. Runs on the background queue, but for
-  /// the termination, which runs at once because the process is about to end. The flow is tracked at once in any case:
-  /// a screen that appears right after the call belongs to the session that the call has begun.
+  /// Reports a transition of the application. Main thread. Tracks the flow synchronously: a screen that appears right
+  /// after the call belongs to the session that the call has begun. Posts on the background queue; a termination posts
+  /// synchronously, because the process is about to end. [stateChangeEventAppLevel::]
   void stateChangeEventAppLevel(char state, const std::optional<std::string>& detail);
 
-  /// A screen appeared or disappeared: one record, at once, without a look at activations. Main thread.
+  /// Reports a screen that appeared or disappeared: one record, synchronously, without activations. Main thread.
   void screenChanged(char state, const ScreenKey& screen);
 
  private:
   struct Change {
     char state;
     std::optional<std::string> detail;
-    Dictionary flows;  ///< What the flow has to say about the change.
+    Dictionary flows;  ///< The flows that are due with the change.
   };
 
   ScreenKey screenFor(char state, const std::optional<std::string>& detail);
@@ -60,11 +55,9 @@ class StateChanges {
   KesuMetrics& metrics_;
   const AppInstance& instance_;
   RecordSender& sender_;
-  ScreenFlow& flow_;
-  UsageStatistics& usage_;
-  Activations& activations_;
-  CalendarVariants& variants_;
+  CalendarReports& reports_;
   TopScreen& topScreen_;
+  ScreenFlow flow_;
 };
 
 }  // namespace kesu

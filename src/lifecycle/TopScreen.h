@@ -6,12 +6,12 @@
 
 namespace kesu {
 
-/// Tells which screen is on top. Main thread.
+/// Knows which screen is on top. Main thread.
 class TopScreen {
  public:
   virtual ~TopScreen() = default;
 
-  /// The screen on top; nothing when there is none.
+  /// Returns the screen on top; nothing when there is none.
   virtual std::optional<ScreenKey> topScreen() = 0;
 };
 

@@ -38,6 +38,7 @@ Blocks blocksOf(TraitType type) {
   return {};
 }
 
+/// As a value: identifiers of a notification may be numbers, and stay what they were.
 void copyDefault(Dictionary& record, std::string_view key, UserDefaults& defaults, std::string_view source) {
   if (auto value = defaults.get(source)) {
     record.set(key, std::move(*value));

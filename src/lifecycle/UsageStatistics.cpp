@@ -11,8 +11,8 @@
 namespace kesu {
 namespace {
 
-constexpr int kWindows[] = {3, 5, 7};
-constexpr int kOldestDayKept = 6;
+constexpr int kWindows[] = {3, 5, 7};  // Days, today included.
+constexpr int kOldestDayKept = 6;      // The longest window needs no day before it.
 
 /// A threshold in seconds and the minutes by which its flag is named.
 struct Threshold {
@@ -22,7 +22,7 @@ struct Threshold {
 
 constexpr Threshold kWindowThresholds[] = {{5, 300}, {10, 600}, {15, 900}, {30, 1800}};
 constexpr Threshold kTotalThresholds[] = {{15, 900}, {30, 1800}, {60, 3600}};
-constexpr int kLastWindowThreshold = 30;
+constexpr int kLastWindowThreshold = 30;  // With it a window has nothing more to report.
 
 std::string windowFlag(int minutes, int days) {
   return "~a:u" + std::to_string(minutes) + "mo" + std::to_string(days) + "D";
@@ -37,7 +37,7 @@ std::string exceedsFlag(int days) {
 }
 
 std::int64_t wholeSeconds(double seconds) {
-  constexpr double kLargest = 9.0e18;
+  constexpr double kLargest = 9.0e18;  // Just inside 64 bits, and exact as a double.
   return std::isnan(seconds) ? 0 : static_cast<std::int64_t>(std::clamp(seconds, -kLargest, kLargest));
 }
 
@@ -91,7 +91,7 @@ void UsageStatistics::fillInTraitsForAggregateAndActivations(Dictionary& traits)
       raiseOnce(traits, totalFlag(threshold.minutes));
     }
   }
-  defaults_.set(kAggregateSecondsDefault, wholeSeconds(total));
+  defaults_.set(kAggregateSecondsDefault, wholeSeconds(total));  // Kept: the fraction is lost each time.
   defaults_.synchronize();
   secondsPartFromScreenFlow_ = 0.0;
 }

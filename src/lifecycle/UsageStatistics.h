@@ -11,18 +11,19 @@
 
 namespace kesu {
 
-/// Counts the seconds in the foreground and reports, once each, that a threshold was crossed: 5, 10, 15 or 30 minutes
-/// within 3, 5 or 7 days; 15, 30 or 60 minutes in all. Any thread.
+/// Counts the seconds in the foreground and reports each threshold that is crossed once: 5, 10, 15 or 30 minutes within
+/// 3, 5 or 7 days; 15, 30 or 60 minutes in all. Any thread.
 class UsageStatistics {
  public:
   UsageStatistics(UserDefaults& defaults, Clock& clock, WeekCalendar& calendar)
       : defaults_(defaults), clock_(clock), calendar_(calendar) {}
 
-  /// Adds seconds that were measured and not yet folded into the totals.
+  /// Adds measured seconds, pending until they are added to the totals.
   void addForegroundSeconds(double seconds);
 
-  /// Folds the pending seconds into the totals and adds all flags that are due.
-  /// Kept: once the three flags of the total are sent, the pending seconds are no longer folded and stay.
+  /// Adds the pending seconds to the totals, and the flags that are due to `traits`.
+  /// Kept: once the three flags of the total are sent, the seconds stay pending.
+  /// [fillInTraitsForAggregateAndActivations:]
   void fillInTraitsForAggregateAndActivations(Dictionary& traits);
 
  private:

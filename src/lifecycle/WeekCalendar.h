@@ -7,37 +7,32 @@
 
 namespace kesu {
 
-/// Calendar fields of an instant, with the week it lies in.
+/// Calendar fields of an instant and of its week.
 struct CalendarComponents {
   LocalTime time;
   int weekOfYear = 1;
   int weekBasedYear = 1970;
 };
 
-/// The week of a day. Pure. Weeks begin on Monday.
-/// Kept: the first week of a year is its first whole Monday-to-Sunday week; the days before it belong to the last week
-/// of the year before. (The international standard asks for four days only.)
-CalendarComponents withWeek(const LocalTime& time);
-
-/// "%ld%02ld%02ld": year, month and day, eight digits.
-std::string dayText(const LocalTime& time);
-
 /// The calendar by which usage and periods are counted. Any thread.
+///
+/// Kept: weeks begin on Monday, and the first week of a year is its first whole one; the days before it belong to the
+/// last week of the year before. (The international standard asks for four days only.)
 class WeekCalendar {
  public:
   explicit WeekCalendar(LocaleService& locale) : locale_(locale) {}
 
-  /// The fields of an instant in the device's time zone.
+  /// Returns the fields of an instant in the device's time zone.
   CalendarComponents components(double secondsSince1970);
 
-  /// The same for GMT. Kept: the instant is shifted by the offset of `now`, not by its own, so that on the far side of
-  /// a daylight-saving change it is an hour off.
+  /// Returns the fields of an instant in GMT. Kept: the instant is shifted by the offset of `now`, not by its own, so
+  /// that on the far side of a daylight-saving change it is an hour off.
   CalendarComponents gmtDateComponents(double secondsSince1970, double now);
 
-  /// The GMT day string of the day `days` days before `now`.
+  /// Returns the day `days` days before `now` in GMT as eight digits: year, month, day.
   std::string dayStringFromToday(int days, double now);
 
-  /// The instant `days` days after (before, when negative) with the same time on the clock. A time that a
+  /// Returns the instant `days` days later (earlier, when negative) at the same local time. A time that a
   /// daylight-saving change skips moves forward.
   double addingDays(double secondsSince1970, int days);
 

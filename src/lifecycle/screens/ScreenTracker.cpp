@@ -32,7 +32,7 @@ void report(char state, const ScreenKey& screen) {
   }
 }
 
-/// Outlives the tracker, which tests make anew.
+/// Outlives the tracker, which tests replace.
 class Forwarder : public AppearanceObserver {
  public:
   void didAppear(ViewController& controller) override { sharedScreenTracker().didAppear(controller); }
@@ -66,6 +66,7 @@ void ScreenTracker::screenAppeared(const std::string& name, std::uint64_t id) {
 
 void ScreenTracker::screenDisappeared(const std::string& name, std::uint64_t id) {
   const ScreenKey key = {name, suffixOf(id)};
+  // From the end: a host may show a screen twice under one identifier, and the latest is the one that left.
   for (std::size_t i = ownScreens_.size(); i-- > 0;) {
     if (ownScreens_[i].prefix == key.prefix && ownScreens_[i].suffix == key.suffix) {
       ownScreens_.erase(ownScreens_.begin() + static_cast<std::ptrdiff_t>(i));
