@@ -29,7 +29,7 @@ Kesu::Kesu() {
 
 Kesu& Kesu::sharedKesu() {
   static Kesu shared{Shared{}};
-  wiring();
+  wiring();  // Its observers are what a host calls this for.
   return shared;
 }
 
@@ -41,6 +41,7 @@ void Kesu::initialize(const Object& key, std::int64_t logThrottling) {
   Kesu::logThrottling(logThrottling);
   const std::string* text = key ? key->text() : nullptr;
   wiring().manager.initializeWithKey(text != nullptr ? *text : "");
+  // On the worker: reading an inbox of thousands of messages takes longer than a frame.
   wiring().inbox.readAhead(wiring().platform.background);
 }
 
@@ -108,6 +109,7 @@ void Kesu::getMessagesForType(KesuInAppMessageType type, ObjectHandler handler) 
 
 Object Kesu::previousReadMessages() {
   Object previous = wiring().inbox.kesu_previousReadMessages();
+  // Kept: the inbox stores "" for none; hosts get nil.
   return previous && previous->text() != nullptr ? Object() : previous;
 }
 

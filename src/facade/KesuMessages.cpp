@@ -26,6 +26,7 @@ KesuInAppPresenter& initializedPresenter() {
 void show(ViewController* controller, KesuInAppMessageType type, const KesuInAppPresenter::Colors& colors,
           Kesu::InAppHandler handler) {
   KesuInAppPresenter& presenter = initializedPresenter();
+  // A host that has destroyed its window took the popup with it, which must not block later shows.
   if (presenter.isInAppShown() && !presenter.hasLostItsWindow()) {
     return;
   }
@@ -82,7 +83,7 @@ void Kesu::addBadge(View* view) {
       addUnreadBadge(*alive, count);
     }
   });
-  wiring().presenter.loadFonts();
+  wiring().presenter.loadFonts();  // Ahead of the reply, so that the badge need not wait for them.
 }
 
 void Kesu::setInAppOptions(KesuInAppOptions options) {

@@ -14,7 +14,8 @@ void writeServiceLine(int level, const std::string& text) {
   KESU_LOG(level, "%s", text.c_str());
 }
 
-/// Before main() starts: a host may ask for any service, post, or show a screen before it has called Kesu.
+/// Before main() starts: a host may use any service, post, or show a screen before its first call of Kesu. Only
+/// function pointers are set here, as other constructors of the process may not have run yet.
 [[maybe_unused]] const bool connected = [] {
   Platform::setDefaultInstaller([] { installLinuxPlatform(); });
   EventPoster::setProvider([]() -> EventPoster& { return wiring().manager; });
@@ -30,6 +31,7 @@ Wiring& wiring() {
   return SharedInstance<Wiring>::get([] { return std::make_unique<Wiring>(Platform::current()); });
 }
 
+// Apart from Wiring, as it creates its directory.
 KesuImageCache& sharedImageCache() {
   return SharedInstance<KesuImageCache>::get([] {
     Platform& platform = Platform::current();

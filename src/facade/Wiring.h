@@ -12,23 +12,25 @@
 
 namespace kesu {
 
-/// [KesuImageCache sharedImageCache] The cache of message pictures, made (with its directory) at the first call. Any
-/// thread.
+/// Returns the cache of message pictures, created (with its directory) at the first call: a host that shows no messages
+/// gets no directory. Any thread. [KesuImageCache sharedImageCache]
 KesuImageCache& sharedImageCache();
 
-/// Every object of the library, created in this order on the installed platform at the first call: those of delivery
-/// and messaging first, which the others use.
+/// Every object of the library and its collaborators, created in this order (each may use those above it), those of
+/// delivery and messaging first. wiring() creates it on the installed platform; tests may create one on any platform, one
+/// at a time.
 struct Wiring : MessagingWiring {
   using MessagingWiring::MessagingWiring;
 
   ResendPass resendPass{store, post, platform.mainLoop, platform.clock};
   KesuInAppPresenter presenter{{platform, inbox, imageLoader, &sharedImageCache, post, metrics}};
   PersonalizationTags tags{platform.http, platform.defaults, settings};
-  ScreenTracker& screens = sharedScreenTracker();
+  ScreenTracker& screens = sharedScreenTracker();  // Shared: screens may appear before the first call.
   KesuManager manager{platform, settings, metrics, post, resendPass, screens};
 };
 
-/// The objects of this process, made at the first call. Never destroyed.
+/// Returns the objects of this process, created at the first call. Never destroyed: exit handlers and threads may still
+/// use them.
 Wiring& wiring();
 
 }  // namespace kesu

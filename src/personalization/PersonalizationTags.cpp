@@ -18,7 +18,7 @@ constexpr LogPlace kReplyPlace{"KesuPersonalizationIntelligence", 159};
 
 std::atomic<PersonalizationTags::Provider> providerOfTags{nullptr};
 
-// The list in a reply, which holds it as JSON within a text of JSON; nothing unless there is a tag in it.
+// The list in a reply, which contains it as JSON within a JSON text; nothing unless there is a tag in it.
 std::optional<Value> tagsIn(const Object& reply) {
   const Dictionary* outer = reply ? reply->dictionary() : nullptr;
   const std::string* json = outer != nullptr ? outer->findText(kTagsKey) : nullptr;
@@ -29,7 +29,7 @@ std::optional<Value> tagsIn(const Object& reply) {
   return hasTags ? std::optional(*tags) : std::nullopt;
 }
 
-bool holds(const Array& tags, const Value& tag) {
+bool contains(const Array& tags, const Value& tag) {
   return std::find(tags.begin(), tags.end(), tag) != tags.end();
 }
 
@@ -44,13 +44,14 @@ void PersonalizationTags::getTags(ServiceReplyHandler completion) {
 void PersonalizationTags::finish(const Object& reply, const ServiceReplyHandler& completion) {
   const Object tags = tagsIn(reply);
   if (tags) {
+    // Nulls cannot be kept. The completion receives the list as sent, and an emptied one replaces nothing.
     Value kept = keepableCopy(*tags);
     if (!kept.array()->empty()) {
       defaults_.set(kTagsDefault, std::move(kept));
       defaults_.synchronize();
     }
   }
-  if (completion && !isEndingAtExit()) {
+  if (completion && !isEndingAtExit()) {  // In an exit handler, what a completion uses may be destroyed already.
     completion(tags);
   }
 }
@@ -62,18 +63,18 @@ Array PersonalizationTags::storedTags() {
 }
 
 bool PersonalizationTags::isTagSet(const Object& tag) {
-  return !isMissingOrEmpty(tag) && holds(storedTags(), *tag);
+  return !isMissingOrEmpty(tag) && contains(storedTags(), *tag);
 }
 
 bool PersonalizationTags::areAnyTagsSet(const Array& tags) {
   const Array stored = storedTags();
-  return std::any_of(tags.begin(), tags.end(), [&stored](const Value& tag) { return holds(stored, tag); });
+  return std::any_of(tags.begin(), tags.end(), [&stored](const Value& tag) { return contains(stored, tag); });
 }
 
 bool PersonalizationTags::areAllTagsSet(const Array& tags) {
   const Array stored = storedTags();
   return !tags.empty() &&
-         std::all_of(tags.begin(), tags.end(), [&stored](const Value& tag) { return holds(stored, tag); });
+         std::all_of(tags.begin(), tags.end(), [&stored](const Value& tag) { return contains(stored, tag); });
 }
 
 std::string PersonalizationTags::url() {

@@ -12,33 +12,34 @@
 
 namespace kesu {
 
-/// The object behind KesuPersonalizationIntelligence. Any thread; completions are called on the main loop, but not by
-/// an exit handler.
+/// The object behind KesuPersonalizationIntelligence, where the first operations are documented. Any thread;
+/// completions are called on the main loop, but not by an exit handler.
 class PersonalizationTags {
  public:
   PersonalizationTags(HttpClient& http, UserDefaults& defaults, DeploymentSettings& settings)
       : http_(http), defaults_(defaults), settings_(settings) {}
 
-  /// See KesuPersonalizationIntelligence.
   void getTags(ServiceReplyHandler completion);
   bool isTagSet(const Object& tag);
   bool areAnyTagsSet(const Array& tags);
   bool areAllTagsSet(const Array& tags);
 
-  /// [postInternalWithDictionary:forHandler:] Sends a body; the handler gets the parsed reply. When no request can be
-  /// made of it, nothing happens.
-  void postInternalWithDictionary(const Dictionary& body, ServiceReplyHandler handler);
-
-  /// [requestFromDictionary:] The request that carries a body; nothing when it cannot be JSON.
-  std::optional<HttpRequest> requestFromDictionary(const Dictionary& body);
-
-  /// The object of this process, made at the first call.
+  /// Returns the object of this process, created at the first call.
   static PersonalizationTags& shared();
 
   using Provider = PersonalizationTags& (*)();
 
-  /// Names who makes the object. The facade does so once.
+  /// Sets the function that creates the object. Called once, by the facade, which knows all objects.
   static void setProvider(Provider provider);
+
+  // Owed to hosts and to the agreed interface; no caller inside the library but this class.
+
+  /// Sends a body; the handler receives the parsed reply. Does nothing when the body cannot be JSON.
+  /// [postInternalWithDictionary:forHandler:]
+  void postInternalWithDictionary(const Dictionary& body, ServiceReplyHandler handler);
+
+  /// Returns the request that carries a body; nothing when it cannot be JSON. [requestFromDictionary:]
+  std::optional<HttpRequest> requestFromDictionary(const Dictionary& body);
 
  private:
   std::string url();

@@ -22,17 +22,17 @@ class TagsTest : public ::testing::Test {
     platform.defaults.set(kInstanceIdDefault, "id");
   }
 
-  /// Fetches with this reply; returns what the completion was told, one JSON text a call.
+  /// Fetches with this reply; returns what the completion received, one JSON text per call.
   std::vector<std::string> fetch(HttpReply reply) {
-    std::vector<std::string> told;
-    tags.getTags([&told](const Object& result) {
+    std::vector<std::string> received;
+    tags.getTags([&received](const Object& result) {
       std::string text;
       writeJson(result ? *result : Value(), text);
-      told.push_back(text);
+      received.push_back(text);
     });
     platform.http.answer(platform.http.requestCount() - 1, std::move(reply));
     platform.settle();
-    return told;
+    return received;
   }
   std::vector<std::string> fetch(const std::string& body) { return fetch(testing::FakeHttpClient::reply(200, body)); }
 
@@ -67,6 +67,9 @@ TEST_F(TagsTest, KeepsTheLastListThatHadTags) {
   }
   EXPECT_TRUE(platform.log.takeLines().empty());
   EXPECT_EQ(*platform.defaults.keptOnDisk().find(kTagsDefault), Value(Array{"gold", "sports"}));
+}
+
+TEST_F(TagsTest, KeepsTagsWithoutNulls) {
   EXPECT_EQ(fetch(R"({"tags":"{\"tags\":[null,\"new\"]}"})"), Strings{R"([null,"new"])"}) << "as sent";
   EXPECT_EQ(fetch(R"({"tags":"{\"tags\":[null]}"})"), Strings{"[null]"});
   tags.getTags({});
@@ -92,8 +95,8 @@ TEST_F(TagsTest, CallsTheCompletionAsOftenAsTheReplySays) {
   EXPECT_EQ(lines[1].text, "[KesuPersonalizationIntelligence:159]Error: Status Code 503, (null) - service unavailable");
 }
 
-TEST_F(TagsTest, KeepsTagsThatComeAtTheEndAndTellsNobodyThen) {
-  tags.getTags([](const Object&) { ADD_FAILURE() << "what a completion uses is gone when an exit handler runs"; });
+TEST_F(TagsTest, KeepsTagsThatComeAtTheEndAndCallsNoCompletionThen) {
+  tags.getTags([](const Object&) { ADD_FAILURE() << "what a completion uses is destroyed when an exit handler runs"; });
   platform.http.answer(0, 200, kTwoTags);
   endAtExit(platform.platform);
   EXPECT_TRUE(tags.isTagSet("gold"));
@@ -128,9 +131,9 @@ TEST_F(TagsTest, AnswersFromTheKeptList) {
 
 TEST_F(TagsTest, SurvivesMutatedReplies) {
   testing::forEachMutation(kTwoTags, [&](const std::string& damaged) {
-    const Strings told = fetch(damaged);
-    ASSERT_EQ(told.size(), 1U) << damaged;
-    ASSERT_TRUE(told[0] == "null" || told[0].starts_with("[")) << damaged;
+    const Strings received = fetch(damaged);
+    ASSERT_EQ(received.size(), 1U) << damaged;
+    ASSERT_TRUE(received[0] == "null" || received[0].starts_with("[")) << damaged;
   });
 }
 

@@ -12,6 +12,7 @@ namespace kesu {
 namespace {
 
 [[gnu::format(printf, 1, 0)]] std::string formatted(const char* format, std::va_list arguments) {
+  // Nearly every line fits; a longer one is formatted twice rather than cut.
   std::array<char, 512> shortText;
   std::va_list again;
   va_copy(again, arguments);

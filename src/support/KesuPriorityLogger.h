@@ -8,11 +8,11 @@ namespace kesu {
 /// The one logger of the library: every diagnostic line goes through it, filtered by a single threshold.
 ///
 /// A line of level L is written when the threshold is at least L: 0 is always shown, 2 is a warning, 3 is verbose. Any
-/// thread; the threshold is a relaxed atomic, so a change may let one line through or hold one back. Use the macros
-/// below: they compare before the arguments are evaluated, so that a suppressed line costs one comparison.
+/// thread; the threshold is a relaxed atomic, so that a change may be one line late. Use the macros below: they compare
+/// before the arguments are evaluated, so that a suppressed line costs one comparison.
 class KesuPriorityLogger {
  public:
-  /// The logger. Lines go to the log sink of the installed platform.
+  /// Returns the logger, which writes to the log sink of the installed platform. [KesuPriorityLogger sharedLogger]
   static KesuPriorityLogger& sharedLogger();
 
   constexpr KesuPriorityLogger() = default;
@@ -20,7 +20,8 @@ class KesuPriorityLogger {
   void setLogLevel(std::uint64_t level) { kesuLogLevel_.store(level, std::memory_order_relaxed); }
   std::uint64_t logLevel() const { return kesuLogLevel_.load(std::memory_order_relaxed); }
 
-  /// Whether a line of `level` would be written. The level is widened with its sign, so a negative one never is.
+  /// Returns whether a line of `level` would be written. The level is widened with its sign, so that a negative one is
+  /// written only if everything is.
   bool shows(std::int32_t level) const {
     return logLevel() >= static_cast<std::uint64_t>(static_cast<std::int64_t>(level));
   }
@@ -28,11 +29,11 @@ class KesuPriorityLogger {
   /// Formats (as printf does) and writes one line.
   [[gnu::format(printf, 3, 4)]] void logWithLevel(std::int32_t level, const char* format, ...);
 
-  /// The same with "[file:line]" in front; only the last component of `filePath` is shown.
+  /// Writes the line with "[file:line]" in front, where only the last component of `filePath` is shown.
   [[gnu::format(printf, 5, 6)]] void logWithLevel(std::int32_t level, const char* filePath, unsigned long lineNo,
                                                   const char* format, ...);
 
-  /// Does nothing. Kept: the logger has always had it and there is nothing to display.
+  // Owed to hosts and to the agreed interface; no caller inside the library, as there is nothing to display.
   void display() const {}
 
  private:
@@ -57,8 +58,8 @@ inline KesuPriorityLogger& KesuPriorityLogger::sharedLogger() {
     }                                                                              \
   } while (false)
 
-/// Writes a line that names where it comes from: KESU_LOG_AT(level, "KesuStore", 114, format, ...). The name and number
-/// are part of the text that people search for; they do not follow the source when it moves.
+/// Writes a line with its origin: KESU_LOG_AT(level, "KesuStore", 114, format, ...). Name and number are part of the
+/// text that people search for; they do not follow the source when it moves.
 #define KESU_LOG_AT(level, file, line, ...)                                                                  \
   do {                                                                                                       \
     if (::kesu::KesuPriorityLogger::sharedLogger().shows(level)) {                                           \
