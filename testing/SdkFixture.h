@@ -12,8 +12,8 @@
 
 namespace kesu::testing {
 
-/// The whole library on a platform of doubles, driven as a host does. A line of level 0 or 2 that the test did not take
-/// is a failure.
+/// The whole library on a platform of doubles, driven as by a host. Fails a test that leaves log lines of level 0 or 2
+/// in place.
 class SdkFixture : public ::testing::Test {
  protected:
   SdkFixture() {
@@ -31,7 +31,7 @@ class SdkFixture : public ::testing::Test {
     }
   }
 
-  /// Initialises the library and reports the launch, as a fresh process does. The banner is taken.
+  /// Initialises the library and reports the launch, as a fresh process does. Removes the banner from the log.
   void launch(const char* key = "key", std::int64_t logLevel = 2) {
     Kesu::initialize(key, logLevel);
     platform.log.takeLines();
@@ -39,13 +39,13 @@ class SdkFixture : public ::testing::Test {
     platform.settle();
   }
 
-  /// Forgets the library's objects, as the end of the process does. Disk and defaults stay.
+  /// Destroys the library's objects, as the end of the process does. Disk and defaults stay.
   void endProcess() {
     resetSharedInstances();
     Kesu::logThrottling(0);
   }
 
-  /// Ends the process as kill -9 does: what is queued, on its way or not synchronized is lost.
+  /// Ends the process as kill -9 does: loses what is queued, on its way or not synchronized.
   void die() {
     platform.background.discardAll();
     platform.http.discardPending();
@@ -58,14 +58,14 @@ class SdkFixture : public ::testing::Test {
     launch(key);
   }
 
-  /// Answers every open request and lets the consequences happen.
+  /// Answers every open request and runs what follows.
   void answerAll(int status) {
     platform.settle();
     platform.http.answerAll(status);
     platform.settle();
   }
 
-  /// The destinations of the requests since forgetRequests(), one letter each, in order.
+  /// Returns the destinations of the requests since forgetRequests(), one letter each, in order.
   std::string destinations() {
     std::string letters;
     const auto requests = platform.http.requests();
@@ -75,10 +75,10 @@ class SdkFixture : public ::testing::Test {
     return letters;
   }
 
-  /// Lets destinations() and body() begin with the next request.
+  /// Starts destinations() and body() at the next request.
   void forgetRequests() { forgotten_ = platform.http.requestCount(); }
 
-  /// The body of the i-th request since forgetRequests().
+  /// Returns the body of the i-th request since forgetRequests().
   Dictionary body(std::size_t i) { return *parseJson(platform.http.request(forgotten_ + i).body)->dictionary(); }
   Dictionary lastBody() { return body(platform.http.requestCount() - forgotten_ - 1); }
 

@@ -10,8 +10,8 @@ namespace kesu {
 namespace {
 
 constexpr int kSessions = 25;
-constexpr int kScreensASession = 4;
-constexpr int kPostsAThread = 150;
+constexpr int kScreensPerSession = 4;
+constexpr int kPostsPerThread = 150;
 
 std::size_t countOf(const std::string& entry, const std::string& flow) {
   std::size_t count = 0;
@@ -33,7 +33,7 @@ std::string flowOf(testing::RealPlatform& platform, const char* key) {
 }
 
 void postFromThread() {
-  for (int post = 0; post < kPostsAThread; ++post) {
+  for (int post = 0; post < kPostsPerThread; ++post) {
     KesuCustomEvent::postWithEventName("Event", {{"k", "v"}});
     Kesu::updateScreenFlowForScenesWithName("Scene", 1.0);
     if (post % 10 == 0) {
@@ -51,7 +51,7 @@ TEST(Concurrency, LosesNoEntryOfAFlow) {
   std::thread first(postFromThread);
   std::thread second(postFromThread);
   for (int session = 0; session < kSessions; ++session) {
-    for (int screen = 0; screen < kScreensASession; ++screen) {
+    for (int screen = 0; screen < kScreensPerSession; ++screen) {
       const ScreenScope scope("Screen");
     }
     Application::shared().didEnterBackground();
@@ -62,9 +62,9 @@ TEST(Concurrency, LosesNoEntryOfAFlow) {
   second.join();
   Application::shared().didEnterBackground();
   ASSERT_TRUE(platform.settle());
-  EXPECT_EQ(countOf("$$Screen~~0.", flowOf(platform, "~sf")), kSessions * kScreensASession);
-  EXPECT_EQ(countOf("$$Event~~0", flowOf(platform, "~ef")), 2U * kPostsAThread);
-  EXPECT_EQ(countOf("$$Scene~~1.0", flowOf(platform, "~uf")), 2U * kPostsAThread);
+  EXPECT_EQ(countOf("$$Screen~~0.", flowOf(platform, "~sf")), kSessions * kScreensPerSession);
+  EXPECT_EQ(countOf("$$Event~~0", flowOf(platform, "~ef")), 2U * kPostsPerThread);
+  EXPECT_EQ(countOf("$$Scene~~1.0", flowOf(platform, "~uf")), 2U * kPostsPerThread);
   EXPECT_EQ(platform.defaults.text("UnsentScreens") + platform.defaults.text("~ef"), "");
 }
 

@@ -1,5 +1,5 @@
-// What is told of a session that ended by kill -9: the flow and the time of the last appearance, once, with the next
-// launch, whatever the moment of death.
+// What is reported of a session that ended by kill -9: the flow and the time of the last appearance, once, with the
+// next launch, whatever the moment of death.
 #include <kesu.h>
 #include <signal.h>
 #include <sys/wait.h>
@@ -26,12 +26,15 @@ int rounds() {
   return std::getenv("KESU_LONG_TESTS") != nullptr ? 100 : 25;
 }
 
-/// What the user defaults hold of the flows.
+/// The flows in the user defaults.
 struct Kept {
   std::string screens;
   std::string lastAppearance;
   std::string events;
   friend bool operator==(const Kept&, const Kept&) = default;
+  friend std::ostream& operator<<(std::ostream& out, const Kept& kept) {
+    return out << kept.screens << " " << kept.lastAppearance << " " << kept.events;
+  }
 };
 
 /// One step of the session. Both sides throw the same dice, so that the test knows what the child does.
@@ -106,7 +109,7 @@ class Child {
     installLinuxPlatform(options);
     Kesu::initialize("key");
     Application::shared().didFinishLaunching();
-    say("launch " + lastState());
+    writeLine("launch " + lastState());
   }
 
   void play(const Step& step) {
@@ -122,12 +125,12 @@ class Child {
     } else {
       screenDisappeared(kScreens[step.screen]);
     }
-    say("step");
+    writeLine("step");
   }
 
   void reportBackground() {
     Application::shared().didEnterBackground();
-    say("background " + lastState());
+    writeLine("background " + lastState());
   }
 
  private:
@@ -143,7 +146,7 @@ class Child {
     return "";
   }
 
-  void say(const std::string& line) {
+  void writeLine(const std::string& line) {
     const std::string whole = line + "\n";
     if (::write(pipe_, whole.data(), whole.size()) < 0) {
       ::_exit(1);
@@ -170,7 +173,7 @@ bool readSome(int descriptor, std::string& text) {
   return count > 0;
 }
 
-/// Runs `body` in a child until its end or its death, and returns the whole lines that it said.
+/// Runs `body` in a child until its end or its death, and returns the whole lines that it wrote.
 std::vector<std::string> linesOf(const std::function<void(int)>& body, Death death = {}) {
   int pipe[2] = {-1, -1};
   EXPECT_EQ(::pipe(pipe), 0);
@@ -214,14 +217,30 @@ std::string textOf(const std::string& line, const char* key) {
 
 class ForcedQuit : public ::testing::Test {
  protected:
-  /// What may be on disk after the child acknowledged that many steps.
-  static std::vector<Kept> statesAfter(std::size_t acknowledged, double start, unsigned seed) {
+  /// Plays the session of these dice until its death; returns the lines of the child.
+  std::vector<std::string> killed(double start, unsigned seed, Death death) {
+    return linesOf(
+        [&](int pipe) {
+          Child child(home.path(), start, pipe);
+          for (std::mt19937 dice(seed);;) {
+            child.play(Step(dice));
+          }
+        },
+        death);
+  }
+
+  /// What the next launch may report after the child acknowledged that many steps.
+  static std::vector<Kept> reportedAfter(std::size_t acknowledged, double start, unsigned seed) {
     std::mt19937 dice(seed);
     Session session(start);
     for (std::size_t step = 0; step < acknowledged; ++step) {
       session.play(Step(dice));
     }
-    return session.play(Step(dice));
+    std::vector<Kept> states = session.play(Step(dice));
+    for (Kept& state : states) {  // The time belongs to an interrupted flow, and waits for one without it.
+      state.lastAppearance = state.screens.empty() ? "" : state.lastAppearance;
+    }
+    return states;
   }
 
   /// A launch that lives to report what the one before left behind.
@@ -254,28 +273,16 @@ TEST_F(ForcedQuit, IsReportedOnceWithTheNextLaunch) {
   for (int round = 0; round < rounds(); ++round) {
     const double start = 1489579320.0 + round * 1e7;
     const auto seed = static_cast<unsigned>(random());
-    const auto lines = linesOf(
-        [&](int pipe) {
-          Child child(home.path(), start, pipe);
-          for (std::mt19937 dice(seed);;) {
-            child.play(Step(dice));
-          }
-        },
-        {round % 5 != 0, std::chrono::microseconds(random() % 60'000)});
+    const auto lines = killed(start, seed, {round % 5 != 0, std::chrono::microseconds(random() % 60'000)});
     if (!lines.empty()) {
       EXPECT_EQ(textOf(lines[0], "~uf") + textOf(lines[0], "~cfqt"), "") << "reported twice";
     }
     const std::size_t acknowledged = lines.empty() ? 0 : lines.size() - 1;
-    auto states = statesAfter(acknowledged, start, seed);
-    for (Kept& state : states) {  // The time says when a flow was interrupted; without a flow it waits for one.
-      state.lastAppearance = state.screens.empty() ? "" : state.lastAppearance;
-    }
+    const auto states = reportedAfter(acknowledged, start, seed);
     const Kept found = report(start + 5e6);
     EXPECT_NE(std::find(states.begin(), states.end(), found), states.end())
-        << "round " << round << " after step " << acknowledged << ": " << found.screens << " " << found.lastAppearance
-        << " " << found.events << "\nexpected " << states.front().screens << " " << states.front().lastAppearance << " "
-        << states.front().events << "\nor " << states.back().screens << " " << states.back().lastAppearance << " "
-        << states.back().events;
+        << "round " << round << " after step " << acknowledged << ": " << found << "\nexpected " << states.front()
+        << "\nor " << states.back();
     steps += acknowledged;
     interrupted += found.screens.empty() ? 0U : 1U;
   }

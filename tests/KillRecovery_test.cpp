@@ -103,7 +103,7 @@ TEST(KillRecovery, KeepsEveryAcknowledgedRecordAndItsIdentity) {
     identifier = found;
     EXPECT_GE(defaults.integer("alc"), initialisations);
     EXPECT_LE(defaults.integer("alc"), round + 1);
-    // The store's counter only grows, and removes a file when it passes its limit; the next round begins anew.
+    // The store's counter only grows, and removes a file when it passes its limit; the next round starts at 0.
     defaults.set("~numberOfFiles", 0);
     defaults.synchronize();
   }

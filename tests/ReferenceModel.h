@@ -71,7 +71,7 @@ class ReferenceModel {
 
  private:
   using Screen = std::pair<std::string, std::string>;
-  struct Counted {  // What another key starts anew.
+  struct Counted {  // Replaced by another key.
     int launchesAndResumes = 0;
     std::set<std::string> flags;
     std::map<std::string, long> usage;

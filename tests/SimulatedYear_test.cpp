@@ -94,7 +94,7 @@ class SimulatedYear : public testing::SdkFixture, public ::testing::WithParamInt
     if (chance(0.02)) {
       platform.device.systemVersionText = model.osVersion = std::to_string(12 + pick(5));
     }
-    // Another key begins all counting anew: milestones are on their way at every season.
+    // Another key restarts all counters: milestones are on their way at every season.
     const char* key =
         static_cast<int>((platform.clock.now() - kBegin) / kDay) / daysAKey % 2 == 0 ? "one key" : "another key";
     Kesu::initialize(key);

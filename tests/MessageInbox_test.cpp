@@ -1,4 +1,4 @@
-// Messages and tags as a host asks for them: on doubles, and over real TLS.
+// Messages and tags as a host fetches them: on doubles, and over real TLS.
 #include "facade/Wiring.h"
 #include "foundation/Json.h"
 #include "graphics/PngEncoder.h"
@@ -27,7 +27,7 @@ std::string jsonText(const Object& value) {
 class MessagesOfAHostTest : public testing::SdkFixture {
  protected:
   Kesu::ObjectHandler listen() {
-    return [this](const Object& result) { told.push_back(jsonText(result)); };
+    return [this](const Object& result) { received.push_back(jsonText(result)); };
   }
 
   /// Answers the request that is `fromEnd` places from the last.
@@ -36,7 +36,7 @@ class MessagesOfAHostTest : public testing::SdkFixture {
     platform.settle();
   }
 
-  std::vector<std::string> told;
+  std::vector<std::string> received;
 };
 
 TEST_F(MessagesOfAHostTest, NeedsTheInitialisation) {
@@ -74,10 +74,10 @@ TEST_F(MessagesOfAHostTest, GoFromHeaderToBodyAndSurviveARestart) {
   answerAll(200);
   Kesu::getMessageBodyWithCampaignID("c", "m", listen());
   Kesu::getMessageHeadersForType(Type::Read, listen());
-  EXPECT_EQ(told, (std::vector<std::string>{R"([{"mid":"m","cid":"c"}])", R"({"payload":{"title":"Hello"}})",
-                                            R"({"payload":{"title":"Hello"}})",
-                                            R"([{"mid":"m","cid":"c","contentRead":true}])"}));
-  EXPECT_EQ(jsonText(Kesu::previousReadMessages()), told.back());
+  EXPECT_EQ(received, (std::vector<std::string>{R"([{"mid":"m","cid":"c"}])", R"({"payload":{"title":"Hello"}})",
+                                                R"({"payload":{"title":"Hello"}})",
+                                                R"([{"mid":"m","cid":"c","contentRead":true}])"}));
+  EXPECT_EQ(jsonText(Kesu::previousReadMessages()), received.back());
 }
 
 TEST_F(MessagesOfAHostTest, AnswersForTagsThatWereFetchedBefore) {
@@ -89,7 +89,7 @@ TEST_F(MessagesOfAHostTest, AnswersForTagsThatWereFetchedBefore) {
   EXPECT_TRUE(KesuPersonalizationIntelligence::isTagSet("gold"));
   EXPECT_TRUE(KesuPersonalizationIntelligence::areAnyTagsSet({"silver", "gold"}));
   EXPECT_FALSE(KesuPersonalizationIntelligence::areAllTagsSet({"silver", "gold"}));
-  EXPECT_EQ(told, std::vector<std::string>{R"(["gold"])"});
+  EXPECT_EQ(received, std::vector<std::string>{R"(["gold"])"});
 }
 
 /// The library against a messaging service over TLS and a collector, both on this machine.
@@ -114,10 +114,13 @@ class MessagesOverTlsTest : public ::testing::Test {
   }
 
   Kesu::ObjectHandler listen() {
-    return [this](const Object& result) { told.push_back(jsonText(result)); };
+    return [this](const Object& result) { received.push_back(jsonText(result)); };
   }
-  bool awaitTold(std::size_t count) {
-    return platform.pumpUntil([&] { return told.size() >= count; });
+  Kesu::CountHandler listenForCount() {
+    return [this](std::int64_t count) { received.push_back(std::to_string(count)); };
+  }
+  bool awaitReceived(std::size_t count) {
+    return platform.pumpUntil([&] { return received.size() >= count; });
   }
 
   testing::TemporaryDirectory home;
@@ -125,42 +128,44 @@ class MessagesOverTlsTest : public ::testing::Test {
   LoopbackServer service{certificates.server().certificateFile, certificates.server().keyFile};
   LoopbackServer collector;
   RealPlatform platform{home.path(), collector.url(), trusting(certificates)};
-  std::vector<std::string> told;
+  std::vector<std::string> received;
 };
 
-TEST_F(MessagesOverTlsTest, ServesEveryQuestion) {
-  Kesu::countNewUnFetched([this](std::int64_t count) { told.push_back(std::to_string(count)); });
-  ASSERT_TRUE(awaitTold(1));
-  Kesu::getMessageHeadersForType(Type::All, listen());
-  ASSERT_TRUE(awaitTold(2));
-  Kesu::getMessagesForType(Type::Unread, listen());
-  ASSERT_TRUE(awaitTold(3));
-  Kesu::getMessageBodyWithCampaignID("c", "m", listen());
-  ASSERT_TRUE(awaitTold(4));
-  KesuPersonalizationIntelligence::getTags(listen());
-  ASSERT_TRUE(awaitTold(5));
-  platform.bundle.dictionary.set("devmode", "TRUE");
-  Kesu::countNewUnFetched([this](std::int64_t count) { told.push_back(std::to_string(count)); });
-  ASSERT_TRUE(awaitTold(6));
-  EXPECT_EQ(told, (std::vector<std::string>{"2", R"([{"mid":"m","cid":"c","contentRead":false}])", R"([{"mid":"m"}])",
-                                            R"({"payload":{"title":""}})", R"(["gold","sports"])", "99"}));
+TEST_F(MessagesOverTlsTest, ServesEveryRequest) {
+  const std::function<void()> requests[] = {[&] { Kesu::countNewUnFetched(listenForCount()); },
+                                            [&] { Kesu::getMessageHeadersForType(Type::All, listen()); },
+                                            [&] { Kesu::getMessagesForType(Type::Unread, listen()); },
+                                            [&] { Kesu::getMessageBodyWithCampaignID("c", "m", listen()); },
+                                            [&] { KesuPersonalizationIntelligence::getTags(listen()); },
+                                            [&] {
+                                              platform.bundle.dictionary.set("devmode", "TRUE");
+                                              Kesu::countNewUnFetched(listenForCount());
+                                            }};
+  for (const auto& request : requests) {
+    const std::size_t before = received.size();
+    request();
+    ASSERT_TRUE(awaitReceived(before + 1));
+  }
+  EXPECT_EQ(received,
+            (std::vector<std::string>{"2", R"([{"mid":"m","cid":"c","contentRead":false}])", R"([{"mid":"m"}])",
+                                      R"({"payload":{"title":""}})", R"(["gold","sports"])", "99"}));
   const std::pair<const char*, const char*> lines[] = {{"PUT", "/api/inapp/count/"},
                                                        {"POST", "/api/inapp/newUnFetched/"},
                                                        {"POST", "/api/inapp/getInAppMessages/"},
                                                        {"PUT", "/api/inapp/getmessage/"},
                                                        {"PUT", "/api/user-personalization/gettags"},
                                                        {"PUT", "/api/devmode/inapp/count/"}};
-  const auto requests = service.requests();
-  ASSERT_EQ(requests.size(), std::size(lines));
-  for (std::size_t i = 0; i < requests.size(); ++i) {
-    EXPECT_EQ(requests[i].method + requests[i].target, std::string(lines[i].first) + lines[i].second);
+  const auto served = service.requests();
+  ASSERT_EQ(served.size(), std::size(lines));
+  for (std::size_t i = 0; i < served.size(); ++i) {
+    EXPECT_EQ(served[i].method + served[i].target, std::string(lines[i].first) + lines[i].second);
   }
 }
 
 TEST_F(MessagesOverTlsTest, SendsKeyAndIdentifiersAndTheReceiptToTheCollector) {
   const std::size_t before = collector.requestCount();
   Kesu::getMessageBodyWithCampaignID("c", "m", listen());
-  ASSERT_TRUE(awaitTold(1));
+  ASSERT_TRUE(awaitReceived(1));
   ASSERT_TRUE(collector.waitForRequests(before + 1));
   const ServedRequest request = service.requests().front();
   const Dictionary body = *parseJson(request.body)->dictionary();
@@ -188,12 +193,12 @@ TEST_F(MessagesOverTlsTest, AnswersNothingWhenTheServiceMisbehaves) {
                                   ServerAction::reply(200, "")};
   for (const ServerAction& action : actions) {
     service.onPath("/api/inapp/count/", action);
-    const std::size_t before = told.size();
-    Kesu::countNewUnFetched([this](std::int64_t count) { told.push_back(std::to_string(count)); });
-    ASSERT_TRUE(awaitTold(before + 1));
-    EXPECT_EQ(told.back(), "0");
+    const std::size_t before = received.size();
+    Kesu::countNewUnFetched(listenForCount());
+    ASSERT_TRUE(awaitReceived(before + 1));
+    EXPECT_EQ(received.back(), "0");
   }
-  EXPECT_EQ(told.size(), std::size(actions)) << "each handler once";
+  EXPECT_EQ(received.size(), std::size(actions)) << "each handler once";
   EXPECT_EQ(stranger.requestCount(), 0U) << "no body goes to another host";
 }
 

@@ -62,43 +62,61 @@ class MessagesTest : public testing::SdkFixture {
 
   void show() {
     Kesu::showUnreadInAppNotificationUIWithCompletionHandler(
-        [this](const KesuInAppStatus& status) { told.push_back(status); });
+        [this](const KesuInAppStatus& status) { statuses.push_back(status); });
   }
 
   Overlay overlay;
-  std::vector<KesuInAppStatus> told;
+  std::vector<KesuInAppStatus> statuses;
   double now = 5.0;
 };
 
 constexpr const char* kTwoHeaders = R"([{"mid":"a","cid":"c"},{"mid":"b","cid":"d"}])";
 
-TEST_F(MessagesTest, RunsFromShowToPressedButton) {
+TEST_F(MessagesTest, ShowsTheFirstMessageOnceItHasArrived) {
   launch();
-  answerAll(200);
-  std::vector<KesuInAppStatus> notified;
-  Kesu::registerForButtonClickOnInAppMessageWithSelector(
-      [&](const KesuInAppStatus& status) { notified.push_back(status); });
   show();
   EXPECT_FALSE(overlay.isModal());
   deliver(kTwoHeaders);
   ASSERT_TRUE(overlay.isModal());
   EXPECT_EQ(heard(), "New season New season Watch it now Watch* Showing 1 of 2 in-app messages Next message ");
+}
+
+TEST_F(MessagesTest, ReportsAPressedButtonToHostAndCollector) {
+  launch();
+  answerAll(200);
+  std::vector<KesuInAppStatus> observed;
+  Kesu::registerForButtonClickOnInAppMessageWithSelector(
+      [&](const KesuInAppStatus& status) { observed.push_back(status); });
+  show();
+  deliver(kTwoHeaders);
   forgetRequests();
   press(RemoteButton::Select);
   EXPECT_EQ(platform.urlOpener.urls, std::vector<std::string>{"tv://watch"});
-  ASSERT_EQ(told.size(), 1U);
-  EXPECT_EQ(told[0], (KesuInAppStatus{0, "a", "c", "Watch", {}, 2, {}}));
-  EXPECT_EQ(notified, told);
+  ASSERT_EQ(statuses.size(), 1U);
+  EXPECT_EQ(statuses[0], (KesuInAppStatus{0, "a", "c", "Watch", {}, 2, {}}));
+  EXPECT_EQ(observed, statuses);
   EXPECT_EQ(destinations(), "ne");
   EXPECT_EQ(text(body(0), "action"), "cta");
   EXPECT_EQ(text(body(0), "btnName"), "Watch");
   EXPECT_EQ(text(body(1), "~e"), "Kesu.InAppCallToAction");
+}
+
+TEST_F(MessagesTest, PagesToTheNextMessage) {
+  launch();
+  show();
+  deliver(kTwoHeaders);
   press(RemoteButton::Down);
   press(RemoteButton::Select);
   deliverBody();
-  ASSERT_EQ(told.size(), 2U);
-  EXPECT_EQ(told[1], (KesuInAppStatus{11, "b", "d", {}, {}, 3, {}}));
+  ASSERT_EQ(statuses.size(), 1U);
+  EXPECT_EQ(statuses[0], (KesuInAppStatus{11, "b", "d", {}, {}, 3, {}}));
   EXPECT_NE(heard().find("Previous message* Showing 2 of 2 "), std::string::npos) << heard();
+}
+
+TEST_F(MessagesTest, SlidesOutAtTheMenuButton) {
+  launch();
+  show();
+  deliver(kTwoHeaders);
   press(RemoteButton::Menu);
   const auto lines = platform.log.takeLines();
   ASSERT_EQ(lines.size(), 1U);
@@ -114,7 +132,7 @@ TEST_F(MessagesTest, IgnoresShowsWhileOneIsUpAndShowsAgainAfterwards) {
   show();
   show();
   deliver(kTwoHeaders);
-  EXPECT_FALSE(answer("newUnFetched/", "{}")) << "asked once";
+  EXPECT_FALSE(answer("newUnFetched/", "{}")) << "one request";
   show();
   platform.settle();
   EXPECT_FALSE(answer("newUnFetched/", "{}"));
@@ -151,7 +169,7 @@ struct Host : ViewController, KesuInAppMessageDelegate {
   std::string titles;
 };
 
-TEST_F(MessagesTest, TellsTheScreenThatIsADelegate) {
+TEST_F(MessagesTest, CallsTheScreenThatIsADelegate) {
   launch();
   Host host;
   Kesu::showUnreadInAppNotificationUI(&host);
@@ -178,7 +196,7 @@ void expectShown(const KesuInAppPresenter& presenter, const ShowRow& row, const 
   EXPECT_EQ(presenter.completionBlock() == nullptr, row.isForScreen);
 }
 
-TEST_F(MessagesTest, TakesTypeColoursAndListenerFromEachFormOfAShow) {
+TEST_F(MessagesTest, ReadsTypeColoursAndListenerFromEachFormOfAShow) {
   using Type = KesuInAppMessageType;
   const Color one{0.1}, two{0.2}, three{0.3}, four{0.4};
   const Color blue = Color::blueColor(), white = Color::white();
@@ -212,7 +230,7 @@ TEST_F(MessagesTest, TakesTypeColoursAndListenerFromEachFormOfAShow) {
     expectShown(wiring().presenter, row, host);
     rows[0].show(host);
     rows[2].show(host);
-    expectShown(wiring().presenter, row, host);  // What is asked for meanwhile changes nothing.
+    expectShown(wiring().presenter, row, host);  // Shows that came meanwhile changed nothing.
     Kesu::dismissInAppNotificationUI(false);
     platform.settle();
   }
@@ -235,7 +253,7 @@ TEST_F(MessagesTest, AddsABadgeOnceTheCountIsThere) {
   icon->removeFromSuperview();
   icon.reset();
   ASSERT_TRUE(answer("/count/", R"({"count":3})"));
-  EXPECT_EQ(shelf->subviews().size(), 1U) << "the view has gone";
+  EXPECT_EQ(shelf->subviews().size(), 1U) << "the view is destroyed";
 }
 
 TEST_F(MessagesTest, NeedsTheKey) {
