@@ -21,20 +21,17 @@ bool takeFlag(const std::string& name, Options& options) {
   } else if (name == "--help") {
     options.wantsHelp = true;
   } else {
-    return name == "--window";
+    return false;
   }
   return true;
 }
 
 bool takeValue(const std::string& name, const std::string& value, Options& options) {
-  if (name == "--script") {
-    options.script = value;
-  } else if (name == "--state") {
+  if (name == "--state") {
     options.stateFile = value;
-  } else {
-    return name == "--size" && parseSize(value, options);
+    return !value.empty();
   }
-  return !value.empty();
+  return name == "--size" && parseSize(value, options);
 }
 
 }  // namespace
@@ -47,7 +44,7 @@ Options parseOptions(int argc, char** argv) {
       continue;
     }
     if (i + 1 >= argc || !takeValue(name, argv[i + 1], options)) {
-      options.error = "cannot make sense of " + name + (i + 1 < argc ? std::string(" ") + argv[i + 1] : "");
+      options.error = "cannot understand " + name + (i + 1 < argc ? std::string(" ") + argv[i + 1] : "");
     }
     ++i;
   }

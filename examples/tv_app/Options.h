@@ -6,8 +6,7 @@ namespace tv {
 
 /// What the command line asks for.
 struct Options {
-  std::string script;  ///< "-" for standard input; empty for a window.
-  std::string stateFile;
+  std::string stateFile;  ///< For tests: gets a line for every change of screen or focus. Empty for none.
   int width = 1920;
   int height = 1080;
   bool isFullScreen = false;

@@ -3,22 +3,19 @@
 #include <memory>
 #include <string>
 
-#include "Display.h"
+#include "MemoryScreen.h"
 #include "ScriptHost.h"
-#include "TvApp.h"
+#include "tv_app/TvApp.h"
 
 namespace tv {
 
-/// The commands of a script that need a screen. The app is made, on a picture in memory, by the first of them: scripts
-/// without such commands never start SDL. Keep it until the script is done.
+/// The commands of a script that need a screen, of 1920 x 1080 pixels in memory. The first of them makes the app:
+/// scripts without such commands never start SDL. Must outlive the script.
 class ScreenScript {
  public:
-  /// In pixels.
-  ScreenScript(int width, int height, std::string stateFile);
-
   void addTo(ScriptHost& host);
 
-  /// A link that a message opens. False while there is no screen.
+  /// Opens a link of a message. Returns false while there is no screen.
   bool openLink(const std::string& url) { return app_ != nullptr && app_->openLink(url); }
 
   /// A line a command, for --help.
@@ -31,10 +28,7 @@ class ScreenScript {
   void saveScreenshot(const std::string& path);
   void printAccessibility();
 
-  int width_;
-  int height_;
-  std::string stateFile_;
-  std::unique_ptr<Display> display_;
+  std::unique_ptr<MemoryScreen> screen_;
   std::unique_ptr<TvApp> app_;
 };
 

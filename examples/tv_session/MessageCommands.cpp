@@ -14,7 +14,7 @@ namespace {
 using Command = std::function<void(const ScriptLine&)>;
 
 void print(const std::string& what, const std::string& text) {
-  std::printf("tv_app: %s: %s\n", what.c_str(), text.c_str());
+  std::printf("tv_session: %s: %s\n", what.c_str(), text.c_str());
   std::fflush(stdout);
 }
 

@@ -4,13 +4,14 @@
 #include <cstdio>
 #include <map>
 #include <stdexcept>
-#include <utility>
 
 #include "MessageCommands.h"
 
 namespace tv {
 namespace {
 
+constexpr int kWidth = 1920;
+constexpr int kHeight = 1080;
 constexpr double kDefaultFrameSeconds = 0.5;
 constexpr Uint32 kFrameMilliseconds = 16;
 
@@ -43,9 +44,6 @@ void pushKey(Uint32 type, SDL_Keycode key) {
 
 }  // namespace
 
-ScreenScript::ScreenScript(int width, int height, std::string stateFile)
-    : width_(width), height_(height), stateFile_(std::move(stateFile)) {}
-
 void ScreenScript::addTo(ScriptHost& host) {
   host.add("press", [this](const ScriptLine& line) { press(line.word(0)); });
   host.add("link", [this](const ScriptLine& line) {
@@ -58,7 +56,7 @@ void ScreenScript::addTo(ScriptHost& host) {
   host.add("frame", [this](const ScriptLine& line) { drawFor(line.number(0).value_or(kDefaultFrameSeconds)); });
   host.add("screenshot", [this](const ScriptLine& line) { saveScreenshot(line.word(0)); });
   host.add("focus", [this](const ScriptLine&) {
-    std::printf("tv_app: focus is on %s\n", app().focus().c_str());
+    std::printf("tv_session: focus is on %s\n", app().focus().c_str());
     std::fflush(stdout);
   });
   host.add("accessibility", [this](const ScriptLine&) { printAccessibility(); });
@@ -78,8 +76,8 @@ const char* ScreenScript::commands() {
 
 TvApp& ScreenScript::app() {
   if (app_ == nullptr) {
-    display_ = std::make_unique<Display>(Display::Kind::OffScreen, width_, height_);
-    app_ = std::make_unique<TvApp>(display_->renderer(), stateFile_);
+    screen_ = std::make_unique<MemoryScreen>(kWidth, kHeight);
+    app_ = std::make_unique<TvApp>(screen_->renderer());
     app_->step();
   }
   return *app_;
@@ -111,15 +109,15 @@ void ScreenScript::drawFor(double seconds) {
 
 void ScreenScript::saveScreenshot(const std::string& path) {
   app().step();
-  if (!display_->saveScreenshot(path)) {
+  if (!screen_->saveScreenshot(path)) {
     throw std::runtime_error("cannot write \"" + path + "\"");
   }
 }
 
 void ScreenScript::printAccessibility() {
   for (const kesu::AccessibilityNode& node : app().overlay().accessibilityTree()) {
-    std::printf("tv_app: %s %-7s \"%s\"%s%s%s at %.0f,%.0f %.0fx%.0f\n", node.isFocused ? "*" : " ", nameOf(node.role),
-                node.label.c_str(), node.value.empty() ? "" : " = \"", node.value.c_str(),
+    std::printf("tv_session: %s %-7s \"%s\"%s%s%s at %.0f,%.0f %.0fx%.0f\n", node.isFocused ? "*" : " ",
+                nameOf(node.role), node.label.c_str(), node.value.empty() ? "" : " = \"", node.value.c_str(),
                 node.value.empty() ? "" : "\"", node.frame.x, node.frame.y, node.frame.width, node.frame.height);
   }
   std::fflush(stdout);

@@ -113,7 +113,7 @@ void ScriptHost::addScript() {
   table_["pump"] = [](const ScriptLine& line) { pumpFor(line.number(0).value_or(kDefaultPumpSeconds)); };
   table_["clock"] = [this](const ScriptLine& line) { clock_.move(line.number(0).value_or(0.0)); };
   table_["say"] = [](const ScriptLine& line) {
-    std::printf("tv_app: %s\n", line.word(0).c_str());
+    std::printf("tv_session: %s\n", line.word(0).c_str());
     std::fflush(stdout);
   };
   table_["quit"] = [this](const ScriptLine&) { hasQuit_ = true; };
