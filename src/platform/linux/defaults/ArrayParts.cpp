@@ -10,6 +10,7 @@
 namespace kesu {
 namespace {
 
+// A shorter array is one row: there is little to save, and it is read in one step.
 constexpr std::size_t kShortestInParts = 4 * kPartElements;
 
 std::span<const Value> part(const Array& array, std::size_t place) {

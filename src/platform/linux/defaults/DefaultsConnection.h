@@ -7,54 +7,53 @@
 
 namespace kesu {
 
-/// How an operation of the store of user defaults ended.
+/// Result of an operation on the store of user defaults.
 enum class StoreStatus {
   Ok,        ///< Done, and in the hands of the system.
   ReadOnly,  ///< The values were read, but none can be written. The store is closed again.
-  Busy,      ///< Another process holds the file. Nothing was changed; worth another try.
-  Stale,     ///< Parts were to be replaced of an array that the file does not have so. Nothing was changed; the whole
-             ///< array can be written.
-  Corrupt,   ///< The file is damaged or no store of ours. It should be set aside.
+  Busy,      ///< Another process has locked the file. Nothing was changed; worth another try.
+  Stale,     ///< Parts of an array were to be replaced that another process has changed. Nothing was written; the whole
+             ///< array can be.
+  Corrupt,   ///< The file is damaged or not ours. It should be set aside.
   Failed     ///< Not permitted, no space, input/output error. Nothing was changed.
 };
 
-/// A connection to the database of a DefaultsStore, with its failures put in the store's words. One thread at a time.
+/// A connection to the database of a DefaultsStore that reports its failures as StoreStatus. One thread at a time.
 class DefaultsConnection {
  public:
-  /// How long an operation waits for another process.
+  /// How long an operation waits for another process. A transaction takes far less, and the caller waits as well.
   static constexpr int kBusyTimeoutMs = 50;
 
-  /// Opens the database `name`, a path or a "file:" name. `flags` say how, in SQLite's terms.
+  /// Opens the database `name`, a path or a "file:" name, with further `flags` of SQLite.
   StoreStatus open(const std::string& name, int flags);
 
-  /// Statements made on it go first.
+  /// Closes it. Statements on it must have been destroyed before.
   void close() { database_.reset(); }
 
   bool isOpen() const { return database_ != nullptr; }
 
-  /// For calls that have no wrapper here. Null unless open.
+  /// Returns the handle for calls that have no wrapper here. Null unless open.
   sqlite3* handle() const { return database_.get(); }
 
-  /// Makes a statement of `sql`. The connection must be open, here and below.
+  /// Compiles `sql` into a statement. The connection must be open, here and below.
   StoreStatus prepare(const char* sql, SqliteStatement& statement);
 
-  /// Runs `sql`, which may be several statements, without looking at results.
+  /// Runs one or more statements and ignores their rows.
   StoreStatus execute(const char* sql);
 
-  /// Runs a statement to its end and makes it ready for the next time. The first column of its row, if it has one, goes
-  /// to `number`.
+  /// Runs a statement to its end and resets it. Writes the first column of its row, if there is one, to `number`.
   StoreStatus run(sqlite3_stmt* statement, std::int64_t* number = nullptr);
 
-  /// What an error of SQLite means for the store. Keeps its words.
+  /// Maps an error of SQLite to a status and keeps its text.
   StoreStatus failed(int code);
 
-  /// Failed, with the words for an errno value.
+  /// Returns Failed and keeps the text of an errno value.
   StoreStatus failedWith(int error);
 
-  /// The words for the last failure.
+  /// The text of the last failure.
   const std::string& failureText() const { return failureText_; }
 
-  /// Puts other words in their place.
+  /// Replaces that text.
   void setFailureText(std::string text) { failureText_ = std::move(text); }
 
  private:

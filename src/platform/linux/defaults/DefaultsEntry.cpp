@@ -26,7 +26,7 @@ std::optional<Value> DefaultsEntry::copy() const {
   return isText ? Value(text) : value;
 }
 
-bool DefaultsEntry::holds(const Value& other) const {
+bool DefaultsEntry::equals(const Value& other) const {
   const std::string* otherText = other.text();
   return !isUnread && (isText ? otherText != nullptr && *otherText == text : isSame(value, other));
 }

@@ -12,17 +12,17 @@
 
 namespace kesu {
 
-/// One user default in memory, and what the file does not have yet of it. Guarded by its owner.
+/// One user default in memory, and which part of it the file does not have yet. Guarded by its owner.
 struct DefaultsEntry {
-  /// In the order in which one covers the other.
+  /// Each covers those before it.
   enum class Unsaved {
     Nothing,  ///< The file has it all.
     Suffix,   ///< The text has grown past `savedSize`.
-    Parts,    ///< `parts` of the array are others.
+    Parts,    ///< `parts` of the array have changed.
     All       ///< Another value or none.
   };
 
-  bool isPresent = false;  ///< False: removed, and kept only until the file knows.
+  bool isPresent = false;  ///< False: removed, and kept only until the file was written.
   bool isUnread = false;   ///< The value, an array or dictionary, is in the file only. Nothing is unsaved then.
   bool isText = false;
   Value value;       ///< Unless it is a text or unread.
@@ -35,22 +35,23 @@ struct DefaultsEntry {
   /// A copy of the value. Nothing when it is unread.
   std::optional<Value> copy() const;
 
-  /// Whether it is that value, so that nothing is to be written.
-  bool holds(const Value& other) const;
+  /// Whether the value is equal, so that nothing is to be written.
+  bool equals(const Value& other) const;
 
-  /// Lets go of everything but `unsaved`.
+  /// Drops everything but `unsaved`.
   void empty();
 
-  /// Takes the value that the file has.
+  /// Sets the value that the file has.
   void fill(Value saved);
 
-  /// Takes a new value with its property list, "" when it is no array or dictionary. The entry was emptied before.
+  /// Sets a new value with its property list, "" when it is no array or dictionary. The entry was emptied before.
   void put(Value changed, std::string changedList);
 
-  /// Takes a long array in place of the value, and the parts in which it differs from it.
+  /// Replaces the value by a long array; `changed` are the parts in which they differ.
   void putParts(Value array, ArrayParts changed);
 
-  /// What brings the file up to the entry, which counts as saved from now on. `key` must outlive the change.
+  /// Returns the change that brings the file up to the entry, which counts as saved from now on. `key` must outlive the
+  /// change.
   StoreChange takeChange(std::string_view key);
 };
 

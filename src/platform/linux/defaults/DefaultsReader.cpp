@@ -99,8 +99,8 @@ StoreStatus DefaultsReader::readParts(StoredEntry& entry) {
   return status;
 }
 
-// Hands the suffix rows of an entry to `take`, in their order.
-StoreStatus DefaultsReader::eachSuffix(std::int64_t number, const TakeText& take) {
+// Calls `receive` for each suffix row of an entry, in their order.
+StoreStatus DefaultsReader::eachSuffix(std::int64_t number, const ReceiveText& receive) {
   StoreStatus status = StoreStatus::Ok;
   if (!suffixes_) {
     status = connection_.prepare("SELECT id, text FROM suffix WHERE id BETWEEN ?1 AND ?2 ORDER BY id", suffixes_);
@@ -119,7 +119,7 @@ StoreStatus DefaultsReader::eachSuffix(std::int64_t number, const TakeText& take
       return connection_.failed(SQLITE_CORRUPT);
     }
     last = id;
-    take(id, columnBytes(rows.get(), 1));
+    receive(id, columnBytes(rows.get(), 1));
   }
   return code == SQLITE_DONE ? StoreStatus::Ok : connection_.failed(code);
 }

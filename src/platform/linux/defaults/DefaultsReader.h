@@ -17,35 +17,34 @@ namespace kesu {
 struct StoredEntry {
   std::int64_t number = 0;
   std::string key;
-  std::optional<Value> value;  ///< Nothing: an array or dictionary that was not read, or nothing that can be read.
-  std::int64_t stamp = -1;     ///< Of an array in parts that was read whole: its stamp; else -1.
-  int unreadableCount = 0;  ///< Pieces of it that made no sense: the value, or parts of an array, which are left out.
+  std::optional<Value>
+      value;                ///< Nothing: an array or dictionary that was not read, or a value that cannot be decoded.
+  std::int64_t stamp = -1;  ///< Of an array in parts that was read whole: its stamp; else -1.
+  int unreadableCount = 0;  ///< Pieces that cannot be decoded, and are left out: the value, or parts of an array.
 };
 
 /// Reads the tables of a DefaultsStore.
 ///
-/// What all starts have to wait for is small: arrays and dictionaries stay in the file until they are asked for, and
-/// the pages that hold them are not touched. To be used for one operation and then destroyed, before the connection
-/// closes.
+/// A start waits for little: arrays and dictionaries stay in the file until they are asked for, and their pages are not
+/// touched. Make one reader per operation, and destroy it before the connection closes.
 class DefaultsReader {
  public:
-  /// `connection` is open and outlives the reader.
+  /// `connection` is open and must outlive the reader.
   explicit DefaultsReader(DefaultsConnection& connection) : connection_(connection) {}
 
-  /// Appends all entries, by key, and their values but for arrays and dictionaries. An entry of an unknown kind counts
-  /// in `unreadableCount` and is left out.
+  /// Appends all entries in the order of their keys, without the values of arrays and dictionaries. An entry of an
+  /// unknown kind is left out and adds to `unreadableCount`.
   StoreStatus readAll(std::vector<StoredEntry>& entries, int& unreadableCount);
 
-  /// Reads the entry under `entry.key` with its value, all of it as one transaction left it. No value when the key is
-  /// not there.
+  /// Reads the entry under `entry.key` with its value, in one transaction. No value when the key is not in the file.
   StoreStatus readEntry(StoredEntry& entry);
 
  private:
-  using TakeText = std::function<void(std::int64_t id, std::string_view text)>;
+  using ReceiveText = std::function<void(std::int64_t id, std::string_view text)>;
 
   StoreStatus readGrowth(StoredEntry& entry);
   StoreStatus readParts(StoredEntry& entry);
-  StoreStatus eachSuffix(std::int64_t number, const TakeText& take);
+  StoreStatus eachSuffix(std::int64_t number, const ReceiveText& receive);
 
   DefaultsConnection& connection_;
   SqliteStatement suffixes_;

@@ -10,7 +10,7 @@ namespace kesu {
 //
 // Table "entry" has a row for each key: a number, the kind of value and the value. Table "suffix" has further rows of
 // an entry under ids that begin with its number: what was appended to a text, or the parts of a long array, whose row
-// in "entry" then holds a random number (its stamp) that every write changes.
+// in "entry" then has a random number (its stamp) that every write changes.
 
 /// Makes the tables. Their version is the database's user_version, 1.
 inline constexpr char kMakeDefaultsTables[] =
@@ -21,11 +21,12 @@ inline constexpr char kMakeDefaultsTables[] =
     "PRAGMA user_version=1;"
     "COMMIT";
 
-/// Elements in each part of a long array but the last.
+/// Elements in each part of a long array but the last. With more a small change writes more, with fewer an array has
+/// more rows.
 inline constexpr std::size_t kPartElements = 16;
 
-/// Numbers of entries are drawn at random within this mask: then two processes that share the file do not give the same
-/// one.
+/// Numbers of entries are drawn at random within this mask, so that two processes that share the file do not use the
+/// same one.
 inline constexpr std::uint32_t kNumberMask = 0x7fffffff;
 
 /// Stamps are drawn within this mask.

@@ -108,7 +108,7 @@ StoreStatus DefaultsWriter::apply(const StoreChange& change) {
 }
 
 StoreStatus DefaultsWriter::put(std::string_view key, const Value& value, const std::string& listText) {
-  const bool needsList = listText.empty() && (value.array() != nullptr || value.dictionary() != nullptr);
+  const bool needsList = listText.empty() && isContainer(value);
   const std::string list = needsList ? writePropertyList(value).value_or(std::string()) : std::string();
   const auto known = rows_.find(key);
   if (known != rows_.end() && !known->second.hasSuffixes) {
@@ -152,7 +152,7 @@ StoreStatus DefaultsWriter::putParts(const StoreChange& change) {
   return status;
 }
 
-// Puts the array's row or, for parts, changes the stamp that was left there last; then tells the row's number.
+// Puts the array's row or, for parts, changes the stamp that the last write left; sets `number` to that of the row.
 StoreStatus DefaultsWriter::putStamp(const StoreChange& change, std::int64_t stamp, std::int64_t& number) {
   if (change.isWhole) {
     number = drawNumber();

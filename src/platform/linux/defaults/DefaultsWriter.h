@@ -19,8 +19,8 @@ struct StoreChange {
     Put,       ///< `value` replaces what is under the key, appended texts included.
     PutParts,  ///< `parts` replace those of the array under the key, which then has `partCount` of them; all of it when
                ///< `isWhole`.
-    Remove,    ///< The key goes, appended texts included.
-    Append     ///< `text` is added to the text under the key, which is there.
+    Remove,    ///< The key is removed, appended texts included.
+    Append     ///< `text` is appended to the text under the key, which exists.
   };
 
   Kind kind = Kind::Put;
@@ -32,26 +32,26 @@ struct StoreChange {
   bool isWhole = false;
 };
 
-/// Writes the tables of a DefaultsStore. Remembers of each key what saves looking at its rows before the next write.
-/// Statements are kept: reset() them before the connection closes.
+/// Writes the tables of a DefaultsStore. It remembers so much of each key's rows that the next write need not read them
+/// first. Statements are kept: reset() them before the connection closes.
 class DefaultsWriter {
  public:
-  /// A suffix row that holds this many bytes is full.
+  /// A suffix row of this many bytes is full: rewriting a row must stay within one page.
   static constexpr std::size_t kSuffixBytes = 256;
 
-  /// `connection` outlives the writer.
+  /// `connection` must outlive the writer.
   explicit DefaultsWriter(DefaultsConnection& connection) : connection_(connection) {}
 
-  /// Makes the statements, on an open connection with the tables in it.
+  /// Compiles the statements, on an open connection with the tables in it.
   StoreStatus prepare();
 
-  /// Lets go of the statements and of what is known of the rows.
+  /// Destroys the statements and forgets the rows.
   void reset();
 
   /// Makes all changes in one transaction, or none.
   StoreStatus write(const std::vector<StoreChange>& changes);
 
-  /// Says that the array in parts under `key` was read as a write left it that is known by `stamp`. Its parts can then
+  /// Takes note that the array in parts under `key` was read as the write with that `stamp` left it. Its parts can then
   /// be replaced one by one.
   void knowParts(const std::string& key, std::int64_t number, std::int64_t stamp);
 
@@ -60,8 +60,8 @@ class DefaultsWriter {
   struct Rows {
     bool hasSuffixes = false;
     std::int64_t stamp = -1;  // Of an array in parts: the number that the last write left; else -1.
-    std::int64_t tail = 0;    // Id of the suffix row that the next append goes to.
-    std::string tailText;     // What that row holds already.
+    std::int64_t tail = 0;    // Id of the suffix row that the next append changes.
+    std::string tailText;     // The present text of that row.
   };
   using KnownRows = std::map<std::string, Rows, std::less<>>;
 

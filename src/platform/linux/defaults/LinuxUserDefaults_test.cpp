@@ -188,7 +188,7 @@ TEST_F(LinuxUserDefaultsTest, AsksForACheckpointWhenTheJournalGrowsAndEmptiesIt)
     EXPECT_TRUE(defaults->synchronize());
   }
   EXPECT_EQ(asked, 3);
-  EXPECT_GT(sizeOf(directory_ / (kName + "-wal")), LinuxUserDefaults::kJournalLimitBytes);
+  EXPECT_GT(sizeOf(directory_ / (kName + "-wal")), DefaultsFile::kJournalLimitBytes);
   defaults->checkpoint();
   EXPECT_EQ(sizeOf(directory_ / (kName + "-wal")), 0);
   defaults->appendString("flow", "end");

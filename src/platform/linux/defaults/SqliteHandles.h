@@ -14,7 +14,7 @@ struct FinalizeSqlite {
   void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
 };
 
-/// Owns a connection to a database. Statements made on it go first.
+/// Owns a connection to a database. Its statements must be destroyed before it.
 using SqliteDatabase = std::unique_ptr<sqlite3, CloseSqlite>;
 
 /// Owns a prepared statement.

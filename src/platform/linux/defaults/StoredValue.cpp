@@ -65,6 +65,10 @@ double columnReal(sqlite3_stmt* row, int column) {
 
 }  // namespace
 
+bool isContainer(const Value& value) {
+  return value.array() != nullptr || value.dictionary() != nullptr;
+}
+
 void bindText(sqlite3_stmt* statement, int position, std::string_view text) {
   // A null pointer would be stored as NULL, also for an empty text.
   const char* bytes = text.data() != nullptr ? text.data() : "";
