@@ -2,6 +2,7 @@
 
 #include <kesu/platform/LocaleService.h>
 
+#include <chrono>
 #include <iterator>
 #include <map>
 #include <string>
@@ -10,6 +11,28 @@
 #include "platform/CalendarFields.h"
 
 namespace kesu::testing {
+
+/// The calendar fields of an instant in a zone that is `secondsFromGmt` east of Greenwich (Gregorian calendar, also
+/// before 1582), clamped as calendarSeconds() does.
+inline LocalTime calendarFields(double secondsSince1970, int secondsFromGmt) {
+  using std::chrono::days;
+  const std::chrono::sys_seconds instant{std::chrono::seconds(calendarSeconds(secondsSince1970) + secondsFromGmt)};
+  const auto day = std::chrono::floor<days>(instant);
+  const std::chrono::year_month_day date{day};
+  const std::chrono::hh_mm_ss clock{instant - day};
+  LocalTime time;
+  time.year = static_cast<int>(date.year());
+  time.month = static_cast<int>(static_cast<unsigned>(date.month()));
+  time.day = static_cast<int>(static_cast<unsigned>(date.day()));
+  time.hour = static_cast<int>(clock.hours().count());
+  time.minute = static_cast<int>(clock.minutes().count());
+  time.second = static_cast<int>(clock.seconds().count());
+  time.weekday = static_cast<int>(std::chrono::weekday(day).c_encoding()) + 1;
+  const std::chrono::sys_days newYear{date.year() / std::chrono::January / 1};
+  time.dayOfYear = static_cast<int>((day - newYear).count()) + 1;
+  time.secondsFromGmt = secondsFromGmt;
+  return time;
+}
 
 /// A locale whose answers are fields, in a zone whose offset is fixed but for the changes that a test names. Its
 /// week-based year is that of the United States: weeks start on Sunday, and the week with the first of January is the

@@ -18,18 +18,14 @@ struct CivilTime {
   int second = 0;
 };
 
-/// The calendar's view of a date; the fraction of its second is dropped (toward the past). Nothing for not-a-number and
-/// for dates outside the years 0 to 9999. Any thread.
+/// Converts a date; the fraction of its second is dropped (toward the past). Nothing for not-a-number and for dates
+/// outside the years 0 to 9999. Any thread.
 std::optional<CivilTime> civilTime(Date date);
 
-/// The date behind the calendar's view, or nothing when there is no such day or time. Any thread.
-std::optional<Date> dateOf(const CivilTime& time);
+/// Formats "2017-03-15T12:02:00", with the separator in place of the "T".
+std::string civilText(const CivilTime& time, char separator);
 
-/// "2017-03-15" and "12:02:00".
-std::string dayText(const CivilTime& time);
-std::string clockText(const CivilTime& time);
-
-/// Reads exactly "2017-03-15T12:02:00Z", or nothing.
+/// Reads exactly "2017-03-15T12:02:00Z"; nothing for any other text, and when there is no such day or time.
 std::optional<Date> parseIsoDate(std::string_view text);
 
 }  // namespace kesu

@@ -85,7 +85,7 @@ void appendData(std::string& out, std::span<const std::uint8_t> bytes) {
 
 void appendDate(std::string& out, Date date) {
   if (const std::optional<CivilTime> time = civilTime(date)) {
-    out.append(dayText(*time)).append(" ").append(clockText(*time)).append(" +0000");
+    out.append(civilText(*time, ' ')).append(" +0000");
   } else {
     out.append("<date>");
   }

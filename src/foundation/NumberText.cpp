@@ -70,6 +70,12 @@ std::optional<std::string> decimalOrNothing(std::optional<std::int64_t> number) 
   return number ? std::optional(decimal(*number)) : std::nullopt;
 }
 
+void appendDigits(std::string& out, int number, std::size_t digits) {
+  char text[12];
+  const auto size = static_cast<std::size_t>(std::to_chars(text, text + sizeof text, number).ptr - text);
+  out.append(digits - std::min(digits, size), '0').append(text, size);
+}
+
 std::string fixed(double number, int digits) {
   constexpr std::size_t kLongestWholePart = 312;  // The largest double has 309 digits; sign and point come on top.
   digits = std::max(digits, 0);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -31,6 +32,9 @@ std::string milliseconds(double secondsSince1970);
 
 /// Appends decimal(number) without a temporary.
 void appendDecimal(std::string& out, std::int64_t number);
+
+/// Appends a number that is not negative with leading zeros, as at least `digits` digits.
+void appendDigits(std::string& out, int number, std::size_t digits);
 
 /// Appends shortestReal(number) without a temporary.
 void appendShortestReal(std::string& out, double number);

@@ -156,7 +156,7 @@ bool XmlWriter::real(double number) {
 bool XmlWriter::date(Date date) {
   const std::optional<CivilTime> time = civilTime(date);
   if (time) {
-    element("<date>", dayText(*time) + "T" + clockText(*time) + "Z", "</date>\n");
+    element("<date>", civilText(*time, 'T') + "Z", "</date>\n");
   }
   return time.has_value();
 }

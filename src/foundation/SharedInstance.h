@@ -36,9 +36,6 @@ class SharedInstance {
     return get([] { return std::make_unique<T>(); });
   }
 
-  /// The instance when there is one, else null. Makes none.
-  static T* existing() { return instance_.load(std::memory_order_acquire); }
-
  private:
   template <class Factory>
   static T& create(Factory& make) {

@@ -54,6 +54,17 @@ std::size_t wideCharacterLength(std::string_view text, std::size_t position) {
   return refused ? 0 : length;
 }
 
+// Counts in UTF-16 units. An invalid byte is one character.
+std::size_t utf16Length(std::string_view text) {
+  std::size_t units = 0;
+  for (std::size_t position = 0; position < text.size(); ++units) {
+    const std::size_t wide = byteAt(text, position) < 0x80 ? 1 : wideCharacterLength(text, position);
+    units += wide == 4 ? 1 : 0;
+    position += std::max<std::size_t>(wide, 1);
+  }
+  return units;
+}
+
 bool areEightAscii(const char* bytes) {
   std::uint64_t eight = 0;
   std::memcpy(&eight, bytes, sizeof eight);
@@ -61,19 +72,6 @@ bool areEightAscii(const char* bytes) {
 }
 
 }  // namespace
-
-std::string strippedOfWhitespace(std::string_view text) {
-  std::string stripped;
-  stripped.reserve(text.size());
-  while (!text.empty()) {
-    const std::size_t space = whitespaceLength(text);
-    if (space == 0) {
-      stripped.push_back(text.front());
-    }
-    text.remove_prefix(std::max<std::size_t>(space, 1));
-  }
-  return stripped;
-}
 
 bool isBlank(std::string_view text) {
   while (!text.empty()) {
@@ -84,16 +82,6 @@ bool isBlank(std::string_view text) {
     text.remove_prefix(space);
   }
   return true;
-}
-
-std::size_t utf16Length(std::string_view text) {
-  std::size_t units = 0;
-  for (std::size_t position = 0; position < text.size(); ++units) {
-    const std::size_t wide = byteAt(text, position) < 0x80 ? 1 : wideCharacterLength(text, position);
-    units += wide == 4 ? 1 : 0;
-    position += std::max<std::size_t>(wide, 1);
-  }
-  return units;
 }
 
 bool isValidUtf8(std::string_view text) {

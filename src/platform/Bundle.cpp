@@ -2,11 +2,13 @@
 
 #include <charconv>
 
+#include "foundation/NumberText.h"
+
 namespace kesu {
 namespace {
 
-template <typename Number>
-std::string decimalText(Number number) {
+// The shortest text that std::to_chars knows: unlike shortestReal(), it writes 100000.0 as "1e+05".
+std::string shortestText(double number) {
   char buffer[32];
   return {buffer, std::to_chars(buffer, buffer + sizeof buffer, number).ptr};
 }
@@ -22,10 +24,10 @@ std::optional<std::string> Bundle::infoText(std::string_view key) {
     return *text;
   }
   if (const std::int64_t* number = value->integer()) {
-    return decimalText(*number);
+    return decimal(*number);
   }
   if (const double* number = value->real()) {
-    return decimalText(*number);
+    return shortestText(*number);
   }
   if (const bool* flag = value->boolean()) {
     return std::string(*flag ? "1" : "0");

@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "foundation/Digest.h"
 #include "platform/CalendarFields.h"
 #include "testing/ScopedPlatform.h"
 
@@ -18,11 +19,14 @@ class FixedRandom : public Random {
 };
 
 TEST(Random, MakesVersionFourIdentifiers) {
-  EXPECT_EQ(FixedRandom(0xFF).uuidString(), "FFFFFFFF-FFFF-4FFF-BFFF-FFFFFFFFFFFF");
-  EXPECT_EQ(FixedRandom(0x00).uuidString(), "00000000-0000-4000-8000-000000000000");
+  const auto text = [](Random& random) { return hexLower(random.uuid()); };
+  FixedRandom ones(0xFF);
+  FixedRandom zeros(0x00);
   testing::SequentialRandom counting;
-  EXPECT_EQ(counting.uuidString(), "00000000-0000-4000-8000-000000000001");
-  EXPECT_EQ(counting.uuidString(), "00000000-0000-4000-8000-000000000002");
+  EXPECT_EQ(text(ones), "ffffffffffff4fffbfffffffffffffff");
+  EXPECT_EQ(text(zeros), "00000000000040008000000000000000");
+  EXPECT_EQ(text(counting), "00000000000040008000000000000001");
+  EXPECT_EQ(text(counting), "00000000000040008000000000000002");
 }
 
 TEST(Bundle, GivesNumbersAndFlagsOfInfoAsText) {
@@ -53,9 +57,9 @@ TEST(CalendarFields, WriteTimestamps) {
                {-INFINITY, 0, "0001-01-02 00:00:00 +0000"},
                {NAN, 0, "1970-01-01 00:00:00 +0000"}};
   for (const auto& [seconds, offset, text] : cases) {
-    EXPECT_EQ(timestampText(calendarFields(seconds, offset)), text);
+    EXPECT_EQ(timestampText(testing::calendarFields(seconds, offset)), text);
   }
-  const LocalTime leap = calendarFields(1483142400.0, 0);  // Saturday, 2016-12-31.
+  const LocalTime leap = testing::calendarFields(1483142400.0, 0);  // Saturday, 2016-12-31.
   EXPECT_EQ(leap.weekday, 7);
   EXPECT_EQ(leap.dayOfYear, 366);
 }

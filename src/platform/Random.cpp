@@ -10,18 +10,4 @@ std::array<std::uint8_t, 16> Random::uuid() {
   return bytes;
 }
 
-std::string Random::uuidString() {
-  constexpr char kDigits[] = "0123456789ABCDEF";
-  std::string text;
-  text.reserve(36);
-  for (const std::uint8_t byte : uuid()) {
-    if (text.size() == 8 || text.size() == 13 || text.size() == 18 || text.size() == 23) {
-      text += '-';
-    }
-    text += kDigits[byte >> 4U];
-    text += kDigits[byte & 0x0FU];
-  }
-  return text;
-}
-
 }  // namespace kesu

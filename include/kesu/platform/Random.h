@@ -5,7 +5,6 @@
 #include <array>
 #include <cstdint>
 #include <span>
-#include <string>
 
 namespace kesu {
 
@@ -19,9 +18,6 @@ class KESU_API Random {
 
   /// The 16 bytes of a new random UUID (version 4).
   std::array<std::uint8_t, 16> uuid();
-
-  /// A new random UUID as text: 36 characters, upper case.
-  std::string uuidString();
 };
 
 }  // namespace kesu

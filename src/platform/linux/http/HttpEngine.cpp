@@ -16,13 +16,6 @@ constexpr long kMaxKeptConnections = 16;
 // How soon new work is seen where a process had no descriptors left for libcurl to be woken by.
 constexpr int kBlindWaitMilliseconds = 50;
 
-HttpReply failure(HttpError error, const char* text) {
-  HttpReply reply;
-  reply.error = error;
-  reply.errorText = text;
-  return reply;
-}
-
 }  // namespace
 
 HttpEngine::HttpEngine(const LinuxHttpClientOptions& options, Finish finish)
@@ -48,7 +41,7 @@ void HttpEngine::add(std::unique_ptr<HttpJob> job) {
   if (prepareJob(*job)) {
     queue_.add(std::move(job));
   } else {
-    finish_(*job, failure(HttpError::BadUrl, "Not an absolute http or https URL"), std::nullopt);
+    finish_(*job, failedReply(HttpError::BadUrl, "Not an absolute http or https URL"), std::nullopt);
   }
 }
 
@@ -81,7 +74,7 @@ void HttpEngine::wait(std::optional<Clock::time_point> until) {
 }
 
 void HttpEngine::cancelAll() {
-  const HttpReply cancelled = failure(HttpError::Cancelled, "The client was shut down");
+  const HttpReply cancelled = failedReply(HttpError::Cancelled, "The client was shut down");
   for (HttpTransfer* const transfer : activeTransfers()) {
     finish_(*retire(*transfer), cancelled, std::nullopt);
   }
@@ -97,7 +90,7 @@ void HttpEngine::startWaiting() {
     spare_.pop_back();
     if (!transfer->usable()) {
       queue_.ended(job->origin);
-      finish_(*job, failure(HttpError::CannotConnect, "Out of memory"), std::nullopt);
+      finish_(*job, failedReply(HttpError::CannotConnect, "Out of memory"), std::nullopt);
       continue;
     }
     transfer->load(std::move(job));
@@ -119,7 +112,7 @@ bool HttpEngine::finishDone() {
 
 void HttpEngine::expireIdle() {
   const auto since = Clock::now() - std::chrono::floor<Clock::duration>(idleTimeout_);
-  const HttpReply timedOut = failure(HttpError::TimedOut, "Nothing was sent or received for too long");
+  const HttpReply timedOut = failedReply(HttpError::TimedOut, "Nothing was sent or received for too long");
   for (HttpTransfer* const transfer : activeTransfers()) {
     if (!transfer->connected() || transfer->lastActivity() > since) {
       continue;

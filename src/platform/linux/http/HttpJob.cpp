@@ -21,4 +21,11 @@ bool prepareJob(HttpJob& job) {
   return true;
 }
 
+HttpReply failedReply(HttpError error, const char* text) {
+  HttpReply reply;
+  reply.error = error;
+  reply.errorText = text;
+  return reply;
+}
+
 }  // namespace kesu

@@ -20,4 +20,7 @@ struct HttpJob {
 /// http(s) URL.
 bool prepareJob(HttpJob& job);
 
+/// Makes the reply to a request that got none.
+HttpReply failedReply(HttpError error, const char* text);
+
 }  // namespace kesu

@@ -11,13 +11,6 @@ namespace {
 
 constexpr double kMaxGraceSeconds = 3600;  // Keeps "for ever" within the clock's range.
 
-HttpReply failure(HttpError error, const char* text) {
-  HttpReply reply;
-  reply.error = error;
-  reply.errorText = text;
-  return reply;
-}
-
 }  // namespace
 
 HttpNetwork::HttpNetwork(MainLoop& loop, LinuxHttpClientOptions options)
@@ -36,7 +29,7 @@ void HttpNetwork::send(HttpRequest request, HttpClient::Completion completion) {
   job->completion = std::move(completion);
   bool wakes = false;
   if (!accept(job, wakes)) {
-    delivery_.deliver(std::move(job->completion), failure(HttpError::Cancelled, "The client was shut down"), {});
+    delivery_.deliver(std::move(job->completion), failedReply(HttpError::Cancelled, "The client was shut down"), {});
   } else if (wakes) {
     wake();
   }

@@ -75,7 +75,6 @@ class HostReachability {
   /// The flags; nothing while the way is unknown and no announcement was made.
   std::optional<std::uint32_t> flags() const;
   const std::vector<IpAddress>& addresses() const { return addresses_; }
-  bool isDown() const { return down_; }
   /// Whether trafficConnected() would make a difference.
   bool learnsFromConnections() const;
 
