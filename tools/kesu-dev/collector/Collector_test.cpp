@@ -265,6 +265,17 @@ TEST_F(CollectorTest, TellsPathsApart) {
             std::string::npos);
 }
 
+TEST_F(CollectorTest, AnswersEveryRouteThatHelpLists) {
+  const std::string help = client().Get("/help")->body;
+  for (const Route& route : collectorRoutes()) {
+    const std::string path(route.path);
+    const bool isAnswered = route.method != "GET" || path.ends_with('*') || client().Head(path)->status == 200;
+    EXPECT_TRUE(isAnswered) << path;
+    EXPECT_NE(help.find(std::string(route.method) + " " + path + " "), std::string::npos) << path;
+    EXPECT_NE(help.find(route.sentence), std::string::npos) << path;
+  }
+}
+
 TEST_F(CollectorTest, EventStreamResumesWhereItBroke) {
   for (const char* id : {"AbCdEfGhIjKlMnOpQrSt01", "AbCdEfGhIjKlMnOpQrSt02", "AbCdEfGhIjKlMnOpQrSt03"}) {
     post(testRecord("e", id));

@@ -4,7 +4,7 @@
 
 namespace kesu::dev {
 
-/// The page that `GET /` answers: web/index.html, which is put into the program when it is built.
+/// Returns the page for `GET /`: web/index.html, embedded at build time.
 std::string_view webPage();
 
 }  // namespace kesu::dev
