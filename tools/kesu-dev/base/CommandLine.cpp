@@ -12,7 +12,7 @@ namespace kesu::dev {
 
 struct ProgramState {
   CLI::App app;
-  const CLI::App* forwarding = nullptr;  // The command that wants what stands behind "--".
+  const CLI::App* forwarding = nullptr;  // The command that receives the arguments behind "--".
   std::vector<std::string>* behindDashes = nullptr;
   int status = 0;
 };
@@ -22,7 +22,7 @@ namespace {
 constexpr int kUsageError = 2;
 constexpr std::size_t kOptionColumns = 26;  // The longest option of kesu-dev and a gap.
 
-// Distributes what stood behind "--". Called after all arguments were read and before any command is executed.
+// Hands the arguments behind "--" to their command. Called once all others were read, before any command is executed.
 void forward(ProgramState& program, bool hasDashes, std::vector<std::string> arguments) {
   const auto chosen = program.app.get_subcommands();
   if (chosen.empty()) {
@@ -134,7 +134,7 @@ Command Program::command(const std::string& name, const std::string& description
 }
 
 int Program::run(int argc, char** argv) {
-  // What stands behind the dashes is another program's: CLI11 must not see it, it would read "[a,b]" as a list.
+  // The arguments behind "--" are for another program. CLI11 must not see them: it would read "[a,b]" as a list.
   char** const end = argv + argc;
   char** const dashes = std::find(argv, end, std::string_view("--"));
   const std::vector<std::string> rest(dashes == end ? end : dashes + 1, end);

@@ -21,7 +21,7 @@ class Command {
   /// Stores the value of an option. Returns an empty text, or one sentence that says why the value is refused.
   using Read = std::function<std::string(const std::string& value)>;
 
-  /// Adds an option with a value. `names` such as "-o,--output"; `value` stands for the value in the help text.
+  /// Adds an option with a value. `names` such as "-o,--output"; `value` names the value in the help text.
   Command& option(const std::string& names, const std::string& value, const std::string& help, Read read);
 
   /// The same for any text.
@@ -37,7 +37,7 @@ class Command {
   /// Adds an argument that must be given.
   Command& argument(const std::string& name, const std::string& help, std::string& target);
 
-  /// Takes everything behind "--" as it stands; something must stand there. One command of a program may ask for it.
+  /// Stores all arguments behind "--" unread; there must be at least one. One command per program may ask for them.
   Command& argumentsBehindDashes(std::vector<std::string>& target);
 
   /// Adds a paragraph to the end of the command's help text.
@@ -55,12 +55,12 @@ class Command {
 /// Adds -f, --format: "human", the default, or "json", in words of `jsonHelp`.
 void addFormatOption(Command& command, const std::string& jsonHelp, bool& asJson);
 
-/// A program with commands: "NAME COMMAND OPTIONS". Every command knows --help.
+/// A program with commands: "NAME COMMAND OPTIONS". Every command has --help.
 ///
-/// A cover over CLI11: its header takes seconds to compile, so that only CommandLine.cpp includes it.
+/// Wraps CLI11, whose header takes seconds to compile: only CommandLine.cpp includes it.
 class Program {
  public:
-  /// `note` ends the help text.
+  /// `note` is the last paragraph of the help text.
   Program(const std::string& name, const std::string& version, const std::string& description, const std::string& note);
   ~Program();
 

@@ -4,7 +4,7 @@
 
 namespace kesu::dev {
 
-/// Prints a text to standard output at once: what reads it may be a pipe.
+/// Prints a text to standard output and flushes it: the reader of a pipe sees it at once.
 void print(const std::string& text);
 
 /// Prints a line for the developer to standard error. Any thread.

@@ -8,25 +8,13 @@
 namespace kesu::dev {
 namespace {
 
-constexpr std::size_t kWidestCell = 40;
-constexpr std::size_t kNarrowestLast = 24;
+constexpr std::size_t kWidestCell = 40;     // Of all columns but the last.
+constexpr std::size_t kNarrowestLast = 24;  // Words still fit, if the table becomes wider than asked.
 constexpr std::string_view kGap = "  ";
-
-// Bytes of the first `columns` code points.
-std::size_t bytesOf(std::string_view text, std::size_t columns) {
-  std::size_t end = 0;
-  while (end < text.size() && columns > 0) {
-    do {
-      ++end;
-    } while (end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U);
-    --columns;
-  }
-  return end;
-}
 
 void wrapLine(std::string_view line, std::size_t columns, std::vector<std::string>& out) {
   while (displayWidth(line) > columns) {
-    const std::size_t limit = bytesOf(line, columns);
+    const std::size_t limit = bytesOfColumns(line, columns);
     const std::size_t blank = line.rfind(' ', limit);
     const bool atBlank = blank != std::string_view::npos && blank > 0;
     out.emplace_back(line.substr(0, atBlank ? blank : limit));
@@ -34,10 +22,6 @@ void wrapLine(std::string_view line, std::size_t columns, std::vector<std::strin
     line.remove_prefix(std::min(line.find_first_not_of(' '), line.size()));
   }
   out.emplace_back(line);
-}
-
-void trimRight(std::string& text) {
-  text.erase(text.find_last_not_of(' ') + 1);
 }
 
 }  // namespace
@@ -74,14 +58,11 @@ std::string TablePrinter::text() const {
   for (const auto& row : rows_) {
     std::string head;
     for (std::size_t column = 0; column + 1 < widths.size(); ++column) {
-      head += row[column] + std::string(widths[column] - displayWidth(row[column]), ' ');
-      head += kGap;
+      head += padded(row[column], widths[column]) + std::string(kGap);
     }
     const std::string indent(displayWidth(head), ' ');
     for (const std::string& line : wrapped(row.back(), widths.back())) {
-      std::string whole = (head.empty() ? indent : std::exchange(head, std::string())) + line;
-      trimRight(whole);
-      out += whole + '\n';
+      out += trimmedRight((head.empty() ? indent : std::exchange(head, std::string())) + line) + '\n';
     }
     if (&row == &rows_.front()) {
       out += std::string(std::min(width_, indent.size() + widths.back()), '-') + '\n';

@@ -7,16 +7,16 @@
 
 namespace kesu::dev {
 
-/// Lays texts out in columns. The last column takes what is left of the width and wraps; the others are as wide as
-/// their longest cell. Cells must be printable() already; only the last may hold line breaks.
+/// Lays texts out in columns. The last column gets the rest of the width and wraps; the others are as wide as their
+/// longest cell. Cells must be printable(); only the last may contain line breaks.
 class TablePrinter {
  public:
   TablePrinter(std::vector<std::string> headings, std::size_t width);
 
-  /// A row with as many cells as there are headings.
+  /// Adds a row; it needs one cell per heading.
   void addRow(std::vector<std::string> cells);
 
-  /// The table with its heading and a rule below it, each line ended.
+  /// Returns the table with its headings and a rule below them. Each line ends with a line break.
   std::string text() const;
 
  private:
@@ -26,7 +26,7 @@ class TablePrinter {
   const std::size_t width_;
 };
 
-/// Cuts a text into lines of at most `columns` code points, at blanks where there are some.
+/// Cuts a text into lines of at most `columns` code points, at blanks where possible.
 std::vector<std::string> wrapped(std::string_view text, std::size_t columns);
 
 }  // namespace kesu::dev

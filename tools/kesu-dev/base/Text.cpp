@@ -6,59 +6,55 @@
 #include <cstdio>
 #include <ctime>
 
+#include "foundation/CivilTime.h"
+#include "foundation/Text.h"
+
 namespace kesu::dev {
 namespace {
 
-constexpr char32_t kReplacement = 0xFFFD;
-
-struct CodePoint {
-  char32_t value = kReplacement;
-  std::size_t length = 1;  // Bytes consumed; 1 for a byte that fits nowhere.
-  bool valid = false;
-};
+constexpr std::string_view kReplacement = "\xEF\xBF\xBD";  // U+FFFD
+constexpr std::string_view kEllipsis = "\xE2\x80\xA6";
 
 bool isContinuation(char byte) {
   return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
 }
 
-std::size_t sequenceLength(unsigned char lead) {
-  if (lead < 0x80) {
-    return 1;
+// Bytes of the valid character that a text begins with; 0 when it begins with something else.
+std::size_t characterLength(std::string_view text) {
+  constexpr std::size_t kLongest = 4;
+  for (std::size_t length = 1; length <= std::min(kLongest, text.size()); ++length) {
+    if (isValidUtf8(text.substr(0, length))) {
+      return length;
+    }
   }
-  if (lead >= 0xC2 && lead <= 0xDF) {
-    return 2;
-  }
-  if (lead >= 0xE0 && lead <= 0xEF) {
-    return 3;
-  }
-  return lead >= 0xF0 && lead <= 0xF4 ? 4 : 0;
+  return 0;
 }
 
-// Overlong forms and surrogates have a lead byte that looks right: they show only in the assembled value.
-bool isCanonical(char32_t value, std::size_t length) {
-  constexpr char32_t kSmallest[] = {0, 0, 0x80, 0x800, 0x10000};
-  return value >= kSmallest[length] && value <= 0x10FFFF && (value < 0xD800 || value > 0xDFFF);
-}
-
-CodePoint decode(std::string_view text) {
-  const auto lead = static_cast<unsigned char>(text.front());
-  const std::size_t length = sequenceLength(lead);
-  if (length == 0 || length > text.size() ||
-      !std::all_of(text.begin() + 1, text.begin() + static_cast<std::ptrdiff_t>(length), isContinuation)) {
-    return {};
-  }
+char32_t codePointOf(std::string_view character) {
   constexpr unsigned kLeadMask[] = {0, 0x7F, 0x1F, 0x0F, 0x07};
-  char32_t value = lead & kLeadMask[length];
-  for (std::size_t i = 1; i < length; ++i) {
-    value = (value << 6U) | (static_cast<unsigned char>(text[i]) & 0x3FU);
+  char32_t value = static_cast<unsigned char>(character.front()) & kLeadMask[character.size()];
+  for (const char byte : character.substr(1)) {
+    value = (value << 6U) | (static_cast<unsigned char>(byte) & 0x3FU);
   }
-  return isCanonical(value, length) ? CodePoint{value, length, true} : CodePoint{};
+  return value;
+}
+
+// Replaces each valid character by what `write` returns, each other byte by U+FFFD.
+std::string rewritten(std::string_view bytes, std::string (*write)(std::string_view character)) {
+  std::string result;
+  result.reserve(bytes.size());
+  while (!bytes.empty()) {
+    const std::size_t length = characterLength(bytes);
+    result += length == 0 ? std::string(kReplacement) : write(bytes.substr(0, length));
+    bytes.remove_prefix(std::max<std::size_t>(length, 1));
+  }
+  return result;
 }
 
 bool isHarmless(char32_t value) {
   const bool control = value < 0x20 || (value >= 0x7F && value < 0xA0);
-  const bool turnsDirection = (value >= 0x202A && value <= 0x202E) || (value >= 0x2066 && value <= 0x2069);
-  return !control && !turnsDirection && value != 0x2028 && value != 0x2029;
+  const bool changesDirection = (value >= 0x202A && value <= 0x202E) || (value >= 0x2066 && value <= 0x2069);
+  return !control && !changesDirection && value != 0x2028 && value != 0x2029;
 }
 
 std::string escaped(char32_t value) {
@@ -73,59 +69,66 @@ std::string escaped(char32_t value) {
   return text;
 }
 
-// std::strftime knows no milliseconds, and its pattern must be a literal.
-std::string clockOf(const std::tm& parts, std::int64_t millisecondsSince1970) {
-  char text[64];
-  std::snprintf(text, sizeof text, "%02d:%02d:%02d.%03d", parts.tm_hour, parts.tm_min, parts.tm_sec,
-                static_cast<int>(millisecondsSince1970 % 1000));
+std::string harmless(std::string_view character) {
+  const char32_t value = codePointOf(character);
+  return isHarmless(value) ? std::string(character) : escaped(value);
+}
+
+std::string fractionText(std::int64_t milliseconds) {
+  char text[16];
+  std::snprintf(text, sizeof text, ".%03d", static_cast<int>(milliseconds % 1000));
   return text;
 }
 
 }  // namespace
 
 std::string validUtf8(std::string_view bytes) {
-  std::string result;
-  result.reserve(bytes.size());
-  while (!bytes.empty()) {
-    const CodePoint next = decode(bytes);
-    result += next.valid ? bytes.substr(0, next.length) : std::string_view("\xEF\xBF\xBD");
-    bytes.remove_prefix(next.length);
-  }
-  return result;
+  // Nearly all texts are valid, and each record that arrives passes here.
+  return isValidUtf8(bytes) ? std::string(bytes)
+                            : rewritten(bytes, [](std::string_view character) { return std::string(character); });
 }
 
 std::string printable(std::string_view bytes) {
-  std::string result;
-  result.reserve(bytes.size());
-  while (!bytes.empty()) {
-    const CodePoint next = decode(bytes);
-    if (!next.valid) {
-      result += "\xEF\xBF\xBD";
-    } else if (isHarmless(next.value)) {
-      result += bytes.substr(0, next.length);
-    } else {
-      result += escaped(next.value);
-    }
-    bytes.remove_prefix(next.length);
-  }
-  return result;
+  return rewritten(bytes, harmless);
 }
 
 std::size_t displayWidth(std::string_view text) {
   return text.size() - static_cast<std::size_t>(std::count_if(text.begin(), text.end(), isContinuation));
 }
 
-std::string shortened(std::string_view text, std::size_t columns) {
-  if (displayWidth(text) <= columns || columns == 0) {
-    return std::string(text);
-  }
+std::size_t bytesOfColumns(std::string_view text, std::size_t columns) {
   std::size_t end = 0;
-  for (std::size_t taken = 0; taken + 1 < columns; ++taken) {
+  for (; end < text.size() && columns > 0; --columns) {
     do {
       ++end;
     } while (end < text.size() && isContinuation(text[end]));
   }
-  return std::string(text.substr(0, end)) + "\xE2\x80\xA6";
+  return end;
+}
+
+std::string shortened(std::string_view text, std::size_t columns) {
+  if (displayWidth(text) <= columns || columns == 0) {
+    return std::string(text);
+  }
+  return std::string(text.substr(0, bytesOfColumns(text, columns - 1))) + std::string(kEllipsis);
+}
+
+std::string padded(std::string_view text, std::size_t columns) {
+  const std::size_t width = displayWidth(text);
+  return std::string(text) + std::string(width < columns ? columns - width : 0, ' ');
+}
+
+std::string joined(const std::vector<std::string>& texts, std::string_view separator) {
+  std::string result;
+  for (const std::string& text : texts) {
+    result += (&text == texts.data() ? "" : std::string(separator)) + text;
+  }
+  return result;
+}
+
+std::string trimmedRight(std::string text) {
+  text.erase(text.find_last_not_of(' ') + 1);
+  return text;
 }
 
 std::optional<std::int64_t> parseDecimal(std::string_view text) {
@@ -149,16 +152,15 @@ std::string clockText(std::int64_t millisecondsSince1970) {
   const std::time_t seconds = static_cast<std::time_t>(millisecondsSince1970 / 1000);
   std::tm parts{};
   localtime_r(&seconds, &parts);
-  return clockOf(parts, millisecondsSince1970);
+  char text[16];
+  std::strftime(text, sizeof text, "%H:%M:%S", &parts);
+  return text + fractionText(millisecondsSince1970);
 }
 
 std::string utcText(std::int64_t millisecondsSince1970) {
-  const std::time_t seconds = static_cast<std::time_t>(millisecondsSince1970 / 1000);
-  std::tm parts{};
-  gmtime_r(&seconds, &parts);
-  char date[16];
-  std::strftime(date, sizeof date, "%Y-%m-%d", &parts);
-  return std::string(date) + "T" + clockOf(parts, millisecondsSince1970) + "Z";
+  const Date date{static_cast<double>(millisecondsSince1970 / 1000)};
+  const CivilTime time = civilTime(date).value_or(CivilTime());
+  return dayText(time) + "T" + kesu::clockText(time) + fractionText(millisecondsSince1970) + "Z";
 }
 
 std::int64_t nowMilliseconds() {

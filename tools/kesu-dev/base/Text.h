@@ -5,35 +5,48 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace kesu::dev {
 
-/// The text with every byte that is no valid UTF-8 replaced by U+FFFD, so that it can stand in a JSON text.
+/// Replaces every byte that is not valid UTF-8 by U+FFFD, as JSON requires.
 std::string validUtf8(std::string_view bytes);
 
-/// The text as one harmless piece of a terminal line. Records come from whoever posts them: control characters (the
-/// start of terminal commands) and characters that turn the writing direction are written as escapes.
+/// Makes a text safe for a line of a terminal. Records come from any sender: control characters (they begin terminal
+/// commands) and characters that change the writing direction are written as escapes.
 std::string printable(std::string_view bytes);
 
-/// How many columns a text takes on a terminal: one a code point.
+/// Returns the columns of a text on a terminal, one per code point.
 std::size_t displayWidth(std::string_view text);
 
-/// The first `columns` code points of a text, with an ellipsis in the last column when something was cut off.
+/// Returns the bytes of the first `columns` code points of a text.
+std::size_t bytesOfColumns(std::string_view text, std::size_t columns);
+
+/// Cuts a text to `columns` code points; the last one is an ellipsis when something was cut off.
 std::string shortened(std::string_view text, std::size_t columns);
 
-/// The number when the text is nothing but decimal digits (and fits), else nothing.
+/// Appends blanks up to `columns`; a longer text is returned unchanged.
+std::string padded(std::string_view text, std::size_t columns);
+
+/// Concatenates texts with a separator.
+std::string joined(const std::vector<std::string>& texts, std::string_view separator);
+
+/// Removes the blanks at the end.
+std::string trimmedRight(std::string text);
+
+/// Reads a number; nothing unless the text is decimal digits only, within 64 bits.
 std::optional<std::int64_t> parseDecimal(std::string_view text);
 
-/// Lower-case form of the ASCII letters; other bytes stay.
+/// Converts ASCII letters to lower case; other bytes stay.
 std::string lowerAscii(std::string_view text);
 
-/// A time of day on this machine's clock, "15:04:05.678", from milliseconds since 1970.
+/// Formats a time of day in local time, "15:04:05.678".
 std::string clockText(std::int64_t millisecondsSince1970);
 
-/// The same instant as "2026-01-31T15:04:05.678Z".
+/// Formats an instant in UTC, "2026-01-31T15:04:05.678Z".
 std::string utcText(std::int64_t millisecondsSince1970);
 
-/// Now, in milliseconds since 1970.
+/// Returns the current time in milliseconds since 1970.
 std::int64_t nowMilliseconds();
 
 }  // namespace kesu::dev

@@ -4,16 +4,16 @@ namespace kesu::dev {
 
 class Program;
 
-// Each of these adds commands to the program, with their options. Statuses: 0 = done, 1 = failed, with one sentence on
+// Each of these adds commands with their options to the program. Statuses: 0 = done, 1 = failed, after one sentence on
 // standard error.
 
 /// `serve`: starts the services and serves until SIGINT, SIGTERM or SIGHUP.
 void addServeCommand(Program& program);
 
-/// `run`: starts the services and a program that talks to them, and ends with it.
+/// `run`: starts the services and a program that uses them, until the program ends.
 ///
-/// The program has our standard streams; what kesu-dev itself says goes to standard error. The program receives SIGTERM
-/// when kesu-dev dies in whatever way, and every SIGTERM, SIGHUP and SIGINT that is sent to kesu-dev alone; after the
+/// The program inherits the standard streams; kesu-dev itself prints to standard error. The program receives SIGTERM
+/// when kesu-dev dies, and every SIGTERM, SIGHUP and SIGINT that is sent to kesu-dev alone; after the
 /// first of these it has ten seconds. Status: the program's, 128 + N when signal N ended it, 127 when there is no such
 /// program, 126 when it cannot be run.
 void addRunCommand(Program& program);

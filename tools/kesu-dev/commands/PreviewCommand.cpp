@@ -65,7 +65,7 @@ void showMessage() {
                                                   });
 }
 
-/// Pumps until the popup is up and its picture has come. False when it does not appear.
+// Pumps until the popup and its picture are there. Returns false when the popup does not appear.
 bool waitForPopup(Overlay& overlay) {
   using Clock = std::chrono::steady_clock;
   const auto latest = Clock::now() + std::chrono::duration<double>(kPatienceSeconds);
@@ -82,7 +82,7 @@ bool waitForPopup(Overlay& overlay) {
   return overlay.isModal();
 }
 
-/// The popup at rest over a dark screen.
+// Draws the popup at rest over a dark screen.
 ImagePtr finishedPicture(Overlay& overlay, int width, int height) {
   for (const double seconds : {0.0, 1.0, 2.0, 3.0}) {
     overlay.layers(seconds);
@@ -129,7 +129,7 @@ std::string readSize(const std::string& value, PreviewOptions& options) {
 int preview(const PreviewOptions& options) {
   const std::filesystem::path file(options.file);
   const std::string folder = file.has_parent_path() ? file.parent_path().string() : ".";
-  // Static, as the library is: it uses them until the process ends.
+  // Static: the library uses them until the process ends.
   static const MessageDirectory directory(folder, PreviewService::kOrigin);
   std::string problem;
   auto message = directory.message(file.filename().string(), problem);

@@ -7,7 +7,7 @@
 namespace kesu::dev {
 namespace {
 
-// "NAME='value'": the directory for temporary files may hold blanks.
+// "NAME='value'": the directory for temporary files may contain blanks.
 std::string quotedForShell(const std::string& assignment) {
   const std::size_t equals = assignment.find('=');
   std::string text = assignment.substr(0, equals + 1) + "'";
@@ -30,6 +30,7 @@ bool ReadyFile::write(const std::string& path, const Services& services) {
   if (path.empty()) {
     return true;
   }
+  // Renamed once it is complete: scripts wait for the name to appear.
   const std::string temporary = path + ".new";
   std::ofstream file(temporary, std::ios::trunc);
   file << "KESU_DEV_URL=" << services.url() << "\n";

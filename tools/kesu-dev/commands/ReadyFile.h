@@ -6,8 +6,8 @@
 
 namespace kesu::dev {
 
-/// Tells scripts that the services answer, and where: a file of shell assignments (KESU_DEV_URL and those of
-/// Services::environment()) that appears complete and is removed with this object.
+/// A file that tells scripts where the services answer: shell assignments (KESU_DEV_URL and those of
+/// Services::environment()). It appears complete and is removed with this object.
 class ReadyFile {
  public:
   /// No file yet.
@@ -17,7 +17,7 @@ class ReadyFile {
   ReadyFile(const ReadyFile&) = delete;
   ReadyFile& operator=(const ReadyFile&) = delete;
 
-  /// Writes the file; an empty path writes none. False when it cannot be written.
+  /// Writes the file; an empty path writes none. Returns false when it cannot be written.
   bool write(const std::string& path, const Services& services);
 
  private:

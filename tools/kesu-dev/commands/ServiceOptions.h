@@ -9,7 +9,7 @@
 
 namespace kesu::dev {
 
-/// What one can ask of the services, under `serve` and `run` alike.
+/// The options that `serve` and `run` share.
 struct ServiceOptions {
   Services::Options services;
   std::string readyFile;  // Written once the services answer; empty = none.

@@ -17,6 +17,7 @@
 #include "foundation/Json.h"
 #include "tools/kesu-dev/base/CommandLine.h"
 #include "tools/kesu-dev/base/Console.h"
+#include "tools/kesu-dev/base/Fields.h"
 #include "tools/kesu-dev/commands/Commands.h"
 #include "tools/kesu-dev/commands/Services.h"
 #include "tools/kesu-dev/http/HttpFetch.h"
@@ -52,11 +53,10 @@ int withServer(const WatchOptions& options, const std::function<int(const Server
   return server ? execute(*server) : fail("not a URL of a collector: " + options.url);
 }
 
-// GETs a JSON object; nothing when none came, and `result` says why.
+// GETs a JSON object; nothing on failure, which `result` then describes.
 std::optional<Dictionary> fetchObject(const ServerAddress& server, const std::string& path, FetchResult& result) {
   result = fetch(server, path);
-  std::optional<Value> parsed = result.status == 200 ? parseJson(result.body) : std::nullopt;
-  return parsed && parsed->dictionary() != nullptr ? std::optional(std::move(*parsed->dictionary())) : std::nullopt;
+  return result.status == 200 ? parseObject(result.body) : std::nullopt;
 }
 
 std::size_t widthFor(const WatchOptions& options) {
@@ -68,7 +68,7 @@ std::size_t widthFor(const WatchOptions& options) {
   return known ? terminal.ws_col : kDefaultWidth;
 }
 
-// Appends a page of `/good` or `/bad` behind `after`. Returns how many came, or nothing when the fetch failed.
+// Appends a page of `/good` or `/bad` behind `after`. Returns its size, or nothing when the fetch failed.
 std::optional<std::size_t> fetchPage(const ServerAddress& server, const std::string& path, std::int64_t after,
                                      std::vector<StoredRecord>& records, FetchResult& result) {
   const std::optional<Dictionary> page =

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "tools/kesu-dev/base/Fields.h"
 #include "tools/kesu-dev/base/Text.h"
 
 namespace kesu::dev {
@@ -27,11 +28,7 @@ loopback::Reply jsonReply(const Dictionary& body, int status) {
 }
 
 loopback::Reply reasonsReply(const std::vector<std::string>& reasons, int status) {
-  Array list;
-  for (const std::string& reason : reasons) {
-    list.emplace_back(validUtf8(reason));
-  }
-  return jsonReply({{"ok", false}, {"reasons", std::move(list)}}, status);
+  return jsonReply({{"ok", false}, {"reasons", listOf(reasons)}}, status);
 }
 
 }  // namespace kesu::dev

@@ -13,7 +13,7 @@
 
 namespace kesu::dev {
 
-/// What tells one message from another.
+/// Identifies a message.
 struct MessageKey {
   std::string mid;
   std::string cid;
@@ -27,33 +27,33 @@ struct MessageTally {
   std::int64_t whole = 0;
 };
 
-/// A call of the service's own web hook.
+/// A call of the web hook that the service offers.
 struct HookCall {
   std::int64_t arrivedMs = 0;  // Milliseconds since 1970.
   std::string body;
 };
 
-/// What went out to whom, since the start or the last clear(). Any thread.
+/// Which installation fetched which message, since the start or the last clear(). Any thread.
 class DeliveryLog {
  public:
   enum class Form { Header, Whole };
 
-  /// The messages that an installation has not fetched.
+  /// Returns the messages that an installation has not fetched.
   std::vector<Message> unfetched(const std::string& instance, const std::vector<Message>& messages) const;
 
-  /// The same, which count as fetched from here on. Two requests at once never get the same message.
+  /// Returns the same and counts them as fetched. Two requests at once never get the same message.
   std::vector<Message> fetch(const std::string& instance, const std::vector<Message>& messages, Form form);
 
-  /// An installation asked for this message itself.
+  /// Counts one message as fetched.
   void fetchOne(const std::string& instance, const Message& message);
 
   MessageTally tally(const MessageKey& key) const;
 
-  /// Keeps the latest 100 calls.
+  /// Adds a call; the latest 100 are kept.
   void addHook(HookCall call);
   std::vector<HookCall> hooks() const;
 
-  /// Forgets everything: all messages are new to all.
+  /// Forgets everything: all messages count as not fetched.
   void clear();
 
  private:

@@ -8,20 +8,21 @@
 #include <system_error>
 #include <utility>
 
-#include "foundation/Json.h"
+#include "services/MessageKeys.h"
+#include "tools/kesu-dev/base/Fields.h"
 #include "tools/kesu-dev/base/Text.h"
 #include "tools/kesu-dev/messages/ImageSize.h"
-#include "tools/kesu-dev/records/StoredRecord.h"
 
 namespace kesu::dev {
 namespace {
 
 constexpr std::string_view kTagsFile = "tags.json";
 constexpr std::string_view kOriginMark = "{service}";
-constexpr const char* kImageFolder = "/images/";
+constexpr std::string_view kImageFileKey = "imageFile";  // In our files only, never sent.
+constexpr std::string_view kDateKey = "date";
 constexpr std::uintmax_t kFileLimitBytes = std::uintmax_t{16} * 1024 * 1024;
 
-// Nothing when there is no such regular file (a pipe would never end), or it is too large.
+// Returns nothing when there is no such regular file (a pipe would never end), or it is too large.
 std::optional<std::string> contentOf(const std::filesystem::path& path) {
   std::error_code error;
   if (!std::filesystem::is_regular_file(path, error) || std::filesystem::file_size(path, error) > kFileLimitBytes) {
@@ -65,7 +66,7 @@ std::string replaced(std::string text, std::string_view what, std::string_view w
   return text;
 }
 
-// The value with the mark replaced in every text. Recursion is bounded by the depth that parseJson() lets through.
+// Replaces the mark in every text of a value. Recursion is bounded by the depth that parseJson() lets through.
 Value withOrigin(const Value& value, const std::string& origin) {
   if (value.text() != nullptr) {
     return replaced(*value.text(), kOriginMark, origin);
@@ -87,14 +88,10 @@ Value withOrigin(const Value& value, const std::string& origin) {
   return value;
 }
 
-std::string textIn(const Dictionary& from, std::string_view key) {
-  const std::string* text = from.findText(key);
-  return text == nullptr ? std::string() : *text;
-}
-
 Dictionary headerOf(const Dictionary& full, const Dictionary& payload) {
-  Dictionary header{{"mid", textIn(full, "mid")}, {"cid", textIn(full, "cid")}};
-  for (const auto& [from, key] : {std::pair(&payload, "title"), std::pair(&full, "date")}) {
+  Dictionary header{{std::string(kMessageIdKey), textIn(full, kMessageIdKey)},
+                    {std::string(kCampaignIdKey), textIn(full, kCampaignIdKey)}};
+  for (const auto& [from, key] : {std::pair(&payload, kMessageTitleKey), std::pair(&full, kDateKey)}) {
     if (const Value* value = from->find(key)) {
       header.set(key, *value);
     }
@@ -103,13 +100,13 @@ Dictionary headerOf(const Dictionary& full, const Dictionary& payload) {
 }
 
 std::string identityFault(const Dictionary& full) {
-  if (textIn(full, "mid").empty()) {
+  if (textIn(full, kMessageIdKey).empty()) {
     return "\"mid\" must be a text that is not empty";
   }
-  if (full.findText("cid") == nullptr) {
+  if (full.findText(kCampaignIdKey) == nullptr) {
     return "\"cid\" must be a text";
   }
-  const Value* payload = full.find("payload");
+  const Value* payload = full.find(kPayloadKey);
   return payload == nullptr || payload->dictionary() == nullptr ? "\"payload\" must be an object" : "";
 }
 
@@ -157,17 +154,17 @@ std::optional<Message> MessageDirectory::message(const std::string& fileName, st
   }
   Message message;
   message.file = fileName;
-  message.mid = textIn(*full, "mid");
-  message.cid = textIn(*full, "cid");
-  Dictionary& payload = *full->find("payload")->dictionary();
-  message.title = textIn(payload, "title");
-  const Value* data = payload.find("templateData");
+  message.mid = textIn(*full, kMessageIdKey);
+  message.cid = textIn(*full, kCampaignIdKey);
+  Dictionary& payload = *full->find(kPayloadKey)->dictionary();
+  message.title = textIn(payload, kMessageTitleKey);
+  const Value* data = payload.find(kTemplateDataKey);
   if (data != nullptr && data->dictionary() != nullptr) {
     std::optional<std::string> wire = wireTemplate(*data->dictionary(), message, problem);
     if (!wire) {
       return std::nullopt;
     }
-    payload.set("templateData", std::move(*wire));
+    payload.set(kTemplateDataKey, std::move(*wire));
   }
   message.header = headerOf(*full, payload);
   message.full = std::move(*full);
@@ -182,12 +179,12 @@ std::string MessageDirectory::readTags(std::vector<std::string>& problems) const
   }
   std::string problem;
   const std::optional<Dictionary> file = readObject(std::string(kTagsFile), problem);
-  const Value* tags = file ? file->find("tags") : nullptr;
+  const Value* tags = file ? file->find(kTagsKey) : nullptr;
   if (tags != nullptr && tags->text() != nullptr) {
     return *tags->text();
   }
   if (tags != nullptr && tags->array() != nullptr) {
-    return jsonText({{"tags", *tags}});
+    return jsonText({{std::string(kTagsKey), *tags}});
   }
   problems.push_back(std::string(kTagsFile) + ": " + (file ? "\"tags\" must be a list of texts" : problem));
   return none;
@@ -195,22 +192,18 @@ std::string MessageDirectory::readTags(std::vector<std::string>& problems) const
 
 std::optional<Dictionary> MessageDirectory::readObject(const std::string& fileName, std::string& problem) const {
   const std::optional<std::string> content = contentOf(std::filesystem::path(directory_) / fileName);
-  const std::optional<Value> parsed = content ? parseJson(*content) : std::nullopt;
   if (!content) {
     problem = "cannot be read";
-  } else if (!parsed) {
-    problem = "is not valid JSON";
-  } else if (parsed->dictionary() == nullptr) {
-    problem = "is JSON but not an object";
+    return std::nullopt;
   }
-  return problem.empty() ? std::optional(*parsed->dictionary()) : std::nullopt;
+  return parseObject(*content, problem);
 }
 
 std::optional<std::string> MessageDirectory::wireTemplate(const Dictionary& natural, Message& message,
                                                           std::string& problem) const {
   Dictionary data;
   for (const auto& entry : natural) {
-    if (entry.key == "imageFile") {
+    if (entry.key == kImageFileKey) {
       fillImage(natural, data, message, problem);
     } else {
       data.set(entry.key, withOrigin(entry.value, origin_));
@@ -221,7 +214,7 @@ std::optional<std::string> MessageDirectory::wireTemplate(const Dictionary& natu
 
 void MessageDirectory::fillImage(const Dictionary& natural, Dictionary& data, Message& message,
                                  std::string& problem) const {
-  message.image = textIn(natural, "imageFile");
+  message.image = textIn(natural, kImageFileKey);
   const std::optional<std::string> bytes = image(message.image);
   const std::optional<ImageSize> size = bytes ? imageSize(*bytes) : std::nullopt;
   if (!size) {
@@ -229,8 +222,8 @@ void MessageDirectory::fillImage(const Dictionary& natural, Dictionary& data, Me
               (bytes ? " is no PNG, JPEG, GIF or WebP picture" : " is no picture beside this file");
     return;
   }
-  data.set("imageSourceURL", origin_ + kImageFolder + message.image);
-  for (const auto& [key, number] : {std::pair("imageWidth", size->width), std::pair("imageHeight", size->height)}) {
+  data.set(kImageUrlKey, origin_ + kImagePath + message.image);
+  for (const auto& [key, number] : {std::pair(kImageWidthKey, size->width), std::pair(kImageHeightKey, size->height)}) {
     if (!natural.contains(key)) {
       data.set(key, number);
     }

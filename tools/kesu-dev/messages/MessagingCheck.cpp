@@ -4,14 +4,14 @@
 #include <iterator>
 #include <optional>
 
-#include "foundation/Json.h"
+#include "records/RecordKeys.h"
+#include "services/MessageKeys.h"
+#include "tools/kesu-dev/base/Fields.h"
 #include "tools/kesu-dev/base/Text.h"
 #include "tools/kesu-dev/records/RecordCheck.h"
 
 namespace kesu::dev {
 namespace {
-
-constexpr std::size_t kShownColumns = 60;
 
 constexpr MessagingRoute kRoutes[] = {
     {MessagingCall::Count, "PUT", "/api/inapp/count/", "/api/devmode/inapp/count/"},
@@ -25,36 +25,24 @@ struct BodyKey {
   std::string_view name;
   std::string_view meaning;
   bool singleMessageOnly;
-  bool mayBeEmpty;
+  KeyForm form;
 };
 
 constexpr BodyKey kBodyKeys[] = {
-    {"kak", "application key", false, false},
-    {"kaid", "app-instance identifier", false, false},
-    {"kaid2", "second app-instance identifier", false, false},
-    {"mid", "message identifier", true, false},
-    {"cid", "campaign identifier", true, true},
+    {k_KesuAppKey, "application key", false, KeyForm::FilledText},
+    {k_KesuAppInstanceId, "app-instance identifier", false, KeyForm::FilledText},
+    {k_KesuAppInstanceId2, "second app-instance identifier", false, KeyForm::FilledText},
+    {kMessageIdKey, "message identifier", true, KeyForm::FilledText},
+    {kCampaignIdKey, "campaign identifier", true, KeyForm::Text},
 };
 
 bool belongs(const BodyKey& key, MessagingCall call) {
   return !key.singleMessageOnly || call == MessagingCall::SingleMessage;
 }
 
-std::string keyFault(const BodyKey& key, const Dictionary& body) {
-  const std::string name = "\"" + std::string(key.name) + "\" ";
-  if (!body.contains(key.name)) {
-    return name + "(" + std::string(key.meaning) + ") is missing";
-  }
-  const std::string* text = body.findText(key.name);
-  if (text == nullptr) {
-    return name + "is not a text";
-  }
-  return text->empty() && !key.mayBeEmpty ? name + "is empty" : "";
-}
-
 void checkKeys(MessagingCall call, const Dictionary& body, std::vector<std::string>& reasons) {
   for (const BodyKey& key : kBodyKeys) {
-    const std::string fault = belongs(key, call) ? keyFault(key, body) : "";
+    const std::string fault = belongs(key, call) ? keyFault(key.name, key.meaning, key.form, body.find(key.name)) : "";
     if (!fault.empty()) {
       reasons.push_back(fault);
     }
@@ -63,7 +51,7 @@ void checkKeys(MessagingCall call, const Dictionary& body, std::vector<std::stri
     const bool known = std::any_of(std::begin(kBodyKeys), std::end(kBodyKeys),
                                    [&](const BodyKey& key) { return key.name == entry.key && belongs(key, call); });
     if (!known) {
-      reasons.push_back("\"" + printable(shortened(entry.key, kShownColumns)) + "\" does not belong to this request");
+      reasons.push_back(quoted(entry.key) + " does not belong to this request");
     }
   }
 }
@@ -86,17 +74,15 @@ MessagingCheck checkMessagingRequest(const MessagingRoute& route, const Messagin
   if (request.method != route.method) {
     check.reasons.push_back("the method is " + printable(request.method) + ", not " + std::string(route.method));
   }
-  if (!isJsonType(request.contentType)) {
-    check.reasons.push_back("Content-Type is \"" + printable(shortened(request.contentType, kShownColumns)) +
-                            "\", not application/json");
+  if (std::string fault = typeFault(request.contentType); !fault.empty()) {
+    check.reasons.push_back(std::move(fault));
   }
-  const std::optional<Value> parsed = parseJson(request.body);
-  check.isObject = parsed && parsed->dictionary() != nullptr;
-  if (check.isObject) {
-    check.body = *parsed->dictionary();
-    checkKeys(route.call, check.body, check.reasons);
+  std::string problem;
+  if (std::optional<Dictionary> body = parseObject(request.body, problem)) {
+    checkKeys(route.call, *body, check.reasons);
+    check.body = std::move(*body);
   } else {
-    check.reasons.emplace_back(parsed ? "the body is JSON but not an object" : "the body is not valid JSON");
+    check.reasons.push_back("the body " + problem);
   }
   return check;
 }

@@ -28,10 +28,10 @@ struct MessagingRoute {
 
 std::span<const MessagingRoute> messagingRoutes();
 
-/// The route for a path, in whichever mode; nullptr when there is none.
+/// Finds the route of a path, in either mode; null when there is none.
 const MessagingRoute* findMessagingRoute(std::string_view path);
 
-/// What a request carries, as far as the check looks at it.
+/// The parts of a request that the check reads.
 struct MessagingRequest {
   std::string_view method;
   std::string_view contentType;
@@ -40,9 +40,8 @@ struct MessagingRequest {
 
 /// What the check found.
 struct MessagingCheck {
-  std::vector<std::string> reasons;  // One plain sentence for each thing that is wrong.
-  Dictionary body;
-  bool isObject = false;  // Whether the body is a JSON object at all.
+  std::vector<std::string> reasons;  // Why the request is bad, one plain sentence each; none = good.
+  Dictionary body;                   // Empty when it is no JSON object.
 };
 
 /// Checks a request for a route. Pure: no state, no clock, no I/O.

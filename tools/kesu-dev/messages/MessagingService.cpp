@@ -4,7 +4,9 @@
 #include <optional>
 #include <utility>
 
-#include "foundation/Json.h"
+#include "records/RecordKeys.h"
+#include "services/MessageKeys.h"
+#include "tools/kesu-dev/base/Fields.h"
 #include "tools/kesu-dev/base/Text.h"
 #include "tools/kesu-dev/http/Arrival.h"
 #include "tools/kesu-dev/http/RequestGuard.h"
@@ -14,14 +16,14 @@
 namespace kesu::dev {
 namespace {
 
-constexpr std::size_t kHookShown = 400;
-constexpr std::size_t kHookBytesKept = 8192;
+constexpr std::size_t kHookShown = 400;       // Columns: some lines of a terminal.
+constexpr std::size_t kHookBytesKept = 8192;  // 100 of them stay in memory.
 
 std::string instanceOf(const Dictionary& asked) {
-  return *asked.findText("kaid") + "\n" + *asked.findText("kaid2");
+  return *asked.findText(k_KesuAppInstanceId) + "\n" + *asked.findText(k_KesuAppInstanceId2);
 }
 
-Array listOf(const std::vector<Message>& messages, Dictionary Message::*part) {
+Array partsOf(const std::vector<Message>& messages, Dictionary Message::*part) {
   Array list;
   for (const Message& message : messages) {
     list.emplace_back(message.*part);
@@ -55,8 +57,8 @@ loopback::Reply MessagingService::answer(loopback::Request& request, const std::
     return answerCall(*route, request, body);
   }
   const bool isGet = request.method == "GET" || request.method == "HEAD";
-  if (isGet && request.path.starts_with(kImagePath)) {
-    return image(std::string_view(request.path).substr(std::string_view(kImagePath).size()));
+  if (isGet && request.path.starts_with(MessageDirectory::kImagePath)) {
+    return image(std::string_view(request.path).substr(std::string_view(MessageDirectory::kImagePath).size()));
   }
   if (request.method == "POST" && request.path == kHookPath) {
     return takeHook(body);
@@ -79,19 +81,19 @@ loopback::Reply MessagingService::answerGood(MessagingCall call, loopback::Reque
   const std::string instance = instanceOf(asked);
   switch (call) {
     case MessagingCall::Count:
-      return jsonReply({{"count", log_.unfetched(instance, read().messages).size()}});
+      return jsonReply({{std::string(kMessageCountKey), log_.unfetched(instance, read().messages).size()}});
     case MessagingCall::NewHeaders: {
       const auto fetched = log_.fetch(instance, read().messages, DeliveryLog::Form::Header);
-      return jsonReply({{"metadatalist", listOf(fetched, &Message::header)}});
+      return jsonReply({{std::string(kHeaderListKey), partsOf(fetched, &Message::header)}});
     }
     case MessagingCall::SingleMessage:
       return singleMessage(request, body, asked);
     case MessagingCall::NewMessages: {
       const auto fetched = log_.fetch(instance, read().messages, DeliveryLog::Form::Whole);
-      return jsonReply({{"payloadlist", listOf(fetched, &Message::full)}});
+      return jsonReply({{std::string(kMessageListKey), partsOf(fetched, &Message::full)}});
     }
     case MessagingCall::Tags:
-      return jsonReply({{"tags", read().tags}});
+      return jsonReply({{std::string(kTagsKey), read().tags}});
   }
   return loopback::Reply::closed();
 }
@@ -100,7 +102,7 @@ loopback::Reply MessagingService::singleMessage(loopback::Request& request, cons
                                                 const Dictionary& asked) {
   const MessageReading reading = read();
   const auto found = std::find_if(reading.messages.begin(), reading.messages.end(), [&](const Message& message) {
-    return message.mid == *asked.findText("mid") && message.cid == *asked.findText("cid");
+    return message.mid == *asked.findText(kMessageIdKey) && message.cid == *asked.findText(kCampaignIdKey);
   });
   if (found == reading.messages.end()) {
     return refuse(request, body, 404, {"there is no message with this \"mid\" and \"cid\""});
@@ -118,9 +120,8 @@ loopback::Reply MessagingService::takeHook(const std::string& body) {
 
 loopback::Reply MessagingService::refuse(loopback::Request& request, const std::string& body, int status,
                                          const std::vector<std::string>& reasons) {
-  const std::optional<Value> parsed = parseJson(body);
   StoredRecord record = arrivalOf(request, body);
-  record.bodyIsObject = parsed && parsed->dictionary() != nullptr;
+  record.bodyIsObject = parseObject(body).has_value();
   record.reasons = reasons;
   store_.add(std::move(record));
   return reasonsReply(reasons, status);

@@ -16,38 +16,34 @@
 namespace kesu::dev {
 
 /// The messaging and personalization service: answers applications from a directory of messages.
+/// It has the routes of messagingRoutes() in both modes, pictures below MessageDirectory::kImagePath, and kHookPath,
+/// which notes calls of a web hook.
 ///
-/// | Request | Answer |
-/// |---|---|
-/// | the routes of messagingRoutes(), in both modes | what the installation has not fetched yet; one message; the tags
-/// | | `GET /images/NAME` | a picture of the directory | | `POST /hook` | takes a call of a web hook and notes it |
-///
-/// A request that an application should not send is answered 4xx with what is wrong, and noted among the bad records.
-/// handle() is called on many threads at once.
+/// A request that an application should not send is answered 4xx with the reasons, and stored as a bad record.
 class MessagingService {
  public:
-  /// A line for the developer's terminal. Called on any thread.
+  /// Prints a line for the developer. Called on any thread.
   using Say = std::function<void(const std::string& line)>;
 
-  static constexpr const char* kImagePath = "/images/";
   static constexpr const char* kHookPath = "/hook";
 
   /// Serves nothing yet; the references must outlive the service.
   MessagingService(RecordStore& store, loopback::FaultTable& faults, Say say);
 
-  /// Serves this directory (empty: no messages) on that port from now on; the port stands in the addresses of pictures
-  /// and web hooks. Tells of broken files at once. Before the first request.
+  /// Serves this directory (empty: no messages); the port becomes part of the addresses of pictures and web hooks.
+  /// Reports broken files at once. Call it before the first request.
   void serve(const std::string& directory, int port);
 
+  /// Answers a request. Any thread, several at once.
   loopback::Reply handle(loopback::Request& request);
 
-  /// A picture of the directory, or 404.
+  /// Returns a picture of the directory, or 404.
   loopback::Reply image(std::string_view name) const;
 
-  /// All that there is to know about the messages, for `GET /messages`.
+  /// Describes the messages for `GET /messages`.
   Dictionary report();
 
-  /// Nothing was fetched by anybody, from here on.
+  /// Forgets who fetched which message.
   void reset() { log_.clear(); }
 
  private:
@@ -68,7 +64,7 @@ class MessagingService {
   int port_ = 0;
   DeliveryLog log_;
   Mutex mutex_;
-  std::vector<std::string> problems_ KESU_GUARDED_BY(mutex_);  // Of the last reading: told already.
+  std::vector<std::string> problems_ KESU_GUARDED_BY(mutex_);  // Of the last reading: reported already.
 };
 
 }  // namespace kesu::dev

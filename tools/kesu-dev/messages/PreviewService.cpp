@@ -4,16 +4,14 @@
 
 #include <utility>
 
-#include "tools/kesu-dev/base/Text.h"
-#include "tools/kesu-dev/records/StoredRecord.h"
+#include "services/MessageKeys.h"
+#include "tools/kesu-dev/base/Fields.h"
 
 namespace kesu::dev {
 namespace {
 
-constexpr std::string_view kImages = "/images/";
-
-kesu::HttpReply reply(int status, std::string body) {
-  kesu::HttpReply made;
+HttpReply reply(int status, std::string body) {
+  HttpReply made;
   made.status = status;
   made.body = std::move(body);
   return made;
@@ -21,8 +19,8 @@ kesu::HttpReply reply(int status, std::string body) {
 
 }  // namespace
 
-void PreviewService::send(kesu::HttpRequest request, Completion completion) {
-  kesu::HttpReply made;
+void PreviewService::send(HttpRequest request, Completion completion) {
+  HttpReply made;
   if (isDown_) {
     made.error = HttpError::Cancelled;
   } else {
@@ -35,14 +33,14 @@ void PreviewService::send(kesu::HttpRequest request, Completion completion) {
   });
 }
 
-kesu::HttpReply PreviewService::answer(const std::string& url) const {
-  const std::string images = std::string(kOrigin) + std::string(kImages);
+HttpReply PreviewService::answer(const std::string& url) const {
+  const std::string images = std::string(kOrigin) + MessageDirectory::kImagePath;
   if (url.starts_with(images)) {
     const auto bytes = directory_.image(std::string_view(url).substr(images.size()));
     return reply(bytes ? 200 : 404, bytes.value_or(""));
   }
   if (url.find("/newUnFetched/") != std::string::npos) {
-    return reply(200, jsonText({{"metadatalist", Array{Value(message_.header)}}}));
+    return reply(200, jsonText({{std::string(kHeaderListKey), Array{Value(message_.header)}}}));
   }
   if (url.find("/getmessage/") != std::string::npos) {
     return reply(200, jsonText(message_.full));

@@ -4,13 +4,14 @@
 
 #include <atomic>
 #include <string>
+#include <utility>
 
 #include "tools/kesu-dev/messages/MessageDirectory.h"
 
 namespace kesu::dev {
 
-/// The network of a preview: a messaging service that has one message, and a collector that takes everything. Any
-/// thread; the directory must outlive it.
+/// The network of a preview: a messaging service with one message, and a collector that accepts everything. Any thread;
+/// the directory must outlive it.
 class PreviewService final : public HttpClient {
  public:
   static constexpr const char* kOrigin = "https://preview.invalid";
@@ -18,13 +19,13 @@ class PreviewService final : public HttpClient {
   PreviewService(const MessageDirectory& directory, Message message)
       : directory_(directory), message_(std::move(message)) {}
 
-  void send(kesu::HttpRequest request, Completion completion) override;
+  void send(HttpRequest request, Completion completion) override;
   std::size_t pendingCount() override { return pending_; }
   void shutdown(double /*graceSeconds*/) override { isDown_ = true; }
   void setConnectObserver(ConnectObserver /*observer*/) override {}
 
  private:
-  kesu::HttpReply answer(const std::string& url) const;
+  HttpReply answer(const std::string& url) const;
 
   const MessageDirectory& directory_;
   const Message message_;

@@ -10,7 +10,7 @@
 namespace kesu::dev {
 namespace {
 
-constexpr double kPatienceSeconds = 10.0;
+constexpr double kPatienceSeconds = 10.0;  // For the popup to appear.
 
 struct EndSdl {
   ~EndSdl() { SDL_Quit(); }
@@ -19,8 +19,8 @@ struct EndSdl {
 using SdlWindow = std::unique_ptr<SDL_Window, decltype(&SDL_DestroyWindow)>;
 using SdlRenderer = std::unique_ptr<SDL_Renderer, decltype(&SDL_DestroyRenderer)>;
 
-/// Hands events on. False when the window was closed, or when Escape was pressed with no popup up.
-bool takeEvents(host::SdlOverlay& overlay) {
+// Forwards events. Returns false when the window was closed, or Escape was pressed without a popup.
+bool forwardEvents(host::SdlOverlay& overlay) {
   SDL_Event event;
   while (SDL_PollEvent(&event) != 0) {
     if (overlay.handle(event)) {
@@ -34,7 +34,7 @@ bool takeEvents(host::SdlOverlay& overlay) {
 }
 
 void drawFrame(SDL_Renderer* renderer, host::SdlOverlay& overlay) {
-  constexpr Uint32 kFrameMilliseconds = 16;
+  constexpr Uint32 kFrameMilliseconds = 16;  // 60 frames per second.
   MainLoop::shared().pump();
   SDL_SetRenderDrawColor(renderer, 24, 30, 46, 255);
   SDL_RenderClear(renderer);
@@ -43,11 +43,11 @@ void drawFrame(SDL_Renderer* renderer, host::SdlOverlay& overlay) {
   SDL_Delay(kFrameMilliseconds);
 }
 
-/// Until the popup is closed. False when it did not even come.
+// Runs until the popup is closed. Returns false when it did not appear.
 bool runUntilClosed(SDL_Renderer* renderer, host::SdlOverlay& overlay) {
   const Uint64 latest = SDL_GetTicks64() + static_cast<Uint64>(kPatienceSeconds * 1000.0);
   bool wasUp = false;
-  while (takeEvents(overlay)) {
+  while (forwardEvents(overlay)) {
     drawFrame(renderer, overlay);
     const bool isUp = overlay.overlay().isModal();
     if ((wasUp && !isUp) || (!wasUp && SDL_GetTicks64() > latest)) {

@@ -5,6 +5,12 @@
 #include <utility>
 
 namespace kesu::dev {
+namespace {
+
+// `show --db` may read the file while a collector writes it.
+constexpr int kBusyMilliseconds = 2000;
+
+}  // namespace
 
 void Statement::Finalizer::operator()(sqlite3_stmt* statement) const {
   sqlite3_finalize(statement);
@@ -24,7 +30,7 @@ Statement& Statement::bind(int parameter, std::int64_t value) {
 }
 
 Statement& Statement::bind(int parameter, std::string_view text) {
-  // A null pointer would bind NULL, and an empty view may hold one.
+  // A null pointer would bind NULL, and an empty view may have one.
   const char* start = text.empty() ? "" : text.data();
   sqlite3_bind_text64(statement_.get(), parameter, start, text.size(), SQLITE_STATIC, SQLITE_UTF8);
   return *this;
@@ -75,7 +81,7 @@ std::unique_ptr<Database> Database::open(const std::string& file, std::string& e
     error = opened == nullptr ? "out of memory" : sqlite3_errmsg(opened);
     return nullptr;
   }
-  sqlite3_busy_timeout(opened, 2000);
+  sqlite3_busy_timeout(opened, kBusyMilliseconds);
   return std::make_unique<Database>(std::move(handle));
 }
 

@@ -11,21 +11,21 @@ struct sqlite3_stmt;
 
 namespace kesu::dev {
 
-/// One prepared SQL statement, used again and again. Parameters count from 1, columns from 0. Not thread-safe.
+/// A prepared SQL statement, to be run any number of times. Parameters count from 1, columns from 0. Not thread-safe.
 class Statement {
  public:
   Statement(sqlite3& database, std::string_view sql);
 
   Statement& bind(int parameter, std::int64_t value);
 
-  /// The text must stay alive until the statement has run.
+  /// The text must outlive the run of the statement.
   Statement& bind(int parameter, std::string_view text);
   Statement& bindNull(int parameter);
 
-  /// Moves to the next row. False after the last one and when the statement fails; failed() tells which.
+  /// Moves to the next row. False after the last one and when the statement fails; see failed().
   bool nextRow();
 
-  /// Runs a statement without rows and makes it ready again. Returns whether it succeeded.
+  /// Runs a statement without rows and resets it. Returns whether it succeeded.
   bool run();
 
   std::int64_t integer(int column) const;
@@ -33,7 +33,7 @@ class Statement {
 
   bool failed() const { return failed_; }
 
-  /// Makes the statement ready for the next use.
+  /// Resets the statement for its next run.
   void reset();
 
  private:
@@ -52,10 +52,11 @@ class Database {
     void operator()(sqlite3* handle) const;
   };
 
-  /// Takes over an open connection.
+  /// Takes ownership of an open connection.
   explicit Database(std::unique_ptr<sqlite3, Closer> handle) : handle_(std::move(handle)) {}
 
-  /// Opens or makes a database file; an empty name means one in memory. Returns null and says why on failure.
+  /// Opens or creates a database file; an empty name means in memory. Returns null and one sentence in `error` on
+  /// failure.
   static std::unique_ptr<Database> open(const std::string& file, std::string& error);
 
   Statement prepare(std::string_view sql) { return Statement(*handle_, sql); }

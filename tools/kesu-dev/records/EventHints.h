@@ -7,8 +7,8 @@
 
 namespace kesu::dev {
 
-/// Hints about an event of the catalogue: which of its keys the catalogue does not know. A host may add attributes of
-/// its own, so this is nothing bad; it finds misspelt keys. Empty for other records. Any thread.
+/// Lists the keys of a catalogue event that the catalogue does not know: misspelt ones, perhaps. They do not make the
+/// record bad, since hosts may add attributes of their own. Empty for other records. Any thread.
 std::vector<std::string> eventHints(const StoredRecord& record, const Dictionary& body);
 
 }  // namespace kesu::dev

@@ -7,16 +7,16 @@
 
 namespace kesu::dev {
 
-/// What a key belongs to. Readers of a record fold the Common ones away.
+/// What a key belongs to. Views of a record fold the Common ones away.
 enum class KeyGroup {
   Common,        // The columns that every record carries.
-  Location,      // Where the device is, on platforms that tell.
-  Installation,  // The device, told once by the installation record.
+  Location,      // Where the device is, where the platform knows.
+  Installation,  // The device; sent once, in the installation record.
   State,         // State changes of the application.
   Flow,          // Screens, events and scenes of a session in one compact text.
   Trait,         // The installation as it is now: locale, push, integrity.
   Period,        // First sign of life in an hour, day, week, month or quarter.
-  Activation,    // Milestones that are told once.
+  Activation,    // Milestones; each is sent once.
   Event,         // Named by the host.
   Message,       // Receipts and button presses of in-app messages.
 };
@@ -24,14 +24,13 @@ enum class KeyGroup {
 /// What a value must look like.
 enum class KeyForm {
   Any,
-  Text,          // A text, which may be empty.
+  Text,          // A text, may be empty.
   FilledText,    // A text that is not empty.
   Milliseconds,  // A text of decimal digits: milliseconds since 1970.
   MessageId,     // 22 characters of base64: 16 random bytes without padding.
 };
 
-/// One short key of the wire format. This table is the only place that explains it: the validation, the terminal views
-/// and `GET /keys` all read it.
+/// One short key of the wire format. Validation, terminal views and `GET /keys` all read this table.
 struct KeyInfo {
   std::string_view key;
   KeyGroup group;
@@ -41,33 +40,33 @@ struct KeyInfo {
   std::string_view meaning;
 };
 
-/// A destination: the collector's table that a record is meant for, as the header "t" names it.
+/// A destination: the collector's table that a record is meant for, as in the header "t".
 struct DestinationInfo {
   std::string_view code;
   std::string_view name;
   std::string_view meaning;
 };
 
-/// A state of the application, as the key "~ns" names it.
+/// A state of the application, as in the key "~ns".
 struct StateInfo {
   std::string_view code;
   std::string_view meaning;
 };
 
-/// What the header "t" holds when the sender knew no destination.
+/// The header "t" of a sender that knew no destination.
 inline constexpr std::string_view kUnknownDestination = "UnknownDestination";
 
 std::span<const KeyInfo> allKeys();
 std::span<const DestinationInfo> allDestinations();
 
-/// The row for a key, destination code or state letter; nullptr when there is none.
+/// Find the row of a key, destination code or state letter; null when there is none.
 const KeyInfo* findKey(std::string_view key);
 const DestinationInfo* findDestination(std::string_view code);
 const StateInfo* findState(std::string_view code);
 
 std::string_view groupName(KeyGroup group);
 
-/// All three tables, as `GET /keys` answers them.
+/// Returns all three tables, for `GET /keys`.
 Dictionary describeKeys();
 
 }  // namespace kesu::dev

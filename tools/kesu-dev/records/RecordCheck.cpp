@@ -2,21 +2,21 @@
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 
-#include "foundation/Json.h"
+#include "foundation/Text.h"
+#include "records/RecordKeys.h"
+#include "tools/kesu-dev/base/Fields.h"
 #include "tools/kesu-dev/base/Text.h"
 #include "tools/kesu-dev/records/KeyTable.h"
 
 namespace kesu::dev {
 namespace {
 
-constexpr std::size_t kMessageIdLength = 22;
+constexpr std::size_t kMessageIdLength = 22;  // 16 bytes in base64.
+constexpr std::size_t kQuotedColumns = 60;
 
 using Reasons = std::vector<std::string>;
-
-std::string quoted(std::string_view text) {
-  return '"' + printable(shortened(text, 60)) + '"';
-}
 
 // Data version, system, library version: "10-i-3.2.3".
 bool isVersion(std::string_view text) {
@@ -33,6 +33,12 @@ bool isMessageId(std::string_view text) {
   return text.size() == kMessageIdLength && std::all_of(text.begin(), text.end(), isBase64);
 }
 
+void addUnlessEmpty(std::string reason, Reasons& reasons) {
+  if (!reason.empty()) {
+    reasons.push_back(std::move(reason));
+  }
+}
+
 void checkHeaders(const WireRecord& record, Reasons& reasons) {
   if (record.destination.empty()) {
     reasons.emplace_back("header t (destination) is missing");
@@ -46,9 +52,7 @@ void checkHeaders(const WireRecord& record, Reasons& reasons) {
   } else if (!isVersion(record.version)) {
     reasons.push_back("header v " + quoted(record.version) + " does not look like 10-i-3.2.3");
   }
-  if (!isJsonType(record.contentType)) {
-    reasons.push_back("Content-Type is " + quoted(record.contentType) + ", not application/json");
-  }
+  addUnlessEmpty(typeFault(record.contentType), reasons);
 }
 
 std::string formFault(KeyForm form, const Value& value) {
@@ -73,29 +77,23 @@ std::string formFault(KeyForm form, const Value& value) {
   return {};
 }
 
-bool holds(std::string_view codes, std::string_view code) {
+bool contains(std::string_view codes, std::string_view code) {
   return codes.find(code) != std::string_view::npos;
 }
 
 void checkKey(const KeyInfo& key, std::string_view destination, const Dictionary& body, Reasons& reasons) {
-  const std::string name = "\"" + std::string(key.key) + "\" ";
   const Value* value = body.find(key.key);
-  if (value == nullptr) {
-    if (holds(key.requiredFor, destination)) {
-      reasons.push_back(name + "(" + std::string(key.meaning) + ") is missing");
-    }
+  if (value == nullptr && !contains(key.requiredFor, destination)) {
     return;
   }
-  if (!key.allowedFor.empty() && !holds(key.allowedFor, destination)) {
-    reasons.push_back(name + "does not belong to destination " + quoted(destination));
+  if (value != nullptr && !key.allowedFor.empty() && !contains(key.allowedFor, destination)) {
+    reasons.push_back("\"" + std::string(key.key) + "\" does not belong to destination " + quoted(destination));
   }
-  if (const std::string fault = formFault(key.form, *value); !fault.empty()) {
-    reasons.push_back(name + fault);
-  }
+  addUnlessEmpty(keyFault(key.key, key.meaning, key.form, value), reasons);
 }
 
 void checkBody(const WireRecord& record, const Dictionary& body, Reasons& reasons) {
-  for (const std::string_view key : {"dest", "fnk"}) {
+  for (const std::string_view key : {k_destinationKeyInDictionary, k_keyFilename}) {
     if (body.contains(key)) {
       reasons.push_back("\"" + std::string(key) + "\" is for the sender only and must not be sent");
     }
@@ -105,49 +103,53 @@ void checkBody(const WireRecord& record, const Dictionary& body, Reasons& reason
       checkKey(key, record.destination, body, reasons);
     }
   }
-  const std::string* version = body.findText("~v");
+  const std::string* version = body.findText(k_FullVersionKeyForBody);
   if (version != nullptr && *version != record.version) {
     reasons.push_back("\"~v\" " + quoted(*version) + " differs from header v " + quoted(record.version));
   }
 }
 
-std::optional<std::int64_t> milliseconds(const Dictionary& body, std::string_view key) {
-  const std::string* text = body.findText(key);
-  return text == nullptr ? std::nullopt : parseDecimal(*text);
-}
-
-// A record that reports an interrupted run carries the time of that run under "ace": its age says nothing.
+// A record that reports an interrupted run has the time of that run under "ace": its age means nothing.
 bool wasStored(const Dictionary& body) {
-  const std::string* interrupted = body.findText("~cfqt");
-  if (interrupted != nullptr && !interrupted->empty()) {
-    return false;
-  }
-  const auto made = milliseconds(body, "ace");
-  const auto sent = milliseconds(body, "ase");
-  return made && sent && *sent - *made > kFreshMilliseconds;
+  const auto made = parseDecimal(textIn(body, k_AgentCollectionEpoch));
+  const auto sent = parseDecimal(textIn(body, k_AgentSentEpoch));
+  return textIn(body, k_CrashedOrForcedQuitTimestamp).empty() && made && sent && *sent - *made > kFreshMilliseconds;
 }
 
 }  // namespace
 
-bool isJsonType(std::string_view contentType) {
-  const std::string type = lowerAscii(contentType.substr(0, contentType.find(';')));
-  return type.substr(0, type.find_last_not_of(' ') + 1) == "application/json";
+std::string quoted(std::string_view text) {
+  return '"' + printable(shortened(text, kQuotedColumns)) + '"';
+}
+
+std::string typeFault(std::string_view contentType) {
+  const std::string type = trimmedRight(std::string(contentType.substr(0, contentType.find(';'))));
+  return equalsIgnoringCase(type, "application/json")
+             ? std::string()
+             : "Content-Type is " + quoted(contentType) + ", not application/json";
+}
+
+std::string keyFault(std::string_view key, std::string_view meaning, KeyForm form, const Value* value) {
+  const std::string name = "\"" + std::string(key) + "\" ";
+  if (value == nullptr) {
+    return name + "(" + std::string(meaning) + ") is missing";
+  }
+  const std::string fault = formFault(form, *value);
+  return fault.empty() ? fault : name + fault;
 }
 
 CheckResult checkRecord(const WireRecord& record) {
   CheckResult result;
   checkHeaders(record, result.reasons);
-  const std::optional<Value> parsed = parseJson(record.body);
-  const Dictionary* body = parsed ? parsed->dictionary() : nullptr;
-  if (body == nullptr) {
-    result.reasons.emplace_back(parsed ? "the body is JSON but not an object" : "the body is not valid JSON");
+  std::string problem;
+  const std::optional<Dictionary> body = parseObject(record.body, problem);
+  if (!body) {
+    result.reasons.push_back("the body " + problem);
     return result;
   }
   result.isObject = true;
   checkBody(record, *body, result.reasons);
-  if (const std::string* id = body->findText("msg_id")) {
-    result.messageId = *id;
-  }
+  result.messageId = textIn(*body, k_CommonMsgId);
   result.wasStored = wasStored(*body);
   return result;
 }

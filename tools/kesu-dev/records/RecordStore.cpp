@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "foundation/Json.h"
+#include "tools/kesu-dev/base/Fields.h"
 #include "tools/kesu-dev/base/Text.h"
 #include "tools/kesu-dev/records/KeyTable.h"
 
@@ -14,7 +15,7 @@ namespace {
 // Changes with the schema, so that a file of another version is refused instead of misread.
 constexpr std::int64_t kSchemaVersion = 1;
 
-// AUTOINCREMENT: an id is never used twice, so a follower that comes back after a reset misses nothing.
+// AUTOINCREMENT: an id is never used twice, so a follower that reconnects after a reset misses nothing.
 constexpr const char* kSchema = R"(
   CREATE TABLE records (
     id INTEGER PRIMARY KEY AUTOINCREMENT,
@@ -48,8 +49,8 @@ std::int64_t schemaVersion(Database& database) {
   return query.nextRow() ? query.integer(0) : 0;
 }
 
-// No fsync anywhere: what was written is the kernel's and survives this program, and a developer's log of records is
-// not worth waiting for the disk 5,000 times a second.
+// No fsync anywhere: written bytes belong to the kernel and survive this program, and a developer's log of records is
+// not worth waiting for the disk 5,000 times per second.
 bool prepareSchema(Database& database, std::string& error) {
   const bool ready = database.execute("PRAGMA journal_mode = WAL; PRAGMA synchronous = OFF") &&
                      (schemaVersion(database) != 0 || database.execute(kSchema));
@@ -61,25 +62,16 @@ bool prepareSchema(Database& database, std::string& error) {
   return error.empty();
 }
 
+// A column holds the reasons as a JSON list.
 std::string packed(const std::vector<std::string>& reasons) {
-  Array list;
-  for (const std::string& reason : reasons) {
-    list.emplace_back(validUtf8(reason));
-  }
   std::string text;
-  writeJson(Value(std::move(list)), text);
+  writeJson(Value(listOf(reasons)), text);
   return text;
 }
 
 std::vector<std::string> unpacked(const std::string& reasons) {
-  std::vector<std::string> result;
   const std::optional<Value> list = parseJson(reasons);
-  if (list && list->array() != nullptr) {
-    for (const Value& reason : *list->array()) {
-      result.push_back(reason.text() != nullptr ? *reason.text() : std::string());
-    }
-  }
-  return result;
+  return list && list->array() != nullptr ? textsOf(*list->array()) : std::vector<std::string>();
 }
 
 StoredRecord recordFromRow(const Statement& row) {

@@ -25,17 +25,17 @@ struct Counts {
   std::int64_t total() const { return good + bad; }
 };
 
-/// Counts by destination; records without one stand under "".
+/// Counts by destination; "" for records without one.
 using CountsByDestination = std::map<std::string, Counts>;
 
 Counts sum(const CountsByDestination& counts);
 
-/// The same as `GET /all` answers it, without the faults.
+/// Returns the counts as JSON for `GET /all`, without the faults.
 Dictionary describeCounts(const CountsByDestination& counts);
 
 /// The records that arrived, in one SQLite database. Every operation may be called from any thread.
 ///
-/// A file survives the death of this program at any moment; for a power cut it gives no promise (nothing is flushed).
+/// A file survives the death of this program at any moment, but not a power cut (nothing is flushed).
 class RecordStore {
  public:
   enum class Which {
@@ -45,38 +45,39 @@ class RecordStore {
     Messages,  // Receipts and button presses of messages: destination "n".
   };
 
-  /// How the store stands, as seen by someone who follows it.
+  /// How far the store has come, for those who follow it.
   struct News {
     std::int64_t lastId = 0;
     std::int64_t resets = 0;  // How often reset() was called.
   };
 
-  /// Opens or makes the file; an empty name keeps everything in memory. Returns null and says why on failure.
+  /// Opens or creates the file; an empty name keeps everything in memory. Returns null and one sentence in `error` on
+  /// failure.
   static std::unique_ptr<RecordStore> open(const std::string& file, std::string& error);
 
-  /// Takes over a database that holds the schema already.
+  /// Takes ownership of a database that has the schema.
   explicit RecordStore(std::unique_ptr<Database> database);
 
-  /// Stores a record and returns it completed with its id and the record it repeats; nothing when the database refuses
-  /// (disk full).
+  /// Stores a record and returns it with its id and the record it repeats; nothing when the database fails (disk
+  /// full).
   std::optional<StoredRecord> add(StoredRecord record);
 
-  /// At most `limit` records with an id above `after`, oldest first.
+  /// Returns at most `limit` records with an id above `after`, oldest first.
   std::vector<StoredRecord> read(Which which, std::int64_t after, std::size_t limit);
 
   CountsByDestination counts() const;
   News news() const;
 
-  /// Tells these records from those of another database, whose ids mean other records.
+  /// Identifies the database: equal ids of another one mean other records.
   std::string identity() const;
 
-  /// Waits until the store stands differently than `known`, interrupt() is called or the time is up.
+  /// Waits until there is news beyond `known`, interrupt() is called or the time is up.
   News waitForNews(const News& known, std::chrono::milliseconds patience) const;
 
-  /// Wakes everybody who waits. They find no news.
+  /// Wakes all that wait, without news.
   void interrupt();
 
-  /// Forgets all records. Ids go on counting.
+  /// Removes all records. Ids continue to count.
   bool reset();
 
  private:

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "foundation/Json.h"
+#include "tools/kesu-dev/base/Fields.h"
 #include "tools/kesu-dev/base/TablePrinter.h"
 #include "tools/kesu-dev/base/Text.h"
 #include "tools/kesu-dev/records/EventHints.h"
@@ -14,13 +15,13 @@
 namespace kesu::dev {
 namespace {
 
-constexpr std::size_t kLongestValue = 300;
-constexpr std::size_t kNameColumns = 28;
+constexpr std::size_t kLongestValue = 300;  // Three lines of a table; screen flows are longer.
+constexpr std::size_t kNameColumns = 28;    // "launch: Foreground Inactive".
 constexpr std::string_view kRed = "\x1b[31m";
 constexpr std::string_view kYellow = "\x1b[33m";
 constexpr std::string_view kPlain = "\x1b[0m";
 
-// A key that recordName() tells already.
+// Whether recordName() has the value of a key already.
 bool isInName(std::string_view destination, std::string_view key) {
   if (destination == "s") {
     return key == "~ns" || key == "~ld" || key == "~tf" || key == "~sd";
@@ -30,11 +31,6 @@ bool isInName(std::string_view destination, std::string_view key) {
 
 // Common columns that are different in every record.
 constexpr std::array<std::string_view, 4> kOwnColumns{"ace", "ase", "msg_id", "ldt"};
-
-std::string textUnder(const Dictionary& body, std::string_view key) {
-  const std::string* text = body.findText(key);
-  return text == nullptr ? std::string() : printable(*text);
-}
 
 std::string valueText(const Value& value) {
   std::string text;
@@ -48,11 +44,11 @@ std::string valueText(const Value& value) {
 }
 
 std::string stateName(const Dictionary& body) {
-  const std::string code = textUnder(body, "~ns");
+  const std::string code = printable(textIn(body, "~ns"));
   const StateInfo* state = findState(code);
   std::string name = state != nullptr ? std::string(state->meaning) : "state " + code;
   for (const std::string_view key : {"~ld", "~tf", "~sd"}) {
-    const std::string detail = textUnder(body, key);
+    const std::string detail = printable(textIn(body, key));
     name += detail.empty() ? "" : ": " + detail;
   }
   return name;
@@ -70,14 +66,10 @@ std::string traitName(const Dictionary& body) {
       names.insert(groupName(group));
     }
   }
-  std::string joined;
-  for (const std::string_view name : names) {
-    joined += (joined.empty() ? "" : ", ") + std::string(name);
-  }
-  return joined;
+  return joined({names.begin(), names.end()}, ", ");
 }
 
-// Common columns that only some records carry; they stand with their record.
+// Common columns that only some records have: shown with their record.
 constexpr std::array<std::string_view, 5> kOccasionalColumns{"prd", "~uid", "long", "lat", "alt"};
 
 bool isFolded(std::string_view key) {
@@ -92,19 +84,6 @@ std::string destinationText(const StoredRecord& record) {
     return record.destination.empty() ? "-" : printable(record.destination);
   }
   return std::string(info->code) + " " + std::string(info->name);
-}
-
-std::string joined(const std::vector<std::string>& texts, std::string_view between) {
-  std::string result;
-  for (const std::string& text : texts) {
-    result += (&text == texts.data() ? "" : std::string(between)) + text;
-  }
-  return result;
-}
-
-std::string padded(std::string text, std::size_t columns) {
-  const std::size_t width = displayWidth(text);
-  return width < columns ? text + std::string(columns - width, ' ') : text;
 }
 
 // "kak=demo" when all records agree, "kaid: 2 values" when not.
@@ -163,9 +142,9 @@ std::string recordName(const StoredRecord& record, const Dictionary& body) {
     return "installation";
   }
   if (record.destination.empty()) {
-    return printable(record.path);  // A request to the messaging service, or nothing that could be a record.
+    return printable(record.path);  // A request to the messaging service, or no record at all.
   }
-  return textUnder(body, record.destination == "n" ? "action" : "~e");
+  return printable(textIn(body, record.destination == "n" ? "action" : "~e"));
 }
 
 std::vector<std::string> recordPairs(const StoredRecord& record, const Dictionary& body) {
@@ -207,8 +186,7 @@ std::string recordLine(const StoredRecord& record, bool colours) {
     line += colours ? std::string(record.good() ? kYellow : kRed) + marks + std::string(kPlain) : marks;
     line += "]";
   }
-  line.erase(line.find_last_not_of(' ') + 1);
-  return line;
+  return trimmedRight(line);
 }
 
 std::string recordTable(const std::vector<StoredRecord>& records, std::size_t width) {

@@ -11,22 +11,22 @@
 
 namespace kesu::dev {
 
-/// What a record tells, in a word or two: the event's name, "launch: Foreground Inactive", "full traits", ...
+/// Names a record in a word or two: the event's name, "launch: Foreground Inactive", "full traits", ...
 std::string recordName(const StoredRecord& record, const Dictionary& body);
 
-/// "key=value" for every key that is neither a common column nor part of the name, in the record's order.
+/// Lists "key=value" for every key that is neither a common column nor part of the name, in the record's order.
 std::vector<std::string> recordPairs(const StoredRecord& record, const Dictionary& body);
 
-/// What is special about a record: "duplicate of #4", "was stored", "BAD: ...".
+/// Lists what is special about a record: "duplicate of #4", "was stored", "BAD: ...".
 std::vector<std::string> recordMarks(const StoredRecord& record);
 
-/// One line: time, number, destination, name, pairs and marks. With `colours` the marks stand out on a terminal.
+/// Formats one line: time, number, destination, name, pairs and marks. With `colours` the marks are coloured.
 std::string recordLine(const StoredRecord& record, bool colours);
 
-/// A table of records, the common columns folded into one paragraph above it.
+/// Formats a table of records, the common columns folded into one paragraph above it.
 std::string recordTable(const std::vector<StoredRecord>& records, std::size_t width);
 
-/// A table of counts by destination with a line for the sum.
+/// Formats the counts by destination and their sum.
 std::string summaryTable(const CountsByDestination& counts, std::size_t width);
 
 }  // namespace kesu::dev

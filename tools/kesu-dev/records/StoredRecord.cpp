@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
-#include "foundation/Json.h"
+#include "tools/kesu-dev/base/Fields.h"
 #include "tools/kesu-dev/base/Text.h"
 
 namespace kesu::dev {
@@ -20,22 +20,8 @@ Dictionary envelope(const StoredRecord& record) {
                     {"good", record.good()},
                     {"duplicateOf", record.duplicateOf},
                     {"wasStored", record.wasStored}};
-  Array reasons;
-  for (const std::string& reason : record.reasons) {
-    reasons.emplace_back(validUtf8(reason));
-  }
-  result.set("reasons", std::move(reasons));
+  result.set("reasons", listOf(record.reasons));
   return result;
-}
-
-std::string textOf(const Dictionary& from, std::string_view key) {
-  const std::string* text = from.findText(key);
-  return text == nullptr ? std::string() : *text;
-}
-
-std::int64_t integerOf(const Dictionary& from, std::string_view key) {
-  const Value* value = from.find(key);
-  return value == nullptr ? 0 : value->integerValue();
 }
 
 bool flagOf(const Dictionary& from, std::string_view key) {
@@ -43,25 +29,14 @@ bool flagOf(const Dictionary& from, std::string_view key) {
   return value != nullptr && value->boolean() != nullptr && *value->boolean();
 }
 
-std::vector<std::string> reasonsOf(const Dictionary& from) {
-  std::vector<std::string> result;
-  const Value* list = from.find("reasons");
-  if (list != nullptr && list->array() != nullptr) {
-    for (const Value& reason : *list->array()) {
-      result.push_back(reason.text() != nullptr ? *reason.text() : std::string());
-    }
-  }
-  return result;
-}
-
 void readBody(const Dictionary& from, StoredRecord& record) {
   const Value* body = from.find("record");
   record.bodyIsObject = body != nullptr && body->dictionary() != nullptr;
   if (record.bodyIsObject) {
     record.body = jsonText(*body->dictionary());
-    record.messageId = textOf(*body->dictionary(), "msg_id");
+    record.messageId = textIn(*body->dictionary(), "msg_id");
   } else {
-    record.body = textOf(from, "body");
+    record.body = textIn(from, "body");
   }
 }
 
@@ -100,13 +75,13 @@ std::optional<StoredRecord> storedRecordFromJson(const Value& value) {
     return std::nullopt;
   }
   StoredRecord record;
-  record.id = integerOf(*from, "id");
-  record.arrivedMs = integerOf(*from, "arrivedMs");
-  record.path = textOf(*from, "path");
-  record.destination = textOf(*from, "destination");
-  record.duplicateOf = integerOf(*from, "duplicateOf");
+  record.id = numberIn(*from, "id");
+  record.arrivedMs = numberIn(*from, "arrivedMs");
+  record.path = textIn(*from, "path");
+  record.destination = textIn(*from, "destination");
+  record.duplicateOf = numberIn(*from, "duplicateOf");
   record.wasStored = flagOf(*from, "wasStored");
-  record.reasons = reasonsOf(*from);
+  record.reasons = textsOf(listIn(*from, "reasons"));
   if (const Value* headers = from->find("headers"); headers != nullptr && headers->dictionary() != nullptr) {
     record.headers = jsonText(*headers->dictionary());
   }
@@ -115,16 +90,7 @@ std::optional<StoredRecord> storedRecordFromJson(const Value& value) {
 }
 
 Dictionary bodyOf(const StoredRecord& record) {
-  if (!record.bodyIsObject) {
-    return {};
-  }
-  const std::optional<Value> parsed = parseJson(record.body);
-  return parsed && parsed->dictionary() != nullptr ? *parsed->dictionary() : Dictionary();
-}
-
-std::string jsonText(const Dictionary& dictionary) {
-  std::string text;
-  return writeJson(dictionary, text) == JsonStatus::Ok ? text : "{}";
+  return record.bodyIsObject ? parseObject(record.body).value_or(Dictionary()) : Dictionary();
 }
 
 }  // namespace kesu::dev

@@ -9,17 +9,17 @@
 
 namespace kesu::dev {
 
-/// One record as the collector keeps it and as `/good`, `/bad` and `/events` hand it out.
+/// One record as the collector stores it and as `/good`, `/bad` and `/events` return it.
 struct StoredRecord {
-  std::int64_t id = 0;               // Counts from 1 and never goes back, not even over a reset.
+  std::int64_t id = 0;               // Counts from 1; never used twice, not even after a reset.
   std::int64_t arrivedMs = 0;        // Milliseconds since 1970.
-  std::string path;                  // Path it was posted to.
+  std::string path;                  // Where it was posted.
   std::string destination;           // Header "t", empty when there was none.
   std::string headers;               // All request headers, as one JSON object.
   std::string body;                  // Exactly as received.
   bool bodyIsObject = false;         // Whether the body is a JSON object.
   std::string messageId;             // "msg_id", empty when there is none.
-  std::vector<std::string> reasons;  // What is wrong with it; none = good.
+  std::vector<std::string> reasons;  // Why it is bad, one sentence each; none = good.
   std::int64_t duplicateOf = 0;      // The first record with the same "msg_id"; 0 = none.
   bool wasStored = false;            // Probably waited in the sender's offline store.
 
@@ -27,17 +27,13 @@ struct StoredRecord {
 };
 
 /// Appends the record as one JSON object on one line. The body is embedded byte for byte under "record" when it is a
-/// JSON object (numbers keep their spelling), else it stands as a text under "body".
+/// JSON object (numbers keep their spelling), else it becomes a text under "body".
 void appendJson(const StoredRecord& record, std::string& out);
 
-/// Reads what appendJson wrote; the body is then written anew by our own JSON writer. Nothing when `value` is no such
-/// object.
+/// Reads what appendJson() wrote; the body is written anew by our JSON writer. Returns nothing for other values.
 std::optional<StoredRecord> storedRecordFromJson(const Value& value);
 
-/// The body as a dictionary; empty when it is no JSON object.
+/// Parses the body; empty when it is no JSON object.
 Dictionary bodyOf(const StoredRecord& record);
-
-/// JSON text of a dictionary. Its texts must have gone through validUtf8 before; what cannot be written gives "{}".
-std::string jsonText(const Dictionary& dictionary);
 
 }  // namespace kesu::dev

@@ -6,14 +6,14 @@
 #include <string_view>
 #include <utility>
 
-#include "tools/kesu-dev/records/RecordCheck.h"
+#include "tools/kesu-dev/base/Fields.h"
 #include "tools/kesu-dev/records/StoredRecord.h"
 
 namespace kesu::dev {
 
 inline constexpr const char* kTestVersion = "10-i-3.2.3";
 
-/// A record of that destination as the library sends it; tests change what they are about.
+/// A good record of that destination, as the library sends it; tests change single keys.
 inline Dictionary testBody(std::string_view destination, std::string messageId = "AbCdEfGhIjKlMnOpQrSt01") {
   Dictionary body{{"kak", "demo key"},
                   {"~v", kTestVersion},
@@ -42,7 +42,7 @@ inline std::string testRecord(std::string_view destination, std::string messageI
   return jsonText(testBody(destination, std::move(messageId)));
 }
 
-/// The same as the collector keeps it.
+/// The same as the collector stores it.
 inline StoredRecord testStored(std::string destination, std::string messageId = "AbCdEfGhIjKlMnOpQrSt01") {
   StoredRecord record;
   record.body = testRecord(destination, messageId);
