@@ -5,9 +5,14 @@ file(STRINGS ${CMAKE_SOURCE_DIR}/tools/layers.txt KESU_LAYER_ROWS REGEX "^[^#].*
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tools/layers.txt)
 
 # Folders whose time can be felt: a record on the caller's thread, a frame of the popup, a picture. The others wait for disk,
-# network and people; written small they take half of the room. Only where the compiler optimises at all.
+# network and people; built with -Os they take half the room. The sanitized builds optimise only the former: half of
+# their compile time is the optimiser's, and the tests that wait for code wait for these folders.
 set(KESU_FAST_FOLDERS foundation support records device events delivery graphics uikit/render)
-set(KESU_SMALL $<$<CONFIG:Release,RelWithDebInfo>:-Os>)
+set(KESU_FAST_OPTIONS)
+if(KESU_SANITIZE)
+  set(KESU_FAST_OPTIONS -O1)
+endif()
+set(KESU_SMALL_OPTIONS $<$<CONFIG:Release,RelWithDebInfo>:-Os>)
 
 macro(kesu_add_layers)
   set(KESU_FOLDERS)
@@ -22,8 +27,10 @@ macro(kesu_add_layers)
       string(REPLACE "/" "_" name ${folder})
       add_library(kesu_${name} OBJECT ${sources})
       target_link_libraries(kesu_${name} PRIVATE kesu_build ${KESU_SYSTEM_LIBRARIES})
-      if(NOT folder IN_LIST KESU_FAST_FOLDERS)
-        target_compile_options(kesu_${name} PRIVATE ${KESU_SMALL})
+      if(folder IN_LIST KESU_FAST_FOLDERS)
+        target_compile_options(kesu_${name} PRIVATE ${KESU_FAST_OPTIONS})
+      else()
+        target_compile_options(kesu_${name} PRIVATE ${KESU_SMALL_OPTIONS})
       endif()
       list(APPEND KESU_FOLDERS ${folder})
       list(APPEND KESU_ALL_OBJECTS $<TARGET_OBJECTS:kesu_${name}>)

@@ -12,6 +12,7 @@ target_link_libraries(kesu_testing PUBLIC kesu_build GTest::gtest OpenSSL::SSL O
 function(kesu_compile_as_test target)
   target_compile_options(${target} PRIVATE $<$<CONFIG:RelWithDebInfo>:-O0 -g1>)
   target_link_libraries(${target} PRIVATE kesu_testing GTest::gtest_main ${KESU_SYSTEM_LIBRARIES})
+  target_link_options(${target} PRIVATE -fuse-ld=lld)
 endfunction()
 file(CONFIGURE OUTPUT ${CMAKE_BINARY_DIR}/generated/nothing.cpp CONTENT "int main() {}\n")
 add_executable(kesu_test_headers ${CMAKE_BINARY_DIR}/generated/nothing.cpp)
