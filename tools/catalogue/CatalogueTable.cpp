@@ -2,25 +2,51 @@
 
 #include <kesu/events/Catalogue.h>
 
+#include <array>
+#include <type_traits>
 #include <utility>
 
 #include "CallByName.h"
-#include "Feeds.h"
 
 namespace kesu::catalogue {
 namespace {
 
+/// The host's attributes, the last argument of an operation that posts a record.
+constexpr Feed<const Attributes&> attributes() {
+  return {};
+}
+
+/// The type of the C++ function that takes what the feeds take: FunctionOf<void(), Feeds...>::Type.
+template <typename Function, typename... Feeds>
+struct FunctionOf {
+  using Type = Function;
+};
+
+template <typename... Parameters, typename Next, typename... Rest>
+struct FunctionOf<void(Parameters...), Next, Rest...>
+    : FunctionOf<std::conditional_t<std::is_same_v<typename Next::Parameter, NoParameter>, void(Parameters...),
+                                    void(Parameters..., typename Next::Parameter)>,
+                 Rest...> {};
+
+std::string_view textOf(const Constant& constant) {
+  return constant.text;
+}
+template <typename Feed>
+std::string_view textOf(const Feed& /*feed*/) {
+  return {};
+}
+
 /// Adds what a feed takes and the keys that it feeds.
-template <typename Parameter, std::size_t kKeyCount>
-void add(Operation& operation, const Feed<Parameter, kKeyCount>& feed) {
+template <typename Parameter, KeyKind... kKinds>
+void add(Operation& operation, const Feed<Parameter, kKinds...>& feed, std::string_view constant) {
   std::optional<std::size_t> place;
   if constexpr (!std::is_same_v<Parameter, NoParameter>) {
     place = operation.arguments.size();
     operation.arguments.push_back(Reader<Parameter>::kKind);
   }
-  for (Key key : feed.keys) {
-    key.argument = place;
-    operation.keys.push_back(key);
+  const std::array<KeyKind, sizeof...(kKinds)> kinds = {kKinds...};
+  for (std::size_t i = 0; i < kinds.size(); ++i) {
+    operation.keys.push_back({feed.keys[i], kinds[i], constant, place});
   }
 }
 
@@ -31,7 +57,7 @@ Operation operationOf(std::string_view className, std::string_view selector, std
                       std::string_view event, typename FunctionOf<void(), Feeds...>::Type* function,
                       const Feeds&... feeds) {
   Operation operation{className, selector, destination, event, {}, {}, callableByName(function)};
-  (add(operation, feeds), ...);
+  (add(operation, feeds, textOf(feeds)), ...);
   return operation;
 }
 
@@ -42,9 +68,7 @@ std::vector<Operation> makeOperations() {
                             attributes()));
 #define KESU_SCENE_OPERATION(Class, function, rest, ...) \
   all.push_back(operationOf(#Class, #function rest, "", "", &Class::function, __VA_ARGS__));
-#include "Operations.inc"
-#undef KESU_OPERATION
-#undef KESU_SCENE_OPERATION
+#include "events/catalogue/Operations.inc"
   return all;
 }
 

@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "events/catalogue/Feeds.h"
+
 namespace kesu::catalogue {
 
 /// What an operation takes at one place, as its C++ signature says.
@@ -18,21 +20,6 @@ enum class ArgumentKind {
   Seconds,     ///< double
   Point,       ///< const KesuGeoPoint*
   Attributes,  ///< The host's attributes; always the last.
-};
-
-/// How an operation makes the value of a key. <kesu/events/Catalogue.h> defines each kind.
-enum class KeyKind {
-  Object,     ///< The argument as it is; "" when it is missing.
-  AsIs,       ///< The argument as it is; a missing one removes the key.
-  Number,     ///< Decimal text of a number object.
-  Decimal,    ///< Decimal text of a whole integer.
-  Integer,    ///< Decimal text of an integer's low 32 bits.
-  Seconds,    ///< Whole seconds.
-  Latitude,   ///< Degrees, six decimals.
-  Longitude,  ///< Degrees, six decimals.
-  Flag,       ///< "1" or "0".
-  WhenTrue,   ///< "1" or nothing.
-  Constant,   ///< Always the same text.
 };
 
 /// A key that an operation writes into its record.

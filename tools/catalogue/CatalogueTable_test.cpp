@@ -12,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-#include "Feeds.h"
+#include "events/catalogue/Feeds.h"
 #include "testing/RecordingPoster.h"
 
 namespace kesu::catalogue {
@@ -21,31 +21,34 @@ namespace {
 constexpr KesuGeoPoint kCity = {37.774899F, -122.419403F};
 
 // What a host writes at a place, as the type that a literal has.
-template <std::size_t kKeyCount>
-std::tuple<const char*> literal(const Feed<const Object&, kKeyCount>& /*feed*/, std::size_t& place) {
+template <KeyKind... kKinds>
+std::tuple<const char*> literal(const Feed<const Object&, kKinds...>& /*feed*/, std::size_t& place) {
   static constexpr const char* kTexts[] = {"a0", "a1", "a2", "a3", "a4", "a5", "a6", "a7", "a8"};
   return kTexts[place++];
 }
-std::tuple<double> literal(const NumberFeed& /*feed*/, std::size_t& place) {
+std::tuple<double> literal(const Feed<const Object&, KeyKind::Number>& /*feed*/, std::size_t& place) {
   ++place;
   return 4.5;
 }
-std::tuple<int> literal(const Feed<std::int64_t, 1>& /*feed*/, std::size_t& place) {
+template <KeyKind kKind>
+std::tuple<int> literal(const Feed<std::int64_t, kKind>& /*feed*/, std::size_t& place) {
   return 40 + static_cast<int>(place++);
 }
-template <std::size_t kKeyCount>
-std::tuple<double> literal(const Feed<double, kKeyCount>& /*feed*/, std::size_t& place) {
+template <KeyKind... kKinds>
+std::tuple<double> literal(const Feed<double, kKinds...>& /*feed*/, std::size_t& place) {
   return 100.9 + static_cast<double>(place++);
 }
-std::tuple<bool> literal(const Feed<bool, 1>& /*feed*/, std::size_t& place) {
+template <KeyKind kKind>
+std::tuple<bool> literal(const Feed<bool, kKind>& /*feed*/, std::size_t& place) {
   ++place;
   return true;
 }
-std::tuple<const KesuGeoPoint*> literal(const Feed<const KesuGeoPoint*, 2>& /*feed*/, std::size_t& place) {
+std::tuple<const KesuGeoPoint*> literal(
+    const Feed<const KesuGeoPoint*, KeyKind::Latitude, KeyKind::Longitude>& /*feed*/, std::size_t& place) {
   ++place;
   return &kCity;
 }
-std::tuple<> literal(const Feed<NoParameter, 1>& /*feed*/, std::size_t& /*place*/) {
+std::tuple<> literal(const Constant& /*feed*/, std::size_t& /*place*/) {
   return {};
 }
 
@@ -61,9 +64,7 @@ void callEverythingAsHostsDo() {
 #define KESU_OPERATION(Class, function, rest, destination, event, ...) \
   callWithLiterals([](auto... literals) { Class::function(literals...); } __VA_OPT__(, ) __VA_ARGS__);
 #define KESU_SCENE_OPERATION(Class, function, rest, ...) KESU_OPERATION(Class, function, rest, "", "", __VA_ARGS__)
-#include "Operations.inc"
-#undef KESU_OPERATION
-#undef KESU_SCENE_OPERATION
+#include "events/catalogue/Operations.inc"
 }
 
 std::string printedNumber(double number) {

@@ -7,9 +7,9 @@
 #include <utility>
 
 #include "foundation/NumberText.h"
-#include "records/RecordKeys.h"
+#include "records/Destinations.h"
 
-namespace kesu {
+namespace kesu::catalogue {
 namespace {
 
 constexpr int kDecimalsOfDegrees = 6;  // About 0.1 m, finer than a float of degrees.
@@ -18,7 +18,7 @@ std::string numberText(const Value& number) {
   switch (number.kind()) {
     case ValueKind::Bool:
     case ValueKind::Integer:
-      return decimal(number.integerValue());
+      return kesu::decimal(number.integerValue());
     case ValueKind::Real:
       return shortestReal(*number.real());
     case ValueKind::Text:
@@ -39,7 +39,7 @@ std::string wholeSeconds(double seconds) {
   if (std::isnan(seconds)) {
     return "0";
   }
-  return decimal(static_cast<std::int64_t>(std::clamp<double>(seconds, Limits::min(), Limits::max())));
+  return kesu::decimal(static_cast<std::int64_t>(std::clamp<double>(seconds, Limits::min(), Limits::max())));
 }
 
 }  // namespace
@@ -49,68 +49,66 @@ EventBuilder::EventBuilder(std::string_view name, const Attributes& attributes) 
   event_.attributes = attributes;
 }
 
-EventBuilder&& EventBuilder::object(std::string_view key, const Object& argument) && {
-  event_.attributes.set(key, argument ? *argument : Value(""));
+EventBuilder&& EventBuilder::set(std::string_view key, Value value) {
+  event_.attributes.set(key, std::move(value));
   return std::move(*this);
 }
 
-EventBuilder&& EventBuilder::asIs(std::string_view key, const Object& argument) && {
+EventBuilder&& EventBuilder::write(Feed<const Object&, KeyKind::Object> feed, const Object& argument) && {
+  return set(feed.keys[0], argument ? *argument : Value(""));
+}
+
+EventBuilder&& EventBuilder::write(Feed<const Object&, KeyKind::AsIs> feed, const Object& argument) && {
   if (argument) {
-    event_.attributes.set(key, *argument);
-  } else {
-    event_.attributes.remove(key);
+    return set(feed.keys[0], *argument);
   }
+  event_.attributes.remove(feed.keys[0]);
   return std::move(*this);
 }
 
-EventBuilder&& EventBuilder::number(std::string_view key, const Object& argument) && {
-  event_.attributes.set(key, argument ? numberText(*argument) : std::string());
-  return std::move(*this);
+EventBuilder&& EventBuilder::write(Feed<const Object&, KeyKind::Number> feed, const Object& argument) && {
+  return set(feed.keys[0], argument ? numberText(*argument) : std::string());
 }
 
-EventBuilder&& EventBuilder::decimal(std::string_view key, std::int64_t argument) && {
-  event_.attributes.set(key, kesu::decimal(argument));
-  return std::move(*this);
+EventBuilder&& EventBuilder::write(Feed<std::int64_t, KeyKind::Decimal> feed, std::int64_t argument) && {
+  return set(feed.keys[0], kesu::decimal(argument));
 }
 
-EventBuilder&& EventBuilder::integer(std::string_view key, std::int64_t argument) && {
-  return std::move(*this).decimal(key, static_cast<std::int32_t>(argument));
+// As a format for plain ints shows a longer number.
+EventBuilder&& EventBuilder::write(Feed<std::int64_t, KeyKind::Integer> feed, std::int64_t argument) && {
+  return set(feed.keys[0], kesu::decimal(static_cast<std::int32_t>(argument)));
 }
 
-EventBuilder&& EventBuilder::seconds(std::string_view key, double argument) && {
-  event_.attributes.set(key, wholeSeconds(argument));
-  return std::move(*this);
+EventBuilder&& EventBuilder::write(Feed<double, KeyKind::Seconds> feed, double argument) && {
+  return set(feed.keys[0], wholeSeconds(argument));
 }
 
-EventBuilder&& EventBuilder::point(const KesuGeoPoint* argument) && {
+EventBuilder&& EventBuilder::write(const Feed<const KesuGeoPoint*, KeyKind::Latitude, KeyKind::Longitude>& feed,
+                                   const KesuGeoPoint* argument) && {
   const auto degrees = [](double angle) { return Object(Value(fixed(angle, kDecimalsOfDegrees))); };
   return std::move(*this)
-      .asIs(kLatitudeKey, argument != nullptr ? degrees(argument->latitude) : Object(nil))
-      .asIs(kLongitudeKey, argument != nullptr ? degrees(argument->longitude) : Object(nil));
+      .write(asIs(feed.keys[0]), argument != nullptr ? degrees(argument->latitude) : Object(nil))
+      .write(asIs(feed.keys[1]), argument != nullptr ? degrees(argument->longitude) : Object(nil));
 }
 
-EventBuilder&& EventBuilder::flag(std::string_view key, bool argument) && {
-  return std::move(*this).constant(key, argument ? "1" : "0");
+EventBuilder&& EventBuilder::write(Feed<bool, KeyKind::Flag> feed, bool argument) && {
+  return set(feed.keys[0], argument ? "1" : "0");
 }
 
-EventBuilder&& EventBuilder::whenTrue(std::string_view key, bool argument) && {
-  if (argument) {
-    event_.attributes.set(key, "1");
+EventBuilder&& EventBuilder::write(Feed<bool, KeyKind::WhenTrue> feed, bool argument) && {
+  return argument ? set(feed.keys[0], "1") : std::move(*this);
+}
+
+EventBuilder&& EventBuilder::write(const Constant& constant, int /*place*/) && {
+  return set(constant.keys[0], constant.text);
+}
+
+void EventBuilder::postTo(std::string_view destination) && {
+  if (destination == k_TableSMS) {
+    event_.postEventForTableM();
+  } else {
+    event_.post();
   }
-  return std::move(*this);
 }
 
-EventBuilder&& EventBuilder::constant(std::string_view key, std::string_view value) && {
-  event_.attributes.set(key, value);
-  return std::move(*this);
-}
-
-void EventBuilder::post() && {
-  event_.post();
-}
-
-void EventBuilder::postToTableM() && {
-  event_.postEventForTableM();
-}
-
-}  // namespace kesu
+}  // namespace kesu::catalogue

@@ -1,62 +1,46 @@
 #pragma once
 
 #include <kesu/events/KesuEvent.h>
-#include <kesu/events/KesuGeoPoint.h>
 #include <kesu/foundation/Value.h>
 
 #include <cstdint>
 #include <string_view>
+#include <utility>
 
-namespace kesu {
+#include "events/catalogue/Feeds.h"
+
+namespace kesu::catalogue {
 
 /// One event of the catalogue on its way to be posted, written as one expression:
 ///
-///   EventBuilder("GamingLevelEnd", attributes).object("level", level).flag("won", won).post();
+///   EventBuilder("GamingLevelEnd", attributes).write(object("level"), level).write(flag("won"), won).postTo("e");
 ///
-/// It starts from a copy of the host's attributes; every step writes one key over them. <kesu/events/Catalogue.h>
-/// defines the kinds of keys. A temporary of one thread; post() throws what KesuEvent::post() throws.
+/// It starts from a copy of the host's attributes; every write() replaces the keys of one feed.
+/// <kesu/events/Catalogue.h> defines each kind of key. A temporary of one thread.
 class EventBuilder {
  public:
   EventBuilder(std::string_view name, const Attributes& attributes);
 
-  /// The argument as it is, "" when it is missing.
-  EventBuilder&& object(std::string_view key, const Object& argument) &&;
+  EventBuilder&& write(Feed<const Object&, KeyKind::Object> feed, const Object& argument) &&;
+  EventBuilder&& write(Feed<const Object&, KeyKind::AsIs> feed, const Object& argument) &&;
+  EventBuilder&& write(Feed<const Object&, KeyKind::Number> feed, const Object& argument) &&;
+  EventBuilder&& write(Feed<std::int64_t, KeyKind::Decimal> feed, std::int64_t argument) &&;
+  EventBuilder&& write(Feed<std::int64_t, KeyKind::Integer> feed, std::int64_t argument) &&;
+  EventBuilder&& write(Feed<double, KeyKind::Seconds> feed, double argument) &&;
+  EventBuilder&& write(const Feed<const KesuGeoPoint*, KeyKind::Latitude, KeyKind::Longitude>& feed,
+                       const KesuGeoPoint* argument) &&;
+  EventBuilder&& write(Feed<bool, KeyKind::Flag> feed, bool argument) &&;
+  EventBuilder&& write(Feed<bool, KeyKind::WhenTrue> feed, bool argument) &&;
+  EventBuilder&& write(const Constant& constant, int /*place*/) &&;
+  EventBuilder&& write(Feed<const Object&> /*ignored*/, const Object& /*argument*/) && { return std::move(*this); }
 
-  /// The argument as it is; a missing one removes the key, also one of the host.
-  EventBuilder&& asIs(std::string_view key, const Object& argument) &&;
-
-  /// The decimal text of a number, "" when it is missing. A text stands for the number it spells and is kept.
-  EventBuilder&& number(std::string_view key, const Object& argument) &&;
-
-  /// The whole integer.
-  EventBuilder&& decimal(std::string_view key, std::int64_t argument) &&;
-
-  /// The low 32 bits with their sign. Kept: a longer number loses its upper bits, as in a plain int.
-  EventBuilder&& integer(std::string_view key, std::int64_t argument) &&;
-
-  /// Whole seconds, truncated toward zero and clamped to 32 bits; not-a-number is 0.
-  EventBuilder&& seconds(std::string_view key, double argument) &&;
-
-  /// "lat" and "long" with six decimals; a missing point removes both, also those of the host.
-  EventBuilder&& point(const KesuGeoPoint* argument) &&;
-
-  /// "1" or "0".
-  EventBuilder&& flag(std::string_view key, bool argument) &&;
-
-  /// "1" for true; false writes nothing.
-  EventBuilder&& whenTrue(std::string_view key, bool argument) &&;
-
-  /// Always this text.
-  EventBuilder&& constant(std::string_view key, std::string_view value) &&;
-
-  /// Posts to the table of events.
-  void post() &&;
-
-  /// Posts to the table of SMS records.
-  void postToTableM() &&;
+  /// Posts to the table of that letter: "m" for SMS records, else events. Throws what KesuEvent::post() throws.
+  void postTo(std::string_view destination) &&;
 
  private:
+  EventBuilder&& set(std::string_view key, Value value);
+
   KesuEvent event_;
 };
 
-}  // namespace kesu
+}  // namespace kesu::catalogue
