@@ -2,11 +2,14 @@
 #include <kesu.h>
 #include <kesu/ui/Overlay.h>
 #include <poll.h>
+#include <turbojpeg.h>
 
 #include <algorithm>
 #include <cmath>
 #include <functional>
+#include <memory>
 #include <string>
+#include <vector>
 
 #include "Rows.h"
 #include "Scratch.h"
@@ -14,7 +17,6 @@
 #include "Stopwatch.h"
 #include "foundation/Json.h"
 #include "records/DefaultsKeys.h"
-#include "testing/PictureFiles.h"
 
 namespace kesu::bench {
 namespace {
@@ -24,6 +26,7 @@ constexpr double kFrameSeconds = 1.0 / 60.0;
 constexpr double kKilobytesInMegabyte = 1024.0;
 constexpr int kPictureWidth = 1160;
 constexpr int kPictureHeight = 652;
+constexpr int kPictureQuality = 95;
 constexpr int kFramesOfShowing = 40;
 
 /// A service beside the library: answers with the main loop's next turn.
@@ -63,11 +66,23 @@ std::string jsonText(const Dictionary& dictionary) {
   return text;
 }
 
+/// A JPEG that takes as long to decode as a photograph of its size.
 std::string photograph() {
-  return testing::jpegFile(kPictureWidth, kPictureHeight, [](int x, int y) {
-    const auto wave = [](double at) { return static_cast<std::uint32_t>(127.0 + 120.0 * std::sin(at)); };
-    return 0xFF000000U | wave(x * 0.021) << 16 | wave(y * 0.034 + x * 0.3) << 8 | wave((x + y) * 0.013);
-  });
+  const auto wave = [](double at) { return static_cast<unsigned char>(127.0 + 120.0 * std::sin(at)); };
+  std::vector<unsigned char> colors;
+  for (int y = 0; y < kPictureHeight; ++y) {
+    for (int x = 0; x < kPictureWidth; ++x) {
+      colors.insert(colors.end(), {wave(x * 0.021), wave(y * 0.034 + x * 0.3), wave((x + y) * 0.013)});
+    }
+  }
+  const std::unique_ptr<void, int (*)(tjhandle)> turbo(tjInitCompress(), tjDestroy);
+  unsigned char* bytes = nullptr;
+  unsigned long size = 0;
+  tjCompress2(turbo.get(), colors.data(), kPictureWidth, 0, kPictureHeight, TJPF_RGB, &bytes, &size, TJSAMP_444,
+              kPictureQuality, 0);
+  std::string file(reinterpret_cast<char*>(bytes), size);
+  tjFree(bytes);
+  return file;
 }
 
 Value button(const char* title) {
@@ -106,7 +121,7 @@ class Host {
  public:
   Host(Platform& platform, NearService& service) : platform_(platform), service_(service) { overlay_.layers(now_); }
 
-  /// Opens the popup and draws it until it stands with its picture; keeps what took longest.
+  /// Opens the popup and draws it until it has arrived with its picture; records the longest times.
   void show() {
     present();
     drawLayers();
@@ -143,7 +158,7 @@ class Host {
     overlay_.press(pressed, PressPhase::Ended);
   }
 
-  /// One turn of the loop, of which the longest is kept.
+  /// Runs one turn of the loop and records the longest.
   void turn() {
     pollfd work{platform_.mainLoop.fd(), POLLIN, 0};
     ::poll(&work, 1, 10);
@@ -191,7 +206,7 @@ double residentMegabytes() {
   return static_cast<double>(statusField("VmRSS")) / kKilobytesInMegabyte;
 }
 
-/// Without the pages of files (code of the text libraries, fonts), which the system takes back as it likes.
+/// Without the pages of files (code of the text libraries, fonts), which the system reclaims as it likes.
 double privateMegabytes() {
   return static_cast<double>(statusField("RssAnon")) / kKilobytesInMegabyte;
 }
@@ -258,7 +273,7 @@ void fillInbox(UserDefaults& defaults) {
 
 using Done = std::function<void()>;
 
-/// The longest that the main thread is held by an operation: by its call, or by a turn that its reply causes.
+/// How long an operation blocks the main thread at most: by its call, or by a turn that its reply causes.
 double longestOf(Host& host, void (*operation)(const Done& done)) {
   constexpr int kRepeats = 5;
   std::vector<double> times;

@@ -1,7 +1,8 @@
-# One object library a row of tools/layers.txt, named kesu_<folder> with "/" written as "_".
+# One object library per row of tools/layers.txt but those of tools/, named kesu_<folder> with "/" written as "_".
 # KESU_ALL_OBJECTS is what libkesu is made of; KESU_REACH_<folder> lists the folders whose objects a test of <folder> needs.
 
 file(STRINGS ${CMAKE_SOURCE_DIR}/tools/layers.txt KESU_LAYER_ROWS REGEX "^[^#].*:")
+list(FILTER KESU_LAYER_ROWS EXCLUDE REGEX "^tools/")
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tools/layers.txt)
 
 # Folders whose time can be felt: a record on the caller's thread, a frame of the popup, a picture. The others wait for disk,
