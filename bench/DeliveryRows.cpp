@@ -17,8 +17,8 @@
 #include "facade/Wiring.h"
 #include "foundation/Json.h"
 #include "platform/linux/http/LinuxHttpClient.h"
-#include "testing/LoopbackServer.h"
-#include "testing/TestCertificates.h"
+#include "tools/loopback/Certificate.h"
+#include "tools/loopback/Server.h"
 
 namespace kesu::bench {
 namespace {
@@ -83,12 +83,17 @@ void compareWithBareClient(Figures& figures, const std::string& what, Session& s
   figures.add(Figure(what + ": not delivered", static_cast<double>(stored), "records").atMost(0.0));
 }
 
-[[noreturn]] void serveTls(const testing::TestCertificate& certificate, int portPipe) {
+[[noreturn]] void serveTls(const loopback::Certificate& certificate, int portPipe) {
   ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-  testing::LoopbackServer server(certificate.certificateFile, certificate.keyFile);
-  server.setRecording(false);
+  const auto accept = [](loopback::Request& request) {
+    std::string body;
+    request.readBody(body);
+    return loopback::Reply();
+  };
+  loopback::Server server(accept, &certificate.context());
+  const bool serves = server.bind(0) && server.start();
   const int port = server.port();
-  if (::write(portPipe, &port, sizeof port) != sizeof port) {
+  if (!serves || ::write(portPipe, &port, sizeof port) != sizeof port) {
     ::_exit(1);
   }
   for (;;) {
@@ -99,7 +104,7 @@ void compareWithBareClient(Figures& figures, const std::string& what, Session& s
 /// A TLS server in a process of its own: HTTP/2 where that server is installed, else HTTP/1.1.
 class TlsServer {
  public:
-  TlsServer(const testing::TestCertificate& certificate, const Scratch& directory) {
+  TlsServer(const loopback::Certificate& certificate, const Scratch& directory) {
     if (std::filesystem::exists(kHttp2Server)) {
       startHttp2(certificate, directory);
     } else {
@@ -119,16 +124,18 @@ class TlsServer {
   const char* protocol() const { return http2_ ? "TLS, HTTP/2" : "TLS, HTTP/1.1 (no HTTP/2 server installed)"; }
 
  private:
-  void startHttp2(const testing::TestCertificate& certificate, const Scratch& directory) {
+  void startHttp2(const loopback::Certificate& certificate, const Scratch& directory) {
     port_ = freePort();
     // Not empty: libcurl resets a stream whose reply has the length 0, and this server hangs up after 1,000 resets.
     std::ofstream(directory / "index.html") << "ok";
+    certificate.save(directory / "server.pem");
+    certificate.saveKey(directory / "server.key");
     http2_ = std::make_unique<Server>(std::vector<std::string>{kHttp2Server, "--address=127.0.0.1", "--htdocs",
                                                                directory.path(), std::to_string(port_),
-                                                               certificate.keyFile, certificate.certificateFile});
+                                                               directory / "server.key", directory / "server.pem"});
   }
 
-  void startHttp1(const testing::TestCertificate& certificate) {
+  void startHttp1(const loopback::Certificate& certificate) {
     int ends[2] = {};
     if (::pipe(ends) == 0) {
       fork_ = ::fork();
@@ -139,9 +146,9 @@ class TlsServer {
     }
   }
 
-  /// A port that nobody had a moment ago.
+  /// Returns a port that was free a moment ago.
   static int freePort() {
-    const Collector collector(Manner::Refuse);
+    const Collector collector(Behaviour::Refuse);
     const std::string url = collector.url();
     return std::stoi(url.substr(url.rfind(':') + 1));
   }
@@ -154,7 +161,7 @@ class TlsServer {
 }  // namespace
 
 void measureDelivery(Figures& figures) {
-  const Collector collector(Manner::Accept);
+  const Collector collector(Behaviour::Accept);
   const Scratch home;
   Session session(home.path(), collector.url(), Session::Launch::Full);
   postNumbered(1);
@@ -168,23 +175,25 @@ void measureDeliveryOverTls(Figures& figures) {
   const Scratch home;
   std::string body;
   writeJson(collectorBody(usualRecord(1), secondsNow()), body);
-  const testing::TestCertificates certificates(directory.path());
-  const TlsServer server(certificates.server(), directory);
-  Session session(home.path(), server.url(), Session::Launch::Full, certificates.caFile());
+  const loopback::Certificate certificate = loopback::Certificate::selfSigned("localhost");
+  const std::string caFile = directory / "trusted.pem";
+  certificate.save(caFile);
+  const TlsServer server(certificate, directory);
+  Session session(home.path(), server.url(), Session::Launch::Full, caFile);
   // Records posted before the server listened come back from the store.
   for (const double end = secondsNow() + 10.0; secondsNow() < end && !wiring().store.storedFiles().empty();) {
     session.turn();
     session.settle();
   }
   LinuxHttpClientOptions options;
-  options.caFile = certificates.caFile();
+  options.caFile = caFile;
   compareWithBareClient(figures, std::string("delivery over ") + server.protocol(), session,
                         sameRequest(server.url(), body), options);
 }
 
 void measureResend(Figures& figures) {
   constexpr std::size_t kStored = 5000;
-  const Collector collector(Manner::Accept);
+  const Collector collector(Behaviour::Accept);
   const Scratch home;
   runOwn("fill-store", {home.path(), std::to_string(kStored)});
   Session session(home.path(), collector.url(), Session::Launch::InitializeOnly);
@@ -215,7 +224,7 @@ void measureResend(Figures& figures) {
 
 void measureFailures(Figures& figures) {
   constexpr std::size_t kPosts = 5000;
-  const Collector collector(Manner::Refuse);
+  const Collector collector(Behaviour::Refuse);
   const Scratch home;
   Session session(home.path(), collector.url(), Session::Launch::InitializeOnly);
   for (std::size_t number = 0; number < kPosts; ++number) {

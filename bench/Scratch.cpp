@@ -5,7 +5,6 @@
 
 #include <chrono>
 #include <cstdlib>
-#include <filesystem>
 #include <iostream>
 #include <stdexcept>
 #include <thread>
@@ -16,20 +15,19 @@ namespace kesu::bench {
 namespace {
 
 constexpr const char* kVariable = "KESU_BENCH_RUN_DIRECTORY";
-constexpr double kUsualSecondsAFile = 250e-6;
+constexpr double kUsualSecondsPerFile = 250e-6;
 constexpr int kFiles = 50;
-
-std::string newDirectory(const std::string& parent) {
-  std::string name = parent + "/kesu-bench-XXXXXX";
-  if (::mkdtemp(name.data()) == nullptr) {
-    throw std::runtime_error("No directory can be made in " + parent);
-  }
-  return name;
-}
 
 std::string runDirectory() {
   const char* const named = std::getenv(kVariable);
-  return named != nullptr ? named : std::filesystem::temp_directory_path().string();
+  return named != nullptr ? named : "";
+}
+
+std::string required(std::string directory) {
+  if (directory.empty()) {
+    throw std::runtime_error("No directory can be made");
+  }
+  return directory;
 }
 
 double usualSecondsToMake(const std::string& directory) {
@@ -44,21 +42,15 @@ double usualSecondsToMake(const std::string& directory) {
 
 }  // namespace
 
-Scratch::Scratch() : path_(newDirectory(runDirectory())) {}
+Scratch::Scratch() : path_(required(loopback::makeDirectory(runDirectory()))) {}
 
-RunDirectory::RunDirectory(const std::string& parent)
-    : path_(newDirectory(parent.empty() ? std::filesystem::temp_directory_path().string() : parent)) {
-  ::setenv(kVariable, path_.c_str(), 1);
-}
-
-RunDirectory::~RunDirectory() {
-  std::error_code ignored;
-  std::filesystem::remove_all(path_, ignored);
+RunDirectory::RunDirectory(const std::string& parent) : directory_(parent) {
+  ::setenv(kVariable, required(directory_.path()).c_str(), 1);
 }
 
 void RunDirectory::waitUntilFast() const {
   constexpr int kMostTries = 20;
-  for (int count = 0; count < kMostTries && usualSecondsToMake(path_) > kUsualSecondsAFile; ++count) {
+  for (int count = 0; count < kMostTries && usualSecondsToMake(directory_.path()) > kUsualSecondsPerFile; ++count) {
     std::cerr << (count == 0 ? "Making files is slow here at the moment; waiting.\n" : "");
     std::this_thread::sleep_for(std::chrono::seconds(5));
   }

@@ -2,6 +2,8 @@
 
 #include <string>
 
+#include "tools/loopback/TemporaryDirectory.h"
+
 namespace kesu::bench {
 
 /// A new empty directory that stays until the whole run is over. Removed earlier, its files would slow down those that
@@ -25,16 +27,12 @@ class Scratch {
 class RunDirectory {
  public:
   explicit RunDirectory(const std::string& parent);
-  ~RunDirectory();
 
-  RunDirectory(const RunDirectory&) = delete;
-  RunDirectory& operator=(const RunDirectory&) = delete;
-
-  /// Waits until making a file costs what it should, at most some 100 seconds.
+  /// Waits until making a file takes the usual time, for 100 seconds at most.
   void waitUntilFast() const;
 
  private:
-  std::string path_;
+  const loopback::TemporaryDirectory directory_;
 };
 
 }  // namespace kesu::bench

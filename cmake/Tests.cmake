@@ -5,7 +5,7 @@ find_package(Threads REQUIRED)
 
 file(GLOB testing_sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/testing/*.cpp)
 add_library(kesu_testing STATIC ${testing_sources})
-target_link_libraries(kesu_testing PUBLIC kesu_build GTest::gtest OpenSSL::SSL OpenSSL::Crypto Threads::Threads)
+target_link_libraries(kesu_testing PUBLIC kesu_build kesu_loopback GTest::gtest)
 
 # Tests need not be fast themselves: what they test is compiled as it is shipped. One precompiled header serves all of
 # them, made for this program that does nothing.

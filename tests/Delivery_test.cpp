@@ -15,9 +15,9 @@
 namespace kesu {
 namespace {
 
+using testing::Fault;
 using testing::LoopbackServer;
 using testing::RealPlatform;
-using testing::ServerAction;
 
 bool longRun() {
   return std::getenv("KESU_LONG_TESTS") != nullptr;
@@ -38,10 +38,10 @@ std::string messageIdentifier(const std::string& body) {
 class DeliveryTest : public ::testing::Test {
  protected:
   /// Posts one event to a server that acts so; returns how many files are stored afterwards.
-  std::size_t storedAfter(ServerAction action) {
+  std::size_t storedAfter(Fault fault) {
     testing::TemporaryDirectory ownHome;
     LoopbackServer collector;
-    collector.setDefault(std::move(action));
+    collector.setDefault(std::move(fault));
     RealPlatform platform(ownHome.path(), collector.url(), quickToGiveUp());
     Kesu::initialize("key");
     KesuCustomEvent::postWithEventName("event");
@@ -75,33 +75,32 @@ class DeliveryTest : public ::testing::Test {
 
 TEST_F(DeliveryTest, StoresWhatTheCollectorDidNotTake) {
   LoopbackServer other;
-  const std::vector<std::tuple<const char*, ServerAction, std::size_t>> rows = {
-      {"200", ServerAction::reply(200, "ok"), 0},
-      {"204", ServerAction::reply(204), 0},
-      {"301 to another host", ServerAction::redirect(301, other.url()), 1},
-      {"307 to another host", ServerAction::redirect(307, other.url()), 1},
-      {"308 in a circle", ServerAction::redirect(308, "/"), 1},
-      {"400", ServerAction::reply(400), 0},
-      {"403", ServerAction::reply(403), 0},
-      {"404", ServerAction::reply(404), 1},
-      {"429", ServerAction::reply(429), 1},
-      {"500", ServerAction::reply(500), 1},
-      {"reset", ServerAction::reset(), 1},
-      {"hang", ServerAction::hang(), 1},
-      {"cut body", ServerAction::cutBody(100, "part"), 1},
-      {"bad gzip", ServerAction::badGzip(), 1},
-      {"100 MB reply", ServerAction::endless(100'000'000), 1}};
-  for (const auto& [name, action, stored] : rows) {
-    EXPECT_EQ(storedAfter(action), stored) << name;
+  const std::vector<std::tuple<const char*, Fault, std::size_t>> rows = {
+      {"200", Fault::reply(200, "ok"), 0},
+      {"204", Fault::reply(204), 0},
+      {"301 to another host", Fault::redirect(301, other.url()), 1},
+      {"307 to another host", Fault::redirect(307, other.url()), 1},
+      {"308 in a circle", Fault::redirect(308, "/"), 1},
+      {"400", Fault::reply(400), 0},
+      {"403", Fault::reply(403), 0},
+      {"404", Fault::reply(404), 1},
+      {"429", Fault::reply(429), 1},
+      {"500", Fault::reply(500), 1},
+      {"reset", Fault::reset(), 1},
+      {"hang", Fault::hang(), 1},
+      {"cut body", Fault::cutBody(100, "part"), 1},
+      {"bad gzip", Fault::badGzip(), 1},
+      {"100 MB reply", Fault::endless(100'000'000), 1}};
+  for (const auto& [name, fault, stored] : rows) {
+    EXPECT_EQ(storedAfter(fault), stored) << name;
   }
   EXPECT_EQ(other.requestCount(), 0U) << "nothing is sent to a host that was not named";
 }
 
 TEST_F(DeliveryTest, StoresWhatFindsNoTrustworthyCollector) {
-  testing::TemporaryDirectory certificates;
-  const testing::TestCertificates made(certificates.path());
-  LoopbackServer wrongHost(made.wrongHost().certificateFile, made.wrongHost().keyFile);
-  LoopbackServer selfSigned(made.selfSigned().certificateFile, made.selfSigned().keyFile);
+  const testing::TestCertificates made;
+  LoopbackServer wrongHost(made.wrongHost());
+  LoopbackServer selfSigned(made.selfSigned());
   server.stop();
   LinuxHttpClientOptions options;
   options.caFile = made.caFile();
@@ -140,13 +139,13 @@ TEST_F(DeliveryTest, SendsStoredRecordsOnceTheCollectorIsBack) {
 }
 
 TEST_F(DeliveryTest, LosesNothingWhenItEndsInOrder) {
-  const std::pair<const char*, ServerAction> rows[] = {
-      {"200", ServerAction::reply(200)}, {"hanging", ServerAction::hang()}, {"500", ServerAction::reply(500)}};
-  for (const auto& [name, action] : rows) {
+  const std::pair<const char*, Fault> rows[] = {
+      {"200", Fault::reply(200)}, {"hanging", Fault::hang()}, {"500", Fault::reply(500)}};
+  for (const auto& [name, fault] : rows) {
     LoopbackServer collector;
-    collector.setDefault(action);
+    collector.setDefault(fault);
     std::set<std::string> found = storedAtTheEnd(collector.url());
-    if (action.kind == ServerAction::Kind::Reply && action.status == 200) {
+    if (fault.kind == loopback::FaultKind::Status && fault.status == 200) {
       for (const auto& request : collector.requests()) {
         found.insert(messageIdentifier(request.body));
       }
@@ -201,7 +200,7 @@ TEST_F(DeliveryTest, DeliversEachRecordOfEightThreadsOnce) {
 
 TEST_F(DeliveryTest, ContinuesWithoutAWritableHome) {
   for (const std::string& unusable : {std::string(""), std::string("/proc/kesu"), std::string("/dev/null/home")}) {
-    server.setDefault(ServerAction::reply(500));
+    server.setDefault(Fault::reply(500));
     RealPlatform platform(unusable, server.url());
     Kesu::initialize("key", 3);
     platform.log.takeLines();
@@ -217,12 +216,12 @@ TEST_F(DeliveryTest, LeavesDamagedFilesAloneAndDeliversTheOthers) {
   {
     RealPlatform platform(home.path(), server.url());
     Kesu::initialize("key");
-    server.setDefault(ServerAction::reply(500));
+    server.setDefault(Fault::reply(500));
     KesuCustomEvent::postWithEventName("event", {{"title", "Night Train"}});
     ASSERT_TRUE(platform.settle());
     good = platform.files.read(platform.storedFiles().at(0), 1'000'000).bytes;
   }
-  server.setDefault(ServerAction::reply(200));
+  server.setDefault(Fault::reply(200));
   RealPlatform platform(home.path(), server.url());
   std::size_t damaged = 0;
   const std::string documents = platform.files.documentsDirectory();

@@ -12,10 +12,10 @@
 namespace kesu {
 namespace {
 
+using testing::Fault;
 using testing::LoopbackServer;
 using testing::RealPlatform;
 using testing::ServedRequest;
-using testing::ServerAction;
 using Type = KesuInAppMessageType;
 
 std::string jsonText(const Object& value) {
@@ -97,13 +97,13 @@ class MessagesOverTlsTest : public ::testing::Test {
  protected:
   MessagesOverTlsTest() {
     platform.bundle.dictionary.set("KesuMessagingHost", "127.0.0.1:" + std::to_string(service.port()));
-    service.onPath("/api/inapp/count/", ServerAction::reply(200, R"({"count":2})"));
-    service.onPath("/api/inapp/newUnFetched/", ServerAction::reply(200, R"({"metadatalist":[{"mid":"m","cid":"c"}]})"));
-    service.onPath("/api/inapp/getInAppMessages/", ServerAction::reply(200, R"({"payloadlist":[{"mid":"m"}]})"));
-    service.onPath("/api/inapp/getmessage/", ServerAction::reply(200, R"({"payload":{"title":null}})"));
+    service.onPath("/api/inapp/count/", Fault::reply(200, R"({"count":2})"));
+    service.onPath("/api/inapp/newUnFetched/", Fault::reply(200, R"({"metadatalist":[{"mid":"m","cid":"c"}]})"));
+    service.onPath("/api/inapp/getInAppMessages/", Fault::reply(200, R"({"payloadlist":[{"mid":"m"}]})"));
+    service.onPath("/api/inapp/getmessage/", Fault::reply(200, R"({"payload":{"title":null}})"));
     service.onPath("/api/user-personalization/gettags",
-                   ServerAction::reply(200, R"({"tags":"{\"tags\":[\"gold\",\"sports\"]}"})"));
-    service.onPath("/api/devmode/inapp/count/", ServerAction::reply(200, R"({"count":99})"));
+                   Fault::reply(200, R"({"tags":"{\"tags\":[\"gold\",\"sports\"]}"})"));
+    service.onPath("/api/devmode/inapp/count/", Fault::reply(200, R"({"count":99})"));
     Kesu::initialize("key");
   }
 
@@ -125,7 +125,7 @@ class MessagesOverTlsTest : public ::testing::Test {
 
   testing::TemporaryDirectory home;
   testing::TestCertificates certificates;
-  LoopbackServer service{certificates.server().certificateFile, certificates.server().keyFile};
+  LoopbackServer service{certificates.server()};
   LoopbackServer collector;
   RealPlatform platform{home.path(), collector.url(), trusting(certificates)};
   std::vector<std::string> received;
@@ -184,27 +184,27 @@ TEST_F(MessagesOverTlsTest, SendsKeyAndIdentifiersAndTheReceiptToTheCollector) {
 
 TEST_F(MessagesOverTlsTest, AnswersNothingWhenTheServiceMisbehaves) {
   LoopbackServer stranger;
-  const ServerAction actions[] = {ServerAction::reply(500, R"({"count":1})"),
-                                  ServerAction::reset(),
-                                  ServerAction::cutBody(100, "{"),
-                                  ServerAction::badGzip(),
-                                  ServerAction::endless(5'000'000),
-                                  ServerAction::redirect(307, stranger.url()),
-                                  ServerAction::reply(200, "")};
-  for (const ServerAction& action : actions) {
-    service.onPath("/api/inapp/count/", action);
+  const Fault faults[] = {Fault::reply(500, R"({"count":1})"),
+                          Fault::reset(),
+                          Fault::cutBody(100, "{"),
+                          Fault::badGzip(),
+                          Fault::endless(5'000'000),
+                          Fault::redirect(307, stranger.url()),
+                          Fault::reply(200, "")};
+  for (const Fault& fault : faults) {
+    service.onPath("/api/inapp/count/", fault);
     const std::size_t before = received.size();
     Kesu::countNewUnFetched(listenForCount());
     ASSERT_TRUE(awaitReceived(before + 1));
     EXPECT_EQ(received.back(), "0");
   }
-  EXPECT_EQ(received.size(), std::size(actions)) << "each handler once";
+  EXPECT_EQ(received.size(), std::size(faults)) << "each handler once";
   EXPECT_EQ(stranger.requestCount(), 0U) << "no body goes to another host";
 }
 
 TEST_F(MessagesOverTlsTest, FetchesPicturesOnTheImageWorkerAndCachesThem) {
   const Image picture(2, 1, {0xFF112233, 0xFF445566});
-  service.onPath("/i.png", ServerAction::reply(200, *encodePng(picture)));
+  service.onPath("/i.png", Fault::reply(200, *encodePng(picture)));
   const InAppTemplateData data({{"imageSourceURL", service.url("/i.png")}}, false);
   std::atomic<bool> isThere{false};
   data.downloadImageWithCompletionHandler(wiring().imageLoader, [&](const ImagePtr& image) {

@@ -9,37 +9,45 @@ struct x509_st;
 
 namespace kesu::loopback {
 
-/// The identity of a TLS server on this machine: a key and a certificate for localhost, 127.0.0.1 and ::1 that signs
-/// itself, made anew for each run. The private key never leaves the memory; the certificate lies in a temporary file
-/// of this user's, for programs that are to trust the server, and the file goes with the object.
+/// A key and its certificate, made anew (P-256, valid for a week), for TLS servers on this machine. The private key
+/// stays in memory unless it is saved. Throws std::runtime_error when OpenSSL or the file system refuses.
 class Certificate {
  public:
-  /// Returns null and one sentence in `error` when OpenSSL or the file system refuses.
-  static std::unique_ptr<Certificate> make(std::string& error);
+  /// The names of this machine, as makers of certificates write them.
+  static constexpr const char* kLoopbackHosts = "DNS:localhost,IP:127.0.0.1,IP:::1";
 
-  /// Only make() calls this.
-  Certificate() = default;
-  ~Certificate();
+  /// An authority: signs others and serves no host.
+  static Certificate authority(const std::string& name);
 
-  Certificate(const Certificate&) = delete;
-  Certificate& operator=(const Certificate&) = delete;
+  /// For these hosts, signed by itself.
+  static Certificate selfSigned(const std::string& name, const char* hosts = kLoopbackHosts);
 
-  /// Absolute path of the certificate, in PEM form.
-  const std::string& file() const { return file_; }
+  /// For these hosts, signed by this authority.
+  Certificate sign(const std::string& name, const char* hosts = kLoopbackHosts) const;
 
-  /// What a server accepts TLS connections with. Any thread.
+  /// Writes the certificate or the private key in PEM form, for this user only.
+  void save(const std::string& path) const;
+  void saveKey(const std::string& path) const;
+
+  /// Returns what a server accepts TLS connections with. Any thread; lives as long as the certificate.
   ssl_ctx_st& context() const { return *context_; }
 
  private:
   struct Freer {
+    void operator()(evp_pkey_st* key) const;
+    void operator()(x509_st* certificate) const;
     void operator()(ssl_ctx_st* context) const;
   };
 
-  bool prepareContext(evp_pkey_st& key, x509_st& certificate);
-  bool save(x509_st& certificate);
+  // `hosts` null makes an authority; `issuer` null lets the certificate sign itself.
+  Certificate(const std::string& name, const char* hosts, const Certificate* issuer);
 
+  void fill(const std::string& name, const x509_st& issuer);
+  void addExtension(x509_st& issuer, int kind, const char* value);
+
+  std::unique_ptr<evp_pkey_st, Freer> key_;
+  std::unique_ptr<x509_st, Freer> certificate_;
   std::unique_ptr<ssl_ctx_st, Freer> context_;
-  std::string file_;
 };
 
 }  // namespace kesu::loopback

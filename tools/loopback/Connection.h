@@ -1,28 +1,25 @@
 #pragma once
 
-#include <httplib.h>
+#include <sys/types.h>
 
 #include <atomic>
-#include <chrono>
 #include <cstddef>
-#include <optional>
+#include <memory>
 #include <string>
-#include <vector>
+#include <string_view>
 
-#include "tools/loopback/TlsChannel.h"
+struct ssl_st;
+struct ssl_ctx_st;
 
 namespace kesu::loopback {
 
-/// One accepted connection: what the HTTP library reads requests from and writes replies to.
-///
-/// Our own instead of the library's, for what a tool that simulates faults needs: it closes a connection at any point
-/// of a request, sees that the sender has gone, and is woken from any wait by abort(). Used by one worker thread;
-/// abort() and isGone() by any.
-class Connection final : public httplib::Stream {
+/// The bytes of one accepted connection, plain or over TLS. Reading and writing block, for a minute at most. Used by one
+/// thread; abort() and isGone() by any.
+class Connection {
  public:
   /// Takes over a connected socket. With `tls` the connection is encrypted; the context must outlive it.
   Connection(int socket, ssl_ctx_st* tls);
-  ~Connection() override;
+  ~Connection();
 
   Connection(const Connection&) = delete;
   Connection& operator=(const Connection&) = delete;
@@ -30,47 +27,39 @@ class Connection final : public httplib::Stream {
   /// Makes the connection ready: agrees on keys when it is encrypted. False when that fails.
   bool open();
 
-  /// Waits for the first byte of the next request. False when the sender closed, was silent too long, or on abort().
-  bool waitForRequest(std::chrono::milliseconds patience);
+  /// Reads up to and including `end` into `out`. False when the connection ends first, or after `limit` bytes without.
+  bool readThrough(std::string_view end, std::size_t limit, std::string& out);
 
-  /// Ends the connection now, from any thread: reads and writes fail from here on.
+  /// Appends the next `count` bytes to `out`. False when the connection ends first.
+  bool read(std::size_t count, std::string& out);
+
+  /// Sends everything. False when the connection is broken.
+  bool write(std::string_view bytes);
+
+  /// Ends the connection in order. Where the request was not read to its end, reads on for a moment and a bounded
+  /// number of bytes first: closing with unread bytes makes the kernel take the reply back.
+  void close(bool isAllRead);
+
+  /// Breaks the connection off: the peer sees an end without a good-bye, reads and writes fail from here on.
   void abort();
 
-  /// Whether the other side has closed, or abort() was called.
+  /// Breaks the connection with RST.
+  void reset();
+
+  /// Whether the peer has closed, or abort() was called.
   bool isGone() const;
 
-  /// Sends what write() gathered. False when the connection is broken.
-  bool flush();
-
-  /// From now on every write() is sent at once.
-  void sendAtOnce() { gathers_ = false; }
-
-  /// Says good-bye after a reply to a request that was not read to its end: closing with unread bytes would make the
-  /// kernel take the reply back. Reads on for a moment and a bounded number of bytes.
-  void drain();
-
-  bool is_readable() const override;
-  bool is_writable() const override;
-  ssize_t read(char* out, size_t size) override;
-  ssize_t write(const char* bytes, size_t size) override;
-  void get_remote_ip_and_port(std::string& ip, int& port) const override;
-  void get_local_ip_and_port(std::string& ip, int& port) const override;
-  socket_t socket() const override { return socket_; }
-
  private:
-  bool waitFor(short events, std::chrono::milliseconds patience) const;
-  bool waitForInput(std::chrono::milliseconds patience) const;
+  struct Freer {
+    void operator()(ssl_st* session) const;
+  };
+
   bool fill();
-  bool sendAll();
 
   const int socket_;
   std::atomic<bool> aborted_{false};
-  std::optional<TlsChannel> tls_;
-  bool gathers_ = true;
-  std::string outgoing_;
-  std::vector<char> incoming_;
-  std::size_t incomingBegin_ = 0;
-  std::size_t incomingEnd_ = 0;
+  std::unique_ptr<ssl_st, Freer> tls_;
+  std::string unread_;  // Received and not handed out yet.
 };
 
 }  // namespace kesu::loopback

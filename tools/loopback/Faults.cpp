@@ -137,6 +137,10 @@ void describeKind(const Fault& fault, Dictionary& out) {
       out.set("redirect", fault.location);
       out.set("status", fault.status);
       break;
+    case FaultKind::Raw:
+    case FaultKind::Reset:
+    case FaultKind::Endless:
+      break;
   }
 }
 
@@ -164,6 +168,58 @@ std::optional<Fault> faultFromJson(const Value& value, std::string& error) {
     fault.location = *from->findText("redirect");
   }
   return error.empty() ? std::optional<Fault>(std::move(fault)) : std::nullopt;
+}
+
+Fault Fault::reply(int status, std::string body) {
+  Fault fault;
+  fault.kind = FaultKind::Status;
+  fault.status = status;
+  fault.body = std::move(body);
+  return fault;
+}
+
+Fault Fault::redirect(int status, std::string location) {
+  Fault fault;
+  fault.kind = FaultKind::Redirect;
+  fault.status = status;
+  fault.location = std::move(location);
+  return fault;
+}
+
+Fault Fault::hang() {
+  Fault fault;
+  fault.kind = FaultKind::Hang;
+  return fault;
+}
+
+Fault Fault::reset() {
+  Fault fault;
+  fault.kind = FaultKind::Reset;
+  return fault;
+}
+
+Fault Fault::raw(std::string bytes) {
+  Fault fault;
+  fault.kind = FaultKind::Raw;
+  fault.body = std::move(bytes);
+  return fault;
+}
+
+Fault Fault::cutBody(std::size_t promised, const std::string& sent) {
+  return raw("HTTP/1.1 200 OK\r\nContent-Length: " + std::to_string(promised) + "\r\n\r\n" + sent);
+}
+
+Fault Fault::badGzip() {
+  Fault fault = reply(200, "this was never compressed");
+  fault.headers.emplace_back("Content-Encoding", "gzip");
+  return fault;
+}
+
+Fault Fault::endless(std::uint64_t length) {
+  Fault fault;
+  fault.kind = FaultKind::Endless;
+  fault.length = length;
+  return fault;
 }
 
 Dictionary describeFault(const Fault& fault) {
@@ -205,7 +261,7 @@ void FaultTable::clear() {
   removed_.notify_all();
 }
 
-std::optional<FaultTable::Hit> FaultTable::take(std::string_view path) {
+std::optional<FaultTable::Hit> FaultTable::hit(std::string_view path) {
   const MutexLock lock(mutex_);
   const auto found = std::find_if(faults_.begin(), faults_.end(), [&](const Fault& fault) {
     return routeMatches(fault.route, path) && fault.times.value_or(1) > 0;

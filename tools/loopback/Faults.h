@@ -11,30 +11,49 @@
 #include <vector>
 
 #include "foundation/Mutex.h"
+#include "tools/loopback/Exchange.h"
 
 namespace kesu::loopback {
 
-/// What goes wrong on purpose, once the delay is over.
+/// What goes wrong on purpose, once the delay is over. "Accepted": the handler did its work with the request.
 enum class FaultKind {
-  Delay,        // Nothing but the delay: the request then succeeds.
-  Status,       // Answered with `status`; a 2xx accepts the record, everything else drops it.
-  Hang,         // Never answered, until the sender goes, the fault is removed or the server stops.
-  CloseBefore,  // Connection closed before the body is read.
-  CloseAfter,   // Connection closed after the body was read; the record is dropped.
-  LostReply,    // The record is accepted, then the connection is closed without a reply.
-  Garbage,      // The record is accepted (with a 2xx status) and the reply is no JSON.
-  Redirect,     // Sent on to another URL; the record is dropped.
+  Delay,        ///< Nothing but the delay: the request then succeeds.
+  Status,       ///< Answered with `status`; accepted when that is below 300.
+  Hang,         ///< Never answered, until the sender goes, the fault is removed or the server stops.
+  CloseBefore,  ///< Connection closed before the body is read.
+  CloseAfter,   ///< Connection closed after the body was read; not accepted.
+  LostReply,    ///< Accepted, then the connection is closed without a reply.
+  Garbage,      ///< Accepted when `status` is below 300, and the reply is no JSON.
+  Redirect,     ///< Sent on to `location`; not accepted.
+  // For tests; they have no JSON form.
+  Raw,      ///< Answered with the bytes of `body`, head and all, then the connection is closed; not accepted.
+  Reset,    ///< Connection broken with RST after the body was read; not accepted.
+  Endless,  ///< Answered with 200 and `length` bytes of filling, made on the fly; not accepted.
 };
 
 /// One fault, as a developer or a test asks for it.
 struct Fault {
-  std::string route;  // Path it applies to; "*" at the end stands for any rest.
+  std::string route = "*";  ///< Path it applies to; "*" at the end stands for any rest.
   FaultKind kind = FaultKind::Delay;
   int status = 200;
   std::chrono::milliseconds delay{0};
-  std::string location;               // For Redirect.
-  std::optional<std::int64_t> times;  // How many requests it still hits; nothing = until it is removed.
-  std::int64_t hits = 0;              // How many it has hit.
+  std::string location;             ///< For Redirect.
+  std::optional<std::string> body;  ///< For Raw; for Status it replaces the usual body.
+  Fields headers;                   ///< For Status: more headers of the reply.
+  std::uint64_t length = 0;         ///< For Endless.
+  std::optional<std::int64_t> times;  ///< How many requests it still hits; nothing = until it is removed.
+  std::int64_t hits = 0;              ///< How many it has hit.
+
+  static Fault reply(int status, std::string body = {});
+  static Fault redirect(int status, std::string location);
+  static Fault hang();
+  static Fault reset();
+  static Fault raw(std::string bytes);
+  /// A reply that promises `promised` bytes, sends only `sent` and closes.
+  static Fault cutBody(std::size_t promised, const std::string& sent);
+  /// A reply that calls itself gzip and is not.
+  static Fault badGzip();
+  static Fault endless(std::uint64_t length);
 };
 
 /// Reads a fault from its JSON form. Returns nothing and one sentence in `error` when it makes no sense.
@@ -49,21 +68,21 @@ bool routeMatches(std::string_view route, std::string_view path);
 /// The faults that are switched on. Any thread.
 class FaultTable {
  public:
-  /// Adds a fault behind those that are there: of several for one path the oldest that has hits left is used.
+  /// Appends a fault: of several for one path the oldest that has hits left is used.
   void add(Fault fault);
 
-  /// Removes the faults of a route (exactly this text), or all. Requests that wait for one go on at once.
+  /// Removes the faults of a route (exactly this text), or all. Requests that wait because of one continue at once.
   void remove(std::string_view route);
   void clear();
 
-  /// A fault at work on one request.
+  /// A fault that is applied to one request.
   struct Hit {
     Fault fault;
     std::int64_t removals = 0;  // Removals before this hit; only waitForRemoval looks at it.
   };
 
-  /// The fault that hits a request to `path`, counted as used; nothing when none applies.
-  std::optional<Hit> take(std::string_view path);
+  /// Returns the fault that hits a request to `path` and counts the hit; nothing when none applies.
+  std::optional<Hit> hit(std::string_view path);
 
   std::vector<Fault> all() const;
 

@@ -75,7 +75,7 @@ TEST(FaultTable, UsesFaultsInOrderUntilTheyAreUsedUp) {
   faults.add(faultFor(R"({"route":"*","status":503,"times":1})"));
   std::string statuses;
   for (const char* path : {"/a", "/b", "/a", "/a"}) {
-    const auto hit = faults.take(path);
+    const auto hit = faults.hit(path);
     statuses += std::to_string(hit ? hit->fault.status : 0) + " ";
   }
   EXPECT_EQ(statuses, "500 503 500 0 ");
@@ -86,7 +86,7 @@ TEST(FaultTable, RemovesByRouteAndWakesWhoWaits) {
   FaultTable faults;
   faults.add(faultFor(R"({"route":"/a","hang":true})"));
   faults.add(faultFor(R"({"route":"/b","hang":true})"));
-  const auto hit = faults.take("/a");
+  const auto hit = faults.hit("/a");
   ASSERT_TRUE(hit);
   EXPECT_FALSE(faults.waitForRemoval(*hit, std::chrono::milliseconds(1)));
   bool woken = false;
@@ -94,8 +94,8 @@ TEST(FaultTable, RemovesByRouteAndWakesWhoWaits) {
   faults.remove("/a");
   waiter.join();
   EXPECT_TRUE(woken);
-  EXPECT_FALSE(faults.take("/a"));
-  EXPECT_TRUE(faults.take("/b"));
+  EXPECT_FALSE(faults.hit("/a"));
+  EXPECT_TRUE(faults.hit("/b"));
 }
 
 }  // namespace

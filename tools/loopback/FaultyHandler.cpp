@@ -1,8 +1,6 @@
 #include "tools/loopback/FaultyHandler.h"
 
-#include <strings.h>
-
-#include <chrono>
+#include <algorithm>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -10,9 +8,11 @@
 namespace kesu::loopback {
 namespace {
 
-constexpr std::chrono::milliseconds kLookInterval{100};
+constexpr std::chrono::milliseconds kLookInterval{100};  // How late it is noticed that a sender has gone.
+constexpr std::size_t kFillingBytes = std::size_t{64} * 1024;
 constexpr std::string_view kForm = "multipart/form-data";
 constexpr std::string_view kGarbage = "\xC3\x28{]\" this is no JSON \x01\xFF";
+constexpr const char* kErrorText = "a fault is switched on";
 
 // What is wrong with how the body is announced, before any of it is read.
 std::optional<Reply> bodyRefusal(const Request& request) {
@@ -20,71 +20,93 @@ std::optional<Reply> bodyRefusal(const Request& request) {
   if (mayHaveBody && request.header("Content-Length").empty() && request.header("Transfer-Encoding").empty()) {
     return Reply::error(411, "a body needs a Content-Length");
   }
-  const std::string_view type = request.header("Content-Type");
-  if (type.size() >= kForm.size() && strncasecmp(type.data(), kForm.data(), kForm.size()) == 0) {
+  if (equalIgnoringCase(request.header("Content-Type").substr(0, kForm.size()), kForm)) {
     return Reply::error(415, "the body is one JSON object, not a form");
   }
   return std::nullopt;
 }
 
-}  // namespace
-
-Reply FaultyHandler::handle(Request& request, const Accept& accept) const {
-  if (const auto hit = faults_.take(request.path)) {
-    return suffer(*hit, request, accept);
-  }
-  if (auto refused = bodyRefusal(request)) {
-    return std::move(*refused);
-  }
-  std::string body;
-  return request.readBody(body) ? accept(request, body) : Reply::error(413, "the body is too long");
+// The usual reply when the fault lets the request through, else a text for people; with the status of the fault.
+Reply replyOf(const Fault& fault, Request& request, const Accept& accept, const std::string& body) {
+  Reply reply = fault.status < 300 ? accept(request, body) : Reply::error(fault.status, kErrorText);
+  reply.status = fault.status;
+  reply.headers.insert(reply.headers.end(), fault.headers.begin(), fault.headers.end());
+  return reply;
 }
 
-Reply FaultyHandler::suffer(const FaultTable::Hit& hit, Request& request, const Accept& accept) const {
-  const Fault& fault = hit.fault;
+Reply endlessReply(std::uint64_t length) {
+  Reply reply;
+  reply.streamLength = length;
+  reply.stream = [length](const Reply::Write& write) {
+    const std::string filling(kFillingBytes, 'x');
+    std::uint64_t left = length;
+    while (left > 0 && write(std::string_view(filling).substr(0, left))) {
+      left -= std::min<std::uint64_t>(left, filling.size());
+    }
+  };
+  return reply;
+}
+
+}  // namespace
+
+Reply applyFault(const Fault& fault, Request& request, const Accept& accept, const WaitForEnd& waitForEnd) {
   std::string body;
   if (fault.kind != FaultKind::CloseBefore && !request.readBody(body)) {
     return Reply::closed();
   }
   if (fault.delay.count() > 0) {
-    faults_.waitForRemoval(hit, fault.delay);
+    waitForEnd(fault.delay);
   }
-  const bool accepts = fault.status < 300;
+  Reply reply;
   switch (fault.kind) {
     case FaultKind::Delay:
       return accept(request, body);
-    case FaultKind::Status: {
-      Reply reply = accepts ? accept(request, body) : Reply::error(fault.status, "a fault is switched on");
-      reply.status = fault.status;
+    case FaultKind::Status:
+      reply = replyOf(fault, request, accept, body);
+      reply.body = fault.body.value_or(std::move(reply.body));
       return reply;
-    }
     case FaultKind::Hang:
-      return hang(hit, request);
+      while (!request.isGone() && !waitForEnd(kLookInterval)) {
+      }
+      return Reply::closed();
     case FaultKind::CloseBefore:
     case FaultKind::CloseAfter:
       return Reply::closed();
     case FaultKind::LostReply:
       accept(request, body);
       return Reply::closed();
-    case FaultKind::Garbage: {
-      Reply reply = accepts ? accept(request, body) : Reply();
-      reply.status = fault.status;
+    case FaultKind::Garbage:
+      reply = replyOf(fault, request, accept, body);
+      reply.contentType = "application/json";  // Which it is not.
       reply.body = kGarbage;
       return reply;
-    }
-    case FaultKind::Redirect: {
-      Reply reply = Reply::error(fault.status, "a fault is switched on");
+    case FaultKind::Redirect:
+      reply = Reply::error(fault.status, kErrorText);
       reply.headers.emplace_back("Location", fault.location);
       return reply;
-    }
+    case FaultKind::Raw:
+      reply.form = Reply::Form::Raw;
+      reply.body = fault.body.value_or("");
+      return reply;
+    case FaultKind::Reset:
+      reply.form = Reply::Form::Reset;
+      return reply;
+    case FaultKind::Endless:
+      return endlessReply(fault.length);
   }
   return Reply::closed();
 }
 
-Reply FaultyHandler::hang(const FaultTable::Hit& hit, Request& request) const {
-  while (!request.isGone() && !faults_.waitForRemoval(hit, kLookInterval)) {
+Reply FaultyHandler::handle(Request& request, const Accept& accept) const {
+  if (const auto hit = faults_.hit(request.path)) {
+    return applyFault(hit->fault, request, accept,
+                      [&](std::chrono::milliseconds patience) { return faults_.waitForRemoval(*hit, patience); });
   }
-  return Reply::closed();
+  if (auto refused = bodyRefusal(request)) {
+    return std::move(*refused);
+  }
+  std::string body;
+  return request.readBody(body) ? accept(request, body) : Reply::error(413, "the body is too long");
 }
 
 }  // namespace kesu::loopback

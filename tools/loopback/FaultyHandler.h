@@ -1,20 +1,27 @@
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <string>
 
+#include "tools/loopback/Exchange.h"
 #include "tools/loopback/Faults.h"
-#include "tools/loopback/Server.h"
 
 namespace kesu::loopback {
 
-/// Answers requests with whatever fault is switched on for their path in between. All services share it, so a fault
+/// Answers a request whose body was read. What it does stays done even when a fault then spoils the reply.
+using Accept = std::function<Reply(Request& request, const std::string& body)>;
+
+/// Waits that long at most; returns true as soon as the fault is over.
+using WaitForEnd = std::function<bool(std::chrono::milliseconds patience)>;
+
+/// Answers a request as the fault wants it; blocks for delays and hanging requests.
+Reply applyFault(const Fault& fault, Request& request, const Accept& accept, const WaitForEnd& waitForEnd);
+
+/// Answers requests, with whatever fault is switched on for their path in between. All services share it, so a fault
 /// does the same thing on every route.
 class FaultyHandler {
  public:
-  /// Answers a request whose body was read. What it does stays done even when a fault then spoils the reply.
-  using Accept = std::function<Reply(Request& request, const std::string& body)>;
-
   /// The table must outlive the handler.
   explicit FaultyHandler(FaultTable& faults) : faults_(faults) {}
 
@@ -22,9 +29,6 @@ class FaultyHandler {
   Reply handle(Request& request, const Accept& accept) const;
 
  private:
-  Reply suffer(const FaultTable::Hit& hit, Request& request, const Accept& accept) const;
-  Reply hang(const FaultTable::Hit& hit, Request& request) const;
-
   FaultTable& faults_;
 };
 

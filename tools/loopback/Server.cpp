@@ -1,283 +1,310 @@
 #include "tools/loopback/Server.h"
 
+#include <netinet/in.h>
+#include <poll.h>
 #include <sys/socket.h>
+#include <unistd.h>
 
-#include <condition_variable>
-#include <set>
-#include <thread>
+#include <cerrno>
+#include <charconv>
+#include <csignal>
+#include <utility>
 
-#include "foundation/Mutex.h"
 #include "tools/loopback/Connection.h"
 
 namespace kesu::loopback {
 namespace {
 
-// One worker serves one connection at a time. Our own HTTP client opens six; the rest is for tests that hang requests,
-// followers of the event stream and browsers. TLS is ours too, inside Connection: the HTTP library's own TLS server
-// leaves no hand on the connection.
-constexpr std::size_t kWorkers = 128;
 constexpr std::size_t kBodyLimitBytes = std::size_t{16} * 1024 * 1024;
-constexpr std::size_t kPathLimitBytes = 1024;
-constexpr int kBacklog = 512;
-constexpr std::chrono::milliseconds kIdlePatience{60'000};
+constexpr std::size_t kHeadLimitBytes = std::size_t{64} * 1024;
+constexpr std::size_t kTargetLimitBytes = 2048;  // No route is longer, with its query.
+constexpr std::size_t kChunkLineLimitBytes = 1024;
+constexpr int kBacklog = 1024;  // A burst beyond it costs the senders a second each.
+constexpr int kWaitForDescriptorsMs = 10;
+constexpr int kWaitForFirstBytesMs = 1000;
 
-// The library's worker threads; tells of every connection before a worker takes it up.
-class Workers final : public httplib::ThreadPool {
- public:
-  explicit Workers(std::function<void()> accepted) : ThreadPool(kWorkers), accepted_(std::move(accepted)) {}
-
-  void enqueue(std::function<void()> serve) override {
-    accepted_();
-    ThreadPool::enqueue(std::move(serve));
+// A socket with this port of 127.0.0.1 (0: any); -1 when it is taken.
+int boundSocket(int port) {
+  const int made = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  const int on = 1;
+  setsockopt(made, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_port = htons(static_cast<std::uint16_t>(port));
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  if (::bind(made, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0) {
+    return made;
   }
-
- private:
-  const std::function<void()> accepted_;
-};
-
-// What belongs to the request that a worker is serving. The HTTP library has no place for data of ours in its request,
-// and a worker serves one connection at a time.
-struct Current {
-  Connection* connection = nullptr;
-  bool parsed = false;     // The request line and headers made sense.
-  bool mustClose = false;  // The connection ends with the reply.
-  std::optional<std::string> acceptEncoding;
-};
-thread_local Current current;
-
-// The library compresses every reply that may be. Replies here are small or are read by people with simple tools, so
-// the header that allows it is kept from the library.
-void beginRequest(httplib::Request& request) {
-  current.parsed = true;
-  if (request.has_header("Accept-Encoding")) {
-    current.acceptEncoding = request.get_header_value("Accept-Encoding");
-    request.headers.erase("Accept-Encoding");
-  }
+  ::close(made);
+  return -1;
 }
 
-// Pseudo headers that the HTTP library adds to those received.
-bool isReceived(const std::string& name) {
-  return name != "REMOTE_ADDR" && name != "REMOTE_PORT" && name != "LOCAL_ADDR" && name != "LOCAL_PORT";
+int portOf(int socket) {
+  sockaddr_in address{};
+  socklen_t size = sizeof address;
+  getsockname(socket, reinterpret_cast<sockaddr*>(&address), &size);
+  return ntohs(address.sin_port);
 }
 
-Request requestFrom(const httplib::Request& from) {
-  Request request;
-  request.method = from.method;
-  request.path = from.path;
-  for (const auto& header : from.headers) {
-    if (isReceived(header.first)) {
-      request.headers.push_back(header);
+// A connection that is reset at once may look refused to its client: something of the request must have come.
+void resetAfterFirstBytes(int socket) {
+  pollfd firstBytes{socket, POLLIN, 0};
+  ::poll(&firstBytes, 1, kWaitForFirstBytesMs);
+  Connection(socket, nullptr).reset();
+}
+
+bool hasBody(const RequestHead& head) {
+  const std::string_view length = head.header("Content-Length");
+  return !head.header("Transfer-Encoding").empty() || (!length.empty() && length != "0");
+}
+
+std::optional<std::size_t> parseSize(std::string_view text, int base) {
+  std::size_t size = 0;
+  const bool isNumber = std::from_chars(text.data(), text.data() + text.size(), size, base).ec == std::errc();
+  return isNumber && size <= kBodyLimitBytes ? std::optional(size) : std::nullopt;
+}
+
+bool readChunks(Connection& connection, std::string& body) {
+  while (true) {
+    std::string line;
+    const bool isRead = connection.readThrough("\r\n", kChunkLineLimitBytes, line);
+    const std::optional<std::size_t> size = isRead ? parseSize(line, 16) : std::nullopt;
+    if (!size || body.size() + *size > kBodyLimitBytes || !connection.read(*size, body)) {
+      return false;
+    }
+    std::string end;
+    if (!connection.readThrough("\r\n", kChunkLineLimitBytes, end) || *size == 0) {
+      return *size == 0;
     }
   }
-  if (current.acceptEncoding) {
-    request.headers.emplace_back("Accept-Encoding", *current.acceptEncoding);
-  }
-  request.query.assign(from.params.begin(), from.params.end());
-  request.isGone = [connection = current.connection] { return connection->isGone(); };
-  return request;
 }
 
-void writeStream(Reply&& reply, httplib::Response& to) {
-  current.connection->sendAtOnce();
-  to.set_chunked_content_provider(reply.contentType, [stream = reply.stream](std::size_t, httplib::DataSink& sink) {
-    stream([&](std::string_view piece) { return sink.write(piece.data(), piece.size()); });
-    sink.done();
-    return true;
+bool readBody(Connection& connection, const RequestHead& head, std::string& body) {
+  if (!head.header("Expect").empty() && !connection.write("HTTP/1.1 100 Continue\r\n\r\n")) {
+    return false;
+  }
+  if (!head.header("Transfer-Encoding").empty()) {
+    return readChunks(connection, body);
+  }
+  const std::optional<std::size_t> size = parseSize(head.header("Content-Length"), 10);
+  return size && connection.read(*size, body);
+}
+
+void writeStream(Connection& connection, const Reply& reply) {
+  reply.stream([&](std::string_view piece) {
+    if (reply.streamLength) {
+      return connection.write(piece);
+    }
+    char size[sizeof(std::size_t) * 2];
+    const std::string_view digits(size, std::to_chars(size, std::end(size), piece.size(), 16).ptr);
+    // An empty chunk would end the body.
+    return piece.empty() || connection.write(std::string(digits).append("\r\n").append(piece).append("\r\n"));
   });
+  if (!reply.streamLength) {
+    connection.write("0\r\n\r\n");
+  }
 }
 
-void writeReply(Reply&& reply, httplib::Response& to) {
-  if (reply.close) {
-    current.connection->abort();
-    return;
+// Returns whether the connection can be used on.
+bool writeReply(Connection& connection, const Reply& reply, bool isHeadOnly, bool closes) {
+  switch (reply.form) {
+    case Reply::Form::Reset:
+      connection.reset();
+      return false;
+    case Reply::Form::Raw:
+      connection.write(reply.body);
+      connection.abort();
+      return false;
+    case Reply::Form::Http:
+      break;
   }
-  to.status = reply.status;
-  for (const auto& [name, value] : reply.headers) {
-    to.set_header(name, value);
+  std::string bytes = headOf(reply, closes);
+  if (!isHeadOnly && !reply.stream) {
+    bytes += reply.body;
   }
-  if (reply.stream) {
-    writeStream(std::move(reply), to);
-  } else {
-    to.set_content(reply.body, reply.contentType);
+  const bool isSent = connection.write(bytes);
+  if (isSent && !isHeadOnly && reply.stream) {
+    writeStream(connection, reply);
   }
+  return isSent;
+}
+
+// OpenSSL writes without MSG_NOSIGNAL.
+void blockPipeSignal() {
+  sigset_t pipe;
+  sigemptyset(&pipe);
+  sigaddset(&pipe, SIGPIPE);
+  pthread_sigmask(SIG_BLOCK, &pipe, nullptr);
 }
 
 }  // namespace
 
-class Server::Implementation final : private httplib::Server {
- public:
-  Implementation(loopback::Server::Handler handler, ssl_ctx_st* tls) : handler_(std::move(handler)), tls_(tls) {
-    // The library takes over the pool that it gets as a raw pointer.
-    new_task_queue = [this] { return std::make_unique<Workers>([this] { countConnection(1); }).release(); };
-    set_payload_max_length(kBodyLimitBytes);
-    set_keep_alive_max_count(1'000'000);
-    set_keep_alive_timeout(std::chrono::duration_cast<std::chrono::seconds>(kIdlePatience).count());
-    // The library's own options let a second server take the same port.
-    set_socket_options([](int socket) {
-      const int on = 1;
-      setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
-    });
-    addRoutes();
-  }
-
-  int bindPort(int port) {
-    const int bound = port == 0 ? bind_to_any_port("127.0.0.1") : (bind_to_port("127.0.0.1", port) ? port : -1);
-    if (bound > 0) {
-      // The library listens with room for five connections; a burst beyond that costs a second each.
-      ::listen(svr_sock_, kBacklog);
-    }
-    return bound;
-  }
-
-  void run() {
-    listener_ = std::thread([this] { listen_after_bind(); });
-    // Stopping a server that has not begun to listen is lost on the library.
-    while (!is_running()) {
-      std::this_thread::yield();
+struct Server::Served {
+  Served(int socket, ssl_ctx_st* tls, std::size_t number) : connection(socket, tls), index(number) {}
+  ~Served() {
+    if (thread.joinable()) {
+      thread.join();
     }
   }
 
-  bool waitForConnections(int most, std::chrono::milliseconds patience) {
-    const auto deadline = std::chrono::steady_clock::now() + patience;
-    const MutexLock lock(mutex_);
-    while (open_ > most && left_.wait_until(mutex_, deadline) == std::cv_status::no_timeout) {
-    }
-    return open_ <= most;
-  }
-
-  void end() {
-    {
-      const MutexLock lock(mutex_);
-      stopping_ = true;
-      for (Connection* connection : connections_) {
-        connection->abort();
-      }
-    }
-    if (listener_.joinable()) {
-      httplib::Server::stop();
-      listener_.join();
-    }
-  }
-
- private:
-  void addRoutes() {
-    set_pre_routing_handler([](const httplib::Request& request, httplib::Response& response) {
-      // Routes are regular expressions: a long path would cost them much stack.
-      const bool tooLong = request.path.size() > kPathLimitBytes;
-      if (tooLong) {
-        current.mustClose = true;
-        response.status = 414;
-      }
-      return tooLong ? HandlerResponse::Handled : HandlerResponse::Unhandled;
-    });
-    const auto plain = [this](const httplib::Request& from, httplib::Response& to) { answer(from, to, nullptr); };
-    const auto withBody = [this](const httplib::Request& from, httplib::Response& to,
-                                 const httplib::ContentReader& reader) { answer(from, to, &reader); };
-    Get(".*", plain).Delete(".*", plain).Post(".*", withBody).Put(".*", withBody);
-  }
-
-  void answer(const httplib::Request& from, httplib::Response& to, const httplib::ContentReader* reader) {
-    Request request = requestFrom(from);
-    // Without a length the library would read until the sender closes.
-    bool isRead = reader == nullptr || !(from.has_header("Content-Length") || from.has_header("Transfer-Encoding"));
-    // The library hands out a multipart body in pieces of its own; nobody has business sending one here.
-    const bool isReadable = !from.is_multipart_form_data();
-    request.readBody = [&](std::string& body) {
-      isRead = isRead || (isReadable && (*reader)([&](const char* bytes, std::size_t size) {
-                            body.append(bytes, size);
-                            return true;
-                          }));
-      return isRead;
-    };
-    writeReply(handler_(request), to);
-    current.mustClose = current.mustClose || !isRead;
-  }
-
-  bool process_and_close_socket(socket_t socket) override {
-    serveAll(socket);
-    countConnection(-1);
-    return true;
-  }
-
-  void serveAll(socket_t socket) {
-    Connection connection(socket, tls_);
-    if (!enter(connection)) {
-      return;
-    }
-    bool lives = connection.open();
-    while (lives) {
-      lives = connection.waitForRequest(kIdlePatience) && serveOne(connection);
-    }
-    current = Current();
-    leave(connection);
-  }
-
-  void countConnection(int change) {
-    const MutexLock lock(mutex_);
-    open_ += change;
-    left_.notify_all();
-  }
-
-  // Returns whether the connection can take another request.
-  bool serveOne(Connection& connection) {
-    bool closes = false;
-    current = Current{&connection, false, false, std::nullopt};
-    const bool served = process_request(connection, false, closes, beginRequest);
-    const bool sent = connection.flush();
-    // After what is no HTTP, or a body left unread, nobody knows where the next request would begin.
-    if (sent && (current.mustClose || !current.parsed)) {
-      connection.drain();
-      return false;
-    }
-    return served && sent && !closes;
-  }
-
-  bool enter(Connection& connection) {
-    const MutexLock lock(mutex_);
-    if (!stopping_) {
-      connections_.insert(&connection);
-    }
-    return !stopping_;
-  }
-
-  void leave(Connection& connection) {
-    const MutexLock lock(mutex_);
-    connections_.erase(&connection);
-  }
-
-  const loopback::Server::Handler handler_;
-  ssl_ctx_st* const tls_;
-  std::thread listener_;
-  Mutex mutex_;
-  std::condition_variable_any left_;
-  int open_ KESU_GUARDED_BY(mutex_) = 0;  // Accepted and not yet ended, in a worker's hands or not.
-  std::set<Connection*> connections_ KESU_GUARDED_BY(mutex_);
-  bool stopping_ KESU_GUARDED_BY(mutex_) = false;
+  Connection connection;
+  const std::size_t index;
+  bool hasEnded = false;  // Guarded by the server's mutex.
+  std::thread thread;
 };
 
-Server::Server(Handler handler, ssl_ctx_st* tls)
-    : implementation_(std::make_unique<Implementation>(std::move(handler), tls)) {}
+Server::Server(Handler handler, ssl_ctx_st* tls) : handler_(std::move(handler)), tls_(tls) {}
 
 Server::~Server() {
   stop();
+  if (socket_ >= 0) {
+    ::close(socket_);
+  }
 }
 
 bool Server::bind(int port) {
-  const int bound = implementation_->bindPort(port);
-  port_ = bound > 0 ? bound : 0;
-  return bound > 0;
+  socket_ = boundSocket(port);
+  // Another program may be bound to the port as long as neither listens.
+  if (socket_ >= 0 && ::listen(socket_, kBacklog) != 0) {
+    ::close(std::exchange(socket_, -1));
+  }
+  port_ = socket_ >= 0 ? portOf(socket_) : 0;
+  return socket_ >= 0;
 }
 
-void Server::start() {
-  implementation_->run();
-}
-
-bool Server::waitForConnections(int most, std::chrono::milliseconds patience) {
-  return implementation_->waitForConnections(most, patience);
+bool Server::start() {
+  const bool listens = ::listen(socket_, kBacklog) == 0;
+  if (listens) {
+    acceptor_ = std::thread([this] { acceptConnections(); });
+  }
+  return listens;
 }
 
 void Server::stop() {
-  implementation_->end();
+  if (!acceptor_.joinable()) {
+    return;
+  }
+  ::shutdown(socket_, SHUT_RDWR);
+  acceptor_.join();
+  const int listener = std::exchange(socket_, boundSocket(port_));
+  ::close(listener);  // After its successor has the port, so that no other program takes it.
+  std::list<std::unique_ptr<Served>> ending;
+  {
+    const MutexLock lock(mutex_);
+    ending.swap(served_);
+  }
+  for (const auto& served : ending) {
+    served->connection.abort();
+  }
+}
+
+void Server::setResetOnAccept(bool reset) {
+  const MutexLock lock(mutex_);
+  resetOnAccept_ = reset;
+}
+
+std::size_t Server::connectionCount() {
+  const MutexLock lock(mutex_);
+  return accepted_;
+}
+
+bool Server::waitForConnections(int most, std::chrono::milliseconds patience) {
+  const auto deadline = std::chrono::steady_clock::now() + patience;
+  const MutexLock lock(mutex_);
+  while (open_ > most && ended_.wait_until(mutex_, deadline) == std::cv_status::no_timeout) {
+  }
+  return open_ <= most;
+}
+
+void Server::acceptConnections() {
+  while (true) {
+    const int socket = ::accept4(socket_, nullptr, nullptr, SOCK_CLOEXEC);
+    if (socket >= 0) {
+      add(socket);
+    } else if (errno == EMFILE) {
+      ::poll(nullptr, 0, kWaitForDescriptorsMs);
+    } else if (errno != EINTR && errno != ECONNABORTED) {
+      return;
+    }
+  }
+}
+
+// Returns whether the connection is to be reset.
+bool Server::countConnection() {
+  const MutexLock lock(mutex_);
+  ++accepted_;
+  return resetOnAccept_;
+}
+
+void Server::add(int socket) {
+  if (countConnection()) {
+    resetAfterFirstBytes(socket);
+    return;
+  }
+  std::list<std::unique_ptr<Served>> ended;  // Joined after the mutex is free.
+  const MutexLock lock(mutex_);
+  removeEnded(ended);
+  ++open_;
+  served_.push_back(std::make_unique<Served>(socket, tls_, accepted_ - 1));
+  Served& added = *served_.back();
+  added.thread = std::thread([this, &added] { serve(added); });
+}
+
+void Server::removeEnded(std::list<std::unique_ptr<Served>>& ended) {
+  for (auto entry = served_.begin(); entry != served_.end();) {
+    const auto next = std::next(entry);
+    if ((*entry)->hasEnded) {
+      ended.splice(ended.end(), served_, entry);
+    }
+    entry = next;
+  }
+}
+
+void Server::serve(Served& served) {
+  blockPipeSignal();
+  if (served.connection.open()) {
+    while (serveRequest(served)) {
+    }
+  }
+  served.connection.abort();
+  const MutexLock lock(mutex_);
+  served.hasEnded = true;
+  --open_;
+  ended_.notify_all();
+}
+
+// Returns whether the connection can take another request.
+bool Server::serveRequest(Served& served) {
+  Connection& connection = served.connection;
+  std::string bytes;
+  if (!connection.readThrough("\r\n\r\n", kHeadLimitBytes, bytes)) {
+    return false;
+  }
+  std::optional<RequestHead> head = parseHead(std::move(bytes));
+  bool isRead = head && !hasBody(*head);
+  Reply reply;
+  Request request;
+  if (!head) {
+    reply = Reply::error(400, "this is no HTTP");
+  } else if (head->target.size() > kTargetLimitBytes) {
+    reply = Reply::error(414, "no route is that long");
+  } else {
+    static_cast<RequestHead&>(request) = std::move(*head);
+    request.connection = served.index;
+    request.isGone = [&connection] { return connection.isGone(); };
+    request.readBody = [&](std::string& body) {
+      isRead = isRead || readBody(connection, request, body);
+      return isRead;
+    };
+    reply = handler_(request);
+  }
+  // Behind a body that was left unread nobody knows where the next request begins.
+  const bool closes = request.isLast || !isRead;
+  const bool isSent = writeReply(connection, reply, request.method == "HEAD", closes);
+  if (isSent && closes) {
+    connection.close(isRead);
+  }
+  return isSent && !closes;
 }
 
 }  // namespace kesu::loopback

@@ -16,11 +16,11 @@
 #include "graphics/SystemFonts.h"
 #include "tools/kesu-dev/base/CommandLine.h"
 #include "tools/kesu-dev/base/Console.h"
-#include "tools/kesu-dev/base/ScratchDirectory.h"
 #include "tools/kesu-dev/base/Text.h"
 #include "tools/kesu-dev/commands/Commands.h"
 #include "tools/kesu-dev/messages/PreviewService.h"
 #include "tools/kesu-dev/messages/PreviewWindow.h"
+#include "tools/loopback/TemporaryDirectory.h"
 
 namespace kesu::dev {
 namespace {
@@ -136,7 +136,7 @@ int preview(const PreviewOptions& options) {
   if (!message) {
     return fail(options.file + ": " + problem);
   }
-  static const ScratchDirectory home;
+  static const loopback::TemporaryDirectory home;
   static PreviewService service(directory, std::move(*message));
   startLibrary(home.path(), service);
   problem =

@@ -6,13 +6,13 @@
 #include <optional>
 
 #include "tools/kesu-dev/base/Console.h"
-#include "tools/kesu-dev/base/ScratchDirectory.h"
 #include "tools/kesu-dev/commands/ChildProgram.h"
 #include "tools/kesu-dev/commands/Commands.h"
 #include "tools/kesu-dev/commands/ServiceOptions.h"
 #include "tools/kesu-dev/commands/Signals.h"
 #include "tools/kesu-dev/messages/MessageReport.h"
 #include "tools/kesu-dev/records/RecordText.h"
+#include "tools/loopback/TemporaryDirectory.h"
 
 namespace kesu::dev {
 namespace {
@@ -51,7 +51,7 @@ void printSummary(RecordStore& store) {
 }
 
 int runAgainst(Services& services, const RunOptions& options, const BlockedSignals& signals) {
-  std::optional<ScratchDirectory> scratch;
+  std::optional<loopback::TemporaryDirectory> scratch;
   std::optional<std::string> home = wantedHome(options.home);
   if (!home) {
     home = scratch.emplace().path();

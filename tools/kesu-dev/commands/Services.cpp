@@ -1,6 +1,7 @@
 #include "tools/kesu-dev/commands/Services.h"
 
 #include <chrono>
+#include <stdexcept>
 #include <utility>
 
 #include "tools/kesu-dev/base/Console.h"
@@ -37,11 +38,13 @@ std::unique_ptr<Services> Services::start(const Options& options, std::string& e
     error = "cannot open the database " + options.database + ": " + error;
     return nullptr;
   }
-  std::unique_ptr<loopback::Certificate> certificate = loopback::Certificate::make(error);
-  if (certificate == nullptr) {
+  std::unique_ptr<Services> services;
+  try {
+    services = std::make_unique<Services>(std::move(store), options);
+  } catch (const std::runtime_error& failure) {  // There is no certificate.
+    error = failure.what();
     return nullptr;
   }
-  auto services = std::make_unique<Services>(std::move(store), std::move(certificate), options);
   const bool anyPort = options.port.value_or(1) == 0 && !options.messagingPort;
   const std::optional<int> messagingPort = anyPort ? std::optional(0) : options.messagingPort;
   if (!bindTo(services->server_, options.port, kDefaultPort)) {
@@ -59,15 +62,15 @@ std::unique_ptr<Services> Services::start(const Options& options, std::string& e
   return services;
 }
 
-Services::Services(std::unique_ptr<RecordStore> store, std::unique_ptr<loopback::Certificate> certificate,
-                   const Options& options)
+Services::Services(std::unique_ptr<RecordStore> store, const Options& options)
     : store_(std::move(store)),
-      certificate_(std::move(certificate)),
       messaging_(*store_, faults_, options.say ? options.say : say),
       collector_(*store_, faults_, messaging_, {options.strict}),
       server_([this](loopback::Request& request) { return collector_.handle(request); }),
       messagingServer_([this](loopback::Request& request) { return messaging_.handle(request); },
-                       &certificate_->context()) {}
+                       &certificate_.context()) {
+  certificate_.save(certificateFile());
+}
 
 Services::~Services() {
   stop();

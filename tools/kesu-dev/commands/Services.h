@@ -11,6 +11,7 @@
 #include "tools/loopback/Certificate.h"
 #include "tools/loopback/Faults.h"
 #include "tools/loopback/Server.h"
+#include "tools/loopback/TemporaryDirectory.h"
 
 namespace kesu::dev {
 
@@ -35,8 +36,7 @@ class Services {
   static std::unique_ptr<Services> start(const Options& options, std::string& error);
 
   /// Only start() calls this.
-  Services(std::unique_ptr<RecordStore> store, std::unique_ptr<loopback::Certificate> certificate,
-           const Options& options);
+  Services(std::unique_ptr<RecordStore> store, const Options& options);
 
   /// Stops.
   ~Services();
@@ -52,7 +52,7 @@ class Services {
   std::string messagingHost() const { return "127.0.0.1:" + std::to_string(messagingServer_.port()); }
 
   /// The certificate to trust for that; removed with this object.
-  const std::string& certificateFile() const { return certificate_->file(); }
+  std::string certificateFile() const { return directory_ / "certificate.pem"; }
 
   /// The environment that leads a program here, "NAME=value" each.
   std::vector<std::string> environment() const;
@@ -69,7 +69,8 @@ class Services {
 
  private:
   std::unique_ptr<RecordStore> store_;
-  std::unique_ptr<loopback::Certificate> certificate_;
+  const loopback::TemporaryDirectory directory_;  // Of the certificate.
+  const loopback::Certificate certificate_ = loopback::Certificate::selfSigned("kesu-dev on localhost");
   loopback::FaultTable faults_;
   MessagingService messaging_;
   Collector collector_;

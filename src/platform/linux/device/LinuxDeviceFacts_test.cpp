@@ -15,6 +15,7 @@
 #include "platform/linux/device/SystemTexts.h"
 #include "platform/linux/device/WirelessNetwork.h"
 #include "testing/FakeDeviceFacts.h"
+#include "testing/TemporaryDirectory.h"
 
 namespace kesu {
 namespace {
@@ -22,12 +23,6 @@ namespace {
 /// A tree of system files that a test writes.
 class LinuxDeviceFactsTest : public ::testing::Test {
  protected:
-  LinuxDeviceFactsTest() {
-    std::string name = std::filesystem::temp_directory_path() / "kesu-device-XXXXXX";
-    root_ = ::mkdtemp(name.data());
-  }
-  ~LinuxDeviceFactsTest() override { std::filesystem::remove_all(root_); }
-
   void write(const std::string& path, const std::string& content) {
     const std::filesystem::path file = root_.string() + path;
     std::filesystem::create_directories(file.parent_path());
@@ -40,7 +35,8 @@ class LinuxDeviceFactsTest : public ::testing::Test {
 
   LinuxDeviceFacts device() const { return LinuxDeviceFacts(root_.string() + "/"); }
 
-  std::filesystem::path root_;
+  const testing::TemporaryDirectory directory_;
+  const std::filesystem::path root_ = directory_.path();
 };
 
 /// Contents that no file of the system should have.

@@ -9,9 +9,9 @@
 namespace kesu {
 namespace {
 
+using testing::Fault;
 using testing::HttpExchange;
 using testing::LoopbackServer;
-using testing::ServerAction;
 
 /// A client and somebody who answers it: a server, or the test itself.
 class ContractHarness {
@@ -28,8 +28,8 @@ class ContractHarness {
 class LinuxHarness : public ContractHarness {
  public:
   LinuxHarness() {
-    server_.onPath("/answered", ServerAction::reply(404, "hello"));
-    server_.onPath("/never", ServerAction::hang());
+    server_.onPath("/answered", Fault::reply(404, "hello"));
+    server_.onPath("/never", Fault::hang());
   }
   HttpClient& client() override { return client_; }
   HttpRequest answered() override { return HttpExchange::post(server_.url("/answered")); }

@@ -16,9 +16,9 @@
 namespace kesu {
 namespace {
 
+using testing::Fault;
 using testing::HttpExchange;
 using testing::LoopbackServer;
-using testing::ServerAction;
 
 // A host that returns from main() while a server hangs: its handler runs after the network was stopped and finds every
 // completion waiting in the main loop, and so does OpenSSL's own clean-up, which would crash a running network. Leaks
@@ -35,7 +35,7 @@ using testing::ServerAction;
     std::fprintf(stderr, "cancelled %zu", exchange->count(HttpError::Cancelled));
     kept->stop();
   });
-  server->setDefault(ServerAction::hang());
+  server->setDefault(Fault::hang());
   for (int i = 0; i < 50; ++i) {
     exchange->send(HttpExchange::post(server->url()));
   }
@@ -56,9 +56,8 @@ TEST(HttpExitDeathTest, NetworkStopsBeforeOpenSslAndCompletesEveryRequest) {
 TEST(HttpExitDeathTest, SecureConnectionsCloseOrderly) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   const testing::TestCertificates ours;
-  const testing::TestCertificate& shown = ours.server();
-  EXPECT_EXIT(exitWithRequestsPending(new LoopbackServer(shown.certificateFile, shown.keyFile), &ours),
-              ::testing::ExitedWithCode(0), "cancelled 50");
+  const loopback::Certificate& shown = ours.server();
+  EXPECT_EXIT(exitWithRequestsPending(new LoopbackServer(shown), &ours), ::testing::ExitedWithCode(0), "cancelled 50");
 }
 
 }  // namespace

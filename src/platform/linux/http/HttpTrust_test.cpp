@@ -12,18 +12,17 @@
 namespace kesu {
 namespace {
 
+using testing::Fault;
 using testing::HttpExchange;
 using testing::LoopbackServer;
-using testing::ServerAction;
-using testing::TestCertificate;
 using testing::TestCertificates;
 
 /// Servers that show the certificates of one run.
 class HttpTrustTest : public ::testing::Test {
  protected:
-  HttpReply fetch(const TestCertificate& shown, const std::string& caFile, const std::string& systemCaFile) {
-    LoopbackServer server(shown.certificateFile, shown.keyFile);
-    server.setDefault(ServerAction::reply(200, "safe"));
+  HttpReply fetch(const loopback::Certificate& shown, const std::string& caFile, const std::string& systemCaFile) {
+    LoopbackServer server(shown);
+    server.setDefault(Fault::reply(200, "safe"));
     LinuxMainLoop loop;
     LinuxHttpClientOptions options;
     options.caFile = caFile;
@@ -50,7 +49,7 @@ TEST_F(HttpTrustTest, TrustsTheSystemAndTheExtraAuthorityTogether) {
 }
 
 TEST_F(HttpTrustTest, RefusesWhatItCannotTrust) {
-  const TestCertificate* const shown[] = {&ours_.wrongHost(), &ours_.selfSigned()};
+  const loopback::Certificate* const shown[] = {&ours_.wrongHost(), &ours_.selfSigned()};
   for (const auto* const certificate : shown) {
     const HttpReply reply = fetch(*certificate, ours_.caFile(), "");
     EXPECT_EQ(reply.error, HttpError::Tls) << reply.errorText;
@@ -71,8 +70,8 @@ TEST_F(HttpTrustTest, SaysWhenTheAuthorityCannotBeRead) {
 }
 
 TEST_F(HttpTrustTest, HostWithoutMultiplexingIsAskedOverSixConnections) {
-  LoopbackServer server(ours_.server().certificateFile, ours_.server().keyFile);
-  server.setDefault(ServerAction::hang());
+  LoopbackServer server(ours_.server());
+  server.setDefault(Fault::hang());
   LinuxMainLoop loop;
   LinuxHttpClientOptions options;
   options.caFile = ours_.caFile();
@@ -90,7 +89,7 @@ TEST_F(HttpTrustTest, HostWithoutMultiplexingIsAskedOverSixConnections) {
 
 TEST_F(HttpTrustTest, UnreachableSecureHostFailsItsQueueOnce) {
   LoopbackServer plain;
-  plain.setDefault(ServerAction::raw("not TLS"));
+  plain.setDefault(Fault::raw("not TLS"));
   plain.setResetOnAccept(true);
   LinuxMainLoop loop;
   LinuxHttpClient client(loop);

@@ -26,10 +26,10 @@
 namespace kesu {
 namespace {
 
+using testing::Fault;
 using testing::HttpExchange;
 using testing::LoopbackServer;
 using testing::ServedRequest;
-using testing::ServerAction;
 
 /// A client whose waits are short, a server, and whatever the observer was told.
 class LinuxHttpClientTest : public ::testing::Test {
@@ -78,21 +78,21 @@ std::string compressedLetters() {
   return std::string(head, sizeof head - 1) + std::string(96, '\0') + std::string(tail, sizeof tail - 1);
 }
 
-ServerAction gzipReply(std::string body) {
-  ServerAction action = ServerAction::reply(200, std::move(body));
-  action.headers.emplace_back("Content-Encoding", "gzip");
-  return action;
+Fault gzipReply(std::string body) {
+  Fault fault = Fault::reply(200, std::move(body));
+  fault.headers.emplace_back("Content-Encoding", "gzip");
+  return fault;
 }
 
 TEST_F(LinuxHttpClientTest, RepliesOfEveryStatusAreComplete) {
   for (const int status : {200, 202, 300, 301, 400, 403, 404, 429, 500, 503}) {
-    server_.setDefault(ServerAction::reply(status, "text"));
+    server_.setDefault(Fault::reply(status, "text"));
     const HttpReply reply = exchange_.fetch(post());
     EXPECT_EQ(reply.status, status);
     EXPECT_EQ(reply.body, "text") << status;
     EXPECT_EQ(reply.error, HttpError::None) << status;
   }
-  server_.setDefault(ServerAction::reply(204));
+  server_.setDefault(Fault::reply(204));
   EXPECT_EQ(exchange_.fetch(post()).body, "");
   EXPECT_EQ(server_.connectionCount(), 1U);
   EXPECT_EQ(attempts_, std::vector<std::string>(11, authority() + " up"));
@@ -101,24 +101,24 @@ TEST_F(LinuxHttpClientTest, RepliesOfEveryStatusAreComplete) {
 TEST_F(ImpatientHttpClientTest, BrokenRepliesKeepTheirStatus) {
   struct Case {
     const char* name;
-    ServerAction action;
+    Fault fault;
     HttpError error;
     int status;
   };
   const Case cases[] = {
-      {"reset", ServerAction::reset(), HttpError::ConnectionLost, 0},
-      {"closed without a word", ServerAction::raw(""), HttpError::ConnectionLost, 0},
-      {"no HTTP", ServerAction::raw("220 ready\r\n"), HttpError::ConnectionLost, 0},
-      {"interim reply only", ServerAction::raw("HTTP/1.1 103 Early\r\n\r\n"), HttpError::ConnectionLost, 0},
-      {"cut body", ServerAction::cutBody(100, "half"), HttpError::ConnectionLost, 200},
-      {"bad gzip", ServerAction::badGzip(), HttpError::ConnectionLost, 200},
-      {"too long", ServerAction::endless(100U << 20U), HttpError::TooLarge, 200},
+      {"reset", Fault::reset(), HttpError::ConnectionLost, 0},
+      {"closed without a word", Fault::raw(""), HttpError::ConnectionLost, 0},
+      {"no HTTP", Fault::raw("220 ready\r\n"), HttpError::ConnectionLost, 0},
+      {"interim reply only", Fault::raw("HTTP/1.1 103 Early\r\n\r\n"), HttpError::ConnectionLost, 0},
+      {"cut body", Fault::cutBody(100, "half"), HttpError::ConnectionLost, 200},
+      {"bad gzip", Fault::badGzip(), HttpError::ConnectionLost, 200},
+      {"too long", Fault::endless(100U << 20U), HttpError::TooLarge, 200},
       {"bomb", gzipReply(compressedLetters()), HttpError::TooLarge, 200},
-      {"hang", ServerAction::hang(), HttpError::TimedOut, 0},
+      {"hang", Fault::hang(), HttpError::TimedOut, 0},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
-    server_.setDefault(c.action);
+    server_.setDefault(c.fault);
     HttpRequest request = post();
     request.headers = {{"Accept-Encoding", "gzip"}};
     request.replyLimit = 99'999;
@@ -185,7 +185,7 @@ TEST_F(LinuxHttpClientTest, OneHandleServesEveryMethod) {
   const Case cases[] = {{"POST", "a", "1"}, {"GET", "", ""},      {"PUT", "", "0"},  {"HEAD", "dropped", ""},
                         {"POST", "", "0"},  {"DELETE", "", ""},   {"GET", "x", "1"}, {"PATCH", "xy", "2"},
                         {"GET", "", ""},    {"POST", "last", "4"}};
-  server_.setDefault(ServerAction::reply(200, "reply"));
+  server_.setDefault(Fault::reply(200, "reply"));
   for (const Case& c : cases) {
     HttpRequest request = post("/", c.body);
     request.method = c.method;
@@ -220,7 +220,7 @@ TEST_F(LinuxHttpClientTest, IgnoresProxiesOfTheEnvironmentAndCredentialsOfUrls) 
 
 TEST_F(LinuxHttpClientTest, FollowsRedirectsOnTheSameHost) {
   for (const int status : {301, 302, 303, 307, 308}) {
-    server_.script(ServerAction::redirect(status, "../there?x=1"));
+    server_.script(Fault::redirect(status, "../there?x=1"));
     HttpRequest request = post("/from/here", "body");
     request.headers = {{"Content-Type", "t"}, {"k", "v"}};
     EXPECT_EQ(exchange_.fetch(request).status, 200);
@@ -235,9 +235,9 @@ TEST_F(LinuxHttpClientTest, FollowsRedirectsOnTheSameHost) {
 
 TEST_F(LinuxHttpClientTest, NoBodyAndNoHeaderReachesAnotherHost) {
   LoopbackServer other;
-  server_.setDefault(ServerAction::redirect(302, other.url("/taken")));
+  server_.setDefault(Fault::redirect(302, other.url("/taken")));
   expectError(exchange_.fetch(post()), HttpError::BadRedirect, 302);
-  server_.setDefault(ServerAction::redirect(307, other.url("/taken")));
+  server_.setDefault(Fault::redirect(307, other.url("/taken")));
   expectError(exchange_.fetch(post()), HttpError::BadRedirect, 307);
   EXPECT_EQ(other.connectionCount(), 0U);
   HttpRequest request = get();
@@ -248,10 +248,10 @@ TEST_F(LinuxHttpClientTest, NoBodyAndNoHeaderReachesAnotherHost) {
 }
 
 TEST_F(LinuxHttpClientTest, EndlessAndForeignRedirectsEnd) {
-  server_.setDefault(ServerAction::redirect(302, "/again"));
+  server_.setDefault(Fault::redirect(302, "/again"));
   expectError(exchange_.fetch(get()), HttpError::BadRedirect, 302);
   EXPECT_EQ(server_.requestCount(), 17U);
-  server_.setDefault(ServerAction::redirect(302, "ftp://127.0.0.1/"));
+  server_.setDefault(Fault::redirect(302, "ftp://127.0.0.1/"));
   expectError(exchange_.fetch(get()), HttpError::BadRedirect, 302);
   EXPECT_EQ(attempts_.size(), 2U);
 }
@@ -280,7 +280,7 @@ TEST_F(LinuxHttpClientTest, RefusingHostFailsItsWholeQueueInOrder) {
 
 TEST_F(ImpatientHttpClientTest, SilentHostFailsItsQueueAndHoldsUpNoOther) {
   LoopbackServer silent;
-  silent.setDefault(ServerAction::hang());
+  silent.setDefault(Fault::hang());
   HttpExchange stuck(client_, loop_);
   for (int i = 0; i < 200; ++i) {
     stuck.send(HttpExchange::post(silent.url()));
@@ -294,7 +294,7 @@ TEST_F(ImpatientHttpClientTest, SilentHostFailsItsQueueAndHoldsUpNoOther) {
 
 TEST(SlowHttpServer, WaitingInTheQueueIsNotIdling) {
   LoopbackServer server;
-  ServerAction slow = ServerAction::reply(200);
+  Fault slow = Fault::reply(200);
   slow.delay = std::chrono::milliseconds(200);
   server.setDefault(slow);
   LinuxMainLoop loop;
@@ -332,7 +332,7 @@ TEST_F(LinuxHttpClientTest, ThreadsMaySendAtTheSameTime) {
 }
 
 TEST_F(LinuxHttpClientTest, ShutdownLeavesSilentServersBehind) {
-  server_.setDefault(ServerAction::hang());
+  server_.setDefault(Fault::hang());
   for (int i = 0; i < 1'000; ++i) {
     exchange_.send(post());
   }
@@ -345,7 +345,7 @@ TEST_F(LinuxHttpClientTest, ShutdownLeavesSilentServersBehind) {
 }
 
 TEST_F(LinuxHttpClientTest, ShutdownWaitsForRepliesOnTheirWay) {
-  ServerAction slow = ServerAction::reply(200, "late");
+  Fault slow = Fault::reply(200, "late");
   slow.delay = std::chrono::milliseconds(100);
   server_.setDefault(slow);
   exchange_.send(post());
@@ -355,7 +355,7 @@ TEST_F(LinuxHttpClientTest, ShutdownWaitsForRepliesOnTheirWay) {
 }
 
 TEST_F(LinuxHttpClientTest, DestructionCompletesWhatIsLeft) {
-  server_.setDefault(ServerAction::hang());
+  server_.setDefault(Fault::hang());
   auto shortLived = std::make_unique<LinuxHttpClient>(loop_);
   HttpExchange exchange(*shortLived, loop_);
   exchange.send(post());

@@ -28,6 +28,7 @@
 #include <thread>
 #include <vector>
 
+#include "testing/TemporaryDirectory.h"
 #include "testing/WaitingMainLoop.h"
 
 namespace kesu {
@@ -213,15 +214,14 @@ TEST(LinuxReachabilitySourceTest, LearnsFromConnectionsWhereTheKernelMayNotBeAsk
 
 TEST(LinuxReachabilitySourceTest, FindsANameThatTheSystemLearnsLate) {
   IN_OWN_NETWORK([] {
-    const std::filesystem::path hosts =
-        std::filesystem::temp_directory_path() / ("kesu-hosts-" + std::to_string(getpid()));
+    const testing::TemporaryDirectory directory;
+    const std::string hosts = directory / "hosts";
     std::ofstream(hosts) << "127.0.0.1 localhost\n";
     ASSERT_EQ(::mount(hosts.c_str(), "/etc/hosts", nullptr, MS_BIND, nullptr), 0);
     Watching host({"late.kesu.example", 443, 0});
     EXPECT_TRUE(host.tells(0));
     std::ofstream(hosts) << "10.9.0.7 late.kesu.example\n";
     EXPECT_TRUE(host.tells(kDirect));
-    std::filesystem::remove(hosts);
   });
 }
 
@@ -235,8 +235,8 @@ NameLookups::Resolver resolverReading(const std::filesystem::path& configuration
 }
 
 TEST(LinuxReachabilitySourceTest, LooksAgainAsSoonAsTheNameServersChange) {
-  const std::filesystem::path folder =
-      std::filesystem::temp_directory_path() / ("kesu-resolv-" + std::to_string(getpid()));
+  const testing::TemporaryDirectory directory;
+  const std::filesystem::path folder = directory.path();
   std::filesystem::create_directories(folder / "first");
   std::filesystem::create_directories(folder / "second");
   const std::filesystem::path file = folder / "resolv.conf";
@@ -251,7 +251,6 @@ TEST(LinuxReachabilitySourceTest, LooksAgainAsSoonAsTheNameServersChange) {
   EXPECT_TRUE(host.tells(0));
   std::ofstream(folder / "second/resolv.conf") << "nameserver 127.0.0.2\n";
   EXPECT_TRUE(host.tells(kDirect));
-  std::filesystem::remove_all(folder);
 }
 
 TEST(LinuxReachabilitySourceTest, TellsWithinASecondAlthoughTheLookupHangs) {
