@@ -89,7 +89,7 @@ double secondsOfRapidJson(const std::string& body) {
 }  // namespace
 
 void measurePosting(Figures& figures) {
-  const Collector collector(Manner::Accept);
+  const Collector collector(Behaviour::Accept);
   const Scratch home;
   Session session(home.path(), collector.url(), Session::Launch::Full);
   const PostTimes times = timePosts(session, 100'000);
@@ -101,21 +101,21 @@ void measurePosting(Figures& figures) {
 
 void measureRecordRoad(Figures& figures) {
   constexpr std::size_t kRecords = 5000;
-  const Collector collector(Manner::Accept);
+  const Collector collector(Behaviour::Accept);
   const Scratch home;
   Session session(home.path(), collector.url(), Session::Launch::Full);
   timePosts(session, kBurst * 10);
   const double before = workerSeconds(session.platform());
   timePosts(session, kRecords);
   const double each = (workerSeconds(session.platform()) - before) / kRecords;
-  figures.add(Figure("worker's processor time a record", each * kMicro, "µs")
+  figures.add(Figure("worker's processor time per record", each * kMicro, "µs")
                   .compared("RapidJSON writing it", secondsOfRapidJson(collector.lastBody()) * kMicro)
                   .atMost(30.0));
 }
 
 void measureScreens(Figures& figures) {
   constexpr std::size_t kScreens = 10'000;
-  const Collector collector(Manner::Accept);
+  const Collector collector(Behaviour::Accept);
   const Scratch home;
   Session session(home.path(), collector.url(), Session::Launch::Full);
   std::vector<double> times;

@@ -7,12 +7,12 @@
 
 namespace kesu::bench {
 
-/// What came of another process.
+/// The result of another process.
 struct ChildResult {
   bool ended = false;  ///< By itself, with exit status 0.
   std::string output;  ///< Its standard output.
   double startedAt = 0.0;
-  double endedAt = 0.0;  ///< As secondsNow() counts; when the process was gone.
+  double endedAt = 0.0;  ///< When the process had ended, by secondsNow().
 };
 
 /// Runs a program and waits for its end. Its standard error is this process's.
@@ -24,7 +24,7 @@ ChildResult runOwn(const std::string& program, std::vector<std::string> argument
 /// The path of this program.
 std::string ownPath();
 
-/// Another process that is ended with this object. Its output goes nowhere.
+/// Another process, killed by the destructor. Its output is dropped.
 class Server {
  public:
   explicit Server(const std::vector<std::string>& commandLine);
@@ -32,8 +32,6 @@ class Server {
 
   Server(const Server&) = delete;
   Server& operator=(const Server&) = delete;
-
-  bool isStarted() const { return process_ > 0; }
 
  private:
   pid_t process_ = -1;

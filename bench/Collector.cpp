@@ -40,12 +40,13 @@ std::size_t numberAfter(std::string_view text, std::string_view label, std::size
 /// One client, in the collector's process.
 class Client {
  public:
-  Client(int socket, Manner manner, Collector::Shared& shared) : socket_(socket), manner_(manner), shared_(shared) {}
+  Client(int socket, Behaviour behaviour, Collector::Shared& shared)
+      : socket_(socket), behaviour_(behaviour), shared_(shared) {}
 
   void serve() {
     while (const auto body = readBody()) {
       note(*body);
-      if (manner_ != Manner::Hang && !send(manner_ == Manner::Accept ? kAccepted : kFailed)) {
+      if (behaviour_ != Behaviour::Hang && !send(behaviour_ == Behaviour::Accept ? kAccepted : kFailed)) {
         break;
       }
     }
@@ -87,7 +88,7 @@ class Client {
 
   void note(const std::string& body) {
     const std::size_t number = numberAfter(body, "\"n\":\"", Collector::kMostNumbers);
-    if (manner_ == Manner::Accept && number < Collector::kMostNumbers) {
+    if (behaviour_ == Behaviour::Accept && number < Collector::kMostNumbers) {
       shared_.accepted[number] = 1;
     }
     const std::size_t size = std::min(body.size(), shared_.lastBody.size());
@@ -97,30 +98,30 @@ class Client {
   }
 
   const int socket_;
-  const Manner manner_;
+  const Behaviour behaviour_;
   Collector::Shared& shared_;
   std::string buffer_;
 };
 
-[[noreturn]] void runCollector(int socket, Manner manner, Collector::Shared& shared) {
+[[noreturn]] void runCollector(int socket, Behaviour behaviour, Collector::Shared& shared) {
   ::prctl(PR_SET_PDEATHSIG, SIGKILL);
   for (;;) {
     const int client = ::accept4(socket, nullptr, nullptr, SOCK_CLOEXEC);
     if (client >= 0) {
       const int on = 1;
       ::setsockopt(client, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
-      std::thread([client, manner, &shared] { Client(client, manner, shared).serve(); }).detach();
+      std::thread([client, behaviour, &shared] { Client(client, behaviour, shared).serve(); }).detach();
     }
   }
 }
 
 }  // namespace
 
-Collector::Collector(Manner manner)
+Collector::Collector(Behaviour behaviour)
     : shared_(static_cast<Shared*>(
           ::mmap(nullptr, sizeof(Shared), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0))) {
   bindPort();
-  if (manner == Manner::Refuse) {
+  if (behaviour == Behaviour::Refuse) {
     return;
   }
   if (::listen(socket_, kBacklog) != 0) {
@@ -128,7 +129,7 @@ Collector::Collector(Manner manner)
   }
   child_ = ::fork();
   if (child_ == 0) {
-    runCollector(socket_, manner, *shared_);
+    runCollector(socket_, behaviour, *shared_);
   }
 }
 

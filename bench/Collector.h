@@ -10,23 +10,23 @@
 
 namespace kesu::bench {
 
-/// How the collector treats its clients.
-enum class Manner {
-  Accept,  ///< 200 to everything.
-  Fail,    ///< 500 to everything.
+/// What the collector does with requests.
+enum class Behaviour {
+  Accept,  ///< Answers 200.
+  Fail,    ///< Answers 500.
   Hang,    ///< Reads and never answers.
-  Refuse   ///< Nobody listens on the port.
+  Refuse   ///< Connections are refused.
 };
 
-/// A collector on loopback in a process of its own, so that its work counts for nobody. It does as little as an
-/// HTTP/1.1 server can, and notes which records it has accepted: those whose attribute "n" holds a number.
+/// A collector on loopback in a process of its own, so that its work is not measured. It does as little as an
+/// HTTP/1.1 server can, and records which numbers it has accepted in the attribute "n".
 ///
-/// Make it before the process has threads. The other process ends with this object, and with this process.
+/// Make it before the process has threads: it forks. The other process is killed by the destructor, and with this one.
 class Collector {
  public:
   static constexpr std::size_t kMostNumbers = 200'000;
 
-  explicit Collector(Manner manner);
+  explicit Collector(Behaviour behaviour);
   ~Collector();
 
   Collector(const Collector&) = delete;
@@ -39,7 +39,7 @@ class Collector {
   /// Whether a record with this number was answered with 200.
   bool hasAccepted(std::size_t number) const { return number < kMostNumbers && shared_->accepted[number].load() != 0; }
 
-  /// The body of the latest request; ask while none is on its way.
+  /// Returns the body of the latest request; not while one is on its way.
   std::string lastBody() const;
 
   /// What both processes see.
@@ -53,7 +53,7 @@ class Collector {
  private:
   void bindPort();
 
-  Shared* shared_;  ///< A mapping; never taken back.
+  Shared* shared_;  ///< A mapping; never unmapped.
   int socket_ = -1;
   int port_ = 0;
   pid_t child_ = -1;

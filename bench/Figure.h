@@ -15,7 +15,7 @@ struct Figure {
   std::string unit;
   std::string besideWhat;  ///< Empty without one.
   double beside = 0.0;
-  std::string budget;  ///< In words; empty when the line is only told.
+  std::string budget;  ///< In words; empty when there is none.
   bool met = true;
 
   Figure(std::string whatIsMeasured, double number, std::string unitOfBoth)
@@ -30,12 +30,12 @@ struct Figure {
   /// measured / beside; nothing when there is nothing beside it.
   std::optional<double> ratio() const;
 
-  /// The form in which a row's process hands its lines on.
+  /// The form in which a row's process passes its lines on.
   Dictionary toDictionary() const;
   static std::optional<Figure> fromDictionary(const Dictionary& dictionary);
 };
 
-/// Where a row puts its lines: written to standard output as JSON, one a line, as they come.
+/// Where a row puts its lines: written to standard output as JSON, one per line, as they come.
 class Figures {
  public:
   void add(const Figure& figure);

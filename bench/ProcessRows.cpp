@@ -1,4 +1,4 @@
-// Begin and end of a process that uses the library, and its quiet time in between.
+// Start and end of a process that uses the library, and its idle time in between.
 #include <kesu.h>
 #include <poll.h>
 #include <unistd.h>
@@ -89,10 +89,10 @@ struct Ending {
   std::size_t lost = 0;
 };
 
-Ending endOften(Manner manner, const std::string& way) {
+Ending endOften(Behaviour behaviour, const std::string& way) {
   Ending ending;
   for (int round = 0; round < kEnds; ++round) {
-    const Collector collector(manner);
+    const Collector collector(behaviour);
     const Scratch home;
     const ChildResult result = runOwn("post-and-end", {home.path(), collector.url(), std::to_string(kPosts), way});
     double begin = 0.0;
@@ -115,9 +115,9 @@ double secondsOfBareFiles() {
   });
 }
 
-void addEnding(Figures& figures, Manner manner, const char* label) {
+void addEnding(Figures& figures, Behaviour behaviour, const char* label) {
   for (const std::string way : {"terminate", "return"}) {
-    const Ending ending = endOften(manner, way);
+    const Ending ending = endOften(behaviour, way);
     const std::string what =
         (way == "terminate" ? "willTerminate" : "return from main") + std::string(", 1,000 posted, collector ") + label;
     figures.add(Figure(what, median(ending.times) * 1e3, "ms")
@@ -199,15 +199,15 @@ void measureSize(Figures& figures) {
 }
 
 void measureExit(Figures& figures) {
-  addEnding(figures, Manner::Refuse, "refuses");
-  addEnding(figures, Manner::Hang, "hangs");
-  addEnding(figures, Manner::Fail, "answers 500");
-  addEnding(figures, Manner::Accept, "answers 200");
+  addEnding(figures, Behaviour::Refuse, "refuses");
+  addEnding(figures, Behaviour::Hang, "hangs");
+  addEnding(figures, Behaviour::Fail, "answers 500");
+  addEnding(figures, Behaviour::Accept, "answers 200");
 }
 
 void measureIdle(Figures& figures) {
   constexpr double kQuietSeconds = 10.0;
-  const Collector collector(Manner::Accept);
+  const Collector collector(Behaviour::Accept);
   const Scratch home;
   Session session(home.path(), collector.url(), Session::Launch::Full);
   for (const double end = secondsNow() + 3.0; secondsNow() < end;) {

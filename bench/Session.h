@@ -20,7 +20,7 @@ void postNumbered(std::size_t number);
 /// A record as such an event leaves behind when it cannot be delivered.
 Dictionary usualRecord(std::size_t number);
 
-/// The library in this process on the real Linux platform, without its log lines. One a process.
+/// The library in this process on the real Linux platform, without its log lines. One per process.
 class Session {
  public:
   enum class Launch {
@@ -43,7 +43,7 @@ class Session {
   Platform& platform_;
 };
 
-/// The processor time of the background worker so far, in seconds. Waits for its queue.
+/// Returns the processor time of the background worker so far, in seconds. Waits for its queue.
 double workerSeconds(Platform& platform);
 
 /// A field of /proc/self/status in its own unit (memory: kB), such as "VmRSS".

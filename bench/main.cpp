@@ -133,7 +133,7 @@ int runHere(std::vector<std::string> words) {
   return program != nullptr ? program->run(words) : 2;
 }
 
-/// Nothing for words that mean nothing.
+/// Returns nothing for unknown arguments.
 std::optional<Options> optionsFrom(const std::vector<std::string>& words) {
   Options options;
   for (std::size_t at = 0; at < words.size(); ++at) {

@@ -13,8 +13,7 @@
 
 namespace kesu::fuzz {
 
-/// The messaging client on doubles. Each input is a reply; what becomes of it must be one of the
-/// described outcomes.
+/// The messaging client on doubles. Each input is a reply, which must lead to one of the described outcomes.
 struct Client {
   testing::ScopedPlatform platform;
   DeploymentSettings settings{platform.bundle};
@@ -24,7 +23,7 @@ struct Client {
   KesuInbox inbox{platform.defaults, requester};
   int told = 0;
 
-  /// A handler that counts its calls and checks what it is told.
+  /// Returns a handler that counts its calls and checks its argument.
   KesuInbox::ObjectHandler listen(const std::function<bool(const Value&)>& isDescribed) {
     return [this, isDescribed](const Object& result) {
       ++told;

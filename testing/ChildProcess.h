@@ -12,7 +12,7 @@
 namespace kesu::testing {
 
 /// Runs `body` in a forked child and returns what it returned; nothing when the child did not end by itself. The body
-/// must not use what threads of this process hold. Failed expectations in it are not seen: it returns its verdict.
+/// must not use what threads of this process may have locked. Failed expectations in it are lost: it returns a verdict.
 inline std::optional<int> runInChild(const std::function<int()>& body) {
   const pid_t child = ::fork();
   if (child == 0) {

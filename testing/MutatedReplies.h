@@ -7,10 +7,11 @@
 
 namespace kesu::testing {
 
-/// How many damaged replies a parser is given.
+/// How many damaged replies a parser has to survive.
 inline constexpr int kMutations = 12000;
 
-/// Damages a text: cuts it, flips a bit, and inserts, removes, doubles or replaces a piece with what hurts parsers.
+/// Damages a text: cuts it, flips a bit, and inserts, removes, doubles or replaces a piece with what parsers stumble
+/// over.
 inline std::string mutated(std::string text, std::mt19937& random) {
   static constexpr const char* kPieces[] = {"null", "{",  "}",     "[",    "]",    "\"", ",",  ":", "1e999",   "-",
                                             "\\u",  "[[", "\\ud8", "\xFF", "true", "{}", "[]", "0", "\\u0000", "\"\""};

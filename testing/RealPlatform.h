@@ -25,7 +25,7 @@
 namespace kesu::testing {
 
 /// The library on the real Linux services, but for what a test has to know beforehand (bundle, locale, device). The
-/// home directory is the test's. Takes the library down when it ends, as the end of the process does.
+/// home directory is the test's. The destructor shuts the library down as the end of the process does.
 class RealPlatform {
  public:
   RealPlatform(const std::string& home, const std::string& collectorUrl, LinuxHttpClientOptions options = {})
