@@ -4,8 +4,8 @@
 
 namespace kesu {
 
-/// Runs `step` when `call` is over, also when a function of the host in it throws: what that throws goes on, but must
-/// not keep the library from finishing what it has begun.
+/// Runs `step` after `call`, also when a function of the host in it throws: the exception is passed on, but the library
+/// finishes what it has begun.
 template <typename Call, typename Step>
 void afterwards(Call&& call, Step&& step) {
   try {

@@ -10,10 +10,10 @@
 
 namespace kesu {
 
-/// The bytes as base64 (RFC 4648 alphabet, padded, without line breaks). Any thread.
+/// Encodes bytes as base64 (RFC 4648 alphabet, padded, without line breaks). Any thread.
 std::string base64Encode(std::span<const std::uint8_t> bytes);
 
-/// The bytes behind a base64 text, or nothing when it is not one. ASCII white space may stand anywhere; padding may be
+/// Decodes a base64 text; nothing when it is not one. ASCII white space may stand anywhere; padding may be
 /// left out. Any thread.
 std::optional<Data> base64Decode(std::string_view text);
 

@@ -11,14 +11,14 @@ namespace kesu {
 using Sha256Digest = std::array<std::uint8_t, 32>;
 using Md5Digest = std::array<std::uint8_t, 16>;
 
-/// The SHA-256 digest of the bytes. Any thread.
+/// Computes the SHA-256 digest. Any thread.
 Sha256Digest sha256(std::string_view bytes);
 
-/// The MD5 digest of the bytes, for naming files only: it protects nothing. Also works on a machine whose policy
+/// Computes the MD5 digest, for naming files only: it protects nothing. Also works on a machine whose policy
 /// withholds MD5 from programs. Any thread.
 Md5Digest md5(std::string_view bytes);
 
-/// Two lower-case hexadecimal digits a byte ("%02x").
+/// Formats two lower-case hexadecimal digits per byte ("%02x").
 std::string hexLower(std::span<const std::uint8_t> bytes);
 
 }  // namespace kesu

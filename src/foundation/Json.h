@@ -9,18 +9,18 @@
 
 namespace kesu {
 
-/// How many arrays and dictionaries may lie inside one another in a JSON text, written or read.
+/// How deep arrays and dictionaries may be nested in a JSON text, written or read.
 inline constexpr std::size_t kJsonDepthLimit = 512;
 
-/// How many values, at any depth, a JSON text may hold to be read. Small values take some 50 times their text in
-/// memory; the answers of a service have a few thousand.
+/// How many values, at any depth, a JSON text may have to be read. Small values take some 50 times their text in
+/// memory; the replies of a service have a few thousand.
 inline constexpr std::size_t kJsonValuesLimit = 200'000;
 
-/// What became of a value that was to be written as JSON.
+/// Result of writing a value as JSON.
 enum class JsonStatus {
   Ok,        ///< The text is complete.
-  NotValid,  ///< Somewhere in it is what JSON does not know: a date, data, NaN or an infinity.
-  TooDeep,   ///< More than kJsonDepthLimit arrays and dictionaries lie inside one another.
+  NotValid,  ///< It contains what JSON does not know: a date, data, NaN or an infinity.
+  TooDeep,   ///< Arrays and dictionaries are nested more than kJsonDepthLimit deep.
   BadText,   ///< A text or a key is not valid UTF-8.
 };
 

@@ -28,7 +28,7 @@ class KESU_THREAD_ANNOTATION(capability("mutex")) Mutex {
   std::mutex mutex_;
 };
 
-/// Holds a Mutex for a scope.
+/// Locks a Mutex for a scope.
 class KESU_THREAD_ANNOTATION(scoped_lockable) MutexLock {
  public:
   explicit MutexLock(Mutex& mutex) KESU_THREAD_ANNOTATION(acquire_capability(mutex)) : mutex_(mutex) { mutex_.lock(); }

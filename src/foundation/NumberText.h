@@ -7,7 +7,7 @@
 
 namespace kesu {
 
-// Numbers as text by the rules of printf in the C locale: the host's setlocale() never shows in a record.
+// Numbers as text by the rules of printf in the C locale, whatever setlocale() the host has called.
 // Not-a-number is "nan", the infinities are "inf" and "-inf". Any thread.
 
 /// "%lld".
@@ -22,12 +22,12 @@ std::string fixed(double number, int digits);
 /// "%g": six significant digits.
 std::string generalReal(double number);
 
-/// The shortest text that reads back as the same number: "4" for 4.0, "4.5", "0.1", "1e+30", "1e-05". The exponent form
-/// is taken below 0.0001 and from 1e16 on, so that milliseconds since 1970 never take it.
+/// Formats the shortest text that reads back as the same number: "4" for 4.0, "4.5", "0.1", "1e+30", "1e-05". The
+/// exponent form is used below 0.0001 and from 1e16 on, so never for milliseconds since 1970.
 std::string shortestReal(double number);
 
 /// Seconds since 1970 as whole milliseconds: "%lld" of seconds * 1000.0, truncated toward zero. Times outside the range
-/// are held at its ends; not-a-number is "0".
+/// are clamped; not-a-number is "0".
 std::string milliseconds(double secondsSince1970);
 
 /// Appends decimal(number) without a temporary.

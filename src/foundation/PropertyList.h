@@ -9,7 +9,7 @@
 
 namespace kesu {
 
-/// How many arrays and dictionaries may lie inside one another in a property list, written or read.
+/// How deep arrays and dictionaries may be nested in a property list, written or read.
 inline constexpr std::size_t kPropertyListDepthLimit = 512;
 
 /// Larger property lists are not read.
@@ -18,11 +18,11 @@ inline constexpr std::size_t kPropertyListSizeLimitBytes = 64u << 20;
 /// Writes a value as an XML property list (version 1.0, UTF-8, indented by tabs). Any thread.
 ///
 /// Returns nothing when the value cannot be kept whole, at any depth: the null object, more than
-/// kPropertyListDepthLimit levels, a date outside the years 0 to 9999, and any text or key that XML 1.0 cannot carry
-/// (invalid UTF-8, U+FFFE, U+FFFF, control characters other than tab, line feed and carriage return): XML has no
-/// escape for those, and dropping them would change a record without a word.
+/// kPropertyListDepthLimit levels, a date outside the years 0 to 9999, and any text or key that XML 1.0 cannot
+/// represent (invalid UTF-8, U+FFFE, U+FFFF, control characters other than tab, line feed and carriage return): XML has
+/// no escape for those, and dropping them would change a record silently.
 ///
-/// Everything else comes back from parsePropertyList() equal, except that dates lose their fraction of a second.
+/// parsePropertyList() returns everything else equal, except that dates lose their fraction of a second.
 std::optional<std::string> writePropertyList(const Value& value);
 
 /// The same for a dictionary, without copying it into a value.

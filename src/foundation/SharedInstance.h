@@ -8,11 +8,11 @@
 namespace kesu {
 
 /// Destroys every shared instance in the reverse order of creation, so that the next get() of each makes a fresh one.
-/// For tests: no other thread may be using a shared instance, and references got before are dead afterwards. An
-/// instance that a destructor makes on the way is destroyed as well.
+/// For tests: no other thread may use a shared instance meanwhile, and earlier references are invalid afterwards. An
+/// instance that a destructor makes meanwhile is destroyed as well.
 void resetSharedInstances();
 
-/// Registers how to destroy an instance that was just made. Only SharedInstance calls it.
+/// Registers the destruction of an instance that was just made. For SharedInstance only.
 void rememberSharedInstance(void (*destroy)());
 
 /// The one object of class T in the process, made by the first get().
@@ -24,14 +24,15 @@ void rememberSharedInstance(void (*destroy)());
 template <class T>
 class SharedInstance {
  public:
-  /// The instance; `make()` returns it as std::unique_ptr<T>, never null, and is called only when there is none.
+  /// Returns the instance. `make()` returns a new one as std::unique_ptr<T>, never null; called only when there is
+  /// none.
   template <class Factory>
   static T& get(Factory make) {
     T* instance = instance_.load(std::memory_order_acquire);
     return instance != nullptr ? *instance : create(make);
   }
 
-  /// The same for a class whose constructor needs nothing.
+  /// The same for a class with a default constructor.
   static T& get() {
     return get([] { return std::make_unique<T>(); });
   }

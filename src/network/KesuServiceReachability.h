@@ -10,7 +10,7 @@
 
 namespace kesu {
 
-/// Posted, with the KesuServiceReachability as its object, when the way to a watched host has changed.
+/// Posted, with the KesuServiceReachability as its object, when the reachability of a watched host has changed.
 inline constexpr std::string_view kKesuReachabilityChangedNotification = "kNetworkKesuReachabilityChangedNotification";
 
 /// How a target can be reached.
@@ -23,17 +23,31 @@ enum class NetworkStatus : std::uint32_t {
 /// Watches whether a target can be reached and posts a notification on every change. Main thread.
 class KesuServiceReachability {
  public:
-  /// Watches a host by name. Nothing when the name can be no host name.
+  /// Watches a host by name. Null when the name cannot be a host name.
   static std::unique_ptr<KesuServiceReachability> reachabilityWithHostName(ReachabilitySource& source,
                                                                            NotificationCenter& notifications,
                                                                            const std::string& hostName, int port);
+
+  /// Starts posting notifications. Returns false when the target cannot be watched or is watched already.
+  bool startNotifier();
+
+  /// Returns the present status; NotReachable when the flags cannot be read.
+  NetworkStatus currentReachabilityStatus();
+
+  /// The rule for hosts and addresses. Pure.
+  static NetworkStatus networkStatusForFlags(std::uint32_t flags);
+
+  /// The rule for the local Wi-Fi network. Pure.
+  static NetworkStatus localWiFiStatusForFlags(std::uint32_t flags);
+
+  // Owed to the agreed interface; no caller inside the library, which watches its collector only.
 
   /// Watches an IPv4 address, in host byte order.
   static std::unique_ptr<KesuServiceReachability> reachabilityWithAddress(ReachabilitySource& source,
                                                                           NotificationCenter& notifications,
                                                                           std::uint32_t address);
 
-  /// Watches the all-zero address: any way to the internet.
+  /// Watches the all-zero address: any route to the internet.
   static std::unique_ptr<KesuServiceReachability> reachabilityForInternetConnection(ReachabilitySource& source,
                                                                                     NotificationCenter& notifications);
 
@@ -41,23 +55,11 @@ class KesuServiceReachability {
   static std::unique_ptr<KesuServiceReachability> reachabilityForLocalWiFi(ReachabilitySource& source,
                                                                            NotificationCenter& notifications);
 
-  /// Starts posting notifications. False when the target cannot be watched or is watched already.
-  bool startNotifier();
-
-  /// Ends posting. Destruction does the same.
+  /// Stops posting notifications. Destruction does the same.
   void stopNotifier();
-
-  /// The status now; NotReachable when the flags cannot be read.
-  NetworkStatus currentReachabilityStatus();
 
   /// Whether a connection must be made first. False when the flags cannot be read.
   bool connectionRequired();
-
-  /// The rule for hosts and addresses: pure.
-  static NetworkStatus networkStatusForFlags(std::uint32_t flags);
-
-  /// The rule for the local Wi-Fi network: pure.
-  static NetworkStatus localWiFiStatusForFlags(std::uint32_t flags);
 
  private:
   KesuServiceReachability(std::unique_ptr<ReachabilityHandle> handle, NotificationCenter& notifications,

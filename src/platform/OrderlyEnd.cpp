@@ -7,20 +7,21 @@
 namespace kesu {
 namespace {
 
-// Records go before time: this only keeps a process from hanging for ever when a queue cannot move, because a task
-// waits for the thread that ends the process.
+// Records are worth more than time: this only keeps a process from hanging for ever when a queue cannot move, because a
+// task waits for the thread that ends the process.
 constexpr double kPatienceSeconds = 5.0;
 
+// A reply that is on its way from a collector nearby arrives within this; the whole end must stay below 50 ms.
 constexpr double kLongestGraceSeconds = 0.040;
 
-// What it costs to store one record that did not arrive.
+// The cost of storing one record that was not delivered.
 constexpr double kStoreSeconds = 40e-6;
 
-// Completions post background tasks, and those may post completions. Two rounds are usual; more than this are a host's
-// task that posts itself again and again.
+// Completions post background tasks, and those may post completions. Two rounds are usual; more than this mean a task
+// of the host that posts itself again and again.
 constexpr int kMostRounds = 16;
 
-// By thread: while one ends the process, another may still pump for a host that is there.
+// Per thread: while one ends the process, another may still pump for a living host.
 constinit thread_local bool endingAtExit = false;
 
 double graceFor(std::size_t pending, double secondsLeft) {
@@ -28,7 +29,7 @@ double graceFor(std::size_t pending, double secondsLeft) {
   return pending == 0 ? 0.0 : std::clamp(secondsLeft - storing, 0.0, kLongestGraceSeconds);
 }
 
-// Every round runs at least all that is queued at its beginning, so that no completion is cut by the time.
+// Every round runs at least all that is queued at its beginning, so that no completion is dropped for lack of time.
 void runCompletions(Platform& platform, double end) {
   for (int round = 0; round < kMostRounds; ++round) {
     platform.mainLoop.drain(end - platform.clock.monotonic());

@@ -4,22 +4,22 @@
 
 namespace kesu {
 
-/// Brings what is under way to an end in which no record is lost, on any thread, as often as wanted.
+/// Ends all work so that no record is lost. Any thread, any number of times.
 ///
-/// In this order: background tasks run (they post records); the HTTP client waits for replies that are on their way,
-/// then fails the rest; the main loop's completions run, which store the records that did not arrive, together with
-/// what they post; the user defaults are synchronized. Only the waiting for replies is cut so that all of it takes
-/// about `totalSeconds`: each unanswered record takes its share of that for being stored.
+/// In this order: background tasks run (they post records); the HTTP client waits for outstanding replies, then fails
+/// the rest; the completions run on the main loop, which store the records that were not delivered, and the tasks that
+/// they post; the user defaults are synchronized. Only the wait for replies is shortened, so that all of it takes about
+/// `totalSeconds`: storing each unanswered record needs its share.
 ///
-/// The HTTP client stays ended: what is sent afterwards is cancelled, and stored by the next pump or the next call.
+/// The HTTP client stays shut down: later requests are cancelled, and stored by the next pump or the next call.
 void endOrderly(Platform& platform, double totalSeconds = 0.045);
 
-/// The same when the process ends: the background queue's thread ends as well, and its later tasks run on the posting
-/// threads. For an exit handler, whichever thread it runs on: also inside a task of either queue.
+/// The same when the process ends: the background thread is stopped as well, and later tasks run on the posting
+/// threads. For an exit handler on any thread, also inside a task of either queue.
 void endAtExit(Platform& platform, double totalSeconds = 0.045);
 
-/// Whether this thread is inside endAtExit(). What the host's handlers use may be destroyed then: what comes is kept,
-/// but they are not called any more. Any thread.
+/// Whether this thread is inside endAtExit(). The objects of the host's handlers may be destroyed then: records are
+/// kept, but handlers are not called at exit. Any thread.
 bool isEndingAtExit();
 
 }  // namespace kesu

@@ -15,12 +15,12 @@
 
 namespace kesu {
 
-/// The part of a main loop that no system knows about: queue, timers, and who may run them. A system adds its clock and
-/// the way in which a sleeping thread learns about work.
+/// The portable part of a main loop: queue, timers, and which thread runs them. A system adds its clock and the way to
+/// wake a sleeping thread.
 ///
-/// Only one thread runs tasks at a time, its owner. pump() never waits to become the owner: where another pump is under
-/// way (on this or another thread) it returns 0. drain() does wait: an exit handler may run on any thread and must
-/// still get every task run. While it waits, the running pump stops after its current task.
+/// Only one thread runs tasks at a time, the owner. pump() never waits to become the owner: while another pump is
+/// running (on this or another thread) it returns 0. drain() does wait: an exit handler may run on any thread and must
+/// still run every task. While it waits, the running pump stops after its current task.
 class QueuedMainLoop : public MainLoop {
  public:
   std::size_t pump(double budgetSeconds = 0.004) override;
@@ -38,21 +38,22 @@ class QueuedMainLoop : public MainLoop {
   /// Seconds on the clock that timers follow. Any thread.
   virtual double loopNow() = 0;
 
-  /// Sleeps until pump() has something to do. False when nothing can ever come: run() then returns.
+  /// Sleeps until pump() has something to do. Returns false when that can never happen: run() then returns.
   virtual bool waitForWork() = 0;
 
-  /// Whether the loop may not be used in this process any more: then nothing is queued and nothing runs.
+  /// Whether the loop must not be used in this process any more: then nothing is queued and nothing runs.
   virtual bool isDead() { return false; }
 
-  /// Makes whatever the host sleeps on ready (or not) because tasks are waiting. Called with the queue locked, only
-  /// when the answer changes.
+  /// Makes the host's descriptor readable (or not), because tasks are queued. Called with the queue locked, only when
+  /// the argument changes.
   virtual void setReadable(bool /*readable*/) {}
 
-  /// Makes it ready at an instant of loopNow(), or never. Called with the queue locked, only when the answer changes.
+  /// Makes it readable at an instant of loopNow(), or never. Called with the queue locked, only when the argument
+  /// changes.
   virtual void setAlarm(std::optional<double> /*dueSeconds*/) {}
 
  private:
-  /// Something ready to run: a task, or a timer's turn (then `task` is empty and stays with the timer).
+  /// A task that is ready to run, or a timer that is due (then `task` is empty and stays with the timer).
   struct Ready {
     Task task;
     TimerId timer = 0;
@@ -84,7 +85,7 @@ class QueuedMainLoop : public MainLoop {
   Mutex mutex_;
   std::condition_variable_any ownerLeft_;
   std::vector<Ready> posted_ KESU_GUARDED_BY(mutex_);  // For the next pump.
-  std::vector<Ready> ready_ KESU_GUARDED_BY(mutex_);   // From head_ on: for this pump, or left over by the last one.
+  std::vector<Ready> ready_ KESU_GUARDED_BY(mutex_);   // From head_ on: for this pump, or left by the last one.
   std::size_t head_ KESU_GUARDED_BY(mutex_) = 0;
   std::unordered_map<TimerId, Timer> timers_ KESU_GUARDED_BY(mutex_);
   std::set<std::pair<double, TimerId>> order_ KESU_GUARDED_BY(mutex_);
@@ -97,7 +98,7 @@ class QueuedMainLoop : public MainLoop {
 
   Mutex wakeMutex_;
   std::function<void()> wake_ KESU_GUARDED_BY(wakeMutex_);
-  std::atomic<std::thread::id> waker_{};  // Who runs it.
+  std::atomic<std::thread::id> waker_{};  // The thread that runs it.
   std::atomic<bool> wakesAgain_{false};
 };
 

@@ -8,7 +8,7 @@ namespace kesu {
 /// nowhere before. `level`: 0 always shown, 2 warning, 3 verbose. Any thread.
 void serviceLog(int level, const std::string& text);
 
-/// Names who gets the lines of serviceLog(); null for nobody. The logger calls this when it is created.
+/// Sets the receiver of the lines of serviceLog(); null drops them. The logger sets it when it is created. Any thread.
 void setServiceLogHandler(void (*handler)(int level, const std::string& text));
 
 }  // namespace kesu

@@ -17,8 +17,8 @@ struct HostAndPort {
 /// without its brackets. A port that is missing or unusable is replaced by the scheme's. Pure.
 HostAndPort hostAndPortOfUrl(const std::string& url);
 
-/// Where the services are. Answers come from the bundle's information dictionary (over which the environment and the
-/// host's options are laid), else from what was built in. Any thread.
+/// The addresses of the services: from the bundle's information dictionary, which the environment and the host's
+/// options override, else built in. Any thread.
 class DeploymentSettings {
  public:
   explicit DeploymentSettings(Bundle& bundle) : bundle_(bundle) {}

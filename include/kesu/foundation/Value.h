@@ -17,10 +17,10 @@ namespace kesu {
 
 class Value;
 
-/// What a value is. Use it as Value::Kind. (Declared ahead of the types of the same names, which it would shadow.)
+/// The kind of a value. Use it as Value::Kind. (Declared before the types of the same names, which it would shadow.)
 enum class ValueKind { Null, Bool, Integer, Real, Text, Data, Date, Array, Dictionary };
 
-/// The null object: a value that is there and says "nothing". Not the same as an absent value (kesu::nil).
+/// The null object: a value that means "nothing". Not the same as an absent value (kesu::nil).
 struct Null {
   friend bool operator==(const Null&, const Null&) = default;
 };
@@ -39,9 +39,9 @@ using Array = std::vector<Value>;
 
 /// Text-keyed collection of values that keeps the order in which its keys were first set.
 ///
-/// A record is a Dictionary. Lookups are linear while it is small (a record has some 25 keys) and go through an index
-/// once it is large, so that a host's 10,000 attributes stay cheap. Not thread-safe; copies are deep. Two dictionaries
-/// are equal when they hold the same keys with equal values; the order does not count.
+/// A record is a Dictionary. Lookups are linear while it is small (a record has some 25 keys) and use an index once it
+/// is large, so that a host's 10,000 attributes stay cheap. Not thread-safe; copies are deep. Two dictionaries are
+/// equal when they have the same keys with equal values, in any order.
 class KESU_API Dictionary {
  public:
   struct Entry;
@@ -50,7 +50,7 @@ class KESU_API Dictionary {
 
   Dictionary();
 
-  /// Sets the entries one after the other: of equal keys the last value wins and keeps the first one's place.
+  /// Sets the entries in order: of equal keys the last value wins and keeps the place of the first.
   Dictionary(std::initializer_list<Entry> entries);
   Dictionary(const Dictionary& other);
   Dictionary(Dictionary&& other) noexcept;
@@ -58,19 +58,19 @@ class KESU_API Dictionary {
   Dictionary& operator=(Dictionary&& other) noexcept;
   ~Dictionary();
 
-  /// Stores a value. A key that is already there keeps its place and gets the new value.
+  /// Stores a value. An existing key keeps its place and gets the new value.
   void set(std::string_view key, Value value);
 
-  /// The value under a key, or nullptr. Valid until the dictionary is changed.
+  /// Finds the value under a key; null when there is none. Valid until the dictionary is changed.
   const Value* find(std::string_view key) const;
   Value* find(std::string_view key);
 
-  /// The text under a key, or nullptr when the key is missing or holds something else.
+  /// Finds the text under a key; null when there is none or the value is of another kind.
   const std::string* findText(std::string_view key) const;
 
   bool contains(std::string_view key) const { return find(key) != nullptr; }
 
-  /// Removes a key. Returns whether it was there.
+  /// Removes a key. Returns whether there was one.
   bool remove(std::string_view key);
 
   /// Removes every entry for which `drop(entry)` is true, in one pass.
@@ -103,7 +103,7 @@ concept UnsignedNumber = std::unsigned_integral<Number> && !std::same_as<Number,
 
 /// One value of a record, a property list or a JSON text: the null object, bool, integer, real, text, data, date,
 /// array or dictionary. Copies are deep. Two values are equal when kind and content are: the integer 4 is not the real
-/// 4.0. Nesting may go as deep as memory allows: copying, comparing and destroying do not recurse. A moved-from value
+/// 4.0. Nesting may be as deep as memory allows: copying, comparing and destroying do not recurse. A moved-from value
 /// may be destroyed or assigned to.
 class KESU_API Value {
  public:
@@ -136,7 +136,7 @@ class KESU_API Value {
   Kind kind() const { return static_cast<Kind>(content_.index()); }
   bool isNull() const { return kind() == Kind::Null; }
 
-  /// The content when the value has that kind, else nullptr.
+  /// Returns the content when the value has that kind, else null.
   const bool* boolean() const { return std::get_if<bool>(&content_); }
   const std::int64_t* integer() const { return std::get_if<std::int64_t>(&content_); }
   const double* real() const { return std::get_if<double>(&content_); }
@@ -148,19 +148,19 @@ class KESU_API Value {
   const kesu::Dictionary* dictionary() const { return std::get_if<kesu::Dictionary>(&content_); }
   kesu::Dictionary* dictionary() { return std::get_if<kesu::Dictionary>(&content_); }
 
-  /// The number as an integer: a real is truncated toward zero and held inside the range, a bool is 1 or 0, a text is
-  /// read (after white space and a sign) up to its first character that is no digit and held inside the range.
-  /// Everything else counts 0, not-a-number too.
+  /// Converts to an integer: a real is truncated toward zero and clamped to the range, a bool is 1 or 0, a text is read
+  /// (after white space and a sign) up to its first character that is no digit, and clamped. Everything else is 0,
+  /// not-a-number too.
   std::int64_t integerValue() const;
 
-  /// The number as a real, by the same rules; a text may have a fraction and an exponent. A text whose number a double
-  /// cannot hold counts 0.
+  /// Converts to a real by the same rules; a text may have a fraction and an exponent. A text whose number is out of
+  /// the range of a double is 0.
   double realValue() const;
 
   KESU_API friend bool operator==(const Value& left, const Value& right);
 
  private:
-  struct Tree;  // The walks over nested values. They keep a list of what is left to do instead of recursing.
+  struct Tree;  // Walks over nested values. They keep a list of what is left to do instead of recursing.
   using Content = std::variant<Null, bool, std::int64_t, double, std::string, kesu::Data, kesu::Date, kesu::Array,
                                kesu::Dictionary>;
 
@@ -176,7 +176,7 @@ struct Dictionary::Entry {
   Value value;
 };
 
-/// A host's nullable object argument: absent (kesu::nil) or any value. A null text pointer counts as absent.
+/// A host's nullable object argument: absent (kesu::nil) or any value. A null text pointer is absent.
 class Object : public std::optional<Value> {
  public:
   using std::optional<Value>::optional;

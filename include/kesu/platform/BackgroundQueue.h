@@ -6,8 +6,8 @@
 
 namespace kesu {
 
-/// The one serial low-priority worker. Tasks run in the order in which they were posted, one at a time. In a forked
-/// child process there is no worker: tasks are dropped there and nothing waits.
+/// A serial low-priority worker. Tasks run in the order in which they were posted, one at a time. A forked child has no
+/// worker: tasks are dropped there and nothing waits.
 class KESU_API BackgroundQueue {
  public:
   using Task = std::function<void()>;
@@ -17,14 +17,14 @@ class KESU_API BackgroundQueue {
   /// Queues a task. Any thread; never blocks.
   virtual void post(Task task) = 0;
 
-  /// Returns once every task posted so far has run, or after `seconds`; tells which. The calling thread may run tasks
-  /// itself meanwhile, one after the other as always, and does not cut short a task that it has begun. Called inside a
-  /// task it returns false at once.
+  /// Waits until every task posted so far has run, at most `seconds`. Returns whether they have. The calling thread may
+  /// run tasks itself meanwhile, one at a time as always, and finishes a task that it has begun. Inside a task it
+  /// returns false at once.
   virtual bool drain(double seconds) = 0;
 
-  /// Runs what is queued as drain() does, ends the worker and joins it. Tasks posted afterwards run at once on the
-  /// posting thread, so that nothing is lost while the process ends. Called from the worker itself (a task that ends
-  /// the process) it runs what is queued there and then. A worker that hangs in a task is left behind after `seconds`.
+  /// Drains the queue, then stops and joins the worker. Tasks posted afterwards run synchronously on the posting
+  /// thread, so that nothing is lost while the process ends. Called on the worker itself (by a task that ends the
+  /// process), it runs the queued tasks there. A worker that hangs in a task is abandoned after `seconds`.
   virtual void shutdown(double seconds) = 0;
 };
 

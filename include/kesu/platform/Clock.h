@@ -4,15 +4,15 @@
 
 namespace kesu {
 
-/// Tells the time. Callable from any thread; never fails.
+/// The time. Callable from any thread; never fails.
 class KESU_API Clock {
  public:
   virtual ~Clock() = default;
 
-  /// Wall-clock time in seconds since 1970-01-01 00:00:00 UTC. May jump when somebody sets the clock.
+  /// Returns the wall-clock time in seconds since 1970-01-01 00:00:00 UTC. It jumps when the clock is set.
   virtual double now() = 0;
 
-  /// Seconds on a clock that never jumps; only differences mean anything.
+  /// Returns seconds on a clock that never jumps; only differences have a meaning.
   virtual double monotonic() = 0;
 };
 

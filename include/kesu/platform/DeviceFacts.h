@@ -19,7 +19,7 @@ struct ProcessFacts {
   std::uint32_t flags = 0;
 };
 
-/// The wireless network that the device is in.
+/// The wireless network that the device uses.
 struct WifiFacts {
   std::string bssid;
   std::string ssid;
@@ -31,15 +31,15 @@ struct BootTime {
   std::int64_t microseconds = 0;
 };
 
-/// The main screen in points, and how many pixels a point has.
+/// The main screen in points; `scale` is pixels per point.
 struct ScreenFacts {
   double width = 0.0;
   double height = 0.0;
   double scale = 1.0;
 };
 
-/// Answers about the device as the system gives them: nothing where it cannot tell. Callable from any thread, reads
-/// small system files, never waits for the network. The base class answers "nothing" to everything.
+/// Facts about the device, as the system reports them; nothing where it does not. Callable from any thread; reads small
+/// system files, never waits for the network. The base class returns nothing everywhere.
 class KESU_API DeviceFacts {
  public:
   virtual ~DeviceFacts() = default;
@@ -59,7 +59,7 @@ class KESU_API DeviceFacts {
   virtual std::optional<std::string> systemVersion();     ///< Version of the operating system.
   virtual std::optional<std::string> deviceName();        ///< Name that the user gave the device.
   virtual std::optional<std::string> vendorIdentifier();  ///< UUID text, the same for all applications of a vendor.
-  virtual bool proximityClose();                          ///< Something is close to the device's sensor.
+  virtual bool proximityClose();                          ///< An object is close to the device's sensor.
   virtual std::optional<ScreenFacts> screen();
 };
 

@@ -11,15 +11,14 @@
 
 namespace kesu {
 
-/// One HTTP request. Header names and values are sent in this order; CR, LF and NUL are taken out of both.
+/// One HTTP request. Headers are sent in this order; CR, LF and NUL are removed from their names and values.
 struct HttpRequest {
   std::string method = "GET";
   std::string url;  ///< Absolute http: or https: URL; anything else ends in HttpError::BadUrl. User and password in it
                     ///< are never sent.
   std::vector<std::pair<std::string, std::string>> headers;  ///< With "Accept-Encoding: gzip" such replies are decoded.
-  std::string body;  ///< Sent as it is, with its true Content-Length (whatever the headers say).
-  std::size_t replyLimit =
-      std::size_t{4} * 1024 * 1024;  ///< Longest reply body in bytes (after decoding) that is accepted.
+  std::string body;  ///< Sent unchanged, with its true Content-Length (whatever the headers say).
+  std::size_t replyLimit = std::size_t{4} * 1024 * 1024;  ///< Longest accepted reply body in bytes, after decoding.
 };
 
 /// Why a request did not end in a complete reply.
@@ -36,23 +35,23 @@ enum class HttpError {
   Cancelled        ///< The client was shut down before the reply was complete.
 };
 
-/// What came of a request. A status and an error may both be there: a reply whose body was cut has both.
+/// The outcome of a request. Status and error may both be set: a reply whose body was cut short has both.
 struct HttpReply {
   int status = 0;                   ///< Status code of the reply; 0 when none came.
   std::optional<std::string> body;  ///< Decoded body: present (perhaps empty) when a reply came without error.
   HttpError error = HttpError::None;
-  std::string errorText;  ///< The system's words for the error; empty without one.
+  std::string errorText;  ///< The system's text for the error; empty without one.
 };
 
 /// Sends HTTP requests. TLS certificates are always verified; no setting switches that off.
 ///
-/// send() may be called from any thread and never blocks. Each request is completed exactly once, on the main loop;
-/// never inside send(). A request's body only ever goes to the scheme, host and port that the request named.
+/// send() may be called from any thread and never blocks. Each request is completed exactly once, on the main loop,
+/// never inside send(). A body is only ever sent to the scheme, host and port that its request named.
 class KESU_API HttpClient {
  public:
   using Completion = std::function<void(HttpReply)>;
-  /// Told on the main loop, at most once a request and before its completion, about an attempt to connect: the host,
-  /// the port and whether a connection came about. One that was kept from before counts as well.
+  /// Called on the main loop, at most once per request and before its completion, after an attempt to connect. A
+  /// connection that was kept from before counts as well.
   using ConnectObserver = std::function<void(const std::string& host, int port, bool connected)>;
 
   virtual ~HttpClient() = default;
@@ -60,15 +59,15 @@ class KESU_API HttpClient {
   /// Sends a request. After shutdown() it is completed with HttpError::Cancelled.
   virtual void send(HttpRequest request, Completion completion) = 0;
 
-  /// Requests that were sent and whose completion has not begun to run. Any thread.
+  /// Counts the requests that were sent and whose completion has not begun to run. Any thread.
   virtual std::size_t pendingCount() = 0;
 
-  /// Ends the client, on any thread, also while the process exits: waits at most `graceSeconds` for replies that are on
-  /// their way, then fails everything that is left with HttpError::Cancelled. When it returns, every completion has
-  /// been handed to the main loop and no thread of the client runs any more. A second call does nothing.
+  /// Shuts the client down: waits at most `graceSeconds` for outstanding replies, then fails the rest with
+  /// HttpError::Cancelled. When it returns, every completion was posted to the main loop and no thread of the client is
+  /// running. A second call does nothing. Any thread, also while the process exits.
   virtual void shutdown(double graceSeconds) = 0;
 
-  /// Sets the one observer of connections (reachability learns from them); an empty function removes it. Main thread.
+  /// Sets the one observer of connections, from which reachability learns; an empty function removes it. Main thread.
   virtual void setConnectObserver(ConnectObserver observer) = 0;
 };
 

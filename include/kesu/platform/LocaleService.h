@@ -34,13 +34,13 @@ class KESU_API LocaleService {
   virtual std::string timeZoneAbbreviation(double secondsSince1970) = 0;  ///< Such as "CET".
   virtual LocalTime localTime(double secondsSince1970) = 0;
 
-  /// The instant as text by the pattern "yyyy-MM-dd HH:mm:ss Z" (2017-03-15 12:02:00 +0000), in the device's zone.
+  /// Formats the pattern "yyyy-MM-dd HH:mm:ss Z" (2017-03-15 12:02:00 +0000), in the device's zone.
   virtual std::string formatTimestamp(double secondsSince1970) = 0;
 
-  /// The instant as text by the pattern "YYYYMMdd", whose year is the locale's week-based year, in the device's zone.
+  /// Formats the pattern "YYYYMMdd", whose year is the locale's week-based year, in the device's zone.
   virtual std::string formatWeekYearDay(double secondsSince1970) = 0;
 
-  /// The user changed locale, languages or time zone: forget what was read of them.
+  /// Forgets what was read: the user has changed locale, languages or time zone.
   virtual void refresh() {}
 };
 

@@ -6,7 +6,7 @@
 
 namespace kesu {
 
-/// Where log lines go. Callable from any thread; must not call back into the library.
+/// The destination of log lines. Called from any thread; must not call back into the library.
 class KESU_API LogSink {
  public:
   virtual ~LogSink() = default;

@@ -11,8 +11,8 @@ namespace kesu {
 /// The main queue: tasks and timers that run on the host's main thread, inside pump().
 ///
 /// post(), schedule() and cancel() may be called from any thread; everything else belongs to the main thread. Tasks run
-/// in the order in which they were posted; a task posted while pumping runs in the next pump. Nothing here throws by
-/// itself; what a task throws leaves pump(). In a forked child process nothing is queued and nothing runs.
+/// in the order in which they were posted; a task posted while pumping runs in the next pump. Only what a task
+/// throws leaves pump(). In a forked child process nothing is queued and nothing runs.
 class KESU_API MainLoop {
  public:
   using Task = std::function<void()>;
@@ -20,46 +20,48 @@ class KESU_API MainLoop {
 
   virtual ~MainLoop() = default;
 
-  /// The main loop of the installed platform.
+  /// Returns the main loop of the installed platform.
   static MainLoop& shared();
 
-  /// Runs what is due and returns: at most `budgetSeconds` plus the length of one task, never waiting for anything.
-  /// Returns the number of tasks and timers that ran: 0 inside a task, and while another thread pumps.
+  /// Runs what is due, for at most `budgetSeconds` plus the length of one task; never waits. Returns the number of
+  /// tasks and timers that ran: 0 inside a task, and while another thread pumps.
   virtual std::size_t pump(double budgetSeconds = 0.004) = 0;
 
-  /// A file descriptor that is readable when pump() has something to do, for poll(), epoll or a toolkit's watcher;
-  /// -1 where there is none. Owned by the loop.
+  /// Returns a file descriptor that is readable when pump() has something to do, for poll(), epoll or a toolkit's
+  /// watcher; -1 where there is none. Owned by the loop.
   virtual int fd() = 0;
 
-  /// Seconds until pump() has something to do: 0 when there is work now, nothing when only a new task can bring some.
+  /// Returns the seconds until pump() has something to do: 0 when there is work now, nothing when nothing is planned.
   virtual std::optional<double> nextDue() = 0;
 
-  /// Pumps until quit(), sleeping in between: for programs without a loop of their own. Returns at once inside a task.
+  /// Pumps until quit() and sleeps in between: for programs without a loop of their own. Returns at once inside a task.
   virtual void run() = 0;
 
-  /// Ends run(); the next one when none is under way. Any thread.
+  /// Makes run() return; the next one when none is running. Any thread.
   virtual void quit() = 0;
 
-  /// Sets what wakes a host that sleeps in another event system: called on the posting thread when an idle loop gets
-  /// its first task or an earlier timer, and at the end of a pump that leaves tasks behind. It may post tasks, not set
-  /// another callback. An empty function removes it; when this returns, the former callback does not run any more.
+  /// Sets the callback that wakes a host which sleeps in another event system: called on the posting thread when an
+  /// idle loop gets its first task or an earlier timer, and at the end of a pump that leaves tasks in the queue. It may
+  /// post tasks, but not set another callback. An empty function removes it; the former callback does not run after the
+  /// return.
   virtual void setWakeCallback(std::function<void()> wake) = 0;
 
-  /// Runs `task` in the next pump. What is queued when the process ends still runs, in an exit handler: a task that
-  /// refers to what main() owns needs a way to tell that it is gone, or Application::willTerminate() before.
+  /// Runs `task` in the next pump. Tasks that are queued when the process ends still run, in an exit handler: a task
+  /// that refers to objects of main() must notice that they were destroyed, or Application::willTerminate() must come
+  /// first.
   virtual void post(Task task) = 0;
 
-  /// Runs `task` once, or again and again, `delaySeconds` from now. Repeated timers keep their rhythm, do not catch up
-  /// missed turns and run at most once a millisecond.
+  /// Runs `task` `delaySeconds` from now, once or repeatedly. A repeating timer keeps its rhythm, skips the runs that
+  /// it missed and runs at most once per millisecond.
   virtual TimerId schedule(double delaySeconds, bool repeats, Task task) = 0;
 
-  /// Takes a timer back. Unknown and spent timers are ignored.
+  /// Cancels a timer. Unknown and expired timers are ignored.
   virtual void cancel(TimerId timer) = 0;
 
-  /// Runs every task that is queued now, however long that takes, and those that they post until the queue is empty or
-  /// `budgetSeconds` have passed; no timers. For an orderly end: callable from any thread and inside a task. It waits
-  /// until a pump on another thread has ended its current task, and takes over the queue when that takes longer than a
-  /// second. Returns whether the queue is empty.
+  /// Runs every task that is queued now, however long that takes, and then those that they posted until the queue is
+  /// empty or `budgetSeconds` have passed; no timers. Returns whether the queue is empty. For an orderly end: callable
+  /// from any thread and inside a task. It waits until a pump on another thread has finished its current task, and
+  /// takes over the queue when that takes longer than a second.
   virtual bool drain(double budgetSeconds) = 0;
 };
 

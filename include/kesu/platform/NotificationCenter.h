@@ -11,17 +11,17 @@
 
 namespace kesu {
 
-/// What an observer is told.
+/// What an observer receives.
 struct Notification {
   std::string name;
-  const void* object = nullptr;  ///< Who posted it; identity only, may be null.
+  const void* object = nullptr;  ///< The poster: identity only, may be null.
   Dictionary userInfo;
 };
 
-/// Hands notifications to their observers, on the posting thread, in the order in which they were added.
+/// Calls the observers of a notification synchronously on the posting thread, in the order in which they were added.
 ///
-/// Any thread. Observers may add and remove observers while being told; one that was removed is not told any more, one
-/// that was added is told from the next notification on.
+/// Any thread. An observer may add and remove observers: a removed one is not called any more, a new one is called from
+/// the next notification on.
 class KESU_API NotificationCenter {
  public:
   using Observer = std::function<void(const Notification&)>;
@@ -30,14 +30,14 @@ class KESU_API NotificationCenter {
   NotificationCenter();
   ~NotificationCenter();
 
-  /// The notification centre of the installed platform.
+  /// Returns the notification centre of the installed platform.
   static NotificationCenter& defaultCenter();
 
-  /// Calls `observer` for every notification called `name` from `object` (null: from anybody). Returns what
-  /// removeObserver() takes.
+  /// Calls `observer` for every notification called `name` from `object` (null: from any). Returns the token for
+  /// removeObserver().
   Token addObserver(std::string_view name, const void* object, Observer observer);
 
-  /// Ends an observation. Unknown tokens are ignored.
+  /// Removes an observer. Unknown tokens are ignored.
   void removeObserver(Token token);
 
   void post(std::string_view name, const void* object = nullptr, Dictionary userInfo = {});

@@ -23,8 +23,8 @@
 
 namespace kesu {
 
-/// Everything through which the library touches the machine. References; whoever installs a platform keeps the services
-/// alive until another is installed or the process ends.
+/// The services through which the library touches the machine. They must outlive the installation: until another
+/// platform is installed or the process ends.
 struct Platform {
   Clock& clock;
   Random& random;
@@ -33,7 +33,7 @@ struct Platform {
   HttpClient& http;
   MainLoop& mainLoop;
   BackgroundQueue& background;
-  BackgroundQueue& imageWorker;  ///< Decodes, encodes and writes pictures, which would hold up the records.
+  BackgroundQueue& imageWorker;  ///< Decodes, encodes and writes pictures, which would delay the records.
   LocaleService& locale;
   Bundle& bundle;
   ReachabilitySource& reachability;
@@ -42,22 +42,22 @@ struct Platform {
   UrlOpener& urlOpener;
   NotificationCenter& notifications;
 
-  /// The installed platform. Before any was installed it installs the one named by setDefaultInstaller(), which the
-  /// library sets to installLinuxPlatform() with no options; without that either, the process is ended by abort().
+  /// Returns the installed platform. When none is installed, it calls the default installer, which the library sets to
+  /// installLinuxPlatform() with no options; without a default installer the process is ended by abort().
   KESU_API static Platform& current();
 
-  /// Makes `platform` the current one, or none for null. Main thread, before the first call into the library.
+  /// Installs `platform`; null removes the current one. Main thread, before the first call into the library.
   KESU_API static void install(Platform* platform);
 
   /// Whether a platform is installed.
   KESU_API static bool isInstalled();
 
-  /// Names what current() calls when nothing is installed. Any thread.
+  /// Sets what current() calls when no platform is installed. Any thread.
   KESU_API static void setDefaultInstaller(void (*installer)());
 };
 
-/// What a host may change about the Linux platform. Everything is optional; what is given wins over the environment,
-/// which wins over the bundle's Info.plist, which wins over what was built in.
+/// What a host may change about the Linux platform. All of it is optional. An option overrides the environment, which
+/// overrides the bundle's Info.plist, which overrides the built-in settings.
 struct PlatformOptions {
   std::string bundlePath;        ///< Directory with Info.plist and resources. Else: the executable's directory.
   std::string homeDirectory;     ///< Else: $KESU_HOME, else $XDG_DATA_HOME/<bundle identifier>.
@@ -68,16 +68,16 @@ struct PlatformOptions {
   std::function<void(int level, std::string_view text)> logSink;  ///< Any thread. Else: standard error.
   std::function<bool(const std::string& url)> urlOpener;          ///< Main thread. Else: xdg-open.
 
-  // Whole services, not owned. The library's exit handler is the last to use them: give them static lifetime, made
-  // before the platform is installed, or never destroy them.
+  // Whole services, not owned. The library's exit handler is the last to use them: give them static lifetime and make
+  // them before the platform is installed, or never destroy them.
   Clock* clock = nullptr;
   HttpClient* http = nullptr;
   MainLoop* mainLoop = nullptr;
   DeviceFacts* device = nullptr;
 };
 
-/// Installs the Linux platform. Main thread, before the first call into the library; a second call is ignored and
-/// returns false. A platform that was installed is never taken down: an exit handler ends it in an orderly way.
+/// Installs the Linux platform. Main thread, before the first call into the library. Returns false, and does nothing,
+/// when one is installed already. It is never destroyed: an exit handler ends its work in an orderly way.
 KESU_API bool installLinuxPlatform(const PlatformOptions& options = {});
 
 }  // namespace kesu

@@ -8,7 +8,7 @@
 
 namespace kesu {
 
-/// Source of the chance that identifiers are made of. Callable from any thread; never fails.
+/// Source of random bytes for identifiers. Callable from any thread; never fails.
 class KESU_API Random {
  public:
   virtual ~Random() = default;
@@ -16,7 +16,7 @@ class KESU_API Random {
   /// Fills `bytes` from the system's generator.
   virtual void fill(std::span<std::uint8_t> bytes) = 0;
 
-  /// The 16 bytes of a new random UUID (version 4).
+  /// Makes the 16 bytes of a random UUID (version 4).
   std::array<std::uint8_t, 16> uuid();
 };
 

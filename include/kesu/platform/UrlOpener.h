@@ -11,7 +11,7 @@ class KESU_API UrlOpener {
  public:
   virtual ~UrlOpener() = default;
 
-  /// Hands a URL to the system. Returns whether somebody took it. Only http:, https: and application schemes are ever
+  /// Passes a URL to the system. Returns whether it was accepted. Only http:, https: and application schemes are
   /// opened: control characters, a leading dash, file: and javascript: are refused.
   virtual bool open(const std::string& url) = 0;
 };

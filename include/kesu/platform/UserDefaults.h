@@ -12,47 +12,47 @@ namespace kesu {
 
 /// The application's persistent key/value store.
 ///
-/// Reads answer from memory. Writes are in memory at once and on disk after synchronize(), which survives the death of
-/// the process right afterwards and costs the caller no wait for the disk. Callable from any thread; single operations
-/// are atomic. Values must be property-list values (no null object anywhere); others are refused. No operation throws:
-/// where the store cannot be written, it goes on in memory and logs once.
+/// Reads are served from memory. Writes are in memory at once and in the file after synchronize(): they then survive
+/// the death of the process, and the caller does not wait for the disk. Callable from any thread; each operation is
+/// atomic. Values must be property-list values (no null object anywhere); others are refused. No operation throws: a
+/// store that cannot be written continues in memory and logs once.
 class KESU_API UserDefaults {
  public:
   virtual ~UserDefaults() = default;
 
-  /// A copy of the value under `key`, or nothing. A text that grew by appendString() comes back whole.
+  /// Copies the value under `key`; nothing when there is none. A text that grew by appendString() is returned whole.
   virtual std::optional<Value> get(std::string_view key) = 0;
 
-  /// Whether there is a value under `key`, found without copying it.
+  /// Whether there is a value under `key`. Does not copy it.
   virtual bool contains(std::string_view key) = 0;
 
-  /// Stores a value. False when it is no property-list value; the old value then stays.
+  /// Stores a value. Returns false, and keeps the old value, when it is no property-list value.
   virtual bool set(std::string_view key, Value value) = 0;
 
   /// Removes a key with all that was appended to it.
   virtual void remove(std::string_view key) = 0;
 
-  /// Appends to the text under `key` (which starts empty, also when the key held another kind of value). Costs the same
-  /// however long the text has grown. As durable as set().
+  /// Appends to the text under `key`, which starts empty and replaces a value of another kind. The cost does not depend
+  /// on the length of the text. As durable as set().
   virtual void appendString(std::string_view key, std::string_view suffix) = 0;
 
-  /// The text under `key`, which is removed in the same step; nothing when the key holds no text.
+  /// Returns and removes the text under `key` in one step; nothing when there is none.
   virtual std::optional<std::string> takeString(std::string_view key) = 0;
 
-  /// All keys that hold a value, in no particular order.
+  /// Returns all keys that have a value, in no particular order.
   virtual std::vector<std::string> keys() = 0;
 
-  /// Hands everything written so far to the system in one transaction. False when the store cannot be written.
+  /// Writes all changes to the file in one transaction. Returns false when the file cannot be written.
   virtual bool synchronize() = 0;
 
-  /// Moves what synchronize() has written from the journal into the store. May wait for the disk: background thread, or
-  /// when the application goes to the background or ends.
+  /// Moves what synchronize() has written from the journal into the store. May wait for the disk: call it on a
+  /// background thread, or when the application enters the background or ends.
   virtual void checkpoint() = 0;
 
   // Shorthands over get().
-  std::string text(std::string_view key);      ///< The text under `key`, "" when there is none.
-  std::int64_t integer(std::string_view key);  ///< Value::integerValue of what is there, else 0.
-  double real(std::string_view key);           ///< Value::realValue of what is there, else 0.
+  std::string text(std::string_view key);      ///< "" when there is no text.
+  std::int64_t integer(std::string_view key);  ///< Value::integerValue() of the value; 0 when there is none.
+  double real(std::string_view key);           ///< Value::realValue() of the value; 0 when there is none.
   bool boolean(std::string_view key);          ///< True for true, a number that is not 0, or "1"/"true"/"YES".
 };
 

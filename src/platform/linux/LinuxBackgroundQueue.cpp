@@ -13,7 +13,10 @@
 namespace kesu {
 namespace {
 
+// Below everything that draws or plays, above what only runs when the machine is idle.
 constexpr int kNice = 10;
+
+// Some 11 days: practically for ever, and within the range of the clock.
 constexpr double kLongestWaitSeconds = 1e6;
 
 std::chrono::steady_clock::time_point deadlineIn(double seconds) {
@@ -38,7 +41,7 @@ void LinuxBackgroundQueue::post(Task task) {
   Mode mode = Mode::Inline;
   {
     const MutexLock lock(mutex_);
-    if (mode_ == Mode::Idle) {
+    if (mode_ == Mode::Idle) {  // Not in the constructor: a host that posts nothing has no thread.
       startWorker();
     }
     tasks_.push_back(std::move(task));
@@ -71,7 +74,7 @@ void LinuxBackgroundQueue::work() {
   for (;;) {
     {
       const MutexLock lock(mutex_);
-      standAside();
+      waitForHelpers();
       if (!takeBatch()) {
         if (mode_ != Mode::Threaded) {
           mode_ = Mode::Inline;
@@ -85,12 +88,13 @@ void LinuxBackgroundQueue::work() {
       }
       runner_ = std::this_thread::get_id();
     }
+    // A batch is left half done for a helper: it has normal priority, and its thread waits for the result.
     runBatch([this] { return helpers_.load(std::memory_order_relaxed) > 0; });
   }
 }
 
-// Leaves the queue to the threads that drain it, until the last of them has gone.
-void LinuxBackgroundQueue::standAside() {
+// Leaves the queue to the threads that drain it, until the last of them has finished.
+void LinuxBackgroundQueue::waitForHelpers() {
   if (runner_ == std::this_thread::get_id()) {
     runner_ = {};
   }
@@ -117,12 +121,12 @@ bool LinuxBackgroundQueue::takeBatch() {
 template <typename Stop>
 void LinuxBackgroundQueue::runBatch(Stop stop) {
   while (head_ < batch_.size() && !stop()) {
-    const Task task = std::move(batch_[head_++]);
+    const Task task = std::move(batch_[head_++]);  // Counted first: the task may call shutdown(), which runs the rest.
     task();
   }
 }
 
-// Whether the calling thread has to run the queue now; it is the runner then.
+// Returns whether the calling thread must run the queue now, and makes it the runner then.
 bool LinuxBackgroundQueue::beginsHere() {
   const auto self = std::this_thread::get_id();
   const bool mayRun = mode_ == Mode::Inline || (mode_ == Mode::Nested && runner_ == self);
@@ -162,7 +166,7 @@ bool LinuxBackgroundQueue::drainUntil(Instant deadline) {
     const MutexLock lock(mutex_);
     wanted = posted_;
     if (runner_ == std::this_thread::get_id()) {
-      return false;
+      return false;  // Inside a task: waiting for itself would never end.
     }
     if (!beginHelping(wanted, deadline)) {
       return finished_ >= wanted;
@@ -180,8 +184,8 @@ bool LinuxBackgroundQueue::drainUntil(Instant deadline) {
   }
 }
 
-// Makes the calling thread the runner, once the worker has finished its task. False when that does not come about:
-// everything wanted has run, there is no worker to help, or it was too late.
+// Makes the calling thread the runner once the worker has finished its task. Returns false when it did not: everything
+// wanted has run, there is no worker to help, or it was too late.
 bool LinuxBackgroundQueue::beginHelping(std::uint64_t wanted, Instant deadline) {
   ++helpers_;
   while (finished_ < wanted && !mayHelp()) {
@@ -243,7 +247,7 @@ void LinuxBackgroundQueue::leaveWorker(Instant deadline) {
     }
     worker = std::move(worker_);
     if (mode_ != Mode::Inline && worker.joinable()) {
-      worker.detach();
+      worker.detach();  // It hangs in a task of the host; joining it would hang the end of the process.
     }
   }
   if (worker.joinable()) {

@@ -17,11 +17,11 @@ namespace kesu {
 
 /// The background queue on Linux: one thread of low priority (nice 10), made by the first post.
 ///
-/// The worker takes everything that waits in one step and runs it without holding the lock, so that a post costs one
-/// short critical section, and a system call only when the worker sleeps. A thread that drains does not wait for that
-/// slow thread: it takes over after the worker's current task, and runs the rest itself. After shutdown(), and where
-/// the system refuses a thread, the posting threads do the work: one at a time, and a task that is posted meanwhile is
-/// run by whoever is at it, so that tasks stay in order and never overlap.
+/// The worker removes all queued tasks in one step and runs them without the mutex, so that a post costs one short
+/// critical section, and a system call only when the worker sleeps. A thread that drains does not wait for the slow
+/// worker: it takes over after the worker's current task and runs the rest itself. After shutdown(), and where the
+/// system refuses a thread, the posting threads run the tasks: one at a time, and the running thread also runs what is
+/// posted meanwhile, so that tasks stay in order and never overlap.
 class LinuxBackgroundQueue final : public BackgroundQueue {
  public:
   LinuxBackgroundQueue() = default;
@@ -40,14 +40,14 @@ class LinuxBackgroundQueue final : public BackgroundQueue {
   enum class Mode {
     Idle,      ///< No post so far, no thread.
     Threaded,  ///< The worker runs the tasks.
-    Stopping,  ///< The worker runs what is left, then ends.
-    Nested,    ///< Ended inside a task: the thread that runs it does so with its own later posts at once.
+    Stopping,  ///< The worker runs what is queued, then ends.
+    Nested,    ///< shutdown() was called by a task: its thread runs its own later posts at once.
     Inline     ///< The posting threads run the tasks.
   };
 
   void startWorker() KESU_REQUIRES(mutex_);
   void work();
-  void standAside() KESU_REQUIRES(mutex_);
+  void waitForHelpers() KESU_REQUIRES(mutex_);
   bool beginsHere() KESU_REQUIRES(mutex_);
   void runHere(Mode modeAfterwards);
   template <typename Stop>
@@ -63,8 +63,8 @@ class LinuxBackgroundQueue final : public BackgroundQueue {
   ForkGuard forkGuard_;
   Mutex mutex_;
   std::condition_variable_any wake_;  // For the worker.
-  std::condition_variable_any done_;  // For drain() and shutdown(), and for a worker that stands aside.
-  std::atomic<int> helpers_{0};       // Threads that drain. Changed under the lock.
+  std::condition_variable_any done_;  // For drain() and shutdown(), and for a worker that waits for them.
+  std::atomic<int> helpers_{0};       // Threads that drain. Changed under the mutex, read by the worker without it.
   Mode mode_ KESU_GUARDED_BY(mutex_) = Mode::Idle;
   std::vector<Task> tasks_ KESU_GUARDED_BY(mutex_);
   std::uint64_t posted_ KESU_GUARDED_BY(mutex_) = 0;
@@ -72,7 +72,7 @@ class LinuxBackgroundQueue final : public BackgroundQueue {
   bool isAsleep_ KESU_GUARDED_BY(mutex_) = false;
   bool isRunningHere_ KESU_GUARDED_BY(mutex_) = false;  // Some thread is in runHere().
   std::thread worker_ KESU_GUARDED_BY(mutex_);
-  std::thread::id runner_ KESU_GUARDED_BY(mutex_);  // Whose turn it is to run tasks, if anybody's.
+  std::thread::id runner_ KESU_GUARDED_BY(mutex_);  // The thread that runs tasks, if any.
 
   // Confined to the runner.
   std::vector<Task> batch_;

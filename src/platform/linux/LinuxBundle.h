@@ -7,15 +7,15 @@
 
 namespace kesu {
 
-/// The full path of the running executable; "" when the system does not tell.
+/// Finds the full path of the running executable; "" when the system does not tell.
 std::string executablePath();
 
 /// The main bundle on Linux: a directory with Info.plist (XML), resources and localisations (*.lproj directories).
 ///
-/// The information dictionary is what Info.plist holds, with these environment variables laid over it and, over both,
-/// what the host set: KESU_OVERRIDE_SERVER as "KesuOverrideServer", KESU_MESSAGING_HOST as "KesuMessagingHost",
+/// The information dictionary is Info.plist, overridden by these environment variables and, over both, by the host's
+/// settings: KESU_OVERRIDE_SERVER as "KesuOverrideServer", KESU_MESSAGING_HOST as "KesuMessagingHost",
 /// KESU_REACHABILITY_HOST as "KesuReachabilityHost", KESU_DEVMODE as "devmode". Empty texts count as not set. It is
-/// made by the first call that needs it.
+/// read by the first call that needs it.
 class LinuxBundle final : public Bundle {
  public:
   /// `directory` may be "": the executable's directory. `overrides` are the host's settings under Info.plist's keys.

@@ -12,10 +12,10 @@
 
 namespace kesu {
 
-/// Where the system keeps its time zone; tests name files of their own.
+/// The files with the system's time zone; tests use files of their own.
 struct ZoneFiles {
   std::string localtime = "/etc/localtime";  ///< A link into the zone database.
-  std::string timezone = "/etc/timezone";    ///< The zone's name, where localtime is no link.
+  std::string timezone = "/etc/timezone";    ///< The zone's name, where `localtime` is no link.
 };
 
 /// Locale and time zone from the environment and the system's files.
@@ -47,7 +47,7 @@ class LinuxLocale final : public LocaleService {
   struct Region;
   class DayFormatter;
 
-  /// A timestamp whose seconds are to be filled in, good for one minute.
+  /// A timestamp of one minute, whose seconds are filled in.
   struct Minute {
     std::int64_t number = INT64_MIN;  ///< Minutes since 1970.
     std::string text;

@@ -8,17 +8,17 @@
 
 namespace kesu {
 
-/// Writes log lines to a file descriptor (standard error), or hands them to the host's function.
+/// Writes log lines to a file descriptor (standard error), or forwards them to the host's function.
 ///
 /// A line looks like "2017-03-15 12:02:00.123 tv_app[4711] text", in local time; line ends inside the text are written
-/// as they are. Each line of up to PIPE_BUF bytes is one write(2). The host is never blocked nor killed: what a full
-/// pipe does not take is dropped (the next line that gets through says how many lines were lost), and a closed one
-/// raises no SIGPIPE.
+/// as they are. Each line of up to PIPE_BUF bytes is one write(2). The host is never blocked nor killed: lines that a
+/// full pipe does not accept are dropped (the next written line says how many were lost), and a closed one raises no
+/// SIGPIPE.
 class LinuxLogSink final : public LogSink {
  public:
   using Function = std::function<void(int level, std::string_view text)>;
 
-  /// With a `function` nothing is written here: it gets level and text as they are.
+  /// With a `function` nothing is written here: it receives level and text unchanged.
   explicit LinuxLogSink(Function function = nullptr, int fd = 2);
 
   void write(int level, std::string_view text) override;

@@ -8,25 +8,25 @@
 
 namespace kesu {
 
-/// Tells when the machine runs short of memory, by triggers in the kernel's pressure file. The kernel does the counting
-/// and the main loop's own descriptor carries the news: no thread, no timer, no wake-up while all is well.
+/// Warns when the machine runs short of memory, by triggers in the kernel's pressure file. The kernel counts, and the
+/// main loop's own descriptor is woken: no thread, no timer, no wake-up while all is well.
 ///
-/// Where the file is missing (kernels without pressure information), may not be written, or descriptors have run out,
-/// nothing happens and nothing is said: a host can still call Application::didReceiveMemoryWarning().
+/// Where the file is missing (kernels without pressure information), cannot be written, or descriptors have run out,
+/// there are no warnings and no log line: a host can still call Application::didReceiveMemoryWarning().
 ///
 /// Main thread. The loop must outlive it.
 class LinuxMemoryPressure {
  public:
   static constexpr const char* kPressureFile = "/proc/pressure/memory";
 
-  /// Warnings are at least this far apart: what one frees takes a moment to show, and until then a second would find
+  /// Warnings are at least this far apart: the memory that one frees takes a moment to show, and until then there is
   /// nothing more to free.
   static constexpr double kQuietSeconds = 10.0;
 
   /// Makes a descriptor that has urgent data (POLLPRI) under pressure; an empty one where that does not work.
   using Opener = std::function<UniqueFd()>;
 
-  /// Opens nothing yet. `now` tells seconds on a clock that does not jump; `underPressure` runs inside pump().
+  /// Opens nothing yet. `now` returns seconds on a clock that does not jump; `underPressure` runs inside pump().
   LinuxMemoryPressure(
       LinuxMainLoop& loop, std::function<double()> now, std::function<void()> underPressure,
       Opener opener = [] { return openTrigger(kPressureFile); });
@@ -35,12 +35,12 @@ class LinuxMemoryPressure {
   LinuxMemoryPressure(const LinuxMemoryPressure&) = delete;
   LinuxMemoryPressure& operator=(const LinuxMemoryPressure&) = delete;
 
-  /// Opens the triggers: some tens of microseconds, so that the first pump() is a better place than the start of the
-  /// program. Returns whether warnings can come. Call it once.
+  /// Opens the triggers, which takes some tens of microseconds: better in the first pump() than at the start of the
+  /// program. Returns whether there can be warnings. Call it once.
   bool start();
 
-  /// Opens a pressure file and asks for news whenever some task waited for memory during 150 ms out of 2 s. Empty when
-  /// that does not work. Never waits.
+  /// Opens a pressure file with a trigger: some task has waited for memory during 150 ms of 2 s. Empty when that does
+  /// not work. Never waits.
   static UniqueFd openTrigger(const std::string& path);
 
  private:

@@ -47,8 +47,8 @@ Service& chosen(Service* ofHost, Service& ours) {
   return ofHost != nullptr ? *ofHost : ours;
 }
 
-/// All services of the process. Each is cheap to make: threads, descriptors of the network and the defaults' file come
-/// with first use.
+/// All services of the process. Each is cheap to make: threads, sockets and the file of the user defaults are opened at
+/// first use.
 struct LinuxServices {
   explicit LinuxServices(const PlatformOptions& options)
       : bundle(locale, options.bundlePath, infoOverrides(options)),
@@ -86,7 +86,8 @@ struct LinuxServices {
     defaults.onCheckpointWanted([this] { background.post([this] { checkpointUnlessEnding(); }); });
     notifications.addObserver(kApplicationWillTerminateNotification, nullptr,
                               [this](const Notification&) { isEnding.store(true); });
-    // In the first pump: a program that has none cannot be told anyway. A host's own loop has no place for triggers.
+    // In the first pump: a program that never pumps cannot be warned anyway. A host's own loop has no place for
+    // triggers.
     ownMainLoop.post([this] { pressure.start(); });
   }
 
@@ -96,7 +97,7 @@ struct LinuxServices {
     }
   }
 
-  // A checkpoint waits for the disk, and the next start makes up for it.
+  // A checkpoint waits for the disk; at the end of a process it is left to the next start.
   void checkpointUnlessEnding() {
     if (!isEnding.load()) {
       defaults.checkpoint();
@@ -137,8 +138,8 @@ void endProcess() {
 }
 
 // Exit handlers run in the reverse order of their registration, so the HTTP client's comes before ours. OpenSSL is told
-// to register none: it would take away what network threads work with, and wait for ever in a forked child of the host
-// when such a thread of the parent held one of its locks. A host that uses OpenSSL before has its handler still.
+// to register none: it would free what network threads still use, and wait for ever in a forked child of the host when
+// such a thread of the parent had locked one of its mutexes. A host that uses OpenSSL before has its handler still.
 bool registerExitHandlers() {
   OPENSSL_init_crypto(OPENSSL_INIT_NO_ATEXIT, nullptr);
   LinuxHttpClient::prepareExit();

@@ -6,8 +6,8 @@
 
 namespace kesu {
 
-/// Opens URLs with the desktop's "xdg-open", started without a shell; a thread of its own waits for its end, so that no
-/// zombie stays. A host's function takes its place, but sees only URLs that may be opened.
+/// Opens URLs with the desktop's "xdg-open", started without a shell; a thread waits for its end, so that no zombie is
+/// left. A host's function replaces it, but receives only URLs that may be opened.
 class LinuxUrlOpener final : public UrlOpener {
  public:
   using Function = std::function<bool(const std::string& url)>;
@@ -20,9 +20,9 @@ class LinuxUrlOpener final : public UrlOpener {
   Function function_;
 };
 
-/// Whether a URL may leave the application: it begins with a scheme (so neither with a blank nor with a dash), the
-/// scheme is none of those that read local files or carry programs (file:, javascript:, vbscript:, data:), and no
-/// control character stands in it.
+/// Whether a URL may be opened outside the application: it begins with a scheme (so neither with a blank nor with a
+/// dash), but none that reads local files or contains programs (file:, javascript:, vbscript:, data:), and has no
+/// control character. Pure.
 bool mayOpenUrl(const std::string& url);
 
 }  // namespace kesu

@@ -4,7 +4,7 @@
 
 namespace kesu {
 
-/// Tells whether this process is a forked child of the one in which the guard was made. There, locks may be held by
+/// Knows whether this process is a forked child of the one in which the guard was made. There, mutexes may be locked by
 /// threads that do not exist, and descriptors are shared with the parent: services do nothing in such a child.
 class ForkGuard {
  public:

@@ -37,7 +37,7 @@ LinuxMainLoop::LinuxMainLoop()
 }
 
 std::size_t LinuxMainLoop::pump(double budgetSeconds) {
-  if (telling_ >= 0 && !isDead() && hasUrgentNews()) {
+  if (telling_ >= 0 && !isDead() && hasUrgentData()) {
     post([this] {
       if (onUrgent_) {
         onUrgent_();
@@ -47,7 +47,7 @@ std::size_t LinuxMainLoop::pump(double budgetSeconds) {
   return QueuedMainLoop::pump(budgetSeconds);
 }
 
-bool LinuxMainLoop::hasUrgentNews() const {
+bool LinuxMainLoop::hasUrgentData() const {
   pollfd wanted{telling_, POLLPRI, 0};
   return ::poll(&wanted, 1, 0) == 1 && (wanted.revents & POLLPRI) != 0;
 }

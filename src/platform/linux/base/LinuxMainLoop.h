@@ -7,12 +7,12 @@
 
 namespace kesu {
 
-/// The main loop on Linux. One epoll descriptor holds an eventfd (tasks wait) and a timerfd (the next timer is due), so
-/// that any event system can watch it. A post to a loop that has work already, or that is pumping, costs no system
-/// call.
+/// The main loop on Linux. One epoll descriptor joins an eventfd (tasks are queued) and a timerfd (the next timer is
+/// due), so that any event system can watch it. A post to a loop that has work already, or that is pumping, costs no
+/// system call.
 ///
 /// Timers follow the system's monotonic clock. Where descriptors have run out fd() is -1 and run() looks for work
-/// twenty times a second; pump() works as ever.
+/// twenty times per second; pump() works as usual.
 class LinuxMainLoop final : public QueuedMainLoop {
  public:
   LinuxMainLoop();
@@ -21,11 +21,11 @@ class LinuxMainLoop final : public QueuedMainLoop {
   std::size_t pump(double budgetSeconds = 0.004) override;
 
   /// Runs `onUrgent` as a task of a pump() that finds urgent data (POLLPRI) on `telling`; `waking`, a second descriptor
-  /// for the same news, makes fd() readable for them. Two, because a pressure file tells its news only once, to whoever
-  /// asks first: the host that polls fd() would take them away from pump(). Costs every pump() one system call.
+  /// for the same event, makes fd() readable. Two, because a pressure file reports an event only once, to the first
+  /// poll(): that of the host on fd() would hide it from pump(). Costs one system call per pump().
   ///
-  /// One pair at a time, owned by the caller, who calls unwatchUrgent() before closing it. False where a descriptor
-  /// cannot be watched. Main thread.
+  /// One pair at a time, owned by the caller, who calls unwatchUrgent() before closing it. Returns false where a
+  /// descriptor cannot be watched. Main thread.
   bool watchUrgent(int waking, int telling, Task onUrgent);
   void unwatchUrgent();
 
@@ -37,7 +37,7 @@ class LinuxMainLoop final : public QueuedMainLoop {
   void setAlarm(std::optional<double> dueSeconds) override;
 
  private:
-  bool hasUrgentNews() const;
+  bool hasUrgentData() const;
 
   ForkGuard forkGuard_;
   WakeEvent tasks_;

@@ -6,7 +6,7 @@
 
 namespace kesu {
 
-/// Owns a file descriptor and closes it. Empty when it holds -1. Confined to whoever holds it.
+/// Owns a file descriptor and closes it. Empty: -1. Confined to its owner.
 class UniqueFd {
  public:
   UniqueFd() = default;
@@ -25,7 +25,7 @@ class UniqueFd {
   int get() const { return fd_; }
   explicit operator bool() const { return fd_ >= 0; }
 
-  /// Closes what is held.
+  /// Closes the descriptor.
   void reset() {
     if (fd_ >= 0) {
       ::close(std::exchange(fd_, -1));

@@ -14,7 +14,7 @@ class WakeEvent {
  public:
   WakeEvent() : fd_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
 
-  /// To be polled for reading; -1 when the system had no descriptor left.
+  /// Poll it for reading; -1 when the system had no descriptor left.
   int fd() const { return fd_.get(); }
 
   /// Makes the descriptor readable until clear(). A full counter is readable already, so failure does not matter.
@@ -23,7 +23,7 @@ class WakeEvent {
     [[maybe_unused]] const ssize_t written = ::write(fd_.get(), &one, sizeof one);
   }
 
-  /// Takes all signals so far; false when there were none.
+  /// Clears all signals so far. Returns false when there were none.
   bool clear() const {
     std::uint64_t count = 0;
     return ::read(fd_.get(), &count, sizeof count) == static_cast<ssize_t>(sizeof count);

@@ -115,7 +115,7 @@ StoreStatus DefaultsStore::openWritable(Entries& entries) {
     status = connection_.prepare("SELECT count(*) FROM sqlite_schema", hold_);
   }
   if (status == StoreStatus::Ok) {
-    shareJournal();  // From now on nobody can keep what was not read yet from being read.
+    shareJournal();  // From now on no other process can remove values that were not read yet.
   }
   return status;
 }

@@ -57,7 +57,7 @@ double secondsOf(clockid_t clock) {
   return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / kNanosecondsPerSecond;
 }
 
-/// How far the wall clock is ahead of the clock that counts from the start. Only somebody who sets the clock changes
+/// How far the wall clock is ahead of the clock that counts from the start. Only setting the clock changes
 /// it.
 double clockOffset() {
   return secondsOf(CLOCK_REALTIME) - secondsOf(CLOCK_BOOTTIME);

@@ -11,14 +11,14 @@
 
 namespace kesu {
 
-/// What Linux tells about the device: /proc, /sys, /etc, and a few system calls. Callable from any thread.
+/// The facts that Linux reports: from /proc, /sys, /etc, and a few system calls. Callable from any thread.
 ///
 /// Records ask for many of these each time, so every answer costs some microseconds, tens at most (processes() and
-/// parentProcess() read one file a process). Only what cannot change while the device runs is kept. There is no
-/// portable way to ask for the bus clock and the proximity sensor: those stay without an answer.
+/// parentProcess() read one file per process). Only what cannot change while the device runs is kept. There is no
+/// portable way to read the bus clock and the proximity sensor: they have no answer.
 class LinuxDeviceFacts final : public DeviceFacts {
  public:
-  /// `root` is where /proc, /sys and /etc are looked for.
+  /// `root`: the directory of "proc", "sys" and "etc".
   explicit LinuxDeviceFacts(std::string root = "/");
 
   std::optional<std::string> machine() override;  ///< The kernel's name for the hardware.
@@ -28,18 +28,18 @@ class LinuxDeviceFacts final : public DeviceFacts {
   std::optional<std::int64_t> processors() override;
   std::optional<std::int64_t> activeProcessors() override;
 
-  /// Whole seconds: the microseconds are always 0, so that the answer is the same at every call. It changes when
-  /// somebody sets the clock (a device without a battery-backed clock starts in 1970).
+  /// Whole seconds: the microseconds are always 0, so that every call returns the same. It changes when the clock is
+  /// set (a device without a battery-backed clock starts in 1970).
   std::optional<BootTime> bootTime() override;
 
   std::optional<std::vector<ProcessFacts>> processes() override;
   std::optional<std::int32_t> parentProcess(std::int32_t processId) override;
   std::optional<std::string> ipv4Address(const std::string& interface) override;
-  std::optional<WifiFacts> wifi() override;             ///< Of the first wireless interface that is in a network.
+  std::optional<WifiFacts> wifi() override;             ///< Of the first wireless interface in a network.
   std::optional<std::string> systemVersion() override;  ///< The distribution's version, else the kernel's release.
   std::optional<std::string> deviceName() override;     ///< The name given by the user, else the host name.
 
-  /// A UUID that stays the same until the system is installed anew; derived from the system's identifier, which it does
+  /// A UUID that stays the same until the system is reinstalled; derived from the system's identifier, which it does
   /// not reveal.
   std::optional<std::string> vendorIdentifier() override;
 

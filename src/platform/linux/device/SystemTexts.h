@@ -16,7 +16,7 @@ std::optional<std::uint64_t> bytesOfLine(std::string_view text, std::string_view
 /// The text after the colon of the first line "name : text", without the blanks around it.
 std::optional<std::string_view> valueOfLine(std::string_view text, std::string_view name);
 
-/// The value of a line NAME=value, NAME="value" or NAME='value' as a shell would take it, in cleaned form; nothing when
+/// The value of a line NAME=value, NAME="value" or NAME='value' as a shell reads it, in cleaned form; nothing when
 /// there is none or it is empty.
 std::optional<std::string> assignedValue(std::string_view text, std::string_view name);
 
@@ -30,12 +30,11 @@ std::optional<std::int64_t> scaledNumber(std::string_view text, double factor);
 /// The height of a display mode such as "1920x1080" or "1280x720i"; nothing for sizes that no screen has.
 std::optional<int> heightOfMode(std::string_view mode);
 
-/// A text from the system that a record can carry: bytes that are no UTF-8 and control characters become "?".
+/// Makes a text of the system fit for a record: bytes that are no UTF-8 and control characters become "?".
 std::string cleanText(std::string_view text);
 
 /// The UUID that stands for an installation of the system, made from its "machine-id" (32 hexadecimal digits). The
-/// identifier itself is confidential: what leaves the device is a digest that leads back to nothing, always the same
-/// for the same identifier.
+/// identifier itself is confidential: only a digest of it leaves the device, always the same for the same identifier.
 std::optional<std::string> uuidOfMachine(std::string_view machineId);
 
 }  // namespace kesu

@@ -9,8 +9,8 @@
 
 namespace kesu {
 
-/// The wireless network that an interface is in, asked from the driver (no scan is started); nothing when the interface
-/// is not wireless or in none. Any thread.
+/// Asks the driver for the wireless network of an interface (no scan is started); nothing when the interface is not
+/// wireless or in no network. Any thread.
 std::optional<WifiFacts> wirelessNetworkOf(const std::string& interface);
 
 /// The text of an access point's hardware address ("a4:b1:..."); nothing for those that stand for "none". Pure.

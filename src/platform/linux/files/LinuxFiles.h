@@ -12,15 +12,15 @@ namespace kesu {
 
 /// Files on a POSIX file system.
 ///
-/// Any thread. Nothing is opened that could block or that has effects of its own: reading a FIFO, a socket, a device, a
-/// directory or a link answers NotRegular at once. Paths with a NUL byte are refused. A path below a regular file
+/// Any thread. No file is opened that could block or have side effects: reading a FIFO, a socket, a device, a directory
+/// or a link returns NotRegular at once. Paths with a NUL byte are refused. A path below a regular file
 /// counts as NotFound.
 ///
-/// writeAtomically() gives a new file its name when it is whole. What replaces another (a link, FIFO or socket is
-/// replaced, never written through; a directory is not), and what a file system cannot make without a name, is written
-/// to a hidden temporary file beside the target and renamed. A process killed between these two steps leaves the
-/// temporary file, which no walk shows; the first write of a later process into that directory removes those older than
-/// kStaleAgeSeconds. Nothing waits for the disk: after power loss the file may be missing or empty.
+/// writeAtomically() gives a new file its name when it is whole. A file that replaces another (a link, FIFO or socket
+/// is replaced, never written through; a directory is not), or that the file system cannot make without a name, is
+/// written as a hidden temporary file beside the target and renamed. A process killed between these two steps leaves
+/// the temporary file, which no walk shows; the first write of a later process into that directory removes those older
+/// than kStaleAgeSeconds. Nothing waits for the disk: after power loss the file may be missing or empty.
 class LinuxFiles final : public Files {
  public:
   /// Directories nested deeper than this below the start of a walk are listed, but not entered.
@@ -29,8 +29,8 @@ class LinuxFiles final : public Files {
   /// A temporary file that is not renamed after this time belongs to a dead process: a write takes microseconds.
   static constexpr int kStaleAgeSeconds = 60;
 
-  /// `homeDirectory` holds "Documents", "Library/Caches" and "Library/Preferences"; nothing is made yet. Without a home
-  /// (empty) the three directories are empty texts.
+  /// `homeDirectory` is the parent of "Documents", "Library/Caches" and "Library/Preferences"; nothing is made yet. If
+  /// it is empty, the three directories are empty texts.
   explicit LinuxFiles(std::string homeDirectory);
 
   std::string documentsDirectory() override;
@@ -46,8 +46,8 @@ class LinuxFiles final : public Files {
  private:
   std::string below(const char* name) const;
 
-  /// A new temporary file in `directory`, whose path is put into `path`. Makes the directory only when opening finds it
-  /// missing. -1 with errno on failure.
+  /// Opens a new temporary file in `directory` and sets `path`. Makes the directory when it is missing. -1 with errno
+  /// on failure.
   int openTemporary(const std::string& directory, std::string& path);
 
   /// Removes what killed processes left in `directory`, once in the life of this object.

@@ -12,21 +12,21 @@
 
 namespace kesu {
 
-/// Brings replies to the main loop, one task each, and counts what is still to come. Outlived by the tasks it has
-/// posted: they may run after the client is gone. deliver(), expect() and pendingCount() may be called from any thread.
+/// Posts replies to the main loop, one task each, and counts those that are outstanding. The tasks may run after the
+/// client was destroyed. deliver(), expect() and pendingCount() may be called from any thread.
 class HttpDelivery {
  public:
   explicit HttpDelivery(MainLoop& loop);
 
-  /// One more completion will follow.
+  /// Counts one more completion that will follow.
   void expect() { ++state_->pending; }
-  /// Expected completions that have not begun to run.
+  /// Counts the expected completions that have not begun to run.
   std::size_t pendingCount() const { return state_->pending; }
 
-  /// Posts the completion, after word of the attempt for the observer, to the main loop.
+  /// Posts a completion to the main loop; the observer is called before it when there was an attempt.
   void deliver(HttpClient::Completion completion, HttpReply reply, std::optional<HttpAttempt> attempt);
 
-  /// Main thread.
+  /// Sets the observer of attempts. Main thread.
   void setObserver(HttpClient::ConnectObserver observer) { state_->observer = std::move(observer); }
 
  private:

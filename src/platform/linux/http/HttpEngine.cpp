@@ -9,11 +9,11 @@
 namespace kesu {
 namespace {
 
-// Enough for the usual load; more would only keep memory after a burst.
+// Enough for the usual load; more would only keep memory after a burst (20 KB per transfer).
 constexpr std::size_t kMaxSpareTransfers = 16;
 constexpr long kMaxKeptConnections = 16;
 
-// How soon new work is seen where a process had no descriptors left for libcurl to be woken by.
+// How soon new work is noticed where the process had no descriptor left with which to wake libcurl.
 constexpr int kBlindWaitMilliseconds = 50;
 
 }  // namespace
@@ -30,7 +30,7 @@ HttpEngine::HttpEngine(const LinuxHttpClientOptions& options, Finish finish)
   curl_multi_setopt(multi_.get(), CURLMOPT_MAXCONNECTS, kMaxKeptConnections);
 }
 
-// libcurl wants the easy handles out of the multi handle before either of them goes.
+// libcurl wants easy handles removed from the multi handle before either is destroyed.
 HttpEngine::~HttpEngine() {
   for (const auto& transfer : active_) {
     curl_multi_remove_handle(multi_.get(), transfer->handle());

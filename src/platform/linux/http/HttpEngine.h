@@ -17,12 +17,12 @@
 
 namespace kesu {
 
-/// Everything that happens on the network thread: takes jobs, runs them through libcurl and tells what came of them.
-/// All of it belongs to that one thread, but for multi(), whose curl_multi_wakeup() may be called from any.
+/// The work of the network thread: receives jobs, runs them through libcurl and finishes them. Confined to that thread,
+/// but for multi(), whose curl_multi_wakeup() may be called from any.
 class HttpEngine {
  public:
   using Clock = HttpTransfer::Clock;
-  /// Called once a job, on the network thread. Without an attempt none was made for this very job.
+  /// Called once per job, on the network thread. No attempt: none was made for this very job.
   using Finish = std::function<void(HttpJob& job, HttpReply reply, std::optional<HttpAttempt> attempt)>;
 
   HttpEngine(const LinuxHttpClientOptions& options, Finish finish);
@@ -35,19 +35,18 @@ class HttpEngine {
 
   void add(std::unique_ptr<HttpJob> job);
 
-  /// Starts what may start, moves what can move and finishes what is done, without waiting. Returns whether it is to be
-  /// called again at once.
+  /// Starts, continues and finishes jobs, without waiting. Returns whether to call it again at once.
   bool step();
 
-  /// Sleeps until the network, a wake-up, a time limit of the engine or `until` asks for the next step().
+  /// Sleeps until the next step() is due: for the network, a wake-up, a time limit of the engine, or `until`.
   void wait(std::optional<Clock::time_point> until);
 
-  /// A URL for which another job could only be put behind others at the moment; empty when there is none.
+  /// A URL whose jobs must wait behind others at the moment; empty when there is none.
   std::string blockedUrl() const { return queue_.blockedUrl(); }
 
   bool hasWork() const { return !active_.empty() || queue_.hasWaiting(); }
 
-  /// Fails everything that is left with HttpError::Cancelled.
+  /// Fails all remaining jobs with HttpError::Cancelled.
   void cancelAll();
 
  private:
@@ -60,7 +59,7 @@ class HttpEngine {
   void expireIdle();
   bool isSilent(const HttpOrigin& origin, Clock::time_point since) const;
 
-  /// Takes a transfer out of libcurl and the list of active ones and keeps it for another job; returns the job.
+  /// Removes a transfer from libcurl and the active ones, keeps it for another job, and returns its job.
   std::unique_ptr<HttpJob> retire(HttpTransfer& transfer);
   void end(HttpTransfer& transfer, HttpReply reply);
   void finishOrRedirect(std::unique_ptr<HttpJob> job, HttpReply reply, std::optional<HttpAttempt> attempt,
@@ -78,7 +77,7 @@ class HttpEngine {
   HttpOriginQueue queue_;
   std::vector<std::unique_ptr<HttpTransfer>> active_;
   std::vector<std::unique_ptr<HttpTransfer>> spare_;
-  std::map<HttpOrigin, Clock::time_point> heard_;  ///< When an origin last answered; forgotten when there is no work.
+  std::map<HttpOrigin, Clock::time_point> heard_;  ///< When an origin last answered; cleared when there is no work.
 };
 
 }  // namespace kesu

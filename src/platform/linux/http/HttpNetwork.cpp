@@ -9,7 +9,7 @@
 namespace kesu {
 namespace {
 
-constexpr double kMaxGraceSeconds = 3600;  // Keeps "for ever" within the clock's range.
+constexpr double kMaxGraceSeconds = 3600;  // Keeps "for ever" within the range of the clock.
 
 }  // namespace
 
@@ -35,8 +35,7 @@ void HttpNetwork::send(HttpRequest request, HttpClient::Completion completion) {
   }
 }
 
-// Leaves the job with the caller when it is too late for it. `wakes`: the thread sleeps, and there is something to do
-// for it about the job.
+// Leaves the job with the caller after stop(). `wakes`: the thread sleeps, and the job is a reason to wake it.
 bool HttpNetwork::accept(std::unique_ptr<HttpJob>& job, bool& wakes) {
   const MutexLock lock(mutex_);
   if (stopTime_ || !startThread()) {
@@ -48,7 +47,7 @@ bool HttpNetwork::accept(std::unique_ptr<HttpJob>& job, bool& wakes) {
   return true;
 }
 
-// Without the inbox's mutex, for which the thread would only have to wait again.
+// Without the mutex of the inbox: the woken thread needs it at once.
 void HttpNetwork::wake() {
   const MutexLock lock(wakeMutex_);
   if (wakeTarget_ != nullptr) {
@@ -97,7 +96,7 @@ void HttpNetwork::run() {
   engine.cancelAll();
 }
 
-// False when there is something to take already.
+// Returns false when the inbox is not empty.
 bool HttpNetwork::fallAsleep(const HttpEngine& engine) {
   const MutexLock lock(mutex_);
   isAsleep_ = inbox_.empty();
@@ -105,7 +104,7 @@ bool HttpNetwork::fallAsleep(const HttpEngine& engine) {
   return isAsleep_;
 }
 
-// Returns whether to go on.
+// Returns whether to continue.
 bool HttpNetwork::takeInbox(HttpEngine& engine) {
   std::vector<std::unique_ptr<HttpJob>> jobs;
   std::optional<Clock::time_point> end;

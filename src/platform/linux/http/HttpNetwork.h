@@ -21,8 +21,8 @@
 
 namespace kesu {
 
-/// The network thread of one client, its inbox and its end. The thread starts with the first request, so that a client
-/// that is never used costs nothing. Any thread may call anything here; the destructor stops without grace.
+/// The network thread of one client, with its inbox and its shutdown. The first request starts the thread, so that an
+/// unused client costs nothing. Any thread; the destructor stops without grace.
 class HttpNetwork {
  public:
   HttpNetwork(MainLoop& loop, LinuxHttpClientOptions options);
@@ -33,8 +33,8 @@ class HttpNetwork {
 
   void send(HttpRequest request, HttpClient::Completion completion);
 
-  /// Goes on for at most `graceSeconds`, or until nothing is left, then fails the rest and joins the thread. Requests
-  /// that are sent meanwhile or later are cancelled. A second caller waits for the first.
+  /// Waits at most `graceSeconds` for outstanding replies, then fails the rest and joins the thread. Requests that are
+  /// sent meanwhile or later are cancelled. A second caller waits for the first.
   void stop(double graceSeconds);
 
   HttpDelivery& delivery() { return delivery_; }
@@ -55,16 +55,16 @@ class HttpNetwork {
   HttpDelivery delivery_;
 
   std::once_flag registered_;  ///< With HttpExit, before the thread starts.
-  Mutex stopMutex_;            ///< Held for the whole of stop(); taken before mutex_.
+  Mutex stopMutex_;            ///< Locked during all of stop(), before mutex_.
   Mutex mutex_;
   std::thread thread_ KESU_GUARDED_BY(mutex_);
   std::vector<std::unique_ptr<HttpJob>> inbox_ KESU_GUARDED_BY(mutex_);
   bool isAsleep_ KESU_GUARDED_BY(mutex_) = false;   ///< The thread waits for the network or for a wake-up.
-  std::string blockedUrl_ KESU_GUARDED_BY(mutex_);  ///< What comes for it meanwhile is no reason to wake up.
+  std::string blockedUrl_ KESU_GUARDED_BY(mutex_);  ///< A request for it is no reason to wake up.
   std::optional<Clock::time_point> stopTime_ KESU_GUARDED_BY(mutex_);  ///< Set once stop() was called.
 
   Mutex wakeMutex_;
-  CURLM* wakeTarget_ KESU_GUARDED_BY(wakeMutex_) = nullptr;  ///< Null while the engine does not live.
+  CURLM* wakeTarget_ KESU_GUARDED_BY(wakeMutex_) = nullptr;  ///< Null while there is no engine.
 };
 
 }  // namespace kesu

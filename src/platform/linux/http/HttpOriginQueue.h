@@ -11,9 +11,8 @@
 
 namespace kesu {
 
-/// Decides which request is handed to libcurl next. Each origin has a queue of its own, so that a host that answers
-/// slowly or not at all holds up no other; waiting requests cost only their own bytes (an easy handle costs some 20
-/// KB).
+/// Decides which request libcurl gets next. Each origin has a queue of its own, so that a host which answers slowly or
+/// not at all delays no other; waiting requests cost only their own bytes (an easy handle costs some 20 KB).
 ///
 /// An origin starts at most `connectionsPerHost` requests at a time, and up to `multiplexed` once it has shown that one
 /// connection carries many. Not synchronised: belongs to the network thread.
@@ -27,22 +26,22 @@ class HttpOriginQueue {
   /// Puts a job before the others of its origin: it has waited already.
   void addFirst(std::unique_ptr<HttpJob> job);
 
-  /// Takes the next job that may start now and counts it as started; null when none may.
+  /// Removes the next job that may start now, counts it as started and returns it; null when none may.
   std::unique_ptr<HttpJob> startNext();
 
-  /// A started job of that origin has ended, or has left it by a redirect.
+  /// Takes note that a started job of that origin has ended, or has left it by a redirect.
   void ended(const HttpOrigin& origin);
 
-  /// What the origin's latest reply said about carrying many requests over one connection.
+  /// Sets whether the origin serves many requests over one connection, as its latest reply shows.
   void setMultiplexed(const HttpOrigin& origin, bool multiplexed);
 
-  /// Takes out everything that waits for one origin, or for any, in order.
+  /// Removes and returns the jobs that wait for one origin, or for any, in order.
   std::vector<std::unique_ptr<HttpJob>> takeWaiting(const HttpOrigin& origin);
   std::vector<std::unique_ptr<HttpJob>> takeAllWaiting();
 
   bool hasWaiting() const;
 
-  /// The URL of a job that must wait because its origin has started all it may; empty when there is none.
+  /// The URL of a job that must wait because its origin has started as many as it may; empty when there is none.
   std::string blockedUrl() const;
 
  private:

@@ -8,7 +8,7 @@
 namespace kesu {
 namespace {
 
-constexpr int kMaxRedirects = 16;
+constexpr int kMaxRedirects = 16;  // A common limit of platform loaders: more is a circle.
 
 bool redirects(int status) {
   return status == 301 || status == 302 || status == 303 || status == 307 || status == 308;

@@ -53,7 +53,7 @@ void HttpTransfer::setUp(const LinuxHttpClientOptions& options, HttpTrust& trust
   curl_easy_setopt(handle, CURLOPT_ERRORBUFFER, errorText_.data());
   curl_easy_setopt(handle, CURLOPT_PROTOCOLS_STR, "http,https");
   curl_easy_setopt(handle, CURLOPT_FOLLOWLOCATION, 0L);  // HttpRedirect decides.
-  curl_easy_setopt(handle, CURLOPT_PROXY, "");  // The environment must not send records to a host nobody named.
+  curl_easy_setopt(handle, CURLOPT_PROXY, "");           // The environment must not redirect records to another host.
   curl_easy_setopt(handle, CURLOPT_NETRC, static_cast<long>(CURL_NETRC_IGNORED));
   curl_easy_setopt(handle, CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_2TLS));
   curl_easy_setopt(handle, CURLOPT_NOSIGNAL, 1L);
@@ -91,7 +91,7 @@ void HttpTransfer::load(std::unique_ptr<HttpJob> job) {
 void HttpTransfer::setMethod() {
   CURL* const handle = handle_.get();
   const HttpRequest& request = job_->request;
-  curl_easy_setopt(handle, CURLOPT_HTTPGET, 1L);  // Also takes back what the job before has set.
+  curl_easy_setopt(handle, CURLOPT_HTTPGET, 1L);  // Also resets what the job before has set.
   curl_easy_setopt(handle, CURLOPT_CUSTOMREQUEST, nullptr);
   if (request.method == "HEAD") {
     curl_easy_setopt(handle, CURLOPT_NOBODY, 1L);
@@ -158,7 +158,7 @@ HttpError HttpTransfer::errorOf(CURLcode result) const {
       return HttpError::CannotResolve;
     case CURLE_COULDNT_CONNECT:
       return HttpError::CannotConnect;
-    case CURLE_OPERATION_TIMEDOUT:  // Only connecting has a time limit of libcurl's.
+    case CURLE_OPERATION_TIMEDOUT:  // Of libcurl's time limits only that for connecting is set.
       return resolved(handle_.get()) ? HttpError::CannotConnect : HttpError::CannotResolve;
     case CURLE_ABORTED_BY_CALLBACK:
       return HttpError::TimedOut;
@@ -180,7 +180,7 @@ std::optional<HttpAttempt> HttpTransfer::attempt(const HttpReply& reply) const {
   if (reply.error == HttpError::CannotResolve || reply.error == HttpError::CannotConnect) {
     return made;
   }
-  // A refused certificate means that somebody was there.
+  // A refused certificate means that a server has answered.
   made.connected = connected_ || reply.error == HttpError::Tls;
   return made.connected ? std::optional(made) : std::nullopt;
 }

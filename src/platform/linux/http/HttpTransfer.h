@@ -15,15 +15,15 @@
 
 namespace kesu {
 
-/// One attempt to reach a host, for the connect observer.
+/// One attempt to connect to a host, for the connect observer.
 struct HttpAttempt {
   std::string host;
   int port = 0;
   bool connected = false;
 };
 
-/// One easy handle of libcurl and the job it carries at the moment. The handle's fixed settings are made once; a
-/// transfer is used again for the next job, which keeps what libcurl has allocated. Confined to the network thread.
+/// One easy handle of libcurl and its present job. The fixed settings of the handle are made once; the transfer is used
+/// again for the next job, which keeps what libcurl has allocated. Confined to the network thread.
 class HttpTransfer {
  public:
   using Clock = std::chrono::steady_clock;
@@ -34,27 +34,27 @@ class HttpTransfer {
   HttpTransfer(const HttpTransfer&) = delete;
   HttpTransfer& operator=(const HttpTransfer&) = delete;
 
-  /// Whether libcurl had memory for it; an unusable transfer must not be given a job.
+  /// Whether libcurl had memory for it. An unusable transfer must not get a job.
   bool usable() const { return handle_ != nullptr; }
   CURL* handle() const { return handle_.get(); }
 
-  /// Takes a job and sets the handle up for it; the caller then adds the handle to the multi handle.
+  /// Sets the handle up for a job; the caller then adds the handle to the multi handle.
   void load(std::unique_ptr<HttpJob> job);
-  /// Gives the job back, once the handle is out of the multi handle.
+  /// Returns the job, once the handle was removed from the multi handle.
   std::unique_ptr<HttpJob> unload();
   const HttpJob& job() const { return *job_; }
 
   /// The transfer that a handle belongs to.
   static HttpTransfer& of(CURL* handle);
 
-  /// What came of the transfer, given libcurl's result; CURLE_ABORTED_BY_CALLBACK stands for the idle timeout. Moves
-  /// the body out: once a job.
+  /// Returns the reply, given libcurl's result; CURLE_ABORTED_BY_CALLBACK means the idle timeout. Moves the body out:
+  /// once per job.
   HttpReply takeReply(CURLcode result);
-  /// The attempt that the transfer was; nothing when it was ended before it got so far.
+  /// The attempt to connect; nothing when the transfer ended before.
   std::optional<HttpAttempt> attempt(const HttpReply& reply) const;
-  /// Where the reply points (absolute); empty when nowhere.
+  /// The absolute target of a redirect; empty when there is none.
   std::string location() const;
-  /// Whether the reply came over a connection that carries many requests at once.
+  /// Whether the connection carries many requests at once.
   bool multiplexed() const;
 
   /// Whether there is (after takeReply(): was) a connection to send the request over. Before that, only the connect
@@ -90,7 +90,7 @@ class HttpTransfer {
   curl_off_t moved_ = 0;  ///< Body bytes sent and received, as last seen.
   Clock::time_point lastActivity_;
   Clock::time_point lastHeard_;
-  std::unique_ptr<CURL, Cleanup> handle_;  ///< Goes first: it points into all of the above.
+  std::unique_ptr<CURL, Cleanup> handle_;  ///< Destroyed first: it points into all of the above.
 };
 
 }  // namespace kesu

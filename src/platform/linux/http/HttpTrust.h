@@ -9,17 +9,17 @@
 
 namespace kesu {
 
-/// Which certificate authorities the client trusts: those of the system and, besides them, those of one more file.
+/// The certificate authorities that the client trusts: those of the system and those of one more file.
 ///
-/// The system's bundle stays in libcurl's own cache (reading it anew would cost 20 ms a connection); the extra ones are
-/// read once and added to each TLS context. A file that cannot be read is logged and left out, which trusts less, never
-/// more. Confined to one thread; must outlive the handles it was applied to.
+/// The system's bundle stays in libcurl's own cache (reading it again would cost 20 ms per connection); the extra ones
+/// are read once and added to each TLS context. A file that cannot be read is logged and left out, which trusts less,
+/// never more. Confined to one thread; must outlive the handles it was applied to.
 class HttpTrust {
  public:
-  /// `systemCaFile` empty stands for the bundle that libcurl was built for.
+  /// `systemCaFile` may be empty: the bundle that libcurl was built for.
   HttpTrust(const std::string& caFile, const std::string& systemCaFile);
 
-  /// Sets everything about TLS on a new easy handle. Verification is always on.
+  /// Sets the TLS options of a new easy handle. Verification is always on.
   void apply(CURL* handle);
 
  private:
@@ -29,7 +29,7 @@ class HttpTrust {
 
   static CURLcode addExtra(CURL* handle, void* context, void* self);
 
-  std::string bundle_;  ///< What libcurl itself reads.
+  std::string bundle_;  ///< Read by libcurl itself.
   std::vector<std::unique_ptr<X509, FreeCertificate>> extra_;
 };
 

@@ -6,8 +6,8 @@
 
 namespace kesu {
 
-/// Where a URL's requests go. Two URLs with equal origins may share connections, and what may be sent to the one may be
-/// sent to the other.
+/// The server of a URL. URLs with equal origins may share connections, and what may be sent to one may be sent to the
+/// other.
 struct HttpOrigin {
   bool secure = false;
   std::string host;  ///< Lower case; an IPv6 address without its brackets.
@@ -19,14 +19,14 @@ struct HttpOrigin {
   }
 };
 
-/// A URL that the client can fetch.
+/// A URL that the client can request.
 struct HttpUrl {
   HttpOrigin origin;
   std::string text;  ///< As it is requested: absolute, without fragment, user name and password.
 };
 
-/// Takes apart an absolute http: or https: URL; empty for anything else. User name and password are dropped: they are
-/// never sent anywhere.
+/// Parses an absolute http: or https: URL; nothing for any other text. User name and password are dropped: they are
+/// never sent.
 std::optional<HttpUrl> parseHttpUrl(const std::string& text);
 
 }  // namespace kesu

@@ -15,14 +15,13 @@ class HttpNetwork;
 
 /// The HTTP client of Linux systems: libcurl on one thread, which the first send() starts.
 ///
-/// HTTP/1.1, and HTTP/2 where TLS agrees on it. Requests to one host wait in a queue of their own for one of its
-/// connections, and so does nothing else; when no connection can be made, everything that waits for that host fails
-/// with it. A connected request fails when nothing moves for the idle timeout; when its host has said nothing to
-/// anybody for as long, everything that waits for the host fails as well. There is no limit on the whole. Redirects are
-/// followed as HttpRedirect.h says. No proxy (not even one of the environment), no cookies, no .netrc, no credentials
-/// from URLs: nothing goes to a host that was not named, and nothing is sent that was not given. `loop` must outlive
-/// the client. A forked child has no network thread: there every operation does nothing, and the requests that it sends
-/// are dropped.
+/// HTTP/1.1, and HTTP/2 where TLS negotiates it. The requests to one host wait in a queue of their own for one of its
+/// connections; when no connection can be made, all that wait for that host fail with it. A connected request fails
+/// when no byte is sent or received for the idle timeout; when its host has sent nothing on any connection for as long,
+/// all that wait for the host fail as well. A whole request has no time limit. Redirects are followed as HttpRedirect.h
+/// says. No proxy (not even one of the environment), no cookies, no .netrc, no credentials from URLs: only hosts that
+/// the caller named are contacted, with what the caller gave. `loop` must outlive the client. In a forked child every
+/// operation does nothing, and the requests that it sends are dropped.
 class LinuxHttpClient final : public HttpClient {
  public:
   explicit LinuxHttpClient(MainLoop& loop, LinuxHttpClientOptions options = {});
@@ -33,9 +32,9 @@ class LinuxHttpClient final : public HttpClient {
   void shutdown(double graceSeconds) override;
   void setConnectObserver(ConnectObserver observer) override;
 
-  /// Orders the exit handlers: a handler registered after this call runs before the client stops its thread at exit.
-  /// Without it the client may stop first (after a grace of 40 ms), and what is sent later is cancelled. Cheap; any
-  /// thread.
+  /// Registers the client's exit handler: a handler that is registered after this call runs before the client stops its
+  /// thread. Without it the client may stop first (after a grace of 40 ms), and later requests are cancelled. Cheap;
+  /// any thread.
   static void prepareExit();
 
  private:

@@ -5,14 +5,14 @@
 
 namespace kesu {
 
-/// How the Linux HTTP client behaves. The defaults are those of a platform's own loader.
+/// Settings of the Linux HTTP client. The defaults are those of a platform's own loader.
 struct LinuxHttpClientOptions {
   std::string caFile;                     ///< PEM file of authorities to trust besides the system's; empty for none.
-  std::string systemCaFile;               ///< The system's own bundle; empty for where the distribution keeps it.
+  std::string systemCaFile;               ///< The system's own bundle; empty for that of the distribution.
   double connectTimeoutSeconds = 60;      ///< For resolving, connecting and the TLS handshake together.
   double idleTimeoutSeconds = 60;         ///< A connected request fails after this time without a byte either way.
-  std::size_t maxConnectionsPerHost = 6;  ///< Also how many requests an HTTP/1.1 host is sent at a time.
-  std::size_t maxAdmitted = 64;           ///< How many requests an HTTP/2 host is sent at a time.
+  std::size_t maxConnectionsPerHost = 6;  ///< Also the requests sent to an HTTP/1.1 host at a time.
+  std::size_t maxAdmitted = 64;           ///< Requests sent to an HTTP/2 host at a time.
 };
 
 }  // namespace kesu

@@ -4,17 +4,18 @@
 
 namespace kesu {
 
-/// Waiting times that double: 1, 2, 4, 8, 16, 32, 60, 60 ... seconds. A plain value.
+/// Waiting times that double: 1, 2, 4, 8, 16, 32, 60, 60 ... seconds, so that a short outage is noticed within seconds
+/// and a long one costs one attempt per minute. A plain value.
 class BackOff {
  public:
-  /// The next waiting time in seconds.
+  /// Returns the next waiting time in seconds.
   double nextSeconds() {
     const double result = next_;
     next_ = std::min(next_ * 2.0, kLongestSeconds);
     return result;
   }
 
-  /// Begins again with the shortest.
+  /// Begins with the shortest again.
   void reset() { next_ = kShortestSeconds; }
 
  private:

@@ -4,18 +4,18 @@
 
 namespace kesu {
 
-/// Collects a burst of events into one: it is due a fixed time after the burst's first event, so that a network which
-/// never comes to rest is looked at all the same. Times are seconds of any one clock. A plain value.
+/// Collects a burst of events into one, which is due a fixed time after the first: a network that never comes to rest
+/// is looked at all the same. Times are seconds on any one clock. A plain value.
 class Debouncer {
  public:
   explicit Debouncer(double delaySeconds) : delaySeconds_(delaySeconds) {}
 
   void note(double now) { due_ = due_.value_or(now + delaySeconds_); }
 
-  /// When the burst under way is due; nothing when there is none.
+  /// When the present burst is due; nothing when there is none.
   std::optional<double> due() const { return due_; }
 
-  /// Whether a burst is due; that ends it.
+  /// Returns whether a burst is due, and ends it then.
   bool take(double now) {
     const bool isDue = due_ && now >= *due_;
     due_ = isDue ? std::nullopt : due_;

@@ -8,13 +8,29 @@
 namespace kesu {
 namespace {
 
-constexpr double kFirstAnnouncementSeconds = 0.8;  // The contract's 1 s, less what the way to the main loop may cost.
+// The first callback is promised within 1 s; the rest is for its way through the main loop.
+constexpr double kFirstAnnouncementSeconds = 0.8;
+
+// A collector that restarts is back within seconds: records wait a second at most, for one packet per second.
 constexpr double kDenseProbeSeconds = 1.0;
-constexpr double kTrafficCountsSeconds = 10.0;    // For so long a failure of real traffic keeps the probes dense.
-constexpr double kFailureSettlesSeconds = 0.25;   // From a failed connection to its record in the store, generously.
-constexpr double kRecoveryHoldsSeconds = 10.0;    // A failure sooner than this says that the recovery was none.
-constexpr double kFreshLookupSeconds = 5.0;       // A failure does not question addresses that are as new as this.
-constexpr double kLookupWhileDownSeconds = 60.0;  // A host that moved is found this long after, at the latest.
+
+// While the host posts, it is worth dense probes. Without traffic for this long it is idle, and nothing is urgent.
+constexpr double kTrafficCountsSeconds = 10.0;
+
+// From a failed connection to its record in the store takes a few milliseconds; a busy main loop may need more.
+constexpr double kFailureSettlesSeconds = 0.25;
+
+// Re-sending begins with the recovery, so a false one shows in a failure well before this.
+constexpr double kRecoveryHoldsSeconds = 10.0;
+
+// Addresses as new as this are right: the host is down, not moved. Asking again would only load the name server.
+constexpr double kFreshLookupSeconds = 5.0;
+
+// A host that has moved is found after this time at the latest; most name servers let answers live longer.
+constexpr double kLookupWhileDownSeconds = 60.0;
+
+// A lookup that could not be started has no result to wait for: others must finish first.
+constexpr double kPostponedLookupSeconds = 1.0;
 
 }  // namespace
 
@@ -39,23 +55,26 @@ void HostReachability::lookupFinished(std::uint64_t generation, std::vector<IpAd
   if (generation <= newestLookup_) {
     return;
   }
-  newestLookup_ = generation;
+  newestLookup_ = generation;  // Lookups overtake each other: an older answer says nothing any more.
   if (addresses.empty()) {
-    lookupDue_ = std::min(lookupDue_.value_or(now + 60.0), now + lookupBackOff_.nextSeconds());
+    // A change of the network may have asked for an earlier one already.
+    const double retry = now + lookupBackOff_.nextSeconds();
+    lookupDue_ = std::min(lookupDue_.value_or(retry), retry);
     return;
   }
   lookupBackOff_.reset();
-  if (addresses != addresses_) {
+  if (addresses != addresses_) {  // The host has moved: the back-off of the old addresses does not count.
     addresses_ = std::move(addresses);
     probeDue_ = now;
   }
 }
 
 void HostReachability::lookupPostponed(double now) {
-  lookupDue_ = now + 1.0;
+  lookupDue_ = now + kPostponedLookupSeconds;
 }
 
 void HostReachability::wayFound(std::optional<WayFacts> way) {
+  // Before the first lookup "no route" would only mean "no address yet".
   const bool lookupPending = needsLookup_ && addresses_.empty() && newestLookup_ == 0;
   way_ = lookupPending ? std::nullopt : way;
 }
@@ -76,7 +95,7 @@ void HostReachability::trafficFailed(double now) {
   lastFailure_ = now;
   proven_ = false;
   probeBackOff_.reset();
-  if (recoversAt_) {
+  if (recoversAt_) {  // The attempt may have begun before the recovery: it only delays the announcement.
     recoversAt_ = now + kFailureSettlesSeconds;
   } else if (down_) {
     probeDue_ = std::min(probeDue_, now + probeIntervalSeconds(now));

@@ -8,8 +8,11 @@
 namespace kesu {
 namespace {
 
+// Flags are 32 bits: no values of theirs.
 constexpr std::int64_t kNever = -2;
 constexpr std::int64_t kUnknown = -1;
+
+// A burst of records asks the kernel once; a change shows a second later at the latest.
 constexpr std::int64_t kKeptNanoseconds = 1'000'000'000;
 
 std::int64_t steadyNanoseconds() {

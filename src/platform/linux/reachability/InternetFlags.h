@@ -7,19 +7,18 @@
 
 namespace kesu {
 
-/// The flags of the way to the internet, kept so that every record can ask for them. Any thread.
+/// The flags of the route to the internet, kept so that every record can have them. Any thread.
 ///
-/// A watcher of the network publishes them after every change: asking then costs one atomic read. While nobody
-/// publishes, an answer is found by asking the kernel's tables (about 0.1 ms, nothing waits for the network) and kept
-/// for a second.
+/// A watcher of the network publishes them after every change: get() then costs one atomic read. Before that, get()
+/// asks the kernel's tables (about 0.1 ms, never waits for the network) and keeps the answer for a second.
 class InternetFlags {
  public:
   explicit InternetFlags(std::string sysDirectory);
 
-  /// The flags; nothing when they cannot be told.
+  /// Returns the flags; nothing when they cannot be read.
   std::optional<std::uint32_t> get();
 
-  /// Sets what get() answers from now on.
+  /// Sets what get() returns from now on.
   void publish(std::optional<std::uint32_t> flags);
 
  private:

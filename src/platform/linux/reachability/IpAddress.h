@@ -21,18 +21,19 @@ struct IpAddress {
 
   Family family = Family::v4;
   std::array<std::uint8_t, 16> bytes{};  ///< Network order; unused bytes are 0.
-  std::uint32_t scope = 0;               ///< Interface index that a link-local IPv6 address is meant on; 0 = none.
+  std::uint32_t scope = 0;               ///< Interface index of a link-local IPv6 address; 0 = none.
 
-  /// From a dotted or colon form ("10.0.0.1", "::1"; no brackets, no port); nothing for any other text, so for names.
+  /// Parses a dotted or colon form ("10.0.0.1", "::1"; no brackets, no port); nothing for any other text, such as
+  /// names.
   static std::optional<IpAddress> fromText(const std::string& text);
 
-  /// From an IPv4 address in host byte order.
+  /// Converts an IPv4 address in host byte order.
   static IpAddress fromIpv4(std::uint32_t address);
 
-  /// From 4 or 16 bytes in network order; nothing for any other length. An IPv4 address mapped into IPv6 becomes IPv4.
+  /// Converts 4 or 16 bytes in network order; nothing for any other length. IPv4 mapped into IPv6 becomes IPv4.
   static std::optional<IpAddress> fromBytes(std::span<const std::uint8_t> bytes);
 
-  /// From a socket address of `length` bytes; nothing for families other than the two and for too few bytes.
+  /// Converts a socket address of `length` bytes; nothing for other families and for too few bytes.
   static std::optional<IpAddress> fromSocketAddress(const sockaddr* address, std::size_t length);
 
   /// Fills `out` for connect() and returns its length in bytes.
@@ -41,10 +42,10 @@ struct IpAddress {
   /// AF_INET or AF_INET6.
   int systemFamily() const;
 
-  /// The bytes that count.
+  /// The bytes that the family uses.
   std::span<const std::uint8_t> significantBytes() const;
 
-  /// Whether the address only means something on its own link (169.254.0.0/16, fe80::/10).
+  /// Whether the address is valid on its own link only (169.254.0.0/16, fe80::/10).
   bool isLinkLocal() const;
 
   bool operator==(const IpAddress&) const = default;

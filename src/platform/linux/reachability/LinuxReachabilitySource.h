@@ -14,21 +14,21 @@ namespace kesu {
 
 /// Watches hosts by the kernel's routes, the system's name lookups and what the HTTP client sees.
 ///
-/// The first handle that is started brings up one watcher thread, which then sleeps until the network changes; a
-/// process in which nothing is wrong is never woken. A host counts as reachable when a route over a running link leads
-/// to one of its addresses. Since a cable that never changes tells nothing about the collector, the source learns from
-/// connectionObserved() too: after a failed connection to a watched host and port it counts as unreachable and is
-/// probed until it accepts connections again, which is a change. HostReachability.h holds the rules and intervals.
+/// The first started handle starts one watcher thread, which sleeps until the network changes; while all is well the
+/// process is never woken. A host counts as reachable when a route over a running link leads to one of its addresses. A
+/// television's cable hardly ever changes, so the source learns from connectionObserved() too: after a failed
+/// connection a watched host and port count as unreachable and are probed until they accept connections again, which is
+/// a change. HostReachability.h has the rules and intervals.
 ///
-/// Callbacks that wait in the main loop are joined: two changes between two pumps are one callback. A change is seen
-/// about 50 ms after the system reports it. After fork() the child's copy does nothing but answer internetFlags().
+/// Two changes between two pumps of the main loop are one callback. A change is seen about 50 ms after the system
+/// reports it. In a forked child only internetFlags() works.
 class LinuxReachabilitySource final : public ReachabilitySource {
  public:
   /// `loop` delivers the callbacks; it must outlive the source and its handles.
   explicit LinuxReachabilitySource(MainLoop& loop, ReachabilitySystem system = {});
 
-  /// Ends the watcher thread and waits for it, which takes no longer than a question to the kernel. Handles that are
-  /// left stay harmless.
+  /// Stops and joins the watcher thread, which takes no longer than a question to the kernel. Handles that are left do
+  /// nothing any more.
   ~LinuxReachabilitySource() override;
 
   LinuxReachabilitySource(const LinuxReachabilitySource&) = delete;
@@ -36,10 +36,10 @@ class LinuxReachabilitySource final : public ReachabilitySource {
 
   std::unique_ptr<ReachabilityHandle> watch(const ReachabilityTarget& target) override;
 
-  /// One atomic read once a handle was started; before that an answer kept for a second (0.1 ms to find).
+  /// One atomic read once a handle was started; before that, an answer of the last second (0.1 ms to find).
   std::optional<std::uint32_t> internetFlags() override;
 
-  /// Any thread, at no cost worth mentioning while it is no news.
+  /// Any thread. While it is no news, it takes one short mutex.
   void connectionObserved(const std::string& host, int port, bool connected) override;
 
  private:

@@ -11,7 +11,7 @@
 namespace kesu {
 namespace {
 
-constexpr std::size_t kMostAddresses = 32;  // A name with more is somebody's mistake; all of them would be probed.
+constexpr std::size_t kMostAddresses = 32;  // A name with more is a mistake; all of them would be asked for routes.
 
 }  // namespace
 

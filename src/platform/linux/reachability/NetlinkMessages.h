@@ -11,7 +11,7 @@ namespace kesu {
 
 using ByteSpan = std::span<const std::uint8_t>;
 
-/// One message of a netlink datagram. Points into the datagram.
+/// One message of a netlink datagram, which must outlive it.
 struct NetlinkMessage {
   std::uint16_t type = 0;
   std::uint16_t flags = 0;
@@ -19,8 +19,8 @@ struct NetlinkMessage {
   ByteSpan payload;
 };
 
-/// Calls `each` for every complete message of a datagram, in order. What is cut off or has an impossible length ends
-/// the walk. Pure; safe on any bytes.
+/// Calls `each` for every complete message of a datagram, in order, up to one that is cut off or has an impossible
+/// length. Pure; safe on any bytes.
 void forEachNetlinkMessage(ByteSpan datagram, const std::function<void(const NetlinkMessage&)>& each);
 
 /// Calls `each` for every complete attribute (type without its flag bits, value). Pure; safe on any bytes.
@@ -37,7 +37,7 @@ std::optional<Struct> readStruct(ByteSpan bytes) {
   return result;
 }
 
-/// The bytes after a structure of `size` bytes, where attributes begin; empty when there are none.
+/// Returns the bytes after a structure of `size` bytes, where attributes begin; empty when there are none.
 ByteSpan afterStruct(ByteSpan bytes, std::size_t size);
 
 /// Builds one request message.
@@ -57,7 +57,7 @@ class NetlinkRequest {
   /// Appends an attribute.
   void addAttribute(std::uint16_t type, ByteSpan value);
 
-  /// The message with its final length and this sequence number.
+  /// Returns the message with its final length and this sequence number.
   ByteSpan finish(std::uint32_t sequence);
 
  private:

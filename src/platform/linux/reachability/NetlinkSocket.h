@@ -14,18 +14,18 @@ namespace kesu {
 /// the network.
 class NetlinkSocket {
  public:
-  /// How a question ended.
+  /// Result of a question.
   enum class Outcome {
-    answered,    ///< Every message of the answer was handed over.
+    answered,    ///< Every message of the answer was passed on.
     refused,     ///< The kernel answered with an error, such as "no route"; see `lastError`.
-    unavailable  ///< No answer: no socket (a sandbox may forbid it) or a broken exchange.
+    unavailable  ///< No answer: no socket (a sandbox may forbid it), or a broken exchange.
   };
 
   /// Opens the socket; where that fails, every question is unavailable.
   NetlinkSocket();
 
-  /// Sends `request` and hands every message of the answer to `each`. A dump that the kernel marks as interrupted by a
-  /// change is handed over all the same: a change event follows it.
+  /// Sends `request` and calls `each` for every message of the answer, also for a dump that the kernel marks as
+  /// interrupted by a change: a change event follows it.
   Outcome ask(NetlinkRequest request, const std::function<void(const NetlinkMessage&)>& each);
 
   /// The errno value of the last refusal.

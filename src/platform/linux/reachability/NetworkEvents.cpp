@@ -16,7 +16,7 @@ namespace kesu {
 namespace {
 
 constexpr std::uint32_t kFileEvents = IN_CLOSE_WRITE | IN_MOVED_TO | IN_CREATE | IN_DELETE | IN_ONLYDIR;
-constexpr int kMostLinks = 8;
+constexpr int kMostLinks = 8;  // Links may form a circle.
 
 UniqueFd openRouteEvents() {
   UniqueFd fd(::socket(AF_NETLINK, SOCK_RAW | SOCK_NONBLOCK | SOCK_CLOEXEC, NETLINK_ROUTE));

@@ -9,30 +9,30 @@
 
 namespace kesu {
 
-/// Hears that the network may have changed: interfaces, addresses and routes (from the kernel), and the name servers or
-/// fixed names (from files). Sleeping costs nothing; there is no polling. Confined to one thread.
+/// Notices that the network may have changed: interfaces, addresses and routes (from the kernel), and the name servers
+/// or fixed names (from files). Nothing runs while nothing changes. Confined to one thread.
 class NetworkEvents {
  public:
-  /// What was heard since the last look.
+  /// What has changed since the last take().
   struct Heard {
-    bool network = false;   ///< Interfaces, addresses or routes. Set too when so much happened that events were lost.
+    bool network = false;   ///< Interfaces, addresses or routes. Set too when events were lost.
     bool resolver = false;  ///< The resolver's configuration.
   };
 
   /// `resolverFile` names the name servers; fixed names are in "hosts" beside it.
   explicit NetworkEvents(std::string resolverFile);
 
-  /// Whether changes of the network can be heard at all; a sandbox may forbid it.
+  /// Whether changes of the network can be noticed at all; a sandbox may forbid it.
   bool hearsNetwork() const { return static_cast<bool>(routes_); }
 
-  /// Appends what to wait for.
+  /// Appends the descriptors to wait for.
   void appendTo(std::vector<pollfd>& polled) const;
 
-  /// Takes what is waiting, without blocking.
+  /// Reads all pending events, without blocking.
   Heard take();
 
  private:
-  /// A file whose directory is watched: where a name, or the link it stands for, leads to.
+  /// A file whose directory is watched: the target of a path, or of a link on it.
   struct WatchedFile {
     int watch = -1;
     std::string name;

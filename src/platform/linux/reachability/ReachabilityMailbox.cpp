@@ -7,7 +7,7 @@
 namespace kesu {
 namespace {
 
-constexpr std::int64_t kUnknown = -1;
+constexpr std::int64_t kUnknown = -1;  // Flags are 32 bits: no value of theirs.
 
 }  // namespace
 

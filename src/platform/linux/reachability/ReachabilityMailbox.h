@@ -18,7 +18,7 @@ namespace kesu {
 /// A target that is being watched: what its handle and the monitor share.
 class ReachabilityWatch {
  public:
-  /// `announce` is called on the monitor's thread whenever the handle's owner is to be told.
+  /// `announce` is called on the monitor's thread whenever the flags have changed.
   ReachabilityWatch(std::uint64_t id, ReachabilityTarget target, std::function<void()> announce);
 
   const std::uint64_t id;
@@ -26,7 +26,7 @@ class ReachabilityWatch {
   const std::string host;  ///< The target's host name in comparable form.
   const std::function<void()> announce;
 
-  /// What is known. Any thread.
+  /// The present flags. Any thread.
   std::optional<std::uint32_t> flags() const;
   void setFlags(std::optional<std::uint32_t> flags);
 
@@ -34,15 +34,15 @@ class ReachabilityWatch {
   std::atomic<std::int64_t> flags_;
 };
 
-/// What other threads tell the monitor of the network. All operations may be called from any thread and never wait for
-/// the monitor's work.
+/// What other threads report to the ReachabilityMonitor. All operations may be called from any thread and never wait
+/// for the monitor's work.
 class ReachabilityMailbox {
  public:
-  /// One watch and what real traffic saw of its host since the last delivery.
+  /// One watch, and what real traffic has found out about its host since the last take().
   struct Item {
     std::shared_ptr<ReachabilityWatch> watch;
     bool failed = false;     ///< A connection failed.
-    bool connected = false;  ///< The last connection came about.
+    bool connected = false;  ///< The last connection succeeded.
   };
 
   explicit ReachabilityMailbox(std::shared_ptr<WakeEvent> wake);
@@ -50,16 +50,16 @@ class ReachabilityMailbox {
   void add(std::shared_ptr<ReachabilityWatch> watch);
   void remove(std::uint64_t watchId);
 
-  /// A connection to a host was tried. Wakes the monitor only when that is news to it.
+  /// Reports that a connection to a host was tried. Wakes the monitor only when that is news to it.
   void observe(const std::string& host, int port, bool connected);
 
-  /// Ends the monitor.
+  /// Makes take() return nothing from now on, which stops the monitor.
   void stop();
 
-  /// For the monitor: every present watch with its news, which are thereby delivered; nothing when it is to end.
+  /// For the monitor: returns every present watch and removes its news; nothing after stop().
   std::optional<std::vector<Item>> take();
 
-  /// For the monitor: whether a successful connection would be news for a watch.
+  /// For the monitor: sets whether a successful connection would be news for a watch.
   void setWantsSuccesses(std::uint64_t watchId, bool wants);
 
  private:

@@ -10,6 +10,8 @@
 namespace kesu {
 namespace {
 
+// A cable or a wireless network that comes up makes a burst of events within some 10 ms. A change must still be seen
+// well before the next record fails.
 constexpr double kDebounceSeconds = 0.05;
 
 double steadySeconds() {
@@ -28,7 +30,7 @@ ReachabilityMonitor::ReachabilityMonitor(ReachabilityMailbox& mailbox, InternetF
       lookups_(wake_, system.resolver),
       debouncer_(kDebounceSeconds) {
   if (!events_.hearsNetwork()) {
-    serviceLog(2, "changes of the network cannot be heard: reachability is learnt from connections only");
+    serviceLog(2, "changes of the network cannot be noticed: reachability is learnt from connections only");
   }
 }
 
@@ -36,7 +38,8 @@ void ReachabilityMonitor::run() {
   lookAtNetwork(steadySeconds());
   while (true) {
     const double now = steadySeconds();
-    wake_->clear();
+    wake_->clear();  // Before anything is read: a signal from now on wakes the next poll().
+    // News first, actions last: what one reports decides what another does, and each host is announced once per turn.
     if (!takeMail(now)) {
       return;
     }
@@ -82,10 +85,11 @@ void ReachabilityMonitor::takeItem(const ReachabilityMailbox::Item& item, double
     found = hosts_.emplace(item.watch->id, Host{item.watch, beginHost(item.watch->target, now)}).first;
     findWay(found->second);
   }
-  // The owner of a record that failed must be told of the way back, even if another connection came about meanwhile.
+  // A record that failed needs a recovery to be announced, even if another connection has succeeded meanwhile: so the
+  // failure is announced by itself, before the success.
   if (item.failed) {
     found->second.state.trafficFailed(now);
-    tell(found->second, now);
+    announce(found->second, now);
   }
   if (item.connected) {
     found->second.state.trafficConnected(now);
@@ -164,14 +168,14 @@ void ReachabilityMonitor::act(Host& host, double now) {
   if (host.state.takeProbe(now)) {
     prober_.start(host.watch->id, host.state.addresses(), target.port, now);
   }
-  tell(host, now);
+  announce(host, now);
 }
 
-void ReachabilityMonitor::tell(Host& host, double now) {
+void ReachabilityMonitor::announce(Host& host, double now) {
   mailbox_.setWantsSuccesses(host.watch->id, host.state.learnsFromConnections());
-  const bool announce = host.state.takeAnnouncement(now);
-  host.watch->setFlags(host.state.flags());
-  if (announce) {
+  const bool isDue = host.state.takeAnnouncement(now);
+  host.watch->setFlags(host.state.flags());  // Before the callback, which reads them.
+  if (isDue) {
     host.watch->announce();
   }
 }
@@ -185,7 +189,7 @@ void ReachabilityMonitor::sleep() {
 }
 
 int ReachabilityMonitor::timeoutMilliseconds(double now) const {
-  constexpr double kLongestSeconds = 3600.0;
+  constexpr double kLongestSeconds = 3600.0;  // Keeps the milliseconds within the range of an int.
   std::optional<double> due = debouncer_.due();
   const auto consider = [&due](double time) { due = std::min(due.value_or(time), time); };
   if (!prober_.isIdle()) {

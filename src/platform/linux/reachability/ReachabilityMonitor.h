@@ -20,24 +20,24 @@
 
 namespace kesu {
 
-/// From where the system is read; tests replace parts.
+/// Where the system is read; tests replace parts.
 struct ReachabilitySystem {
   std::string resolverFile = "/etc/resolv.conf";
   std::string sysDirectory = "/sys";
   NameLookups::Resolver resolver = NameLookups::systemResolver;
 };
 
-/// The work of the watcher thread: hears of changes, looks names up, asks the routes, probes, and tells the watches
-/// what came of it. Sleeps in poll() until one of these has something, without a timer while all is well. Made, used
-/// and destroyed on that thread.
+/// The work of the watcher thread: notices changes, looks names up, asks for routes, probes, and announces the flags of
+/// each watch. Sleeps in poll() until one of these has something, without a timer while all is well. Made, used and
+/// destroyed on that thread.
 class ReachabilityMonitor {
  public:
-  /// The mailbox's watches are told; the flags of the internet are published to `internet`. All of them must outlive
-  /// the monitor.
+  /// Announces to the watches of `mailbox`; publishes the flags of the internet to `internet`. Both must outlive the
+  /// monitor.
   ReachabilityMonitor(ReachabilityMailbox& mailbox, InternetFlags& internet, std::shared_ptr<WakeEvent> wake,
                       const ReachabilitySystem& system);
 
-  /// Works until the mailbox is stopped.
+  /// Runs until the mailbox is stopped.
   void run();
 
  private:
@@ -57,7 +57,7 @@ class ReachabilityMonitor {
   void findWay(Host& host);
   std::optional<WayFacts> wayTo(const Host& host);
   void act(Host& host, double now);
-  void tell(Host& host, double now);
+  void announce(Host& host, double now);
   void sleep();
   int timeoutMilliseconds(double now) const;
 

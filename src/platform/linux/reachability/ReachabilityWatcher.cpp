@@ -1,7 +1,5 @@
 #include "platform/linux/reachability/ReachabilityWatcher.h"
 
-#include <unistd.h>
-
 #include <utility>
 
 #include "platform/linux/base/ServiceThread.h"
@@ -11,17 +9,12 @@ namespace kesu {
 
 ReachabilityWatcher::ReachabilityWatcher(ReachabilitySystem system)
     : system_(std::move(system)),
-      process_(::getpid()),
       wake_(std::make_shared<WakeEvent>()),
       mailbox_(wake_),
       internet_(system_.sysDirectory) {}
 
-bool ReachabilityWatcher::isForked() const {
-  return ::getpid() != process_;
-}
-
 bool ReachabilityWatcher::ensureThread() {
-  if (ended_ || isForked() || wake_->fd() < 0) {
+  if (ended_ || forkGuard_.isForkedChild() || wake_->fd() < 0) {
     return false;
   }
   if (!thread_) {
@@ -47,13 +40,13 @@ std::shared_ptr<ReachabilityWatch> ReachabilityWatcher::add(const ReachabilityTa
 }
 
 void ReachabilityWatcher::remove(const ReachabilityWatch& watch) {
-  if (!isForked()) {
+  if (!forkGuard_.isForkedChild()) {
     mailbox_.remove(watch.id);
   }
 }
 
 void ReachabilityWatcher::observe(const std::string& host, int port, bool connected) {
-  if (running_ && !isForked()) {
+  if (running_ && !forkGuard_.isForkedChild()) {
     mailbox_.observe(host, port, connected);
   }
 }
@@ -76,8 +69,8 @@ void ReachabilityWatcher::shutDown() {
   if (!thread_) {
     return;
   }
-  if (isForked()) {
-    // Leaked on purpose: the thread is not in this process, so it can be neither joined nor let go.
+  if (forkGuard_.isForkedChild()) {
+    // Leaked on purpose: the thread is not in this process, so it can be neither joined nor detached.
     static_cast<void>(thread_.release());
     return;
   }

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <sys/types.h>
-
 #include <atomic>
 #include <cstdint>
 #include <memory>
@@ -9,14 +7,15 @@
 #include <string>
 #include <thread>
 
+#include "platform/linux/base/ForkGuard.h"
 #include "platform/linux/reachability/InternetFlags.h"
 #include "platform/linux/reachability/ReachabilityMailbox.h"
 #include "platform/linux/reachability/ReachabilityMonitor.h"
 
 namespace kesu {
 
-/// The watcher thread and the way to it. The source and its handles share one. In a child made by fork() there is no
-/// such thread: every operation that would need it does nothing there.
+/// The watcher thread, shared by the source and its handles. In a forked child there is no such thread: every operation
+/// that needs it does nothing there.
 class ReachabilityWatcher {
  public:
   explicit ReachabilityWatcher(ReachabilitySystem system);
@@ -25,10 +24,10 @@ class ReachabilityWatcher {
   ReachabilityWatcher(const ReachabilityWatcher&) = delete;
   ReachabilityWatcher& operator=(const ReachabilityWatcher&) = delete;
 
-  /// Begins to watch; the first call starts the thread. Nothing when there can be no thread (any more). Main thread.
+  /// Starts a watch; the first call starts the thread. Null when there can be no thread (any more). Main thread.
   std::shared_ptr<ReachabilityWatch> add(const ReachabilityTarget& target, std::function<void()> announce);
 
-  /// Ends a watch; an announcement may be under way on the watcher thread. Main thread.
+  /// Removes a watch; an announcement may still be running on the watcher thread. Main thread.
   void remove(const ReachabilityWatch& watch);
 
   /// Any thread.
@@ -37,18 +36,17 @@ class ReachabilityWatcher {
   /// Any thread.
   std::optional<std::uint32_t> internetFlags() { return internet_.get(); }
 
-  /// What can be told at once about a target that nobody watches: the way to an address, nothing for a name.
+  /// Finds the flags of a target without a watch: of the way to an address; nothing for a name, which takes a lookup.
   std::optional<std::uint32_t> flagsNow(const ReachabilityTarget& target);
 
-  /// Ends the thread and waits for it (it never waits for the network). Nothing is announced afterwards. Main thread.
+  /// Stops and joins the thread, which never waits for the network. Nothing is announced afterwards. Main thread.
   void shutDown();
 
  private:
-  bool isForked() const;
   bool ensureThread();
 
   const ReachabilitySystem system_;
-  const pid_t process_;
+  const ForkGuard forkGuard_;
   std::shared_ptr<WakeEvent> wake_;
   ReachabilityMailbox mailbox_;
   InternetFlags internet_;

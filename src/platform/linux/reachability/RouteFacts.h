@@ -14,7 +14,7 @@ namespace kesu {
 struct LinkFacts {
   std::string name;
   bool up = false;       ///< Switched on.
-  bool running = false;  ///< Has a carrier and may carry traffic.
+  bool running = false;  ///< Has a carrier and can carry traffic.
   bool loopback = false;
   bool pointToPoint = false;
   bool mobileRadio = false;  ///< Reaches the network through a mobile-radio modem.
@@ -22,15 +22,15 @@ struct LinkFacts {
   bool operator==(const LinkFacts&) const = default;
 };
 
-/// What kind of route an address has.
+/// The kind of a route.
 enum class RouteKind : std::uint8_t {
   unicast,    ///< To another host.
   local,      ///< To this device itself.
   broadcast,  ///< To all hosts of a link.
-  none        ///< Nowhere: no route, unreachable, prohibited or thrown away.
+  none        ///< No route, unreachable, prohibited or discarded.
 };
 
-/// A route, as found for one address or as a row of the tables.
+/// A route: the one to an address, or a row of the tables.
 struct RouteFacts {
   RouteKind kind = RouteKind::none;
   IpAddress destination;  ///< Of a row: the network's address.
@@ -38,15 +38,15 @@ struct RouteFacts {
   bool hasGateway = false;
   bool linkDown = false;  ///< The kernel marks the route as leading over a link without carrier.
   int interfaceIndex = 0;
-  std::optional<IpAddress> source;  ///< The address of ours that would be used.
+  std::optional<IpAddress> source;  ///< The address of this device that would be used.
 
   bool operator==(const RouteFacts&) const = default;
 };
 
-/// The device's interfaces and routes at one instant. Two equal snapshots mean: nothing that matters has changed.
+/// The device's interfaces and routes at one instant. While two snapshots are equal, nothing that matters has changed.
 struct NetworkSnapshot {
   std::map<int, LinkFacts> links;  ///< By interface index.
-  std::vector<RouteFacts> routes;  ///< Of all tables; one entry a next hop.
+  std::vector<RouteFacts> routes;  ///< Of all tables; one entry per next hop.
 
   bool operator==(const NetworkSnapshot&) const = default;
 };

@@ -10,25 +10,25 @@
 
 namespace kesu {
 
-/// Finds out which ways the device has right now, by asking the kernel's tables: no packet is sent and nothing waits
-/// for the network (tens of microseconds a question). Where a sandbox forbids to ask, sockets that are connected but
-/// send nothing tell whether there is a way at all. Confined to one thread.
+/// Finds the routes that the device has right now by asking the kernel's tables: no packet is sent and nothing waits
+/// for the network (tens of microseconds per question). Where a sandbox forbids that, UDP sockets that are connected
+/// but send nothing show whether there is a route at all. Confined to one thread.
 class RouteProbe {
  public:
-  /// `sysDirectory` is where the system describes its interfaces.
+  /// `sysDirectory`: where the system describes its interfaces.
   explicit RouteProbe(std::string sysDirectory = "/sys") : sysDirectory_(std::move(sysDirectory)) {}
 
-  /// The way to one address; nothing when it cannot be told.
+  /// Finds the way to one address; nothing when the kernel cannot be asked.
   std::optional<WayFacts> wayTo(const IpAddress& address);
 
-  /// The way to the internet; nothing when it cannot be told.
+  /// Finds the way to the internet; nothing when the kernel cannot be asked.
   std::optional<WayFacts> wayToInternet();
 
-  /// The way to what a target without host name means: 0 = the internet, 169.254.0.0 = the local network, else the host
-  /// of that address (host byte order).
+  /// Finds the way to a target without host name: 0 = the internet, 169.254.0.0 = the local network, else the host of
+  /// that address (host byte order).
   std::optional<WayFacts> wayToTarget(std::uint32_t address);
 
-  /// All interfaces and routes; nothing when they cannot be told.
+  /// Reads all interfaces and routes; nothing when the kernel cannot be asked.
   std::optional<NetworkSnapshot> snapshot();
 
  private:
@@ -43,7 +43,7 @@ class RouteProbe {
   NetlinkSocket socket_;
 };
 
-/// The routes that a message of the kernel describes, one a next hop. Pure; safe on any bytes.
+/// Reads the routes that a message of the kernel describes, one per next hop. Pure; safe on any bytes.
 std::vector<RouteFacts> routesOf(const NetlinkMessage& message);
 
 }  // namespace kesu

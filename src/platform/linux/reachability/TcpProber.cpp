@@ -9,6 +9,7 @@
 namespace kesu {
 namespace {
 
+// Each is a descriptor of the host's process for up to 4 s, and there may be four probes at a time.
 constexpr std::size_t kMostAddresses = 8;
 
 UniqueFd beginConnecting(const IpAddress& address, int port) {

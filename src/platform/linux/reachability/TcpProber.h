@@ -10,27 +10,27 @@
 
 namespace kesu {
 
-/// Finds out whether hosts accept TCP connections: connects without waiting and closes at once, nothing is ever sent.
-/// Its owner polls. Times are seconds of one clock. Confined to one thread.
+/// Finds out whether hosts accept TCP connections: connects without blocking and closes at once; nothing is ever sent.
+/// Its owner polls. Times are seconds on one clock. Confined to one thread.
 class TcpProber {
  public:
-  /// So long a connection may take. Longer than the distance of two probes: the system repeats a lost packet after 1 s
-  /// and 3 s, so probes overlap and the first success wins.
+  /// How long a connection may take. Longer than the time between two probes: the system repeats a lost packet after 1
+  /// s and 3 s, so probes overlap and the first success wins.
   static constexpr double kConnectSeconds = 4.0;
 
-  /// Starts connecting to the first 8 addresses at once. An address that fails at once is left out silently.
+  /// Starts connecting to the first 8 addresses. An address that fails at once is left out silently.
   void start(std::uint64_t watchId, const std::vector<IpAddress>& addresses, int port, double now);
 
-  /// Gives up what is under way for a watch.
+  /// Drops the attempts of a watch.
   void cancel(std::uint64_t watchId);
 
-  /// Appends what to wait for.
+  /// Appends the descriptors to wait for.
   void appendTo(std::vector<pollfd>& polled) const;
 
-  /// Looks at what is under way and returns the watches that connected, each once; the rest of theirs is given up.
+  /// Returns the watches that have connected, each once, and drops their other attempts and those that failed.
   std::vector<std::uint64_t> collect(double now);
 
-  /// When the oldest connection is to be given up; 0 when nothing is under way.
+  /// When the oldest attempt times out; 0 when there is none.
   double nextDue() const { return attempts_.empty() ? 0.0 : attempts_.front().deadline; }
 
   bool isIdle() const { return attempts_.empty(); }
