@@ -10,7 +10,7 @@
 namespace kesu::testing {
 
 /// A device whose facts are public fields. The defaults are a plausible small TV box; setting a field to std::nullopt
-/// makes the device unable to tell. No locking: change fields only while no other thread asks.
+/// means that the device does not report it. No mutex: change fields only while no other thread reads them.
 class FakeDeviceFacts final : public DeviceFacts {
  public:
   std::optional<std::string> machineText = "x86_64";

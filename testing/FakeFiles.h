@@ -31,7 +31,7 @@ class FakeFiles final : public Files {
   /// Paths of all regular files, hidden ones too, in the order in which they were made.
   std::vector<std::string> paths();
 
-  /// How often read() was called for `path`.
+  /// Counts the calls of read() for `path`.
   int readCount(const std::string& path);
 
  private:

@@ -14,17 +14,17 @@
 
 namespace kesu::testing {
 
-/// An HttpClient that sends nothing: it keeps the requests in the order of their send() and the test answers them.
+/// An HttpClient that sends nothing: it keeps the requests in the order of send(), and the test answers them.
 ///
 /// Without a main loop a completion runs inside the test's own call (answer(), failAll(), shutdown() ...), which
-/// therefore plays the main loop's part; with one it is posted there. Any thread may send; answering belongs to the
-/// test's thread.
+/// therefore acts as the main loop; with one it is posted there. Any thread may send; only the test's thread
+/// answers.
 class FakeHttpClient final : public HttpClient {
  public:
   FakeHttpClient() = default;
   explicit FakeHttpClient(MainLoop& loop) : loop_(&loop) {}
 
-  /// The reply to a request that was answered with this status.
+  /// Makes a reply with this status.
   static HttpReply reply(int status, std::string body = {}) {
     HttpReply made;
     made.status = status;
@@ -32,7 +32,7 @@ class FakeHttpClient final : public HttpClient {
     return made;
   }
 
-  /// The reply to a request that failed. `status` is for replies that broke off after the head.
+  /// Makes the reply of a failed request. `status` is for replies that broke off after the head.
   static HttpReply failure(HttpError error, int status = 0) {
     HttpReply made;
     made.status = status;
@@ -57,7 +57,7 @@ class FakeHttpClient final : public HttpClient {
     return pending_.size() + late_.size();
   }
 
-  /// Fails everything that the test has not answered; the grace passes at once.
+  /// Fails all requests that the test has not answered, without waiting.
   void shutdown(double) override {
     {
       const MutexLock lock(mutex_);
@@ -70,7 +70,7 @@ class FakeHttpClient final : public HttpClient {
 
   void setConnectObserver(ConnectObserver observer) override { observer_ = std::move(observer); }
 
-  /// Everything that was sent before shutdown(), answered or not, in order.
+  /// All requests sent before shutdown(), answered or not, in order.
   std::vector<HttpRequest> requests() {
     const MutexLock lock(mutex_);
     return requests_;
@@ -113,18 +113,18 @@ class FakeHttpClient final : public HttpClient {
   }
   bool fail(std::size_t index, HttpError error) { return answer(index, failure(error)); }
 
-  /// Complete the requests that are pending now, oldest first; those that the completions send are left pending.
-  /// Return how many were completed.
+  /// Complete the requests that are pending now, oldest first, but not those that the completions send. Return how many
+  /// were completed.
   std::size_t answerAll(int status, const std::string& body = {}) { return completeAll(reply(status, body)); }
   std::size_t failAll(HttpError error) { return completeAll(failure(error)); }
 
-  /// Forgets the requests that are pending, as the death of the process does.
+  /// Drops the pending requests, as the death of the process does.
   void discardPending() {
     const MutexLock lock(mutex_);
     pending_.clear();
   }
 
-  /// Runs the completions of requests that were sent after shutdown() (nothing to do with a main loop).
+  /// Runs the completions of requests that were sent after shutdown(). With a main loop there are none.
   void completeLate() {
     std::vector<Completion> late;
     {
@@ -136,7 +136,7 @@ class FakeHttpClient final : public HttpClient {
     }
   }
 
-  /// Tells the observer about an attempt to connect.
+  /// Calls the observer of attempts to connect.
   void reportConnect(const std::string& host, int port, bool connected) {
     const auto report = [this, host, port, connected] {
       if (observer_) {
@@ -175,8 +175,8 @@ class FakeHttpClient final : public HttpClient {
         [completion = std::move(completion), made = std::move(made)]() mutable { completion(std::move(made)); });
   }
 
-  /// A loop delivers late completions by itself; without one they wait for completeLate(), because no completion may
-  /// run inside send().
+  /// A main loop delivers late completions by itself; without one they wait for completeLate(), because no completion
+  /// may run inside send().
   void postLate() KESU_REQUIRES(mutex_) {
     if (loop_ != nullptr) {
       loop_->post([completion = std::move(late_.back())] { completion(failure(HttpError::Cancelled)); });

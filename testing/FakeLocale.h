@@ -34,7 +34,7 @@ inline LocalTime calendarFields(double secondsSince1970, int secondsFromGmt) {
   return time;
 }
 
-/// A locale whose answers are fields, in a zone whose offset is fixed but for the changes that a test names. Its
+/// A locale with public fields, in a zone whose offset is fixed but for the changes that a test sets. Its
 /// week-based year is that of the United States: weeks start on Sunday, and the week with the first of January is the
 /// first of its year.
 class FakeLocale : public LocaleService {
@@ -62,7 +62,7 @@ class FakeLocale : public LocaleService {
 
   void refresh() override { ++refreshCount; }
 
-  int refreshCount = 0;  ///< How often it was told to forget what it has read.
+  int refreshCount = 0;  ///< Calls of refresh().
   std::string identifier = "en_US";
   std::string country = "US";
   std::string calendar = "gregorian";

@@ -14,10 +14,10 @@
 
 namespace kesu::testing {
 
-/// A reachability source whose network is what the test says it is: reachable without a gateway bit until setFlags().
+/// A reachability source whose flags the test sets: reachable, without the direct bit, until setFlags().
 ///
 /// Handles obey the contract of ReachabilityHandle: one callback after start(), then one for every change that the test
-/// announces, always through the main loop and never after stop(). Everything belongs to the main thread except
+/// announces, always through the main loop and never after stop(). Main thread, except
 /// setFlags(), internetFlags(), connectionObserved() and the records of observations, which any thread may use. Handles
 /// may outlive the source.
 class FakeReachabilitySource final : public ReachabilitySource {
@@ -32,8 +32,8 @@ class FakeReachabilitySource final : public ReachabilitySource {
   /// `loop` delivers the callbacks; it must outlive the source and its handles.
   explicit FakeReachabilitySource(MainLoop& loop) : state_(std::make_shared<State>(loop)) {}
 
-  /// Sets what every handle and internetFlags() answer from now on. Announces nothing: a test that wants the callback
-  /// calls announceChange() too, one that wants a stale network does not.
+  /// Sets what every handle and internetFlags() return from now on. Calls nothing: for the callbacks, call
+  /// announceChange() too.
   void setFlags(std::optional<std::uint32_t> flags) {
     MutexLock lock(state_->mutex);
     state_->flags = flags;
@@ -51,10 +51,10 @@ class FakeReachabilitySource final : public ReachabilitySource {
   /// Makes start() of every handle fail from now on, or succeed again.
   void setStartFails(bool fails) { state_->startFails = fails; }
 
-  /// Makes watch() give nothing from now on, as for a name that can be no host name.
+  /// Makes watch() return null from now on, as for a name that cannot be a host name.
   void setWatchFails(bool fails) { watchFails_ = fails; }
 
-  /// Every target given to watch(), oldest first, those that gave nothing too.
+  /// Every target given to watch(), oldest first, also those that were refused.
   const std::vector<ReachabilityTarget>& targets() const { return targets_; }
 
   int startedCount() const { return state_->started; }  ///< Successful start() calls so far.

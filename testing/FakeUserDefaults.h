@@ -8,16 +8,15 @@
 
 namespace kesu::testing {
 
-/// User defaults in memory, with a "disk" that a test can look at.
+/// User defaults in memory, with a "disk" that a test can read.
 ///
-/// Only synchronize() hands values to the disk. A test simulates the death of the process, with the loss of what was
-/// not synchronized, by loseUnsynchronized() or by building a second fake from the first one's keptOnDisk(). Any
-/// thread.
+/// Only synchronize() writes values to the disk. A test simulates the death of the process, with the loss of what was
+/// not synchronized, by loseUnsynchronized() or by a second fake made from the first one's keptOnDisk(). Any thread.
 class FakeUserDefaults final : public UserDefaults {
  public:
   FakeUserDefaults() = default;
 
-  /// Starts as a new process would that finds `onDisk`.
+  /// Starts like a new process that finds `onDisk`.
   explicit FakeUserDefaults(const Dictionary& onDisk);
 
   std::optional<Value> get(std::string_view key) override;
@@ -30,19 +29,19 @@ class FakeUserDefaults final : public UserDefaults {
   bool synchronize() override;
   void checkpoint() override;
 
-  /// What the last successful synchronize() handed over.
+  /// The values of the last successful synchronize().
   Dictionary keptOnDisk();
 
-  /// Goes back to what is on the disk.
+  /// Returns to the values on the disk.
   void loseUnsynchronized();
 
-  /// How often synchronize() was called, with success or without.
+  /// Counts the calls of synchronize(), also those that failed.
   int synchronizeCount();
 
-  /// How often checkpoint() was called.
+  /// Counts the calls of checkpoint().
   int checkpointCount();
 
-  /// From now on synchronize() fails and keeps nothing (true), or works again (false).
+  /// Makes synchronize() fail and write nothing from now on (true), or work again (false).
   void refuseWrites(bool refuse);
 
  private:

@@ -8,7 +8,7 @@ namespace kesu::testing {
 
 /// Forwards to other files, except for the operations that a test made fail. Any thread; `inner` must outlive it.
 ///
-/// A failed operation does not reach `inner` at all: what was there stays there.
+/// A failed operation does not reach `inner` at all.
 class FaultyFiles final : public Files {
  public:
   /// A count that never runs out.
@@ -16,13 +16,13 @@ class FaultyFiles final : public Files {
 
   explicit FaultyFiles(Files& inner) : inner_(inner) {}
 
-  /// Makes the next `count` calls of an operation fail with `status`. FileStatus::Ok switches the fault off.
+  /// Makes the next `count` calls of an operation fail with `status`. FileStatus::Ok removes the fault.
   void failReads(FileStatus status, int count = kForever) { arm(reads_, status, count); }
   void failWrites(FileStatus status, int count = kForever) { arm(writes_, status, count); }
   void failRemoves(FileStatus status, int count = kForever) { arm(removes_, status, count); }
   void failCreateDirectories(FileStatus status, int count = kForever) { arm(creates_, status, count); }
 
-  /// Makes reads of regular files succeed with `bytes` instead of the content; nothing switches it off.
+  /// Makes reads of regular files return `bytes` instead of the content; std::nullopt switches it off.
   void garbleReads(std::optional<std::string> bytes) {
     const MutexLock lock(mutex_);
     garbage_ = std::move(bytes);

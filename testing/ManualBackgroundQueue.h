@@ -9,7 +9,7 @@
 
 namespace kesu::testing {
 
-/// A background queue that runs its tasks on the test's thread, when the test says so.
+/// A background queue whose tasks the test runs on its own thread.
 class ManualBackgroundQueue : public BackgroundQueue {
  public:
   void post(Task task) override {
@@ -26,7 +26,7 @@ class ManualBackgroundQueue : public BackgroundQueue {
     task();
   }
 
-  /// Runs everything, however long that takes; false inside a task.
+  /// Runs all tasks, however long that takes. Returns false inside a task.
   bool drain(double /*seconds*/) override {
     if (isRunning_) {
       return false;
@@ -41,7 +41,7 @@ class ManualBackgroundQueue : public BackgroundQueue {
     hasEnded_ = true;
   }
 
-  /// Runs the oldest task. False when there is none.
+  /// Runs the oldest task. Returns false when there is none.
   bool runOne() {
     Task task;
     {
@@ -67,13 +67,13 @@ class ManualBackgroundQueue : public BackgroundQueue {
     return ran;
   }
 
-  /// Forgets the tasks that wait, as the death of the process does.
+  /// Drops the queued tasks, as the death of the process does.
   void discardAll() {
     const MutexLock lock(mutex_);
     tasks_.clear();
   }
 
-  /// Tasks that wait.
+  /// Counts the queued tasks.
   std::size_t count() {
     const MutexLock lock(mutex_);
     return tasks_.size();

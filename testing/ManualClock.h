@@ -9,20 +9,20 @@ namespace kesu::testing {
 /// A clock that stands still until a test moves it. Any thread may read it.
 class ManualClock : public Clock {
  public:
-  /// Starts at 2017-03-15 12:02:00 UTC unless told otherwise.
+  /// Starts at 2017-03-15 12:02:00 UTC by default.
   explicit ManualClock(double secondsSince1970 = 1489579320.0) : now_(secondsSince1970) {}
 
   double now() override { return now_.load(); }
   double monotonic() override { return monotonic_.load(); }
 
-  /// Lets time pass, on both clocks.
+  /// Advances both clocks.
   void advance(double seconds) {
     now_.store(now_.load() + seconds);
     monotonic_.store(monotonic_.load() + seconds);
   }
 
-  /// Lets time pass until the wall clock says so. An instant in the past is a clock that somebody sets back: the
-  /// monotonic clock then stays where it is.
+  /// Advances both clocks to an instant of the wall clock. An instant in the past sets the wall clock back; the
+  /// monotonic clock then stands still.
   void set(double secondsSince1970) {
     const double passed = secondsSince1970 - now_.load();
     now_.store(secondsSince1970);
@@ -31,7 +31,7 @@ class ManualClock : public Clock {
     }
   }
 
-  /// Somebody sets the wall clock; no time passes.
+  /// Sets the wall clock; no time passes.
   void jumpTo(double secondsSince1970) { now_.store(secondsSince1970); }
 
  private:

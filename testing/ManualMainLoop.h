@@ -5,13 +5,13 @@
 
 namespace kesu::testing {
 
-/// A main loop whose timers follow a manual clock. A pump's time budget is measured on that clock as well: it only ends
-/// a pump when a task moves the clock. run() moves the clock on to the next timer and returns when nothing is left.
+/// A main loop whose timers follow a manual clock. A pump's time budget is measured on that clock as well: it ends a
+/// pump only when a task moves the clock. run() advances the clock to the next timer and returns when nothing is left.
 class ManualMainLoop : public QueuedMainLoop {
  public:
   explicit ManualMainLoop(ManualClock& clock) : clock_(clock) {}
 
-  /// Pumps until nothing is due any more; returns how many tasks and timers ran.
+  /// Pumps until nothing is due. Returns how many tasks and timers ran.
   std::size_t runAll() {
     std::size_t ran = 0;
     while (nextDue() == 0.0) {
@@ -20,7 +20,7 @@ class ManualMainLoop : public QueuedMainLoop {
     return ran;
   }
 
-  /// Lets time pass, stopping at every timer on the way, so that each runs at its own instant.
+  /// Advances the clock and stops at every timer on the way, so that each runs at its own instant.
   void runFor(double seconds) {
     const double end = clock_.monotonic() + seconds;
     runAll();

@@ -24,13 +24,13 @@ class RecordingLog : public LogSink {
     lines_.push_back({level, std::string(text)});
   }
 
-  /// The lines written since the last call, oldest first.
+  /// Removes and returns the lines so far, oldest first.
   std::vector<Line> takeLines() {
     const MutexLock lock(mutex_);
     return std::exchange(lines_, {});
   }
 
-  /// Whether one of the lines that were not taken yet contains `part`.
+  /// Whether a line that was not taken yet contains `part`.
   bool contains(std::string_view part) {
     const MutexLock lock(mutex_);
     for (const Line& line : lines_) {

@@ -8,8 +8,8 @@
 
 namespace kesu::testing {
 
-/// Stands in for the manager for as long as it lives: the event classes post to it, and it keeps what it is handed. One
-/// at a time, on the test's thread.
+/// Replaces the manager during its life: the event classes post to it, and it keeps what they post. One at a time, on
+/// the test's thread.
 class RecordingPoster final : public EventPoster {
  public:
   RecordingPoster() {

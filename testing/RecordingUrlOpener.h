@@ -7,7 +7,7 @@
 
 namespace kesu::testing {
 
-/// Keeps what it was asked to open.
+/// Keeps the URLs that it should open.
 class RecordingUrlOpener : public UrlOpener {
  public:
   bool open(const std::string& url) override {

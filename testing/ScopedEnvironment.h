@@ -7,8 +7,8 @@
 
 namespace kesu::testing {
 
-/// Environment variables as a test wants them; what was there before comes back at the end. Only while no other thread
-/// reads the environment.
+/// Sets environment variables for a test and restores them at the end. Only while no other thread reads the
+/// environment.
 class ScopedEnvironment {
  public:
   ScopedEnvironment() = default;
@@ -22,7 +22,7 @@ class ScopedEnvironment {
   ScopedEnvironment(const ScopedEnvironment&) = delete;
   ScopedEnvironment& operator=(const ScopedEnvironment&) = delete;
 
-  /// Sets a variable, or takes it away.
+  /// Sets a variable, or removes it.
   void set(const std::string& name, const std::optional<std::string>& value) {
     const char* before = std::getenv(name.c_str());
     before_.emplace(name, before != nullptr ? std::optional<std::string>(before) : std::nullopt);

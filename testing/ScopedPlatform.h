@@ -18,7 +18,7 @@
 
 namespace kesu::testing {
 
-/// A whole platform of doubles, installed for as long as this lives. One at a time, on the test's thread.
+/// A whole platform of doubles, installed during the life of this object. One at a time, on the test's thread.
 class ScopedPlatform {
  public:
   ScopedPlatform() { Platform::install(&platform); }

@@ -6,8 +6,8 @@
 
 namespace kesu::testing {
 
-/// Chance that counts: every call fills its bytes with the next number (big-endian, so that the last bytes of an
-/// identifier tell which one it is). The first identifier is 00000000-0000-4000-8000-000000000001.
+/// Counts instead of drawing: every call fills its bytes with the next number (big-endian, so that an identifier ends
+/// with its number). The first identifier is 00000000-0000-4000-8000-000000000001.
 class SequentialRandom : public Random {
  public:
   void fill(std::span<std::uint8_t> bytes) override {

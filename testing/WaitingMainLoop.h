@@ -12,7 +12,7 @@
 namespace kesu::testing {
 
 /// A main loop for tests of services that post from threads of their own: it runs what they post while the test waits
-/// for a condition. Its timers never come due. Belongs to the test's thread, except post().
+/// for a condition. Its timers never come due. Confined to the test's thread, except post().
 class WaitingMainLoop {
  public:
   WaitingMainLoop() {
@@ -21,8 +21,8 @@ class WaitingMainLoop {
 
   MainLoop& loop() { return loop_; }
 
-  /// Runs tasks until `condition` holds; false when it does not within `seconds`. The condition is checked after every
-  /// task that was posted, not in between.
+  /// Runs tasks until `condition` is true, which is checked after every task. Returns false when it is not within
+  /// `seconds`.
   bool waitUntil(const std::function<bool()>& condition, double seconds = 10.0) {
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
     while (true) {

@@ -11,7 +11,7 @@
 namespace kesu {
 namespace {
 
-constexpr std::size_t kDeepestLevel = 64;
+constexpr std::size_t kDeepestLevel = 64;  // A log line nested deeper serves no reader, and recursion needs a limit.
 constexpr std::size_t kBytesOfGroup = 4;
 
 void append(std::string& out, const Value& value, std::size_t level);

@@ -15,7 +15,7 @@ namespace {
 constexpr int kSmallestPlainExponent = -4;
 constexpr int kLargestPlainExponent = 15;
 
-// A finite number in its shortest scientific form, "-d.ddde+dd", taken apart.
+// A finite number in its shortest scientific form, "-d.ddde+dd", split.
 struct Scientific {
   bool negative = false;
   std::string_view digits;  // Without the point.

@@ -51,7 +51,7 @@ std::string_view escapeOf(char character) {
   }
 }
 
-bool holdsNonCharacter(std::string_view text) {
+bool hasNonCharacter(std::string_view text) {
   return text.find("\xEF\xBF\xBE") != std::string_view::npos || text.find("\xEF\xBF\xBF") != std::string_view::npos;
 }
 
@@ -183,7 +183,7 @@ bool XmlWriter::escaped(std::string_view text) {
     }
   }
   out_.append(text.substr(runBegin));
-  return !isWide || (isValidUtf8(text) && !holdsNonCharacter(text));
+  return !isWide || (isValidUtf8(text) && !hasNonCharacter(text));
 }
 
 void XmlWriter::element(std::string_view open, std::string_view content, std::string_view close) {
@@ -192,7 +192,7 @@ void XmlWriter::element(std::string_view open, std::string_view content, std::st
 
 template <typename Write>
 std::optional<std::string> writeWhole(Write writeRoot) {
-  constexpr std::size_t kUsualRecordBytes = 3000;
+  constexpr std::size_t kUsualRecordBytes = 3000;  // One allocation for most records.
   std::string out;
   out.reserve(kUsualRecordBytes);
   out.append(kHead);
@@ -294,7 +294,7 @@ std::optional<Value> readDictionary(pugi::xml_node element, std::size_t depth) {
   return foreign ? std::nullopt : std::optional<Value>(std::move(dictionary));
 }
 
-// An element that holds text. The name decides how the text is read.
+// An element with text. The name decides how the text is read.
 std::optional<Value> readLeaf(std::string_view name, pugi::xml_node element) {
   std::optional<std::string> text = textOf(element);
   if (!text) {

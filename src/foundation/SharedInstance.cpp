@@ -35,7 +35,7 @@ void rememberSharedInstance(void (*destroy)()) {
   list.destroyers.push_back(destroy);
 }
 
-// No lock is held while a destructor runs: it may use or make other instances.
+// No mutex is locked while a destructor runs: it may use or make other instances.
 void resetSharedInstances() {
   while (auto* const destroy = takeNewest()) {
     destroy();

@@ -8,7 +8,7 @@
 namespace kesu {
 namespace {
 
-constexpr std::size_t kMaxSlashes = 3;
+constexpr std::size_t kMaxSlashes = 3;  // As libcurl reads URLs: both must find the same host.
 constexpr int kMaxPort = 65535;
 
 bool isLetter(char character) {

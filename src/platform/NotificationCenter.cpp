@@ -53,6 +53,7 @@ void NotificationCenter::removeObserver(Token token) {
 }
 
 void NotificationCenter::post(std::string_view name, const void* object, Dictionary userInfo) {
+  // A copy, called without the mutex: an observer may add and remove observers, and post.
   std::vector<Registry::Entry> receivers;
   {
     const MutexLock lock(registry_->mutex);
@@ -62,7 +63,7 @@ void NotificationCenter::post(std::string_view name, const void* object, Diction
   }
   const Notification notification{std::string(name), object, std::move(userInfo)};
   for (const Registry::Entry& receiver : receivers) {
-    if (registry_->contains(receiver.token)) {
+    if (registry_->contains(receiver.token)) {  // An earlier observer may have removed it.
       receiver.observer(notification);
     }
   }

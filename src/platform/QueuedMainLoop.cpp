@@ -295,7 +295,7 @@ std::size_t QueuedMainLoop::queuedCount() {
   return posted_.size() + ready_.size() - head_;
 }
 
-// Returns who is the owner afterwards: this thread again when one of its tasks drains, else nobody.
+// Returns the owner for giveBack(): this thread again when one of its own tasks drains, else none.
 std::thread::id QueuedMainLoop::becomeOwner() {
   const MutexLock lock(mutex_);
   const auto self = std::this_thread::get_id();

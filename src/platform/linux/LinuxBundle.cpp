@@ -15,6 +15,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
+// A file of settings has a few kilobytes; a wrong one must not cost memory.
 constexpr std::size_t kInfoLimitBytes = std::size_t{1024} * 1024;
 
 constexpr std::pair<const char*, const char*> kOverlay[] = {{"KESU_OVERRIDE_SERVER", "KesuOverrideServer"},

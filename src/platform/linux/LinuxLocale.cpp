@@ -21,7 +21,7 @@
 namespace kesu {
 namespace {
 
-constexpr std::size_t kTimezoneLimitBytes = 256;
+constexpr std::size_t kTimezoneLimitBytes = 256;  // Names of zones have some 30 bytes.
 
 // The C library's zone is one for the process. It has a lock of its own, but none that a thread checker can see.
 Mutex zoneMutex;
@@ -227,7 +227,7 @@ std::string LinuxLocale::timeZoneName() {
   return content.substr(0, content.find_first_of(" \t\r\n"));
 }
 
-// localtime_r() goes on with the zone that tzset() saw last; asking once a minute is cheap.
+// localtime_r() keeps using the zone that tzset() saw last; calling it once per minute is cheap.
 void LinuxLocale::noticeZoneChange(std::int64_t minute) {
   if (checkedMinute_.exchange(minute, std::memory_order_relaxed) != minute) {
     readZone();

@@ -35,7 +35,7 @@ UniqueFd LinuxMemoryPressure::openTrigger(const std::string& path) {
 }
 
 bool LinuxMemoryPressure::start() {
-  // The kernel tells the trigger that was made last first: the one that is asked knows before the other one wakes.
+  // The kernel serves the newest trigger first: so the one that pump() polls has the event before the other one wakes.
   waking_ = opener_();
   telling_ = waking_ ? opener_() : UniqueFd();
   if (telling_ && loop_.watchUrgent(waking_.get(), telling_.get(), [this] { fired(); })) {

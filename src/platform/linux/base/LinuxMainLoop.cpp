@@ -15,6 +15,7 @@
 namespace kesu {
 namespace {
 
+// How soon run() notices work without descriptors: later would be felt, sooner would cost power.
 constexpr int kBlindWaitMilliseconds = 50;
 
 // About three years: later timers are armed again when this one fires.

@@ -231,7 +231,7 @@ StoreStatus DefaultsStore::write(const std::vector<StoreChange>& changes) {
   shareJournalIfReleased();
   StoreStatus status = writer_.write(changes);
   if (status == StoreStatus::Busy) {
-    // Another process may have written since the journal was held: only a fresh look at it can be written upon.
+    // Another process may have written since this one shared the journal: SQLite writes only upon its latest state.
     shareJournal();
     status = writer_.write(changes);
   }

@@ -25,10 +25,14 @@
 namespace kesu {
 namespace {
 
-constexpr std::size_t kStatBytes =
-    std::size_t{1024} * 1024;  // The line that is wanted follows one that grows with every interrupt.
+// The wanted line follows one with a number per interrupt source, of which servers have thousands.
+constexpr std::size_t kStatBytes = std::size_t{1024} * 1024;
+
+// Points of a television's screen whatever its pixels, as on other platforms: layouts are made for them.
 constexpr double kScreenWidth = 1920.0;
 constexpr double kScreenHeight = 1080.0;
+
+// Below this the boot time only wavers by rounding between two clocks.
 constexpr double kClockWasSetSeconds = 0.5;
 
 std::optional<utsname> systemNames() {

@@ -52,14 +52,14 @@ bool HttpEngine::step() {
   const bool finished = finishDone();
   expireIdle();
   if (!hasWork()) {
-    heard_.clear();
+    heard_.clear();  // What an origin sent before a pause says nothing about it afterwards.
   }
   return finished && queue_.hasWaiting();
 }
 
 void HttpEngine::wait(std::optional<Clock::time_point> until) {
   for (const auto& transfer : active_) {
-    if (transfer->connected()) {
+    if (transfer->connected()) {  // libcurl itself watches the time limit of the others.
       const auto due = transfer->lastActivity() + std::chrono::ceil<Clock::duration>(idleTimeout_);
       until = std::min(until.value_or(due), due);
     }
@@ -121,7 +121,7 @@ void HttpEngine::expireIdle() {
     HttpReply reply = transfer->takeReply(CURLE_ABORTED_BY_CALLBACK);
     reply.errorText = timedOut.errorText;
     end(*transfer, std::move(reply));
-    // Those that wait behind a host that says nothing to anybody would each wait as long again.
+    // Requests behind a host that sends nothing on any connection would each wait as long again.
     if (isSilent(origin, since)) {
       failAll(queue_.takeWaiting(origin), timedOut);
     }
@@ -158,6 +158,7 @@ void HttpEngine::end(HttpTransfer& transfer, HttpReply reply) {
     queue_.setMultiplexed(origin, transfer.multiplexed());
     heard_[origin] = transfer.lastHeard();
   }
+  // First the job that failed, so that its reply comes before those of the jobs that waited behind it.
   finishOrRedirect(retire(transfer), std::move(reply), attempt, location);
   if (unreachable) {
     failUnconnected(origin, shared);
@@ -171,7 +172,7 @@ void HttpEngine::finishOrRedirect(std::unique_ptr<HttpJob> job, HttpReply reply,
       case HttpRedirectVerdict::Final:
         break;
       case HttpRedirectVerdict::Follow:
-        queue_.addFirst(std::move(job));
+        queue_.addFirst(std::move(job));  // It has waited already.
         return;
       case HttpRedirectVerdict::Refuse:
         reply.error = HttpError::BadRedirect;

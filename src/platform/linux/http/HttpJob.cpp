@@ -17,6 +17,7 @@ bool prepareJob(HttpJob& job) {
   request.url = url->text;
   job.origin = url->origin;
   job.namedOrigin = url->origin;
+  // Decided here, before a redirect turns a POST into a GET: what it carried stays private.
   job.mayLeaveOrigin = request.body.empty() && (request.method == "GET" || request.method == "HEAD");
   return true;
 }

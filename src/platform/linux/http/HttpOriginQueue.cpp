@@ -43,6 +43,7 @@ void HttpOriginQueue::ended(const HttpOrigin& origin) {
   }
   Lane& lane = found->second;
   lane.started -= lane.started > 0 ? 1U : 0U;
+  // A multiplexed one is kept: the next burst may start all at once.
   if (lane.started == 0 && lane.waiting.empty() && !lane.multiplexed) {
     lanes_.erase(found);
   }

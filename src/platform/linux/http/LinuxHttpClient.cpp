@@ -12,7 +12,7 @@ LinuxHttpClient::LinuxHttpClient(MainLoop& loop, LinuxHttpClientOptions options)
 
 LinuxHttpClient::~LinuxHttpClient() {
   if (forkGuard_.isForkedChild()) {
-    // The thread is not there to be joined, and its locks may have been held when the process was forked.
+    // The thread does not exist here and cannot be joined; its mutexes may have been locked when the process forked.
     static_cast<void>(network_.release());
   }
 }
