@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <string_view>
 
 /// Names of the entries in the user defaults. docs/disk.md lists writers and readers.
@@ -56,41 +55,16 @@ inline constexpr std::string_view kTagsDefault = "KesuPersonalizationIntelligenc
 
 /// What a change of the application key clears, in this order.
 /// Kept: "launchTimeCummulativeDataPoints" is spelled as installations in the field have it.
-inline constexpr std::array<std::string_view, 36> kKeysClearedWithAppKey = {"alc",
-                                                                            "localKaid",
-                                                                            "localKaid2",
-                                                                            "lrc",
-                                                                            "launchTimeDataPoints",
-                                                                            "rv",
-                                                                            "av",
-                                                                            "ov",
-                                                                            "launchTimeCummulativeDataPoints",
-                                                                            "appExceeds3dayUsage",
-                                                                            "appExceeds5dayUsage",
-                                                                            "appExceeds7dayUsage",
-                                                                            "~a:u15m",
-                                                                            "~a:u30m",
-                                                                            "~a:u60m",
-                                                                            "asst",
-                                                                            "~a:u5mo3D",
-                                                                            "~a:u10mo3D",
-                                                                            "~a:u15mo3D",
-                                                                            "~a:u30mo3D",
-                                                                            "~a:u5mo5D",
-                                                                            "~a:u10mo5D",
-                                                                            "~a:u15mo5D",
-                                                                            "~a:u30mo5D",
-                                                                            "~a:u5mo7D",
-                                                                            "~a:u10mo7D",
-                                                                            "~a:u15mo7D",
-                                                                            "~a:u30mo7D",
-                                                                            "AppActivationUsage",
-                                                                            "~a:3UD",
-                                                                            "~a:5UD",
-                                                                            "~a:7UD",
-                                                                            "~a:2DL7",
-                                                                            "~a:3DL7",
-                                                                            "sevenDays",
-                                                                            "lastSeen"};
+inline constexpr std::string_view kKeysClearedWithAppKey[] = {
+    // Identity, launches and versions.
+    "alc", "localKaid", "localKaid2", "lrc", "launchTimeDataPoints", "rv", "av", "ov",
+    "launchTimeCummulativeDataPoints",
+    // Usage in all.
+    "appExceeds3dayUsage", "appExceeds5dayUsage", "appExceeds7dayUsage", "~a:u15m", "~a:u30m", "~a:u60m", "asst",
+    // Usage within 3, 5 and 7 days.
+    "~a:u5mo3D", "~a:u10mo3D", "~a:u15mo3D", "~a:u30mo3D", "~a:u5mo5D", "~a:u10mo5D", "~a:u15mo5D", "~a:u30mo5D",
+    "~a:u5mo7D", "~a:u10mo7D", "~a:u15mo7D", "~a:u30mo7D", "AppActivationUsage",
+    // Days of use.
+    "~a:3UD", "~a:5UD", "~a:7UD", "~a:2DL7", "~a:3DL7", "sevenDays", "lastSeen"};
 
 }  // namespace kesu
