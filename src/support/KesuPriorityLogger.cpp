@@ -5,8 +5,8 @@
 #include <array>
 #include <cstdarg>
 #include <cstdio>
+#include <cstring>
 #include <string>
-#include <string_view>
 
 namespace kesu {
 namespace {
@@ -44,16 +44,12 @@ void KesuPriorityLogger::logWithLevel(std::int32_t level, const char* format, ..
 
 void KesuPriorityLogger::logWithLevel(std::int32_t level, const char* filePath, unsigned long lineNo,
                                       const char* format, ...) {
-  if (!shows(level)) {
-    return;
-  }
   std::va_list arguments;
   va_start(arguments, format);
   const std::string text = formatted(format, arguments);
   va_end(arguments);
-  const std::string_view path = filePath;
-  const std::string_view file = path.substr(path.rfind('/') + 1);
-  Platform::current().log.write(level, "[" + std::string(file) + ":" + std::to_string(lineNo) + "]" + text);
+  const char* slash = std::strrchr(filePath, '/');
+  logWithLevel(level, "[%s:%lu]%s", slash != nullptr ? slash + 1 : filePath, lineNo, text.c_str());
 }
 
 }  // namespace kesu
