@@ -24,12 +24,6 @@ inline const ScreenKey kMenu = {"Menu", "0x2"};
 /// The keys of the common columns of a record in their order, before those that its kind adds.
 inline const std::string kColumns = "kak ~v kaid ace ase msg_id ldt rv av ov ";
 
-class FixedTopScreen : public TopScreen {
- public:
-  std::optional<ScreenKey> topScreen() override { return top; }
-  std::optional<ScreenKey> top = kMain;
-};
-
 /// The screen flow of a process that crashes and restarts.
 class FlowTest : public ::testing::Test {
  protected:
@@ -125,7 +119,7 @@ class ManagerTest : public FlowTest {
     return letters;
   }
 
-  FixedTopScreen top;
+  std::optional<ScreenKey> top = kMain;
   KesuStore store{platform.files, platform.defaults, platform.clock};
   KesuPost post{platform.http, platform.defaults, platform.clock, settings, store};
   ResendPass resendPass{store, post, platform.mainLoop, platform.clock};
@@ -133,7 +127,8 @@ class ManagerTest : public FlowTest {
 
  private:
   std::unique_ptr<KesuManager> newManager() {
-    return std::make_unique<KesuManager>(platform.platform, settings, metrics, post, resendPass, top);
+    return std::make_unique<KesuManager>(platform.platform, settings, metrics, post, resendPass,
+                                         [this] { return top; });
   }
 
   std::size_t taken_ = 0;

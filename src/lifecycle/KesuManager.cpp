@@ -27,12 +27,12 @@ constexpr const char* kSource = "KesuManager";
 }  // namespace
 
 KesuManager::KesuManager(Platform& platform, DeploymentSettings& settings, KesuMetrics& metrics, KesuPost& post,
-                         ResendPass& resendPass, TopScreen& topScreen)
+                         ResendPass& resendPass, TopScreen topScreen)
     : platform_(platform),
       settings_(settings),
       metrics_(metrics),
       sender_(platform, metrics, post, instance_, location_, reports_.variants),
-      stateChanges_(platform, metrics, instance_, sender_, reports_, topScreen),
+      stateChanges_(platform, metrics, instance_, sender_, reports_, std::move(topScreen)),
       collector_(platform.reachability, platform.notifications, settings, resendPass) {
   addPrimaryObservers();
 }

@@ -20,7 +20,6 @@
 #include "lifecycle/RecordSender.h"
 #include "lifecycle/RemoteNotifications.h"
 #include "lifecycle/StateChanges.h"
-#include "lifecycle/TopScreen.h"
 #include "services/DeploymentSettings.h"
 
 namespace kesu {
@@ -31,7 +30,7 @@ class KesuManager : public EventPoster {
  public:
   /// Installs the observers. The services must outlive the manager.
   KesuManager(Platform& platform, DeploymentSettings& settings, KesuMetrics& metrics, KesuPost& post,
-              ResendPass& resendPass, TopScreen& topScreen);
+              ResendPass& resendPass, TopScreen topScreen);
   ~KesuManager() override;
 
   KesuManager(const KesuManager&) = delete;

@@ -28,7 +28,7 @@ ScreenKey StateChanges::screenFor(char state, const std::optional<std::string>& 
     // Kept: a termination looks for a screen called "from foreground", so that the visible one gets no entry.
     return {*detail, ""};
   }
-  return topScreen_.topScreen().value_or(ScreenKey{"Unknown", ""});
+  return topScreen_().value_or(ScreenKey{"Unknown", ""});
 }
 
 StateChanges::Change StateChanges::tracked(char state, const std::optional<std::string>& detail,

@@ -3,30 +3,34 @@
 #include <kesu/foundation/Value.h>
 #include <kesu/platform/Platform.h>
 
+#include <functional>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "device/KesuMetrics.h"
 #include "lifecycle/AppInstance.h"
 #include "lifecycle/CalendarReports.h"
 #include "lifecycle/RecordSender.h"
 #include "lifecycle/ScreenFlow.h"
-#include "lifecycle/TopScreen.h"
 
 namespace kesu {
+
+/// Returns the screen on top; nothing when there is none. Main thread.
+using TopScreen = std::function<std::optional<ScreenKey>()>;
 
 /// Turns transitions of the application and of its screens into state-change records, and reports the activations that
 /// are due with them.
 class StateChanges {
  public:
   StateChanges(Platform& platform, KesuMetrics& metrics, const AppInstance& instance, RecordSender& sender,
-               CalendarReports& reports, TopScreen& topScreen)
+               CalendarReports& reports, TopScreen topScreen)
       : background_(platform.background),
         metrics_(metrics),
         instance_(instance),
         sender_(sender),
         reports_(reports),
-        topScreen_(topScreen),
+        topScreen_(std::move(topScreen)),
         flow_(platform.defaults, platform.clock, platform.bundle, metrics, reports.usage) {}
 
   /// Reports a transition of the application. Main thread. Tracks the flow synchronously: a screen that appears right
@@ -56,7 +60,7 @@ class StateChanges {
   const AppInstance& instance_;
   RecordSender& sender_;
   CalendarReports& reports_;
-  TopScreen& topScreen_;
+  TopScreen topScreen_;
   ScreenFlow flow_;
 };
 

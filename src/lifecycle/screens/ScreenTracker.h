@@ -3,17 +3,17 @@
 #include <kesu/ui/ViewController.h>
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "lifecycle/ScreenFlow.h"
 #include "lifecycle/StateChanges.h"
-#include "lifecycle/TopScreen.h"
 
 namespace kesu {
 
 /// Reports every screen that appears or disappears, and knows which one is on top. Main thread.
-class ScreenTracker : public TopScreen {
+class ScreenTracker {
  public:
   using Provider = StateChanges& (*)();
 
@@ -30,7 +30,7 @@ class ScreenTracker : public TopScreen {
 
   /// Returns the host's own screen that appeared last and is still visible, else the top view controller of the key
   /// window.
-  std::optional<ScreenKey> topScreen() override;
+  std::optional<ScreenKey> topScreen();
 
  private:
   std::vector<ScreenKey> ownScreens_;  // Visible screens of the host's own, the latest last.
