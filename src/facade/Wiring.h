@@ -17,8 +17,8 @@ namespace kesu {
 KesuImageCache& sharedImageCache();
 
 /// Every object of the library and its collaborators, created in this order (each may use those above it), those of
-/// delivery and messaging first. wiring() creates it on the installed platform; tests may create one on any platform, one
-/// at a time.
+/// delivery and messaging first. wiring() creates it on the installed platform; tests may create one on any platform,
+/// one at a time.
 struct Wiring : MessagingWiring {
   using MessagingWiring::MessagingWiring;
 
