@@ -56,7 +56,7 @@ TEST(TablePrinter, WrapsTheLastColumnUnderItself) {
             "    two\n");
 }
 
-TEST(TablePrinter, CutsWordsThatFitNoLine) {
+TEST(TablePrinter, CutsWordsLongerThanALine) {
   EXPECT_EQ(wrapped("abcdefgh ij", 4), (std::vector<std::string>{"abcd", "efgh", "ij"}));
   EXPECT_EQ(wrapped("", 4), std::vector<std::string>{""});
 }
@@ -66,7 +66,7 @@ TEST(Text, PadsByCodePoints) {
   EXPECT_EQ(padded("abcd", 3), "abcd");
 }
 
-TEST(Fields, CountWhatIsMissingAsEmpty) {
+TEST(Fields, CountAsEmptyWhenMissing) {
   std::string problem;
   const Dictionary fields = parseObject(R"({"text":"a","number":7,"list":["b",1]})", problem).value_or(Dictionary());
   EXPECT_EQ(textIn(fields, "text") + textIn(fields, "number") + textIn(fields, "none"), "a");

@@ -160,7 +160,7 @@ std::string clockText(std::int64_t millisecondsSince1970) {
 std::string utcText(std::int64_t millisecondsSince1970) {
   const Date date{static_cast<double>(millisecondsSince1970 / 1000)};
   const CivilTime time = civilTime(date).value_or(CivilTime());
-  return dayText(time) + "T" + kesu::clockText(time) + fractionText(millisecondsSince1970) + "Z";
+  return civilText(time, 'T') + fractionText(millisecondsSince1970) + "Z";
 }
 
 std::int64_t nowMilliseconds() {

@@ -18,7 +18,7 @@ namespace {
 
 constexpr int kPatienceSeconds = 60;
 
-// The real services on a free port, and a client that speaks to them.
+// The real services on a free port, and a client.
 class CollectorTest : public testing::Test {
  protected:
   CollectorTest() { start({}); }
@@ -156,7 +156,7 @@ TEST_F(CollectorTest, AnswersBadRecordsWith400WhenStrict) {
   EXPECT_EQ(count("bad"), 1);
 }
 
-TEST_F(CollectorTest, SuffersEachFaultOnce) {
+TEST_F(CollectorTest, AppliesEachFaultOnce) {
   const struct {
     const char* fault;
     int status;  // 0 = no reply
@@ -181,7 +181,7 @@ TEST_F(CollectorTest, SuffersEachFaultOnce) {
   EXPECT_EQ(count("faultHits"), static_cast<std::int64_t>(std::size(rows)));
 }
 
-TEST_F(CollectorTest, FaultsShapeTheReply) {
+TEST_F(CollectorTest, FaultsChangeTheReply) {
   setFault(R"([{"route":"/a","garbageBody":true},{"route":"/b","redirect":"http://127.0.0.1:1/x","status":301}])");
   EXPECT_FALSE(parseJson(client().Post("/a", "{}", "application/json")->body));
   const httplib::Result redirected = client().Post("/b", "{}", "application/json");
@@ -231,7 +231,7 @@ TEST_F(CollectorTest, RefusesOtherHostsAndClosesWithTheBodyUnread) {
   EXPECT_EQ(count("total"), 0);
 }
 
-TEST_F(CollectorTest, SurvivesWhatIsNoHttp) {
+TEST_F(CollectorTest, SurvivesInvalidHttp) {
   EXPECT_EQ(exchange("\x16\x03\x01\x02\r\n\r\n\r\n").substr(0, 12), "HTTP/1.1 400");
   EXPECT_EQ(exchange("GET /" + std::string(4000, 'a') + " HTTP/1.1\r\n" + hostHeader() + "\r\n").substr(0, 12),
             "HTTP/1.1 414");
@@ -252,7 +252,7 @@ TEST_F(CollectorTest, NeedsALength) {
   EXPECT_EQ(exchange(request).substr(0, 12), "HTTP/1.1 411");
 }
 
-TEST_F(CollectorTest, TellsPathsApart) {
+TEST_F(CollectorTest, DispatchesByPathAndMethod) {
   EXPECT_EQ(client().Post("/any/where", {{"t", "e"}, {"v", kTestVersion}}, testRecord("e"), "application/json")->status,
             200);
   EXPECT_EQ(count("good"), 1);
@@ -285,7 +285,7 @@ TEST_F(CollectorTest, EventStreamResumesWhereItBroke) {
   EXPECT_EQ(eventsAfter({{"Last-Event-ID", "77"}}, "/events", 1), "1:record ");
 }
 
-TEST_F(CollectorTest, EventStreamTellsWhatHappensFromNowOn) {
+TEST_F(CollectorTest, EventStreamSendsNewRecordsAndResets) {
   post(testRecord("e"));
   std::promise<void> following;
   std::promise<void> recordSeen;
@@ -314,7 +314,7 @@ TEST_F(CollectorTest, EventStreamTellsWhatHappensFromNowOn) {
   EXPECT_EQ(seen, "record reset ");
 }
 
-TEST_F(CollectorTest, TakesManyRecordsOnManyConnections) {
+TEST_F(CollectorTest, StoresRecordsOfManyConnections) {
   std::vector<std::thread> senders;
   for (int sender = 0; sender < 8; ++sender) {
     senders.emplace_back([&, sender] {
@@ -332,7 +332,7 @@ TEST_F(CollectorTest, TakesManyRecordsOnManyConnections) {
   EXPECT_EQ(count("duplicates"), 0);
 }
 
-TEST_F(CollectorTest, TakesInWhatAnEndedProgramLeftBehind) {
+TEST_F(CollectorTest, StoresTheRecordsOfAnEndedProgram) {
   for (int i = 0; i < 20; ++i) {
     close(sendRaw("POST /collect HTTP/1.1\r\n" + hostHeader() + "Content-Length: 2\r\n\r\n{}"));
   }
@@ -341,7 +341,7 @@ TEST_F(CollectorTest, TakesInWhatAnEndedProgramLeftBehind) {
   EXPECT_EQ(sum(services_->store().counts()).total(), 20);
 }
 
-TEST_F(CollectorTest, GoesToTheNextPortOnlyWhenNoneWasAsked) {
+TEST_F(CollectorTest, TriesTheNextPortUnlessOneWasNamed) {
   std::string error;
   Services::Options taken;
   taken.port = server_.port;

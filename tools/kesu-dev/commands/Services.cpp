@@ -10,10 +10,10 @@
 namespace kesu::dev {
 namespace {
 
-constexpr int kPortsToTry = 20;
-constexpr std::chrono::milliseconds kSettlePatience{2000};
+constexpr int kPortsToTry = 20;                             // As many as lie between the two default ports.
+constexpr std::chrono::milliseconds kSettlePatience{2000};  // Requests that hang by a fault never end.
 
-// The port asked for, or the first free one from `standard` on.
+// Binds to the port asked for, or to the first free one from `standard` on.
 bool bindTo(loopback::Server& server, const std::optional<int>& port, int standard) {
   if (port) {
     return server.bind(*port);

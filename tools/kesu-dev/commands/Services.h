@@ -15,7 +15,7 @@
 
 namespace kesu::dev {
 
-/// Everything that `kesu-dev serve` serves, put together and running.
+/// The running services of kesu-dev: collector and messaging service.
 class Services {
  public:
   struct Options {
@@ -54,17 +54,17 @@ class Services {
   /// The certificate to trust for that; removed with this object.
   std::string certificateFile() const { return directory_ / "certificate.pem"; }
 
-  /// The environment that leads a program here, "NAME=value" each.
+  /// Returns the environment that points a program at the services, "NAME=value" each.
   std::vector<std::string> environment() const;
 
   MessagingService& messaging() { return messaging_; }
   RecordStore& store() { return *store_; }
   loopback::FaultTable& faults() { return faults_; }
 
-  /// Gives what a program that has ended left in its connections a moment to be taken in.
+  /// Waits briefly until the requests that an ended program has left in its connections are handled.
   void settle();
 
-  /// Ends every connection, hanging ones too. May be called twice.
+  /// Closes every connection, hanging ones too. May be called twice.
   void stop();
 
  private:

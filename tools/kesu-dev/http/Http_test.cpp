@@ -30,7 +30,7 @@ TEST(RequestGuard, ServesThisMachineOnly) {
   }
 }
 
-TEST(EventParser, PutsPiecesTogether) {
+TEST(EventParser, ReadsPiecesOfAnySize) {
   const std::string stream =
       ": hello\n\n" + eventText({7, "record", "{\"a\":1}"}) + ": ping\n\n" + eventText({8, "reset", "{}"});
   for (const std::size_t size : {std::size_t{1}, std::size_t{5}, stream.size()}) {
@@ -44,7 +44,7 @@ TEST(EventParser, PutsPiecesTogether) {
   }
 }
 
-TEST(EventStream, LastEventIdGoesBeforeTheQuery) {
+TEST(EventStream, PrefersTheLastEventIdToTheQuery) {
   EXPECT_EQ(resumePoint("", std::nullopt), std::nullopt);
   EXPECT_EQ(resumePoint("", "3"), 3);
   EXPECT_EQ(resumePoint("5", "3"), 5);

@@ -31,7 +31,7 @@ class MessageDirectoryTest : public ::testing::Test {
   testing::TemporaryDirectory directory_;
 };
 
-TEST_F(MessageDirectoryTest, PutsTemplateDataIntoATextThatHoldsJson) {
+TEST_F(MessageDirectoryTest, WritesTemplateDataAsATextOfJson) {
   directory_.write("p.png", kPicture);
   const struct {
     const char* natural;
@@ -83,7 +83,7 @@ TEST_F(MessageDirectoryTest, SaysWhyAFileIsSkipped) {
   EXPECT_EQ(reading.messages.front().header, (Dictionary{{"mid", "m"}, {"cid", "c"}, {"title", Null()}}));
 }
 
-TEST_F(MessageDirectoryTest, ReadsTagsAsListOrAsTheTextToSend) {
+TEST_F(MessageDirectoryTest, ReadsTagsAsAListOrAsText) {
   EXPECT_EQ(read().tags, R"({"tags":[]})");
   directory_.write("tags.json", R"({"tags":["gold",1]})");
   EXPECT_EQ(read().tags, R"({"tags":["gold",1]})");

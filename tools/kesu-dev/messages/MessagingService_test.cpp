@@ -43,7 +43,7 @@ std::string messageFile(const std::string& mid, const std::string& templateData 
          R"("p_temp_2","templateData":)" + templateData + "}}";
 }
 
-// The real services with a directory of messages, and a client that trusts nothing but their certificate.
+// The real services with a directory of messages, and a client that trusts only their certificate.
 class MessagingTest : public ::testing::Test {
  protected:
   MessagingTest() {
@@ -144,7 +144,7 @@ TEST_F(MessagingTest, AnswersEveryCallInBothModesOverTls) {
   EXPECT_EQ(client("localhost")->Put("/api/inapp/count/", kAsking, "application/json")->status, 200);
 }
 
-TEST_F(MessagingTest, IsTrustedByItsCertificateOnlyWhichGoesWithIt) {
+TEST_F(MessagingTest, IsTrustedByItsCertificateOnly) {
   const auto stranger = client();
   stranger->set_ca_cert_path("/etc/ssl/certs/ca-certificates.crt");
   EXPECT_FALSE(stranger->Put("/api/inapp/count/", kAsking, "application/json"));
@@ -192,7 +192,7 @@ TEST_F(MessagingTest, GivesEachMessageOnceToRequestsAtTheSameTime) {
   EXPECT_EQ(sum, 20U);
 }
 
-TEST_F(MessagingTest, RefusesWhatAnApplicationShouldNotSendAndNotesIt) {
+TEST_F(MessagingTest, RefusesAndStoresBadRequests) {
   const struct {
     const char* method;
     const char* path;
@@ -232,7 +232,7 @@ TEST_F(MessagingTest, RefusesWhatAnApplicationShouldNotSendAndNotesIt) {
   EXPECT_EQ(bad.back().reasons.front(), rows[std::size(rows) - 1].reason);
 }
 
-TEST_F(MessagingTest, SuffersFaultsOnEveryRoute) {
+TEST_F(MessagingTest, AppliesFaultsOnEveryRoute) {
   write("a.json", messageFile("m1"));
   for (const MessagingRoute& route : messagingRoutes()) {
     const std::string path(route.developmentPath);
@@ -302,7 +302,7 @@ TEST_F(MessagingTest, ServesThePicturesOfItsDirectoryOnly) {
   }
 }
 
-TEST_F(MessagingTest, TellsOfASkippedFileOnceUntilItIsMended) {
+TEST_F(MessagingTest, ReportsASkippedFileOnceUntilItIsRepaired) {
   const std::string line = "skipped a.json: is not valid JSON\n";
   write("a.json", "{");
   EXPECT_EQ(count(), 0);
@@ -316,7 +316,7 @@ TEST_F(MessagingTest, TellsOfASkippedFileOnceUntilItIsMended) {
   EXPECT_EQ(said(), line + line);
 }
 
-TEST_F(MessagingTest, RefusesWhatAWebPageMaySend) {
+TEST_F(MessagingTest, RefusesRequestsOfWebPages) {
   for (const httplib::Headers& headers :
        {httplib::Headers{{"Host", "page.example"}}, httplib::Headers{{"Origin", "https://page.example"}},
         httplib::Headers{{"Sec-Fetch-Site", "cross-site"}}}) {
@@ -324,7 +324,7 @@ TEST_F(MessagingTest, RefusesWhatAWebPageMaySend) {
   }
 }
 
-TEST_F(MessagingTest, TakesNothingThatIsNotEncryptedAndStopsBesideIt) {
+TEST_F(MessagingTest, RefusesPlainConnectionsAndStopsWithOneOpen) {
   const int port = std::stoi(services_->messagingHost().substr(std::string("127.0.0.1:").size()));
   EXPECT_FALSE(httplib::Client("127.0.0.1", port).Put("/api/inapp/count/", kAsking, "application/json"));
   const int silent = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
@@ -340,7 +340,7 @@ TEST_F(MessagingTest, TakesNothingThatIsNotEncryptedAndStopsBesideIt) {
   close(silent);
 }
 
-TEST_F(MessagingTest, ExamplesAreWholeAndAwkwardOnesGoThrough) {
+TEST_F(MessagingTest, ServesTheExamplesAndTheAwkwardMessages) {
   start(kExamples);
   EXPECT_EQ(count(), 3);
   for (const Value& value : listFrom(objectFrom(post("/api/inapp/getInAppMessages/")->body), "payloadlist")) {

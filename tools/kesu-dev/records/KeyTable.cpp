@@ -172,10 +172,6 @@ std::span<const KeyInfo> allKeys() {
   return kKeys;
 }
 
-std::span<const DestinationInfo> allDestinations() {
-  return kDestinations;
-}
-
 const KeyInfo* findKey(std::string_view key) {
   static const auto index = [] {
     std::unordered_map<std::string_view, const KeyInfo*> rows;

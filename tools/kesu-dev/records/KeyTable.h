@@ -57,7 +57,6 @@ struct StateInfo {
 inline constexpr std::string_view kUnknownDestination = "UnknownDestination";
 
 std::span<const KeyInfo> allKeys();
-std::span<const DestinationInfo> allDestinations();
 
 /// Find the row of a key, destination code or state letter; null when there is none.
 const KeyInfo* findKey(std::string_view key);

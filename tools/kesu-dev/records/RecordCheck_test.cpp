@@ -21,8 +21,9 @@ std::string reasonsOf(const CheckResult& result) {
 }
 
 TEST(RecordCheck, AcceptsARecordOfEveryDestination) {
-  for (const DestinationInfo& destination : allDestinations()) {
-    EXPECT_EQ(reasonsOf(check(destination.code, testRecord(destination.code))), "") << destination.code;
+  for (const Dictionary& destination : objectsOf(listIn(describeKeys(), "destinations"))) {
+    const std::string code = textIn(destination, "code");
+    EXPECT_EQ(reasonsOf(check(code, testRecord(code))), "") << code;
   }
 }
 
@@ -39,7 +40,7 @@ TEST(RecordCheck, AcceptsAnApplicationWithoutVersions) {
   EXPECT_EQ(reasonsOf(check("e", jsonText(body))), "");
 }
 
-TEST(RecordCheck, NamesWhatIsWrongWithAHeader) {
+TEST(RecordCheck, ReportsBadHeaders) {
   const struct {
     const char* destination;
     const char* version;
@@ -67,7 +68,7 @@ TEST(RecordCheck, NamesWhatIsWrongWithAHeader) {
   }
 }
 
-TEST(RecordCheck, NamesWhatIsWrongWithAKey) {
+TEST(RecordCheck, ReportsBadKeys) {
   const struct {
     const char* destination;
     const char* key;
@@ -119,7 +120,7 @@ TEST(RecordCheck, KeepsTheMessageIdOfABadRecord) {
   EXPECT_EQ(result.messageId, "AbCdEfGhIjKlMnOpQrSt99");
 }
 
-TEST(RecordCheck, TellsStoredRecordsByTheirAge) {
+TEST(RecordCheck, RecognisesStoredRecordsByTheirAge) {
   const struct {
     const char* made;
     const char* sent;

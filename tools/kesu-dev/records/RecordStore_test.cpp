@@ -47,7 +47,7 @@ class RecordStoreTest : public testing::Test {
   std::string error_;
 };
 
-TEST_F(RecordStoreTest, ReadsBackWhatWasAdded) {
+TEST_F(RecordStoreTest, ReadsTheRecordsThatWereAdded) {
   const auto store = open();
   StoredRecord record = bad("a");
   record.headers = R"({"t":"e"})";
@@ -96,7 +96,7 @@ TEST_F(RecordStoreTest, CountsByDestination) {
   EXPECT_EQ(jsonText(describeCounts(store->counts())), expected);
 }
 
-TEST_F(RecordStoreTest, ResetForgetsRecordsButNotHowFarItCounted) {
+TEST_F(RecordStoreTest, ResetRemovesRecordsAndContinuesToCount) {
   const auto store = open();
   store->add(testStored("e", "a"));
   ASSERT_TRUE(store->reset());
@@ -162,7 +162,7 @@ TEST(StoredRecord, EmbedsTheBodyByteForByteOnOneLine) {
   EXPECT_TRUE(parseJson(text));
 }
 
-TEST(StoredRecord, SurvivesTheWayThroughJson) {
+TEST(StoredRecord, ReadsTheJsonThatItWrote) {
   StoredRecord record = testStored("s", "abc");
   record.id = 7;
   record.headers = R"({"t":"s"})";

@@ -31,7 +31,7 @@ TEST(RecordText, NamesRecordsInWords) {
   }
 }
 
-TEST(RecordText, LineTellsWhatIsSpecial) {
+TEST(RecordText, LineShowsTheMarks) {
   StoredRecord record = testStored("e");
   record.id = 12;
   record.duplicateOf = 3;
@@ -57,7 +57,7 @@ TEST(RecordText, TableFoldsCommonColumns) {
   EXPECT_EQ(table.find("msg_id"), std::string::npos) << table;
 }
 
-TEST(RecordText, HintsAtKeysThatTheCatalogueDoesNotKnow) {
+TEST(RecordText, HintsAtKeysThatTheCatalogueLacks) {
   StoredRecord record = testStored("e", "AbCdEfGhIjKlMnOpQrSt01");
   Dictionary body = testBody("e");
   body.set("~e", "GamingLevelStart");
@@ -70,7 +70,7 @@ TEST(RecordText, HintsAtKeysThatTheCatalogueDoesNotKnow) {
   EXPECT_TRUE(record.good());
 }
 
-TEST(RecordText, TableShowsBadBodiesHarmlessly) {
+TEST(RecordText, TableEscapesBadBodies) {
   StoredRecord record;
   record.body = "\x1b]0;x\x07 no JSON";
   record.reasons = {"the body is not valid JSON"};
