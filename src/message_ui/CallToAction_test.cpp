@@ -172,7 +172,7 @@ struct HostController : ViewController, KesuInAppMessageDelegate {
   std::string line;
 };
 
-TEST_F(CallToActionTest, TellsTheDelegateWithoutABlockAndNoneThatHasGone) {
+TEST_F(CallToActionTest, CallsTheDelegateWithoutABlockAndNoDestroyedOne) {
   const Dictionary data{{"buttons", buttonEntries({{"B", "unique-id://x"}})}};
   auto host = std::make_unique<HostController>();
   presenter().setCallbacks({}, host.get());
@@ -225,12 +225,12 @@ TEST_F(CallToActionTest, RecordsAPressWhateverTheHostThrows) {
   }
 }
 
-TEST_F(CallToActionTest, TellsTheCollectorOnlyWhenTheProcessEnds) {
+TEST_F(CallToActionTest, InformsOnlyTheCollectorInAnExitHandler) {
   observeButtonClicks(platform.notifications,
                       [](const KesuInAppStatus&) { ADD_FAILURE() << "an observer of the host"; });
   KesuInAppOptions options;
   options.shouldOpenUrl = [](const std::string&) {
-    ADD_FAILURE() << "what the host's functions use is gone when an exit handler runs";
+    ADD_FAILURE() << "what the host's functions use may be destroyed when an exit handler runs";
     return true;
   };
   presenter().setOptions(options);

@@ -9,8 +9,6 @@
 #include <vector>
 
 #include "graphics/TextLayout.h"
-#include "message_ui/SensibleOptions.h"
-#include "support/KesuPriorityLogger.h"
 #include "testing/FontRelease.h"
 #include "testing/PresenterTest.h"
 #include "uikit/ViewDrawing.h"
@@ -41,8 +39,13 @@ TEST_F(PresenterTest, FetchesAndShowsTheFirstMessage) {
   ASSERT_TRUE(isUp());
   EXPECT_EQ(calls, 2);
   EXPECT_EQ(presenter().showIndex(), 0);
+  EXPECT_EQ(texts(presenter().popupController()->popupView()), "Title|Text|Showing 1 of 2 in-app messages|");
+  EXPECT_EQ(focusedTitle(), "Watch");
+}
+
+TEST_F(PresenterTest, LaysTheCardOutAsAgreed) {
+  show({"a", "b"}, bodyReply("Title", "Text", kTwoButtons));
   const View& card = presenter().popupController()->popupView();
-  EXPECT_EQ(texts(card), "Title|Text|Showing 1 of 2 in-app messages|");
   EXPECT_EQ(card.accessibility().role, AccessibilityInfo::Role::Dialog);
   EXPECT_EQ(card.accessibility().label, "Title");
   const double height = std::min(presenter().contentHeight(), presenter().visibleHeight());
@@ -50,7 +53,6 @@ TEST_F(PresenterTest, FetchesAndShowsTheFirstMessage) {
   EXPECT_EQ(presenter().tableView()->backgroundColor(), Color::white());
   EXPECT_EQ(card.bounds().height, height + 80.0 + 80.0);
   EXPECT_NEAR(ViewDrawing::presented(card).center.y + card.bounds().height / 2.0, 1080.0, 1e-9);
-  EXPECT_EQ(focusedTitle(), "Watch");
 }
 
 TEST_F(PresenterTest, ShowsTheEmptyStateWhateverGoesWrongWithHeaders) {
@@ -95,13 +97,13 @@ TEST_F(PresenterTest, StartsWhereItsRuleSays) {
   EXPECT_EQ(texts(*presenter().bars()->bottomBarView()), "Showing 3 of 4 in-app messages|");
 }
 
-TEST_F(PresenterTest, PagesAndReports) {
+TEST_F(PresenterTest, PagesWithTheArrow) {
   show({"a", "b", "c"}, bodyReply("A", "Text", kTwoButtons));
   const View* next = presenter().bars()->focusAfter(kNextTag);
   screen.press(RemoteButton::Down);
   EXPECT_EQ(focusedTitle(), "\u276F") << "down to the only arrow, though it lies aside";
   screen.press(RemoteButton::Select);
-  EXPECT_TRUE(told.empty()) << "not before the message is there";
+  EXPECT_TRUE(told.empty()) << "not before the message has arrived";
   ASSERT_TRUE(answer("getmessage/", bodyReply("B", "Text", {{"canvas_bgColor", "#102030"}})));
   pass(0.7);
   ASSERT_EQ(told.size(), 1U);
@@ -111,15 +113,19 @@ TEST_F(PresenterTest, PagesAndReports) {
   EXPECT_EQ(screen.window.focusedView(), next) << "the same arrow, which stayed";
   EXPECT_EQ(presenter().popupController()->popupView().bounds().height, presenter().tableView()->bounds().height + 80.0)
       << "no buttons";
+}
+
+TEST_F(PresenterTest, PagesWithSwipesUpToTheEnds) {
+  show({"a", "b"}, bodyReply("A", "Text"));
   WindowInput::of(screen.window).swipe(SwipeDirection::Left);
-  ASSERT_TRUE(answer("getmessage/", bodyReply("C", "Text")));
+  ASSERT_TRUE(answer("getmessage/", bodyReply("B", "Text")));
   EXPECT_EQ(focusedTitle(), "\u276E") << "at the end the other arrow";
   WindowInput::of(screen.window).swipe(SwipeDirection::Left);
-  EXPECT_EQ(told.size(), 2U) << "nothing at the end";
+  EXPECT_EQ(told.size(), 1U) << "nothing at the end";
   WindowInput::of(screen.window).swipe(SwipeDirection::Right);
   platform.settle();
-  ASSERT_EQ(told.size(), 3U) << "from the cache";
-  EXPECT_EQ(told[2], (KesuInAppStatus{10, "b", "c-b", {}, {}, 3, {}}));
+  ASSERT_EQ(told.size(), 2U) << "from the cache";
+  EXPECT_EQ(told[1], (KesuInAppStatus{10, "a", "c-a", {}, {}, 3, {}}));
 }
 
 TEST_F(PresenterTest, DropsWhatComesLate) {
@@ -210,7 +216,7 @@ TEST_F(PresenterTest, ForgetsTheHostsFunctionsAtOnceAndItsLooksWithTheNextShow) 
   EXPECT_LT(presenter().contentHeight(), height);
 }
 
-TEST_F(PresenterTest, TellsOfADismissalBeforeItAndAfterItAlsoWithoutAnimation) {
+TEST_F(PresenterTest, CallsTheHostBeforeAndAfterADismissalAlsoWithoutAnimation) {
   std::string order;
   KesuInAppOptions options;
   options.willDismiss = [&] { order += screen.window.subviews().empty() ? "late " : "will "; };
@@ -257,7 +263,7 @@ TEST_F(PresenterTest, CachesAPictureThatComesTooLateAndDoesNotShowIt) {
   EXPECT_EQ(picture(*presenter().tableView())->alpha(), 0.0) << "its place stays quiet";
 }
 
-TEST_F(PresenterTest, GrowsForAPictureWhoseSizeNobodyTold) {
+TEST_F(PresenterTest, GrowsForAPictureOfUndeclaredSize) {
   show({"a"}, bodyReply("A", "Text", {{"optionalBase64Image", testing::pictureUrl(58, 20)}}));
   pass(0.7);
   const ImageView* shown = picture(*presenter().tableView());
@@ -366,23 +372,26 @@ TEST_F(PresenterTest, SurvivesHostileMessages) {
   }
 }
 
-TEST_F(PresenterTest, HeedsTheHostsOptions) {
-  KesuInAppOptions options;
-  options.screenInsets = {50.0, 0.0, 40.0, 0.0};
-  options.textScale = 2.0;
-  options.shouldShowMessage = [](const Dictionary& header) { return *header.findText("mid") != "a"; };
+TEST_F(PresenterTest, AppliesTheHostsInsetsAndTextScale) {
   show({"x"}, bodyReply("Title", "Text"));
   const double plainHeight = presenter().contentHeight();
   presenter().dismissViewController(false);
-  EXPECT_EQ(sensibleOptions({{-1.0, NAN, 1e9, 5.0}, NAN, {}, {}, {}, {}, {}, {}}).screenInsets,
-            (EdgeInsets{0.0, 0.0, 400.0, 5.0}));
-  EXPECT_EQ(sensibleOptions({{}, NAN, {}, {}, {}, {}, {}, {}}).textScale, 1.0);
+  KesuInAppOptions options;
+  options.screenInsets = {50.0, 0.0, 40.0, 0.0};
+  options.textScale = 2.0;
   presenter().setOptions(options);
-  show({"a", "b"}, bodyReply("Title", "Text"));
-  EXPECT_EQ(presenter().responseValue().size(), 1U);
+  show({"b"}, bodyReply("Title", "Text"));
   EXPECT_GT(presenter().contentHeight(), plainHeight);
   EXPECT_LT(presenter().visibleHeight(), 1080.0 * 0.9 - 80.0 - 80.0);
   EXPECT_EQ(presenter().popupController()->popupView().frame().bottom(), 1040.0);
+}
+
+TEST_F(PresenterTest, LeavesOutTheMessagesThatTheHostRefuses) {
+  KesuInAppOptions options;
+  options.shouldShowMessage = [](const Dictionary& header) { return *header.findText("mid") != "a"; };
+  presenter().setOptions(options);
+  show({"a", "b"}, bodyReply("Title", "Text"));
+  EXPECT_EQ(presenter().responseValue().size(), 1U);
   presenter().dismissViewController(false);
   present();
   ASSERT_TRUE(answer("newUnFetched/", headersReply({"a"})));
@@ -390,23 +399,29 @@ TEST_F(PresenterTest, HeedsTheHostsOptions) {
   EXPECT_FALSE(presenter().isInAppShown()) << "all refused: nothing is shown";
 }
 
-TEST_F(PresenterTest, EndsAShowOrADismissalWhoseHookThrows) {
-  const auto fail = [] { throw std::runtime_error("from the host"); };
+TEST_F(PresenterTest, ClosesAShowWhoseFilterThrows) {
   KesuInAppOptions options;
-  options.shouldShowMessage = [&](const Dictionary&) -> bool { throw std::runtime_error("from the host"); };
+  options.shouldShowMessage = [](const Dictionary&) -> bool { throw std::runtime_error("from the host"); };
   presenter().setOptions(options);
   present();
   EXPECT_THROW(answer("newUnFetched/", headersReply({"a"})), std::runtime_error);
   EXPECT_FALSE(presenter().isInAppShown());
-  options.shouldShowMessage = nullptr;
-  options.willPresent = fail;
+}
+
+TEST_F(PresenterTest, ClosesAShowWhoseHookThrows) {
+  KesuInAppOptions options;
+  options.willPresent = [] { throw std::runtime_error("from the host"); };
   presenter().setOptions(options);
   present();
   ASSERT_TRUE(answer("newUnFetched/", headersReply({"a"})));
   EXPECT_THROW(answer("getmessage/", bodyReply("Title", "Text", kTwoButtons)), std::runtime_error);
   EXPECT_FALSE(presenter().isInAppShown());
-  options.willPresent = nullptr;
-  options.willDismiss = fail;
+  EXPECT_FALSE(isUp());
+}
+
+TEST_F(PresenterTest, DismissesThoughTheHookThrows) {
+  KesuInAppOptions options;
+  options.willDismiss = [] { throw std::runtime_error("from the host"); };
   presenter().setOptions(options);
   show({"b"}, bodyReply("Title", "Text", kTwoButtons));
   ASSERT_TRUE(isUp());
@@ -418,26 +433,6 @@ TEST_F(PresenterTest, CountsUnreadMessages) {
   presenter().fetchUnreadMessageCount();
   ASSERT_TRUE(answer("count/", R"({"count": 7})"));
   EXPECT_EQ(presenter().unreadMessageCount(), 7);
-}
-
-TEST_F(PresenterTest, TellsWhatAMessageHolds) {
-  KesuPriorityLogger::sharedLogger().setLogLevel(3);
-  show({"a"}, bodyReply("Title", "Text",
-                        {{"imageSourceURL", "u"},
-                         {"imageWidth", 4},
-                         {"msgColor", "#1"},
-                         {"buttons", buttonEntries({{"Watch", "tv://watch"}})}}));
-  KesuPriorityLogger::sharedLogger().setLogLevel(0);
-  std::string lines;
-  for (const auto& line : platform.log.takeLines()) {
-    lines += line.text + "\n";
-  }
-  for (const char* wanted :
-       {"title = Title , message = Text, template-id = p_temp_2",
-        "image source URL = u,imageWidth = 4,imageHeight = 0,msgColor = #1,titleColor = (null)",
-        "Button title = Watch, deep-link URL = tv://watch, buttonBgColor = (null), buttonTextColor = tv://watch"}) {
-    EXPECT_NE(lines.find(wanted), std::string::npos) << wanted << "\n" << lines;
-  }
 }
 
 }  // namespace

@@ -7,9 +7,6 @@
 #include <string>
 
 #include "graphics/TextLayout.h"
-#include "message_ui/MessageBars.h"
-#include "message_ui/MessagePaging.h"
-#include "message_ui/UnreadBadge.h"
 
 namespace kesu {
 namespace {
@@ -55,7 +52,7 @@ TEST(MessageLayout, PlacesTheTitleOverThePictureAndNeverOutsideOfIt) {
   }
 }
 
-TEST(MessageLayout, ScalesPicturesAndRefusesSizesThatAreNone) {
+TEST(MessageLayout, ScalesPicturesAndRefusesImpossibleSizes) {
   EXPECT_EQ(clippedSizeFromImageSize({1160.0, 600.0}, 580.0), (Size{580.0, 300.0}));
   EXPECT_EQ(clippedSizeFromImageSize({290.0, 100.0}, 580.0), (Size{580.0, 200.0}));
   for (const Size none : {Size{0.0, 100.0}, Size{-5.0, 100.0}, Size{100.0, 0.0}, Size{100.0, -1.0}, Size{kNaN, 100.0},
@@ -122,97 +119,6 @@ TEST(MessageLayout, KeepsTextsLegible) {
   EXPECT_TRUE(isLight(Color::white()));
   EXPECT_FALSE(isLight(legibleColor(Color::white(), Color::white())));
   EXPECT_EQ(legibleColor(Color::black(), Color{0.05, 0.05, 0.05, 1.0}), Color::white());
-}
-
-Array headers(const std::string& states) {
-  Array made;
-  for (const char state : states) {
-    made.push_back(state == '-' ? Dictionary{{"mid", "m"}} : Dictionary{{"mid", "m"}, {"contentRead", state == 'r'}});
-  }
-  return made;
-}
-
-TEST(MessagePaging, ChoosesTheFirstMessageByItsRule) {
-  const std::pair<const char*, int> cases[] = {{"", 0},     {"r", 0},    {"rrr", 0}, {"u", 0},    {"uuu", 0},
-                                               {"ruru", 2}, {"rrur", 2}, {"urr", 0}, {"r-r-", 2}, {"rrru", 3}};
-  for (const auto& [states, expected] : cases) {
-    EXPECT_EQ(firstMessageIndex(headers(states)), expected) << states;
-  }
-}
-
-TEST(MessagePaging, StopsAtTheEnds) {
-  EXPECT_EQ(pagedIndex(kNextTag, 0, 3), 1);
-  EXPECT_EQ(pagedIndex(kNextTag, 2, 3), 2);
-  EXPECT_EQ(pagedIndex(kNextTag, 0, 0), 0);
-  EXPECT_EQ(pagedIndex(kPreviousTag, 2, 3), 1);
-  EXPECT_EQ(pagedIndex(kPreviousTag, 0, 3), 0);
-  EXPECT_EQ(pagedIndex(5, 2, 3), 1) << "every other tag is previous";
-}
-
-TEST(MessageBars, DressButtonsArrowsAndCounterAsAgreed) {
-  const Array entry{Value("Watch"), Value("tv://x"), Value("#112233"), Value("#ffeedd")};
-  const InAppTemplateData data({{"buttons", Array{Value(entry), Value(entry)}}}, false);
-  std::int64_t told = 0;
-  MessageBars bars([&](Button& button) { told += button.tag() + 100; }, [&](Button& button) { told += button.tag(); });
-  bars.show({&data, 1, 3, Color::white(), Color::redColor(), {}});
-  EXPECT_EQ(bars.bottomBarView()->bounds().size(), (Size{580.0, 160.0}));
-  EXPECT_EQ(bars.buttonBarView()->bounds().size(), (Size{580.0, 80.0}));
-  const auto button = std::dynamic_pointer_cast<KesuCustomBtn>(bars.controlBarView()->subviews().at(1));
-  EXPECT_EQ(button->tag(), 1);
-  EXPECT_EQ(button->frame(), actionButtonFrames(2, 580.0)[1]);
-  EXPECT_EQ(button->font(), (Font{"HelveticaNeue-Light", 30.0}));
-  EXPECT_EQ(button->titleColor(), (Color{1.0, 238.0 / 255.0, 221.0 / 255.0, 1.0}));
-  button->activate();
-  EXPECT_EQ(told, 101);
-  for (const auto& [tag, title] : {std::pair(kPreviousTag, "\u276E"), std::pair(kNextTag, "\u276F")}) {
-    auto* arrow = dynamic_cast<KesuCustomBtn*>(bars.focusAfter(tag));
-    EXPECT_EQ(arrow->title(), title);
-    EXPECT_EQ(arrow->tag(), tag);
-    EXPECT_EQ(arrow->font(), Font::system(36.0));
-    EXPECT_EQ(arrow->titleColor(), Color::redColor());
-    EXPECT_EQ(arrow->backgroundImage()->pixels()[0], 0U);
-    EXPECT_EQ(arrow->borderColor(), Color::clear());
-    for (const KesuCustomBtn* one : {arrow, button.get()}) {
-      EXPECT_EQ(one->cornerRadius(), 6.0);
-      EXPECT_EQ(one->borderWidth(), 1.0);
-      EXPECT_EQ(one->focusedScaleFactor(), 1.2000000476837158) << "set up";
-    }
-  }
-  const auto counter = std::dynamic_pointer_cast<Label>(bars.bottomBarView()->subviews().back()->subviews().front());
-  EXPECT_EQ(counter->text(), "Showing 2 of 3 in-app messages");
-  EXPECT_EQ(counter->font(), (Font{"HelveticaNeue-Regular", 18.0}));
-  EXPECT_EQ(counter->textColor(), Color::redColor());
-  EXPECT_EQ(counter->minimumScaleFactor(), 0.85);
-  EXPECT_EQ(counter->frame().x, 165.0);
-  bars.show({nullptr, 0, 1, Color::white(), {}, {}});
-  EXPECT_EQ(counter->text(), "Showing 1 of 1 in-app messages");
-  EXPECT_EQ(counter->textColor(), Color::white());
-  EXPECT_EQ(bars.controlBarView(), nullptr);
-  EXPECT_EQ(bars.buttonBarView()->bounds().height, 0.0);
-  EXPECT_EQ(bars.firstFocus(), nullptr) << "no arrow for a single message";
-  EXPECT_EQ(imageWithColor({1.0, 0.0, 0.5, 0.5})->pixels()[0], 0x80800040U);
-}
-
-TEST(UnreadBadge, LooksAsItAlwaysDid) {
-  EXPECT_EQ(unreadBadgeFrame({100.0, 50.0, 40.0, 30.0}), (Rect{127.0, 37.0, 26.0, 26.0}));
-  EXPECT_EQ(unreadBadgeFrame({}), (Rect{-13.0, -13.0, 26.0, 26.0}));
-  const auto parent = std::make_shared<View>();
-  const auto view = std::make_shared<View>(Rect{100.0, 50.0, 40.0, 30.0});
-  addUnreadBadge(*view, 3);  // Without a superview nothing happens.
-  parent->addSubview(view);
-  addUnreadBadge(*view, 0);
-  addUnreadBadge(*view, 12);
-  ASSERT_EQ(parent->subviews().size(), 3U) << "each call adds another one";
-  const auto badge = std::dynamic_pointer_cast<Label>(parent->subviews().back());
-  EXPECT_EQ(badge->text(), "12");
-  EXPECT_EQ(std::dynamic_pointer_cast<Label>(parent->subviews()[1])->text(), "0");
-  EXPECT_EQ(badge->font(), Font::system(14.0));
-  EXPECT_EQ(badge->backgroundColor(), Color::redColor());
-  EXPECT_EQ(badge->cornerRadius(), 14.0);
-  EXPECT_EQ(badge->borderWidth(), 1.0);
-  EXPECT_EQ(badge->borderColor(), Color::clear());
-  EXPECT_TRUE(badge->clipsToBounds());
-  EXPECT_EQ(badge->shadow().opacity, 0.0);
 }
 
 }  // namespace

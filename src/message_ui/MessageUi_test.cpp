@@ -75,7 +75,7 @@ class ThreadedQueue final : public BackgroundQueue {
   std::thread thread_{[this] { run(); }};
 };
 
-/// Somebody who presses, closes, shows and waits as chance will have it, while the service answers in any order.
+/// Presses, closes, shows and waits at random, while the service answers in any order.
 class Chance {
  public:
   explicit Chance(unsigned seed) : random_(seed) {
@@ -92,7 +92,7 @@ class Chance {
 
   ~Chance() {
     worker_.drain(0.0);
-    screen_->presenter.reset();  // What is on its way comes to nobody.
+    screen_->presenter.reset();  // Late replies find no presenter.
     fakes_.mainLoop.runAll();
     screen_.reset();
     worker_.drain(0.0);

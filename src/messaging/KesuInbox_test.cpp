@@ -98,7 +98,7 @@ TEST_F(InboxTest, LeavesMissingIdentifiersOut) {
   EXPECT_EQ(platform.http.request(0).body, R"({"kaid":"id"})");
 }
 
-TEST_F(InboxTest, SendsNothingThatIsNoJson) {
+TEST_F(InboxTest, SendsNothingThatCannotBeJson) {
   platform.defaults.set(kAppKeyDefault, "\xFF");
   inbox.kesu_countNewUnFetched(listenToCount());
   EXPECT_EQ(platform.http.requestCount(), 0U);
@@ -195,7 +195,7 @@ TEST_F(InboxTest, KeepsHeadersAndRemembersThoseBefore) {
   EXPECT_TRUE(stored(kHeadersDefault).ends_with(R"(,{"mid":"3","contentRead":false}])"));
 }
 
-TEST_F(InboxTest, KeepsTheHeadersBeforeThatAreThere) {
+TEST_F(InboxTest, KeepsEarlierHeadersThatAreStored) {
   platform.defaults.set(kPreviousHeadersDefault, json(R"([{"mid":"0"}])"));
   inbox.kesu_getMessageHeadersForType(Type::Unread, {});
   answer(R"({"metadatalist":[{"mid":"1"}]})");
@@ -294,12 +294,12 @@ TEST_F(InboxTest, ServesNothingFromTheCacheWithoutBothIdentifiers) {
   EXPECT_EQ(takeTold(), Strings(3, "nil"));
 }
 
-TEST_F(InboxTest, KeepsWhatComesAtTheEndAndTellsOnlyAHostThatIsThere) {
+TEST_F(InboxTest, StoresRepliesAtTheEndAndCallsNoHostInAnExitHandler) {
   inbox.kesu_getMessageHeadersForType(Type::Unread, listen());
   platform.http.answer(0, 200, R"({"metadatalist":[{"mid":"1"}]})");
   inbox.kesu_countNewUnFetched(listenToCount());
   endAtExit(platform.platform);
-  EXPECT_EQ(takeTold(), Strings{}) << "what handlers use is gone when an exit handler runs";
+  EXPECT_EQ(takeTold(), Strings{}) << "what handlers use may be destroyed when an exit handler runs";
   EXPECT_EQ(stored(kHeadersDefault), R"([{"mid":"1","contentRead":false}])");
   inbox.kesu_countNewUnFetched(listenToCount());
   endOrderly(platform.platform);

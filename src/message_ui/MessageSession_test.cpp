@@ -1,0 +1,131 @@
+#include "message_ui/MessageSession.h"
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "foundation/Objects.h"
+#include "graphics/TextLayout.h"
+#include "message_ui/MessagePaging.h"
+#include "testing/MessageScreen.h"
+#include "testing/ScopedPlatform.h"
+
+namespace kesu {
+namespace {
+
+using testing::bodyReply;
+using testing::headersReply;
+
+/// A session on doubles, without any view: the test plays the service.
+class MessageSessionTest : public ::testing::Test {
+ protected:
+  MessageSessionTest() { prepareFonts(); }
+
+  void open() {
+    session.open(KesuInAppMessageType::Unread, [this] { ++ready; });
+  }
+
+  /// Answers the oldest open request for a path.
+  bool answer(const std::string& path, const std::string& reply) {
+    const auto requests = platform.http.requests();
+    for (std::size_t i = 0; i < requests.size(); ++i) {
+      if (requests[i].url.find(path) != std::string::npos && platform.http.answer(i, 200, reply)) {
+        platform.settle();
+        return true;
+      }
+    }
+    return false;
+  }
+
+  void openWith(const std::vector<std::string>& identifiers) {
+    open();
+    ASSERT_TRUE(answer("newUnFetched/", headersReply(identifiers)));
+    ASSERT_TRUE(answer("getmessage/", bodyReply("First", "Text")));
+  }
+
+  testing::ScopedPlatform platform;
+  MessagingWiring wiring{platform.platform};
+  MessageSession session{wiring.inbox, platform.platform};
+  int ready = 0;
+};
+
+TEST_F(MessageSessionTest, FetchesTheFirstMessage) {
+  open();
+  EXPECT_TRUE(session.isOpen());
+  EXPECT_EQ(session.index(), -1);
+  ASSERT_TRUE(answer("newUnFetched/", headersReply({"a", "b"})));
+  EXPECT_EQ(ready, 0);
+  ASSERT_TRUE(answer("getmessage/", bodyReply("First", "Text")));
+  EXPECT_EQ(ready, 1);
+  EXPECT_EQ(session.model()->title, "First");
+  EXPECT_EQ(textOf(session.headerValue("cid")), "c-a");
+  EXPECT_FALSE(session.headerValue("missing"));
+}
+
+TEST_F(MessageSessionTest, IsReadyWithoutAnyMessage) {
+  open();
+  ASSERT_TRUE(answer("newUnFetched/", headersReply({})));
+  EXPECT_EQ(ready, 1);
+  EXPECT_EQ(session.model(), nullptr);
+  EXPECT_TRUE(session.isOpen());
+}
+
+TEST_F(MessageSessionTest, PagesToTheEnd) {
+  openWith({"a", "b"});
+  const auto first = session.model();
+  EXPECT_TRUE(session.page(kNextTag, [this] { ++ready; }));
+  EXPECT_EQ(session.model(), first) << "until the reply";
+  ASSERT_TRUE(answer("getmessage/", bodyReply("Second", "Text")));
+  EXPECT_EQ(ready, 2);
+  EXPECT_EQ(session.model()->title, "Second");
+  EXPECT_FALSE(session.page(kNextTag, [] { FAIL(); }));
+  EXPECT_EQ(session.index(), 1);
+}
+
+TEST_F(MessageSessionTest, DropsRepliesThatAPageAClosingOrAnOpeningOvertakes) {
+  openWith({"a", "b", "c"});
+  session.page(kNextTag, [] { FAIL() << "paged on"; });
+  session.page(kNextTag, [] { FAIL() << "closed"; });
+  session.close();
+  ASSERT_TRUE(answer("getmessage/", bodyReply("Second", "")));
+  ASSERT_TRUE(answer("getmessage/", bodyReply("Third", "")));
+  session.open(KesuInAppMessageType::Unread, [] { FAIL() << "opened again"; });
+  open();
+  ASSERT_TRUE(answer("newUnFetched/", headersReply({"late"})));
+  EXPECT_TRUE(session.headers().empty());
+  EXPECT_EQ(session.model(), nullptr);
+  ASSERT_TRUE(answer("newUnFetched/", headersReply({})));
+  EXPECT_EQ(ready, 2);
+}
+
+TEST_F(MessageSessionTest, DropsAMessageThatIsClosedBeforeItIsDelivered) {
+  open();
+  const std::string reply = headersReply({});
+  platform.http.answer(platform.http.requestCount() - 1, 200, reply);
+  session.close();
+  platform.settle();
+  EXPECT_EQ(ready, 0);
+}
+
+TEST_F(MessageSessionTest, SaysWhetherItSurvivesAHook) {
+  open();
+  EXPECT_TRUE(session.survives({}));
+  EXPECT_TRUE(session.survives([] {}));
+  EXPECT_FALSE(session.survives([this] { open(); })) << "another one is open";
+  EXPECT_TRUE(session.isOpen());
+  EXPECT_THROW(session.survives([] { throw std::runtime_error("from the host"); }), std::runtime_error);
+  EXPECT_FALSE(session.isOpen());
+}
+
+TEST_F(MessageSessionTest, ClosesWhenEveryHeaderIsRefused) {
+  session.setFilter([](const Dictionary&) { return false; });
+  open();
+  ASSERT_TRUE(answer("newUnFetched/", headersReply({"a"})));
+  EXPECT_FALSE(session.isOpen());
+  EXPECT_EQ(ready, 0);
+}
+
+}  // namespace
+}  // namespace kesu
