@@ -8,8 +8,8 @@
 
 namespace kesu {
 
-/// Has a test program end without fonts, which LeakSanitizer would take for lost. Include this in one test file of
-/// every program that sets texts.
+/// Releases the fonts at the end of a test program: LeakSanitizer would report them. Include this in one test file of
+/// every program that typesets texts.
 class FontRelease : public testing::Environment {
  public:
   void TearDown() override {
@@ -25,8 +25,8 @@ inline testing::Environment* const kFontRelease = testing::AddGlobalTestEnvironm
 
 #if defined(__has_feature)
 #if __has_feature(thread_sanitizer)
-/// The library that sets texts looks up fonts on threads of its own, with locks that ThreadSanitizer does not see: what
-/// happens inside of them says nothing. Everything of ours is watched as ever.
+/// Pango looks up fonts on threads of its own, with locks that ThreadSanitizer does not see: its reports from inside
+/// are no races. Our own code is checked as ever.
 extern "C" __attribute__((used, visibility("default"))) const char* __tsan_default_options() {
   return "ignore_noninstrumented_modules=1";
 }

@@ -15,6 +15,7 @@
 #include "messaging/KesuImageCache.h"
 #include "messaging/MessagingWiring.h"
 #include "records/DefaultsKeys.h"
+#include "testing/ScopedPlatform.h"
 #include "uikit/Animator.h"
 #include "uikit/WindowInput.h"
 
@@ -59,6 +60,19 @@ inline std::string pictureUrl(int width, int height) {
                                           0xFF336699U);
   const std::string png = encodePng(Image(width, height, pixels)).value_or("");
   return "data:image/png;base64," + base64Encode({reinterpret_cast<const std::uint8_t*>(png.data()), png.size()});
+}
+
+/// Answers the oldest open request for a path and lets the consequences happen; returns false if there is none.
+inline bool answerOldest(ScopedPlatform& platform, const std::string& path, const std::string& reply,
+                         int status = 200) {
+  const auto requests = platform.http.requests();
+  for (std::size_t i = 0; i < requests.size(); ++i) {
+    if (requests[i].url.find(path) != std::string::npos && platform.http.answer(i, status, reply)) {
+      platform.settle();
+      return true;
+    }
+  }
+  return false;
 }
 
 /// A presenter on a platform of doubles, wired as in the library, and a window that is key. The presenter may be

@@ -67,7 +67,7 @@ inline std::string webpFile(int width, int height, const Painter& paint, bool lo
   return file;
 }
 
-/// One frame somewhere on a canvas; the painter tells indices of the palette.
+/// One frame somewhere on a canvas; the painter returns indices of the palette.
 struct GifLayout {
   int canvasWidth = 0;
   int canvasHeight = 0;
@@ -145,7 +145,7 @@ inline std::string pngChunk(const std::string& name, const std::string& content)
   return number(static_cast<std::uint32_t>(content.size())) + name + content + number(~crc);
 }
 
-/// An EXIF segment that tells nothing but an orientation, to be put in at offset 2 of a JPEG.
+/// An EXIF segment that contains only an orientation, to be inserted at offset 2 of a JPEG.
 inline std::string exifSegment(int orientation, bool littleEndian) {
   std::string tiff = littleEndian ? std::string("II*\0\x08\0\0\0\x01\0\x12\x01\x03\0\x01\0\0\0", 18)
                                   : std::string("MM\0*\0\0\0\x08\0\x01\x01\x12\0\x03\0\0\0\x01", 18);

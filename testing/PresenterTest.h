@@ -25,16 +25,8 @@ class PresenterTest : public ::testing::Test {
 
   KesuInAppPresenter& presenter() { return *screen.presenter; }
 
-  /// Answers the oldest open request for a path.
   bool answer(const std::string& path, const std::string& reply, int status = 200) {
-    const auto requests = platform.http.requests();
-    for (std::size_t i = 0; i < requests.size(); ++i) {
-      if (requests[i].url.find(path) != std::string::npos && platform.http.answer(i, status, reply)) {
-        platform.settle();
-        return true;
-      }
-    }
-    return false;
+    return answerOldest(platform, path, reply, status);
   }
 
   void present(KesuInAppMessageType type = KesuInAppMessageType::Unread) {

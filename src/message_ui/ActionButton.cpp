@@ -10,9 +10,9 @@
 namespace kesu {
 namespace {
 
-constexpr double kTitleScale = 0.8;
+constexpr double kTitleScale = 0.8;  // A longer title ends in an ellipsis: smaller letters cannot be read from a sofa.
 constexpr double kRingWidth = 2.5;
-constexpr double kRingInset = 2.0;
+constexpr double kRingInset = 2.0;  // Inside the border, so that the card does not cut the ring off.
 constexpr double kRingOpacity = 0.9;
 
 }  // namespace
@@ -57,6 +57,7 @@ void ActionButton::draw(Canvas& canvas) const {
     const Rect shown = uncutPart(frame(), kCardWidth, transform().scaleX);
     canvas.strokeInside(shown.inset(kRingInset, kRingInset), kRingWidth, ring_, kCardButtonRadius - kRingInset);
   }
+  // The focused width, also without focus: the title must not change when the button grows.
   const double width = actionTitleWidth(frame(), kCardWidth, focusedScaleFactor());
   if (title().empty() || width <= 0.0) {
     return;

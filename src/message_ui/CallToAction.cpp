@@ -107,7 +107,7 @@ void callHost(NotificationCenter& notifications, const ButtonPress& press, const
   if (isEndingAtExit()) {
     return;
   }
-  if (press.completionBlock) {
+  if (press.completionBlock) {  // Block or delegate, never both: the block is of this very show.
     press.completionBlock(status);
   } else if (KesuInAppMessageDelegate* delegate = press.delegate ? press.delegate() : nullptr) {
     delegate->inAppMessageButtonHandlerWithIndex(press.tag, press.title, press.action, status.status);
@@ -211,7 +211,7 @@ void CallToAction::act(const ButtonPress& press, const ButtonAction& action, Dee
       callWebHook(platform_, metrics_, action.text, press.completionBlock, statusOf(press, action, status));
       break;
     case ButtonAction::Kind::Open:
-      status = DeepLinkStatus::Refused;
+      status = DeepLinkStatus::Refused;  // What is recorded if the host's veto throws.
       status = openUrl(platform_.urlOpener, press, action.text);
       break;
   }

@@ -15,7 +15,7 @@
 namespace kesu {
 namespace {
 
-constexpr std::int64_t kStatusOtherMessage = 3;
+constexpr std::int64_t kStatusOtherMessage = 3;  // Hosts know it; a refused URL has the same number.
 
 KesuInAppPresenter* sharedPresenter = nullptr;
 
@@ -98,6 +98,7 @@ void KesuInAppPresenter::showPopover() {
                             [this](Button& arrow) { changeTemplate(arrow); },
                             [this](SwipeDirection direction) { swipeGestureHandle(direction); }},
       *this);
+  // Called after the popup object was destroyed, by the card that has slid out: only the presenter must still exist.
   popup_->controller()->setRemovalHandler([this, shown = session_.generation()] {
     if (shown.isAlive()) {
       call(options_.didDismiss);
@@ -147,6 +148,7 @@ void KesuInAppPresenter::swipeGestureHandle(SwipeDirection direction) {
 }
 
 void KesuInAppPresenter::page(std::int64_t tag) {
+  // Dropped at once: a late picture must not fade in after the user has paged on.
   if (popup_ != nullptr && session_.page(tag, [this, tag] { didPage(tag); })) {
     picture_.drop();
   }
@@ -179,7 +181,7 @@ void KesuInAppPresenter::dismissViewController(bool animated) {
 void KesuInAppPresenter::didPopoverClosed() {
   const bool wasUp = popup_ != nullptr;
   const auto willDismiss = options_.willDismiss;
-  close();
+  close();  // First: the host may present again inside its function.
   if (wasUp) {
     call(willDismiss);
   }

@@ -94,6 +94,7 @@ MessageBars::~MessageBars() {
   }
 }
 
+// Buttons may outlive the bars, with a card that is sliding out: they must not call any more.
 void MessageBars::dropButtons() {
   for (const auto& button : buttons_) {
     button->setAction({});
@@ -167,6 +168,7 @@ void MessageBars::showPaging(const BarContent& content) {
   for (const auto& button : buttons_) {
     const bool isLeft = button->frame().center().x < kCardWidth / 2.0;
     const auto& nearer = isLeft ? previous_ : next_;
+    // An arrow may lie beside all buttons, where the window would not look for it.
     button->setWayDown(nearer != nullptr ? nearer : isLeft ? next_ : previous_);
   }
 }
@@ -182,7 +184,7 @@ void MessageBars::showArrow(std::shared_ptr<KesuCustomBtn>& arrow, bool isShown,
     return;
   }
   if (arrow != nullptr) {
-    return;
+    return;  // The same view, which keeps the focus.
   }
   const bool isNext = tag == kNextTag;
   const PagingFrames frames = pagingFrames(kCardWidth);

@@ -22,11 +22,12 @@ ImagePtr imageWithImage(const ImagePtr& image, int width) {
 }
 
 void MessagePicture::load(const InAppTemplateData& data, Handler handler) {
+  // Runs on the worker: scaling a picture takes tens of milliseconds, which the main thread cannot spare.
   auto onWorker = [this, &loop = platform_.mainLoop, data, asked = generations_.advance(),
                    handler = std::move(handler)](const ImagePtr& downloaded) {
     const ImagePtr shown = imageWithImage(downloaded != nullptr ? downloaded : data.base64Image(), kWidestPicture);
     loop.post([this, asked, handler, downloaded, shown, url = data.imageURL()] {
-      if (downloaded != nullptr && asked.isAlive()) {
+      if (downloaded != nullptr && asked.isAlive()) {  // Cached also when it is late; one within the message is not.
         cache_().cacheImage(downloaded, url);
       }
       if (shown != nullptr && asked.isCurrent()) {

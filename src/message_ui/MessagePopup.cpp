@@ -53,7 +53,7 @@ MessagePopup::MessagePopup(MessageContent content, const MessageLooks& looks, Ac
 }
 
 MessagePopup::~MessagePopup() {
-  table_->forgetDataSource();
+  table_->forgetDataSource();  // It keeps its rows while it slides out.
   controller_->setDelegate(nullptr);
 }
 
@@ -63,13 +63,14 @@ void MessagePopup::present(std::function<void()> completion) {
 }
 
 void MessagePopup::show(MessageContent content, std::int64_t arrowTag) {
-  if (content.model != content_.model) {
+  if (content.model != content_.model) {  // The same one after a body that could not be fetched.
     picture_ = nullptr;
     pictureSize_ = {};
   }
   content_ = std::move(content);
   measure();
   const Window* window = controller_->applicationWindow();
+  // Before the bars change: the focused arrow may be removed.
   const bool wasReading = window != nullptr && window->focusedView() == table_.get();
   const double barHeight = bars_.bottomBarView()->bounds().height;
   showBars();
@@ -86,7 +87,7 @@ bool MessagePopup::lacksPicture() const {
 
 void MessagePopup::showPicture(const ImagePtr& picture) {
   picture_ = picture;
-  if (measures_.imageHeight <= 0.0) {
+  if (measures_.imageHeight <= 0.0) {  // The message has not declared a size: the card grows now.
     pictureSize_ = {static_cast<double>(picture->width()), static_cast<double>(picture->height())};
     measure();
     fitHeight(bars_.bottomBarView()->bounds().height);
@@ -158,7 +159,7 @@ void MessagePopup::fitHeight(double barHeightBefore) {
   const double height = virtualHeight(contentHeight(), visibleHeight());
   if (table_->bounds().height != height) {
     controller_->updatePopoverHeight(height);
-  } else if (bars_.bottomBarView()->bounds().height != barHeightBefore) {
+  } else if (bars_.bottomBarView()->bounds().height != barHeightBefore) {  // Buttons came or went.
     controller_->redock();
   }
 }

@@ -31,7 +31,7 @@ void MessageSession::receiveHeaders(const Object& headers, const Step& ready) {
   const Filter mayShow = mayShow_;  // A copy: the host may set another one inside.
   bool isRefused = false;
   for (const Value& header : received != nullptr ? *received : Array()) {
-    if (header.dictionary() == nullptr) {
+    if (header.dictionary() == nullptr) {  // It names no message.
       continue;
     }
     bool isAllowed = true;
@@ -95,7 +95,7 @@ void MessageSession::deliver(Step ready) {
       ready();
     }
   };
-  MainLoop& loop = platform_.mainLoop;
+  MainLoop& loop = platform_.mainLoop;  // The worker's task must not use a session that may be destroyed.
   if (areFontsReady()) {
     loop.post(std::move(step));
     return;

@@ -27,16 +27,8 @@ class MessageSessionTest : public ::testing::Test {
     session.open(KesuInAppMessageType::Unread, [this] { ++ready; });
   }
 
-  /// Answers the oldest open request for a path.
   bool answer(const std::string& path, const std::string& reply) {
-    const auto requests = platform.http.requests();
-    for (std::size_t i = 0; i < requests.size(); ++i) {
-      if (requests[i].url.find(path) != std::string::npos && platform.http.answer(i, 200, reply)) {
-        platform.settle();
-        return true;
-      }
-    }
-    return false;
+    return testing::answerOldest(platform, path, reply);
   }
 
   void openWith(const std::vector<std::string>& identifiers) {

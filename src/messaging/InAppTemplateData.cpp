@@ -12,10 +12,11 @@ namespace kesu {
 namespace {
 
 constexpr Color kDefaultBackground{9.0 / 255.0, 182.0 / 255.0, 238.0 / 255.0, 1.0};  // 0x09b6ee
+// Places in the array that is a button.
 constexpr std::size_t kTitleEntry = 0;
 constexpr std::size_t kActionEntry = 1;
 constexpr std::size_t kBackgroundEntry = 2;
-constexpr std::size_t kEntriesWithColors = 3;
+constexpr std::size_t kEntriesWithColors = 3;  // The last one is the title's colour.
 
 // The text at a place of a button's entry, or null.
 const std::string* entryText(const Array& entry, std::size_t place) {

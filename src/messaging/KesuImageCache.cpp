@@ -56,6 +56,7 @@ std::uint64_t KesuImageCache::Shared::keep(std::string_view key, ImagePtr image)
 void KesuImageCache::Shared::trim() {
   std::size_t bytes = 0;
   auto entry = entries.begin();
+  // The first entry stays whatever its size: it is being shown.
   while (entry != entries.end() && (bytes == 0 || bytes + entry->image->byteCount() <= kMemoryLimitBytes)) {
     bytes += entry->image->byteCount();
     ++entry;
@@ -111,7 +112,7 @@ void KesuImageCache::cacheImage(ImagePtr image, const Object& urlString) {
   }
   const std::uint64_t generation = shared_->keep(*key, image);
   imageWorker_.post([shared = shared_, image = std::move(image), key = *key, generation] {
-    if (!shared->isCurrent(generation)) {
+    if (!shared->isCurrent(generation)) {  // A memory warning has cancelled it.
       return;
     }
     if (const std::optional<std::string> png = encodePng(*image)) {

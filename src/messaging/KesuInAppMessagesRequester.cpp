@@ -12,8 +12,8 @@
 namespace kesu {
 namespace {
 
-constexpr LogPlace kReplyPlace{"KesuInAppMessagesRequester", 158};
-constexpr std::string_view kMethod = "HTTPMethod";
+constexpr LogPlace kReplyPlace{"KesuInAppMessagesRequester", 158};  // Part of the log text, not of this file.
+constexpr std::string_view kMethod = "HTTPMethod";                  // In the dictionary of a request only; never sent.
 constexpr double kSecondsPerMinute = 60.0;
 
 std::string extractText(Dictionary& dictionary, std::string_view key) {
@@ -50,7 +50,7 @@ void KesuInAppMessagesRequester::messageWithMid(const Object& mid, const Object&
   setUnlessNil(dictionary, kCampaignIdKey, cid);
   postInternalWithDictionary(std::move(dictionary), RequestType::Message, std::move(handler));
 
-  Dictionary receipt;
+  Dictionary receipt;  // Without the second identifier, unlike the request.
   setUnlessNil(receipt, kMessageIdKey, mid);
   setUnlessNil(receipt, kCampaignIdKey, cid);
   setUnlessNil(receipt, k_KesuAppKey, who.kak);

@@ -125,17 +125,20 @@ void KesuInbox::kesu_getTotalUnreadMessages(CountHandler handler) {
     return;
   }
   const Array headers = storedArray(kHeadersDefault);
+  // Counted before the request, as the headers are now.
   const auto unread =
       headers.size() - static_cast<std::size_t>(std::count_if(headers.begin(), headers.end(), isContentRead));
   requester_.unreadMessagesCountWithCount(who, [unread, handler = std::move(handler)](const Object& reply) {
     const std::int64_t fetched = countIn(reply);
     std::int64_t sum = 0;
+    // A service may send any number.
     const bool overflows = __builtin_add_overflow(static_cast<std::int64_t>(unread), fetched, &sum);
     call(handler, overflows ? fetched : sum);
   });
 }
 
 void KesuInbox::kesu_getMessageHeadersForType(KesuInAppMessageType type, ObjectHandler handler) {
+  // Before the request: the previous headers are those that were known until this fetch.
   if (auto headers = defaults_.get(kHeadersDefault)) {
     store(kPreviousHeadersDefault, std::move(*headers));
     defaults_.synchronize();
@@ -267,12 +270,14 @@ void KesuInbox::updateDefaultsForReadMessage(const Object& messageID) {
   if (header != headers->end()) {
     header->dictionary()->set(kContentRead, true);
   }
+  // Kept: written also when no header matched.
   store(kHeadersDefault, std::move(*stored));
   defaults_.synchronize();
 }
 
 void KesuInbox::keepBody(const std::string& key, const Dictionary& body) {
   Array bodies = storedArray(kBodiesDefault);
+  // Newest first: the last one is dropped, and the first with a key is found.
   bodies.insert(bodies.begin(), keepableCopy(Dictionary{{key, body}}));
   if (bodies.size() >= kBodiesLimit) {
     bodies.pop_back();
@@ -297,6 +302,7 @@ void KesuInbox::store(std::string_view key, Value value) {
   defaults_.set(key, std::move(value));
 }
 
+// Measures each key once and then only what is written: measuring all of them each time would cost as much as storing.
 void KesuInbox::warnWhenLarge(std::string_view key, const Value& written) {
   if (warned_) {
     return;
