@@ -6,8 +6,8 @@
 
 namespace kesu {
 
-// Cairo's objects count their owners; each of these is one. An object that could not be made is one in an error state,
-// never null: everything done with it does nothing.
+// Each of these owns one reference to an object of Cairo. An object that could not be made is in an error state, never
+// null: everything done with it does nothing.
 
 struct CairoRelease {
   void operator()(cairo_t* object) const { cairo_destroy(object); }

@@ -10,16 +10,16 @@
 namespace kesu {
 namespace {
 
-constexpr double kLargest = 4000000.0;  // Beyond this, Cairo's coordinates overflow.
-constexpr int kLargestScaledSide = 4096;
-constexpr double kLargestMaskArea = 1024.0 * 1024.0;
-constexpr double kLargestMaskBlur = 16.0;
+constexpr double kLargest = 4000000.0;                // Beyond this, Cairo's coordinates overflow.
+constexpr int kLargestScaledSide = 4096;              // Larger copies are not cached: 64 MB each.
+constexpr double kLargestMaskArea = 1024.0 * 1024.0;  // In pixels of one byte.
+constexpr double kLargestMaskBlur = 16.0;             // In pixels: a softer edge looks the same when it is stretched.
 
 bool isUsable(double number) {
   return std::isfinite(number) && std::abs(number) <= kLargest;
 }
 
-// Huge rectangles are cut: nobody sees their far edges.
+// Huge rectangles are cut off far outside of any screen.
 Rect usable(const Rect& rect) {
   constexpr Rect kEverything{-kLargest, -kLargest, 2.0 * kLargest, 2.0 * kLargest};
   const bool isFinite =
@@ -79,12 +79,8 @@ Size Canvas::State::pixelsPerPoint() const {
 }
 
 bool Canvas::State::isVisible(const Rect& rect) const {
-  double left = 0.0;
-  double top = 0.0;
-  double right = 0.0;
-  double bottom = 0.0;
-  cairo_clip_extents(cairo(), &left, &top, &right, &bottom);
-  return rect.x < right && rect.right() > left && rect.y < bottom && rect.bottom() > top;
+  const Rect clip = clipOf(cairo());
+  return rect.x < clip.right() && rect.right() > clip.x && rect.y < clip.bottom() && rect.bottom() > clip.y;
 }
 
 Canvas::Canvas(std::uint32_t* pixels, int width, int height, int stride, double scale, int left, int top)
@@ -113,7 +109,7 @@ void Canvas::translate(double dx, double dy) {
 }
 
 void Canvas::scale(double factorX, double factorY) {
-  // Nothing can be drawn without width or height, nor the scale be undone.
+  // Cairo stops drawing for good with a scale of 0, which has no inverse.
   const auto factor = [](double wanted) { return isUsable(wanted) && std::abs(wanted) > 1e-6 ? wanted : 1e-6; };
   cairo_scale(state_->cairo(), factor(factorX), factor(factorY));
 }
@@ -124,12 +120,7 @@ void Canvas::clip(const Rect& rect, double cornerRadius) {
 }
 
 Rect Canvas::clipBounds() const {
-  double left = 0.0;
-  double top = 0.0;
-  double right = 0.0;
-  double bottom = 0.0;
-  cairo_clip_extents(state_->cairo(), &left, &top, &right, &bottom);
-  return {left, top, right - left, bottom - top};
+  return clipOf(state_->cairo());
 }
 
 void Canvas::beginGroup() {
@@ -142,7 +133,7 @@ void Canvas::endGroup(double alpha) {
     state_->scopes.pop_back();
     cairo_pop_group_to_source(state_->cairo());
     cairo_paint_with_alpha(state_->cairo(), share(alpha));
-    cairo_set_source_rgb(state_->cairo(), 0.0, 0.0, 0.0);  // Lets go of the group's pixels.
+    cairo_set_source_rgb(state_->cairo(), 0.0, 0.0, 0.0);  // Releases the group's pixels.
   }
 }
 
@@ -156,12 +147,6 @@ void Canvas::endGroup(double alpha, const Rect& rect, double cornerRadius) {
     cairo_restore(state_->cairo());
     cairo_set_source_rgb(state_->cairo(), 0.0, 0.0, 0.0);
   }
-}
-
-void Canvas::clear(const Rect& rect) {
-  cairo_set_operator(state_->cairo(), CAIRO_OPERATOR_CLEAR);
-  state_->paint(usable(rect), 0.0);
-  cairo_set_operator(state_->cairo(), CAIRO_OPERATOR_OVER);
 }
 
 void Canvas::fill(const Rect& rect, const Color& color, double cornerRadius) {
@@ -234,6 +219,7 @@ void Canvas::drawImage(const ImagePtr& image, const Rect& source, const Rect& ta
   const Size pixels = state_->pixelsPerPoint();
   const double width = std::round(area.width * pixels.width);
   const double height = std::round(area.height * pixels.height);
+  // Bilinear filtering skips pixels where it makes a picture much smaller: that is averaged once, and cached.
   const bool isMuchSmaller = width < 0.9 * part.width || height < 0.9 * part.height;
   if (!isMuchSmaller || width > kLargestScaledSide || height > kLargestScaledSide) {
     paintImage(state_->cairo(), *image, part, area, CAIRO_FILTER_BILINEAR);
@@ -245,12 +231,6 @@ void Canvas::drawImage(const ImagePtr& image, const Rect& source, const Rect& ta
   const MutexLock lock(caches.mutex);
   const PatternHandle pattern(cairo_pattern_create_for_surface(caches.scaled(image, part, columns, rows)));
   paintPattern(state_->cairo(), pattern.get(), {0.0, 0.0, double(columns), double(rows)}, area, CAIRO_FILTER_BILINEAR);
-}
-
-void Canvas::drawText(std::string_view text, const TextStyle& style, const Rect& box, const Color& color) {
-  if (isUsable(box.x) && isUsable(box.y) && share(color.alpha) > 0.0) {
-    drawText(TextLayout(text, style, box.size()), box.origin(), color);
-  }
 }
 
 void Canvas::drawText(const TextLayout& layout, Point origin, const Color& color) {

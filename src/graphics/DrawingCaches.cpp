@@ -12,13 +12,13 @@
 namespace kesu {
 namespace {
 
-constexpr std::size_t kMostShadows = 8;
+constexpr std::size_t kMostShadows = 8;  // A card and its buttons, at two sizes while one grows.
 constexpr std::size_t kMostScaled = 6;
-constexpr std::size_t kMostScaledBytes = std::size_t{12} * 1024 * 1024;
-constexpr int kBlurPasses = 3;
+constexpr std::size_t kMostScaledBytes = std::size_t{12} * 1024 * 1024;  // One picture of a full 1080p screen is 8 MB.
+constexpr int kBlurPasses = 3;  // Three box averages are within 3 % of a Gaussian blur.
 
-/// How many pixels each of three averages takes together, so that they look like a Gaussian blur. It is odd, so that
-/// the average stays in the middle, and the three reach no farther than three times the blur.
+/// The width of each of three box averages that look like a Gaussian blur. Odd, so that the average stays centred, and
+/// such that the three reach no farther than three times the blur.
 int boxWidth(double blur) {
   const double width = blur * 3.0 * std::sqrt(2.0 * std::numbers::pi) / 4.0 + 0.5;
   return 2 * std::min(static_cast<int>(width) / 2, static_cast<int>(blur)) + 1;
@@ -161,17 +161,26 @@ void paintPattern(cairo_t* cairo, cairo_pattern_t* pattern, const Rect& source, 
   cairo_set_source(cairo, pattern);
   cairo_rectangle(cairo, target.x, target.y, target.width, target.height);
   cairo_fill(cairo);
-  cairo_set_source_rgb(cairo, 0.0, 0.0, 0.0);  // Lets go of the pixels, which may go away.
+  cairo_set_source_rgb(cairo, 0.0, 0.0, 0.0);  // Releases the pixels, which may be destroyed.
 }
 
 void paintImage(cairo_t* cairo, const Image& image, const Rect& source, const Rect& target, cairo_filter_t filter) {
-  // Cairo only reads from a source, but has no word for that.
+  // Cairo only reads from a source, but has no const.
   auto* bytes = reinterpret_cast<unsigned char*>(const_cast<std::uint32_t*>(image.pixels()));
   const SurfaceHandle surface(cairo_image_surface_create_for_data(
       bytes, image.isOpaque() ? CAIRO_FORMAT_RGB24 : CAIRO_FORMAT_ARGB32, image.width(), image.height(),
       image.width() * static_cast<int>(sizeof(std::uint32_t))));
   const PatternHandle pattern(cairo_pattern_create_for_surface(surface.get()));
   paintPattern(cairo, pattern.get(), source, target, filter);
+}
+
+Rect clipOf(cairo_t* cairo) {
+  double left = 0.0;
+  double top = 0.0;
+  double right = 0.0;
+  double bottom = 0.0;
+  cairo_clip_extents(cairo, &left, &top, &right, &bottom);
+  return {left, top, right - left, bottom - top};
 }
 
 void addRoundedRect(cairo_t* cairo, const Rect& rect, double cornerRadius) {

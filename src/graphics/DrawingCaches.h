@@ -18,15 +18,14 @@ struct ShadowShape {
   double cornerRadius = 0.0;
   double blur = 0.0;  ///< As a standard deviation.
 
-  /// How far the mask goes beyond the rectangle on each side.
+  /// How far the mask extends beyond the rectangle on each side, in pixels.
   int margin() const;
 
   friend bool operator==(const ShadowShape&, const ShadowShape&) = default;
 };
 
-/// Pictures that take time to make and are drawn again frame after frame: shadows, and images scaled down to the size
-/// at which they are shown. Few of each are kept, and no image longer than its owner keeps it. Whoever uses one holds
-/// the mutex.
+/// Caches pictures that are slow to make and drawn in every frame: shadows, and images scaled down to the size at which
+/// they are shown. Few of each are kept, and no image after its owner has released it. Lock the mutex to use one.
 class DrawingCaches {
  public:
   static DrawingCaches& shared();
@@ -55,12 +54,12 @@ class DrawingCaches {
   };
   void trimScaled() KESU_REQUIRES(mutex);
 
-  // What was used last comes first.
+  // The most recently used one comes first.
   std::list<ShadowEntry> shadows_ KESU_GUARDED_BY(mutex);
   std::list<ScaledEntry> scaled_ KESU_GUARDED_BY(mutex);
 };
 
-/// Draws `source` of a picture over `target`; what lies outside of the picture repeats its edge.
+/// Draws `source` of a picture over `target`; outside of the picture its edge is repeated.
 void paintPattern(cairo_t* cairo, cairo_pattern_t* pattern, const Rect& source, const Rect& target,
                   cairo_filter_t filter);
 
@@ -69,5 +68,8 @@ void paintImage(cairo_t* cairo, const Image& image, const Rect& source, const Re
 
 /// Adds a rectangle with round corners to the path.
 void addRoundedRect(cairo_t* cairo, const Rect& rect, double cornerRadius);
+
+/// The bounds of the clip, in current coordinates.
+Rect clipOf(cairo_t* cairo);
 
 }  // namespace kesu

@@ -9,12 +9,12 @@
 #include <utility>
 
 #include "foundation/SharedInstance.h"
-#include "graphics/SetText.h"
+#include "graphics/TypesetText.h"
 
 namespace kesu {
 namespace {
 
-constexpr std::size_t kMostRecentTexts = 48;
+constexpr std::size_t kMostRecentTexts = 48;  // A message with its buttons has some 20; two while one slides out.
 constexpr std::size_t kMostRecentBytes = std::size_t{96} * 1024;  // About 5 MB as glyphs.
 
 std::string escapedForXml(std::string_view text) {
@@ -40,7 +40,7 @@ void addDirectory(FcConfig* config, std::string_view path) {
   FcConfigParseAndLoadFromMemory(config, reinterpret_cast<const FcChar8*>(xml.c_str()), FcFalse);
 }
 
-// Of two fonts with the same name the one found first is taken, which is why the directory of our own comes first.
+// Of two fonts with the same name fontconfig takes the first, so the host's directory is added first.
 FcConfig* loadConfiguration(const FontChoice& choice) {
   FcConfig* config = FcConfigCreate();
   if (!choice.directory.empty()) {
@@ -74,25 +74,25 @@ FontSet::FontSet(const FontChoice& choice) : map_(pango_cairo_font_map_new_for_f
   avoidRounding(context_);
 }
 
-// A font map that is destroyed with a configuration never lets go of it.
+// A font map that is destroyed with its configuration leaks that.
 FontSet::~FontSet() {
   pango_fc_font_map_set_config(reinterpret_cast<PangoFcFontMap*>(map_), nullptr);
   g_object_unref(context_);
   g_object_unref(map_);
 }
 
-TypeSetter& TypeSetter::shared() {
-  return SharedInstance<TypeSetter>::get();
+Typesetter& Typesetter::shared() {
+  return SharedInstance<Typesetter>::get();
 }
 
-_PangoContext* TypeSetter::context() {
+_PangoContext* Typesetter::context() {
   if (fonts_ == nullptr) {
     fonts_ = std::make_unique<FontSet>(choice_);
   }
   return fonts_->context();
 }
 
-std::shared_ptr<TextLayout::State> TypeSetter::set(std::string text, const TextStyle& style, Size box) {
+std::shared_ptr<TextLayout::State> Typesetter::typeset(std::string text, const TextStyle& style, Size box) {
   const auto found = std::find_if(recent_.begin(), recent_.end(), [&](const Entry& entry) {
     return entry.box == box && entry.style == style && entry.text == text;
   });
@@ -106,7 +106,7 @@ std::shared_ptr<TextLayout::State> TypeSetter::set(std::string text, const TextS
   return layout;
 }
 
-void TypeSetter::trim() {
+void Typesetter::trim() {
   std::size_t bytes = 0;
   std::size_t count = 0;
   const auto firstTooMany = std::find_if(recent_.begin(), recent_.end(), [&](const Entry& entry) {
@@ -116,18 +116,18 @@ void TypeSetter::trim() {
   recent_.erase(firstTooMany, recent_.end());
 }
 
-void TypeSetter::release() {
+void Typesetter::release() {
   recent_.clear();
   fonts_.reset();
 }
 
-void TypeSetter::choose(FontChoice choice) {
+void Typesetter::choose(FontChoice choice) {
   release();
   choice_ = std::move(choice);
 }
 
 void setFontChoice(FontChoice choice) {
-  TypeSetter& setter = TypeSetter::shared();
+  Typesetter& setter = Typesetter::shared();
   const MutexLock lock(setter.mutex);
   setter.choose(std::move(choice));
 }

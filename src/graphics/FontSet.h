@@ -17,15 +17,14 @@ namespace kesu {
 
 /// Where fonts come from.
 struct FontChoice {
-  std::string directory;        ///< Searched before all others, with what lies below it; "" for none.
-  bool usesSystemFonts = true;  ///< Also those that the system's font configuration names.
+  std::string directory;        ///< Searched recursively before all others; "" for none.
+  bool usesSystemFonts = true;  ///< Also those of the system's font configuration.
 };
 
-/// Says where fonts come from; what is loaded is given back. Before that, the system's fonts are used. Any thread.
+/// Sets where fonts come from, and releases those that are loaded. The system's fonts by default. Any thread.
 void setFontChoice(FontChoice choice);
 
-/// A font configuration and what is loaded from it, apart from whatever the host does with fonts. Not for several
-/// threads at a time.
+/// A font configuration and what is loaded from it, separate from what the host does with fonts. One thread at a time.
 class FontSet {
  public:
   explicit FontSet(const FontChoice& choice);
@@ -40,16 +39,16 @@ class FontSet {
   _PangoContext* context_ = nullptr;
 };
 
-/// The fonts of the process and the texts that were set last with them, so that measuring a text and drawing it, frame
-/// after frame, sets it once. Whoever touches a text of it holds the mutex.
-class TypeSetter {
+/// The fonts of the process and the texts that were typeset last, so that measuring a text and drawing it, frame after
+/// frame, typesets it once. Lock the mutex to use one of its texts.
+class Typesetter {
  public:
-  static TypeSetter& shared();
+  static Typesetter& shared();
 
   Mutex mutex;
 
-  /// The text set in this style and box; made when it is none of the last ones.
-  std::shared_ptr<TextLayout::State> set(std::string text, const TextStyle& style, Size box) KESU_REQUIRES(mutex);
+  /// Returns the text typeset in this style and box, from the last ones where it is among them.
+  std::shared_ptr<TextLayout::State> typeset(std::string text, const TextStyle& style, Size box) KESU_REQUIRES(mutex);
   _PangoContext* context() KESU_REQUIRES(mutex);
   bool isReady() const KESU_REQUIRES(mutex) { return fonts_ != nullptr; }
   void release() KESU_REQUIRES(mutex);

@@ -6,8 +6,8 @@
 
 namespace kesu {
 
-/// The part of decodeImage() for files that begin as a GIF does. Only the first frame is read. It is cut at the edges
-/// of the canvas; what it does not cover, and indices beyond its palette, stay transparent.
+/// Decodes the first frame of a file that begins as a GIF: part of decodeImage(). The frame is clipped to the canvas;
+/// uncovered pixels and indices beyond its palette stay transparent.
 DecodedImage decodeGif(std::string_view bytes, const ImageLimits& limits);
 
 }  // namespace kesu

@@ -7,10 +7,10 @@
 
 namespace kesu {
 
-/// What a picture may cost. The defaults are for pictures from the network: whatever such a file holds, decoding it
-/// takes less than 64 MiB, the picture included.
+/// What a picture may cost. The defaults are for pictures from the network: decoding any file takes less than 64 MiB,
+/// the picture included.
 struct ImageLimits {
-  /// Longest file.
+  /// Largest file in bytes.
   std::size_t inputBytes = std::size_t{8} * 1024 * 1024;
 
   /// Longest width or height in pixels.
@@ -24,7 +24,7 @@ struct ImageLimits {
   std::size_t progressivePixels = std::size_t{4} * 1024 * 1024;
 };
 
-/// What came of decoding.
+/// The result of decoding.
 enum class ImageStatus {
   Decoded,      ///< There is a picture.
   UnknownKind,  ///< Neither PNG, JPEG, WebP nor GIF, by its first bytes.
@@ -38,7 +38,7 @@ struct DecodedImage {
 };
 
 /// Decodes PNG, JPEG (turned as its EXIF orientation says, CMYK too), WebP and the first frame of a GIF, told apart by
-/// their first bytes. Faults inside the coded pixels that a library can bridge do not count as damage, a missing end
+/// their first bytes. Errors in the coded pixels that a library recovers from do not count as damage, a missing end
 /// does.
 ///
 /// Any thread, but slow (up to a second for the largest): never the main one. Never throws.

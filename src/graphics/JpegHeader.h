@@ -17,8 +17,7 @@ struct JpegHeader {
   Orientation orientation = Orientation::Upright;
 };
 
-/// Reads up to the first scan. Nothing when there is none, no size, or when the file has no end behind it: it was cut
-/// short.
+/// Reads up to the first scan. Nothing without a scan, a size, or an end of the file, which was truncated.
 std::optional<JpegHeader> readJpegHeader(std::string_view jpeg);
 
 }  // namespace kesu

@@ -8,8 +8,8 @@
 
 namespace kesu {
 
-/// Pixels on their way to an Image: rows from the top, 0xAARRGGBB. Decoders write them as bytes in the order blue,
-/// green, red, opacity, which is the same on the machines that we build for.
+/// The pixels of a later Image: rows from the top, 0xAARRGGBB. Decoders write them as bytes in the order blue,
+/// green, red, opacity, which is the same on little-endian machines.
 using Pixels = std::vector<std::uint32_t>;
 static_assert(std::endian::native == std::endian::little, "decoders are told BGRA");
 

@@ -16,9 +16,9 @@ struct PngHeader {
 /// Nothing where the file does not begin with a header chunk.
 std::optional<PngHeader> readPngHeader(std::string_view png);
 
-/// The file with nothing but what makes the picture, where it holds anything else of unlimited size; nothing where it
-/// can be used as it is. A library that is shown a compressed text or profile unpacks it and keeps it: a thousand of
-/// them, 8 kB each, are 8 GB.
+/// Returns the file without chunks that are no part of the picture, if it has any of unlimited size; nothing where it
+/// can be used as it is. The library unpacks and keeps every compressed text or profile: a thousand of 8 kB each become
+/// 8 GB.
 std::optional<std::string> pngWithoutExtras(std::string_view png);
 
 }  // namespace kesu

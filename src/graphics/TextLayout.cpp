@@ -3,39 +3,39 @@
 #include <string>
 
 #include "graphics/FontSet.h"
-#include "graphics/SetText.h"
+#include "graphics/TypesetText.h"
 
 namespace kesu {
 
 void prepareFonts() {
-  // Setting a text finds and opens the two fonts that nearly every other text uses.
+  // Typesetting a text finds and opens the two fonts that nearly every other text uses.
   for (const char* name : {"HelveticaNeue-Light", "HelveticaNeue-Regular"}) {
     const TextLayout layout("Aa\u276E", TextStyle{.font = {name, 24.0}}, {});
   }
 }
 
 bool areFontsReady() {
-  TypeSetter& setter = TypeSetter::shared();
+  Typesetter& setter = Typesetter::shared();
   const MutexLock lock(setter.mutex);
   return setter.isReady();
 }
 
 void releaseFonts() {
-  TypeSetter& setter = TypeSetter::shared();
+  Typesetter& setter = Typesetter::shared();
   const MutexLock lock(setter.mutex);
   setter.release();
 }
 
 TextLayout::TextLayout(std::string_view text, const TextStyle& style, Size box) {
-  std::string settable = settableText(text, style.lines);
-  TypeSetter& setter = TypeSetter::shared();
+  std::string usable = typesettableText(text, style.lines);
+  Typesetter& setter = Typesetter::shared();
   const MutexLock lock(setter.mutex);
-  state_ = setter.set(std::move(settable), style, box);
+  state_ = setter.typeset(std::move(usable), style, box);
 }
 
 TextLayout::~TextLayout() {
   if (state_ != nullptr) {
-    const MutexLock lock(TypeSetter::shared().mutex);
+    const MutexLock lock(Typesetter::shared().mutex);
     state_.reset();
   }
 }
@@ -57,7 +57,7 @@ int TextLayout::lineCount() const {
 
 void TextLayout::draw(_cairo* cairo) const {
   if (state_ != nullptr) {
-    const MutexLock lock(TypeSetter::shared().mutex);
+    const MutexLock lock(Typesetter::shared().mutex);
     state_->draw(cairo);
   }
 }

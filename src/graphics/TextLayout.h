@@ -11,44 +11,43 @@ struct _cairo;
 
 namespace kesu {
 
-/// How a text is set.
+/// How a text is typeset.
 struct TextStyle {
   Font font{};
   TextAlignment alignment = TextAlignment::Natural;
   int lines = 0;                    ///< Most lines; 0 is as many as there is height for.
-  double minimumScaleFactor = 1.0;  ///< How small a single line may become before it is cut.
-  bool isSetSolid = false;          ///< Cut at the end without an ellipsis.
+  double minimumScaleFactor = 1.0;  ///< How far a single line may shrink before it is cut.
+  bool hasNoEllipsis = false;       ///< Cut at the end without an ellipsis.
 
   friend bool operator==(const TextStyle&, const TextStyle&) = default;
 };
 
 /// Loads the fonts: about 15 ms, more than half a second while the system's caches are cold. Any thread, best a worker;
-/// whoever comes while it is under way waits. Everything below does it when nobody has. Without any font, texts have
-/// sizes and show boxes.
+/// concurrent calls wait. Called implicitly by everything below. Without any font, texts have sizes and show boxes.
 void prepareFonts();
 
-/// Whether prepareFonts() has been here. Any thread.
+/// Whether fonts are loaded. Any thread.
 bool areFontsReady();
 
-/// Gives back the fonts and all texts that nobody holds; the next text loads them again. Any thread.
+/// Releases the fonts and all texts without a TextLayout; the next text loads them again. Any thread.
 void releaseFonts();
 
-/// A text laid out for a box, to be measured and drawn (Canvas::drawText). One thread at a time, any. Text that is no
-/// UTF-8 is shown with replacement characters; a text longer than 32 kB, or 4 kB for each of limited lines, or with
-/// more than 1,000 line ends is cut. Texts that were set shortly before cost next to nothing.
+/// A text typeset for a box, to be measured and drawn (Canvas::drawText). One thread at a time, any. Invalid UTF-8 is
+/// shown as replacement characters; a text longer than 32 kB, or 4 kB per line where lines are limited, or with more
+/// than 1,000 line ends is cut. Texts that were typeset shortly before cost next to nothing.
 class TextLayout {
  public:
-  /// `box` in points; a width or height that is not above 0 is no limit. There always is a first line.
+  /// `box` in points; a width or height of 0 or less is no limit. There always is a first line.
   TextLayout(std::string_view text, const TextStyle& style, Size box);
   ~TextLayout();
   TextLayout(TextLayout&&) noexcept;
   TextLayout& operator=(TextLayout&&) noexcept;
 
-  /// The size of the set text in points, not above the box.
+  /// The size of the typeset text in points, clamped to the box.
   Size size() const;
   int lineCount() const;
 
-  /// For Canvas: draws with the source of a Cairo drawing, the box beginning at its origin.
+  /// Draws with the source of a Cairo context, the box at its origin. For Canvas.
   void draw(_cairo* cairo) const;
 
   struct State;
@@ -57,8 +56,7 @@ class TextLayout {
   std::shared_ptr<State> state_;
 };
 
-/// The height in points that `text` needs when it is broken into lines of at most `width` points; not rounded. 0 for an
-/// empty text.
+/// The height in points of `text` broken into lines of at most `width` points; not rounded. 0 for an empty text.
 double heightOfText(std::string_view text, const Font& font, double width);
 
 }  // namespace kesu

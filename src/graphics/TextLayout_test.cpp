@@ -40,7 +40,7 @@ struct Ink {
 Ink inkOf(const std::string& text, const TextStyle& style) {
   std::vector<std::uint32_t> pixels(400 * 100);
   Canvas canvas(pixels.data(), 400, 100, 400, 1.0);
-  canvas.drawText(text, style, {0.0, 0.0, 400.0, 100.0}, Color::white());
+  canvas.drawText(TextLayout(text, style, {400.0, 100.0}), {0.0, 0.0}, Color::white());
   Ink ink;
   for (int i = 0; i < 400 * 100; ++i) {
     const std::uint32_t pixel = pixels[static_cast<std::size_t>(i)];
@@ -89,7 +89,8 @@ TEST_F(TextLayoutTest, LimitsLinesHoweverTheTextIsCutUp) {
     const TextLayout high(text, styleOf(0), {200.0, 100.0});
     EXPECT_EQ(high.lineCount(), 3);
     EXPECT_LE(high.size().height, 100.0);
-    EXPECT_EQ(TextLayout(text, TextStyle{.font = kLight, .lines = 2, .isSetSolid = true}, {200.0, 0.0}).lineCount(), 2);
+    EXPECT_EQ(TextLayout(text, TextStyle{.font = kLight, .lines = 2, .hasNoEllipsis = true}, {200.0, 0.0}).lineCount(),
+              2);
   }
   EXPECT_EQ(TextLayout("high", styleOf(0), {200.0, 3.0}).lineCount(), 1);
   EXPECT_EQ(TextLayout("high", styleOf(0), {200.0, 3.0}).size().height, 3.0);
@@ -97,7 +98,7 @@ TEST_F(TextLayoutTest, LimitsLinesHoweverTheTextIsCutUp) {
 
 TEST_F(TextLayoutTest, EndsCutTextInAnEllipsis) {
   const std::string text = repeated("x", 100);
-  const TextStyle solid{.font = kLight, .lines = 1, .isSetSolid = true};
+  const TextStyle solid{.font = kLight, .lines = 1, .hasNoEllipsis = true};
   EXPECT_NE(inkOf(text, styleOf(1)).right, inkOf(text, solid).right);
   // The dots at the end stand on the baseline: their column has no marks above.
   const Ink cut = inkOf(text, styleOf(1));
@@ -126,9 +127,9 @@ TEST_F(TextLayoutTest, ShrinksUntilNothingIsCut) {
     const TextLayout shrunk(text, style, {width, 0.0});
     const double scale = shrunk.size().height / TextLayout("S", styleOf(1), {}).size().height;
     EXPECT_NEAR(scale, share, 0.03);
-    style.isSetSolid = true;  // Neither an ellipsis nor a cut: both ways to set it look the same.
+    style.hasNoEllipsis = true;  // Neither an ellipsis nor a cut: both ways to set it look the same.
     const TextLayout solid(text, style, {width, 0.0});
-    style.isSetSolid = false;
+    style.hasNoEllipsis = false;
     EXPECT_TRUE(pictureOf(shrunk) == pictureOf(solid)) << share;
   }
 }

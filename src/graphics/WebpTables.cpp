@@ -13,12 +13,14 @@
 namespace kesu {
 namespace {
 
-constexpr std::size_t kFileHeaderBytes = 12;
-constexpr std::size_t kChunkHeaderBytes = 8;
-constexpr std::size_t kLongestCode = 15;
-constexpr std::uint32_t kLiterals = 256;
-constexpr std::uint32_t kLengths = 24;
-constexpr std::uint32_t kDistances = 40;
+// The container is RIFF; the numbers below, the order of code lengths and the repeats are those of the WebP Lossless
+// Bitstream, whose prefix codes are those of Deflate with other alphabets.
+constexpr std::size_t kFileHeaderBytes = 12;  // "RIFF", size, "WEBP".
+constexpr std::size_t kChunkHeaderBytes = 8;  // Name, size.
+constexpr std::size_t kLongestCode = 15;      // In bits.
+constexpr std::uint32_t kLiterals = 256;      // Values of a colour.
+constexpr std::uint32_t kLengths = 24;    // Prefixes of a copied length; behind them the places of the colour cache.
+constexpr std::uint32_t kDistances = 40;  // Prefixes of the distance to what is copied.
 constexpr std::uint32_t kLargestCacheBits = 11;
 
 std::uint32_t littleEndian32(std::string_view bytes, std::size_t offset) {
@@ -34,7 +36,7 @@ std::uint32_t parts(std::uint32_t size, std::uint32_t bits) {
   return (size + (1U << bits) - 1) >> bits;
 }
 
-/// Bits, the lowest of a byte first. Behind the end there are zeros, and isGood() is false.
+/// Reads bits, the lowest of a byte first. Past the end it returns zeros, and isGood() is false.
 class Bits {
  public:
   explicit Bits(std::string_view bytes) : bytes_(bytes) {}
@@ -65,7 +67,7 @@ class Bits {
   bool isGood_ = true;
 };
 
-/// A canonical Huffman code. One of a single symbol takes no bits.
+/// A canonical Huffman code. One with a single symbol takes no bits.
 class Code {
  public:
   Code(std::span<const std::uint8_t> lengths, Bits& bits) {
@@ -179,7 +181,7 @@ Code readCode(Bits& bits, std::uint32_t alphabet) {
   return {isSimple ? readSimpleLengths(bits, alphabet) : readLengths(bits, alphabet), bits};
 }
 
-/// How far a copy goes, or from where it is taken.
+/// Reads the length of a copy, or its distance: a prefix and extra bits.
 std::uint32_t readCopyNumber(Bits& bits, std::uint32_t symbol) {
   if (symbol < 4) {
     return symbol + 1;
@@ -196,8 +198,8 @@ std::uint32_t readCacheBits(Bits& bits) {
   return std::min(cacheBits, kLargestCacheBits);
 }
 
-/// Reads a picture within the picture. Returns the largest number that the red and green of a pixel make: pixels that
-/// are copied are none that were not there before.
+/// Reads a picture within the picture. Returns the largest number that the red and green of a pixel make, which is a
+/// group's number there; copied pixels add none.
 std::uint32_t readInnerPicture(Bits& bits, std::uint32_t width, std::uint32_t height) {
   const std::uint32_t cacheBits = readCacheBits(bits);
   const Code green = readCode(bits, kLiterals + kLengths + (cacheBits > 0 ? 1U << cacheBits : 0));
@@ -244,8 +246,9 @@ void readTransforms(Bits& bits, std::uint32_t& width, std::uint32_t height) {
 }
 
 std::optional<std::size_t> tableBytes(std::string_view stream, std::uint32_t width, std::uint32_t height) {
+  // What libwebp allocates per group: pointers and packed codes, and lookup tables of four-byte entries.
   constexpr std::size_t kGroupBytes = 640;
-  constexpr std::size_t kFixedEntries = 2960;  // One more for every place in the cache of colours, four bytes each.
+  constexpr std::size_t kFixedEntries = 2960;  // One more for every place in the colour cache.
   Bits bits(stream);
   readTransforms(bits, width, height);
   const std::uint32_t cacheBits = readCacheBits(bits);

@@ -39,7 +39,7 @@ class FocusButtonTest : public ::testing::Test {
   }
 
   void expectNormal() const {
-    EXPECT_TRUE(button->transform().isIdentity());
+    EXPECT_EQ(button->transform(), Transform{});
     EXPECT_TRUE(button->clipsToBounds());
   }
   void expectFocused() const {
@@ -76,7 +76,7 @@ TEST_F(FocusButtonTest, LooksPushedInWhileSelectIsHeld) {
   pass(0.1);  // Also while it still grows.
   WindowInput::of(window).press(RemoteButton::Select, PressPhase::Began);
   pass(0.3);
-  EXPECT_TRUE(button->transform().isIdentity());
+  EXPECT_EQ(button->transform(), Transform{});
   EXPECT_EQ(button->shadow().offset, (Size{0.0, 10.0}));
   WindowInput::of(window).press(RemoteButton::Select, PressPhase::Cancelled);
   expectFocused();
@@ -101,7 +101,7 @@ TEST_F(FocusButtonTest, EndsInTheNormalLookWhenTheFocusLeavesEarly) {
   window.setFocusedView(other.get());
   pass(0.3);
   expectNormal();
-  EXPECT_TRUE(ViewDrawing::presented(*button).transform.isIdentity());
+  EXPECT_EQ(ViewDrawing::presented(*button).transform, Transform{});
 }
 
 TEST_F(FocusButtonTest, KeepsTheFocusedLookWhenItsAnimationIsInterrupted) {

@@ -70,7 +70,7 @@ TEST_F(AnimatorTest, MovesEveryValueOnItsOwn) {
   Animator::shared().tick(1.0);
   EXPECT_EQ(ViewDrawing::presented(*view).size, (Size{300.0, 50.0}));
   EXPECT_EQ(ViewDrawing::presented(*view).shadow, shadow);
-  EXPECT_TRUE(ViewDrawing::presented(*view).transform.isIdentity());
+  EXPECT_EQ(ViewDrawing::presented(*view).transform, Transform{});
 }
 
 TEST_F(AnimatorTest, GoesOnFromWhereItIsWhenAnotherTakesOver) {
@@ -183,7 +183,7 @@ TEST_F(AnimatorTest, FollowsEndsThatCauseEndsInOneFrame) {
       });
   Animator::shared().tick(0.1);
   EXPECT_EQ(take(), "a-b-");
-  EXPECT_TRUE(ViewDrawing::presented(*view).transform.isIdentity());
+  EXPECT_EQ(ViewDrawing::presented(*view).transform, Transform{});
 }
 
 TEST_F(AnimatorTest, NeverGoesBackInTime) {

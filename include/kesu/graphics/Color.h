@@ -14,7 +14,7 @@ struct Color {
   static constexpr Color blueColor() { return {0.0, 0.0, 1.0, 1.0}; }
   static constexpr Color redColor() { return {1.0, 0.0, 0.0, 1.0}; }
 
-  /// Nothing is drawn.
+  /// Draws nothing.
   static constexpr Color clear() { return {0.0, 0.0, 0.0, 0.0}; }
 
   constexpr Color withAlpha(double opacity) const { return {red, green, blue, opacity}; }

@@ -4,7 +4,7 @@
 
 namespace kesu {
 
-/// A typeface and a size in points. Names that are not installed are replaced by the nearest one that is.
+/// A typeface and a size in points. A name that is not installed is replaced by the nearest one.
 struct Font {
   std::string name;  ///< "HelveticaNeue-Light", "HelveticaNeue-Regular", any installed family; "" is the system font.
   double size = 17.0;
@@ -14,7 +14,7 @@ struct Font {
   friend bool operator==(const Font&, const Font&) = default;
 };
 
-/// Where a line of text lies between the edges. Natural: where its script begins.
+/// The alignment of a line of text. Natural: that of its script.
 enum class TextAlignment { Natural, Left, Center, Right };
 
 }  // namespace kesu

@@ -42,19 +42,19 @@ struct Rect {
   Point center() const { return {x + width / 2.0, y + height / 2.0}; }
   bool isEmpty() const { return !(width > 0.0 && height > 0.0); }
 
-  /// Whether the point lies inside; the right and the bottom edge do not belong to it.
+  /// Whether the point lies inside; the right and the bottom edge are outside.
   bool contains(Point point) const { return point.x >= x && point.x < right() && point.y >= y && point.y < bottom(); }
 
   Rect movedBy(double dx, double dy) const { return {x + dx, y + dy, width, height}; }
 
-  /// Smaller by these distances (larger for negative ones), at least 0 wide and high.
+  /// Inset by these distances on each side (grown by negative ones), clamped to 0.
   Rect inset(double dx, double dy) const {
     const double narrow = width - 2.0 * dx;
     const double low = height - 2.0 * dy;
     return {x + dx, y + dy, narrow > 0.0 ? narrow : 0.0, low > 0.0 ? low : 0.0};
   }
 
-  /// What lies in both; an empty rectangle when nothing does.
+  /// The intersection of both; may be empty.
   Rect intersected(const Rect& other) const {
     const double left = x > other.x ? x : other.x;
     const double top = y > other.y ? y : other.y;
@@ -63,7 +63,7 @@ struct Rect {
     return rightmost > left && lowest > top ? Rect{left, top, rightmost - left, lowest - top} : Rect{};
   }
 
-  /// The smallest rectangle that holds both; an empty one adds nothing.
+  /// The smallest rectangle that contains both; an empty one adds nothing.
   Rect united(const Rect& other) const {
     if (isEmpty()) {
       return other;
@@ -81,7 +81,7 @@ struct Rect {
   friend bool operator==(const Rect&, const Rect&) = default;
 };
 
-/// How a view is drawn in relation to its centre: scaled, then moved. The identity leaves it alone.
+/// Scales a view about its centre, then moves it. The identity by default.
 struct Transform {
   double scaleX = 1.0;
   double scaleY = 1.0;
@@ -89,7 +89,6 @@ struct Transform {
   double moveY = 0.0;
 
   static Transform scale(double factor) { return {factor, factor, 0.0, 0.0}; }
-  bool isIdentity() const { return *this == Transform{}; }
 
   friend bool operator==(const Transform&, const Transform&) = default;
 };

@@ -9,12 +9,11 @@
 
 namespace kesu {
 
-/// A picture in memory that never changes once it is made, so that any thread may read it. Shared by everybody who
-/// shows it: pass ImagePtr, where null is "no picture".
+/// An immutable picture in memory, which any thread may read. Pass it as ImagePtr, where null is "no picture".
 class KESU_API Image {
  public:
-  /// Takes over the pixels: rows from the top, each pixel 0xAARRGGBB with the colours multiplied by the opacity, as
-  /// Cairo's ARGB32. `pixels` holds exactly width * height of them.
+  /// Moves the pixels in: rows from the top, each pixel 0xAARRGGBB, premultiplied. `pixels` contains exactly width *
+  /// height of them.
   Image(int width, int height, std::vector<std::uint32_t> pixels);
 
   int width() const { return width_; }    ///< In pixels, at least 1.
@@ -22,7 +21,7 @@ class KESU_API Image {
   const std::uint32_t* pixels() const { return pixels_.data(); }
   std::size_t byteCount() const { return pixels_.size() * sizeof(std::uint32_t); }
 
-  /// Whether every pixel is opaque. Found out when the picture is made.
+  /// Whether every pixel is opaque; constant time.
   bool isOpaque() const { return isOpaque_; }
 
  private:

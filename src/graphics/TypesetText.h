@@ -13,18 +13,19 @@ struct _PangoLayoutLine;
 
 namespace kesu {
 
-/// A text as it can be set: UTF-8 without control characters, not longer than can be laid out within a frame or two,
-/// and with places to break in words without end. `lines` as in TextStyle: line ends become spaces in a single line.
-std::string settableText(std::string_view text, int lines);
+/// Returns a text that can be typeset: UTF-8 without control characters, short enough to be laid out within a frame or
+/// two, and with break opportunities in endless words. `lines` as in TextStyle: line ends become spaces in a single
+/// line.
+std::string typesettableText(std::string_view text, int lines);
 
-/// A text that was set. Whoever makes, draws or destroys one holds the mutex of the TypeSetter.
+/// A typeset text. Lock the Typesetter's mutex to make, draw or destroy one.
 struct TextLayout::State {
   State(_PangoContext* context, const std::string& text, const TextStyle& style, Size box);
   ~State();
   State(const State&) = delete;
   State& operator=(const State&) = delete;
 
-  /// Draws the lines that are not clipped away, with the source of the drawing; the box begins at the origin.
+  /// Draws the lines that are not clipped, with the source of the context; the box is at its origin.
   void draw(_cairo* cairo) const;
 
   struct Line {

@@ -1,22 +1,24 @@
-#include "graphics/SetText.h"
+#include "graphics/TypesetText.h"
 
 #include <pango/pangocairo.h>
 
 #include <algorithm>
 #include <cmath>
 
+#include "graphics/DrawingCaches.h"
+
 namespace kesu {
 namespace {
 
-// Setting 32 kB (650 lines of a message) takes about 35 ms and 3 MB on a desktop computer; it grows evenly.
+// Typesetting 32 kB (650 lines of a message) takes about 35 ms and 3 MB on a desktop computer, growing linearly.
 constexpr std::size_t kLongestTextBytes = std::size_t{32} * 1024;
-// One line on the widest screen holds less than this of any script.
+// More than fits into one line of the widest screen in any script.
 constexpr std::size_t kLongestLineBytes = std::size_t{4} * 1024;
 // The time for breaking one word grows with the square of its length: 64 kB without a space take 8 s.
 constexpr int kLongestWord = 160;
-constexpr int kLongestCluster = 480;
-constexpr int kLongestRow = 64;
-// The time for finding where paragraphs begin grows with the square of their number: 16,000 take a second.
+constexpr int kLongestCluster = 480;  // Letters with their marks, which must not be torn apart: later than words.
+constexpr int kLongestRow = 64;       // Of blanks or marks; no language stacks more than a few.
+// The time for finding paragraphs grows with the square of their number: 16,000 take a second.
 constexpr int kMostLineEnds = 1000;
 
 constexpr gunichar kReplacement = 0xFFFD;
@@ -25,16 +27,16 @@ constexpr gunichar kZeroWidthJoiner = 0x200D;
 constexpr gunichar kLineSeparator = 0x2028;
 constexpr gunichar kParagraphSeparator = 0x2029;
 
-constexpr double kLargestSize = 2000.0;
-constexpr double kLargestBox = 1000000.0;
+constexpr double kLargestSize = 2000.0;    // Of a font: a letter is higher than the screen.
+constexpr double kLargestBox = 1000000.0;  // In Pango's 1024ths of a point this still is an int.
 
 void append(std::string& text, gunichar character) {
   char bytes[6];
   text.append(bytes, static_cast<std::size_t>(g_unichar_to_utf8(character, bytes)));
 }
 
-// Takes one character from the front of `rest`, which is not empty; a byte that begins none counts as one.
-gunichar takeCharacter(std::string_view& rest) {
+// Extracts one character from the front of `rest`, which is not empty; an invalid byte counts as one.
+gunichar extractCharacter(std::string_view& rest) {
   const gunichar character =
       rest.front() == '\0' ? 0 : g_utf8_get_char_validated(rest.data(), static_cast<gssize>(rest.size()));
   const bool isValid = character < 0x110000;
@@ -64,7 +66,7 @@ bool joins(gunichar character) {
          g_unichar_iszerowidth(character) != FALSE;
 }
 
-// Breaks endless words, between letters and not between a letter and its marks.
+// Breaks endless words between letters, not between a letter and its marks.
 class WordBreaker {
  public:
   bool shouldBreakBefore(gunichar character) {
@@ -80,7 +82,7 @@ class WordBreaker {
   gunichar previous_ = 0;
 };
 
-// Leaves out what no text has: spaces and marks in rows without end, which take as long to set as endless words.
+// Drops endless rows of spaces and marks, which take as long to typeset as endless words.
 class RowLimit {
  public:
   bool isOver(gunichar character) {
@@ -135,10 +137,10 @@ void setFont(PangoLayout* layout, const Font& font, double factor) {
 }
 
 void setRules(PangoLayout* layout, const TextStyle& style, Size box) {
-  const bool isCutLine = style.isSetSolid && style.lines == 1;
+  const bool isCutLine = style.hasNoEllipsis && style.lines == 1;
   pango_layout_set_wrap(layout, isCutLine ? PANGO_WRAP_CHAR : PANGO_WRAP_WORD_CHAR);
   pango_layout_set_width(layout, isLimit(box.width) ? toPango(box.width) : -1);
-  if (!style.isSetSolid && (style.lines > 0 || isLimit(box.height))) {
+  if (!style.hasNoEllipsis && (style.lines > 0 || isLimit(box.height))) {
     pango_layout_set_ellipsize(layout, PANGO_ELLIPSIZE_END);
     pango_layout_set_height(layout, style.lines > 0 ? -style.lines : std::max(1, toPango(box.height)));
   }
@@ -152,7 +154,7 @@ bool isRightToLeft(PangoLayoutLine* line) {
   return pango_layout_line_get_resolved_direction(line) == PANGO_DIRECTION_RTL;
 }
 
-// How much of the free space of a line lies before it.
+// Which part of the free space of a line lies before it.
 double shareBefore(TextAlignment alignment, PangoLayoutLine* line) {
   switch (alignment) {
     case TextAlignment::Natural:
@@ -178,16 +180,16 @@ void clampHeight(PangoRectangle& extent, double fontSize) {
 
 }  // namespace
 
-std::string settableText(std::string_view text, int lines) {
+std::string typesettableText(std::string_view text, int lines) {
   const std::size_t most =
       lines > 0 ? std::min(kLongestTextBytes, kLongestLineBytes * static_cast<std::size_t>(lines)) : kLongestTextBytes;
-  std::string settable;
-  settable.reserve(std::min(text.size(), most) + 8);
+  std::string usable;
+  usable.reserve(std::min(text.size(), most) + 8);
   WordBreaker breaker;
   RowLimit limit;
   int lineEnds = 0;
-  while (!text.empty() && settable.size() < most && lineEnds < kMostLineEnds) {
-    gunichar character = takeCharacter(text);
+  while (!text.empty() && usable.size() < most && lineEnds < kMostLineEnds) {
+    gunichar character = extractCharacter(text);
     if (character == '\r' && !text.empty() && text.front() == '\n') {
       continue;
     }
@@ -201,11 +203,11 @@ std::string settableText(std::string_view text, int lines) {
       continue;
     }
     if (breaker.shouldBreakBefore(character)) {
-      append(settable, kZeroWidthSpace);
+      append(usable, kZeroWidthSpace);
     }
-    append(settable, character);
+    append(usable, character);
   }
-  return settable;
+  return usable;
 }
 
 TextLayout::State::State(PangoContext* context, const std::string& text, const TextStyle& style, Size box)
@@ -230,11 +232,11 @@ TextLayout::State::~State() {
   g_object_unref(layout_);
 }
 
-// Called while the layout has no width: it tells that of the whole line. Advances do not shrink evenly with the size of
-// the font, so a line that was made small is measured again.
+// Called while the layout has no width limit, so that its size is that of the whole line. Advances do not shrink in
+// proportion to the font, so a smaller line is measured again.
 void TextLayout::State::fitToWidth(const TextStyle& style, double width) {
-  constexpr int kSteps = 6;
-  constexpr double kLeastStep = 0.995;  // Else the last points of a line are come by ever more slowly.
+  constexpr int kSteps = 6;             // Two suffice for most fonts.
+  constexpr double kLeastStep = 0.995;  // Else the steps become ever smaller before the line fits.
   const double smallest = std::max(0.0, style.minimumScaleFactor);
   double factor = 1.0;
   for (int step = 0; step < kSteps && factor > smallest; ++step) {
@@ -275,14 +277,10 @@ void TextLayout::State::align(TextAlignment alignment, double width) {
 }
 
 void TextLayout::State::draw(cairo_t* cairo) const {
-  double left = 0.0;
-  double top = 0.0;
-  double right = 0.0;
-  double bottom = 0.0;
-  cairo_clip_extents(cairo, &left, &top, &right, &bottom);
+  const Rect clip = clipOf(cairo);
   for (const Line& line : lines) {
     // Accents may rise over their line, by less than its height.
-    if (line.baseline + line.height >= top && line.baseline - 2.0 * line.height <= bottom) {
+    if (line.baseline + line.height >= clip.y && line.baseline - 2.0 * line.height <= clip.bottom()) {
       cairo_move_to(cairo, line.x, line.baseline);
       pango_cairo_show_layout_line(cairo, line.glyphs);
     }
