@@ -12,7 +12,7 @@ namespace {
 
 using Role = AccessibilityInfo::Role;
 
-/// What is read in one go: one element, or a dialog with everything in it.
+/// One element, or a dialog with everything in it, which are not interleaved with others.
 using Block = std::vector<AccessibilityNode>;
 
 AccessibilityNode nodeOf(const View& view, AccessibilityInfo info) {
@@ -38,7 +38,7 @@ void collect(const View& view, std::vector<Block>& blocks) {
   const bool isElement = info.role != Role::None && info.role != Role::Dialog;
   std::vector<Block> inside;
   for (const ViewPtr& subview : view.subviews()) {
-    if (!isElement) {  // An element speaks for all that is in it.
+    if (!isElement) {  // An element is read for all that is in it.
       collect(*subview, inside);
     }
   }

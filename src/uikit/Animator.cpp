@@ -18,28 +18,28 @@
 namespace kesu {
 namespace {
 
-constexpr double kLongestSeconds = 3600.0;
-constexpr double kPatienceSeconds = 1.0;  // How long after its end an animation waits for somebody to draw it.
-constexpr double kWholeWay = 1.0 - 1e-9;  // Sums of frame times are a little off.
-constexpr int kCompletionRounds = 8;      // Completions that end other animations are followed this far in one frame.
+constexpr double kLongestSeconds = 3600.0;  // Also of one tick: see timeOf().
+constexpr double kPatienceSeconds = 1.0;    // How long after its end an animation waits for a frame.
+constexpr double kWholeWay = 1.0 - 1e-9;    // Sums of frame times have rounding errors.
+constexpr int kCompletionRounds = 8;        // Completions that end other animations: limits an endless chain per frame.
 
-/// One value of a view on its way.
+/// One property of a view that is animated.
 struct Motion {
   View* view;
   ViewProperty property;
   std::uint64_t group;
-  ViewGeometry from;  // Only the property counts.
+  ViewGeometry from;  // Only `property` of both is used.
   ViewGeometry to;
 };
 
-/// What one call of animate() set in motion.
+/// The motions of one call of animate().
 struct Group {
   std::uint64_t id;
   double seconds;
   AnimationCompletion completion;
   bool isOpen = true;                // Its changes are running.
-  bool isFinished = true;            // Until one of its values is taken over.
-  std::size_t values = 0;            // How many are still on their way.
+  bool isFinished = true;            // Until another animation replaces one of its motions.
+  std::size_t motions = 0;           // How many are left.
   std::optional<double> began = {};  // Nothing before the first tick.
 
   double partAt(double time) const {
@@ -63,18 +63,18 @@ struct Animator::State : std::enable_shared_from_this<Animator::State> {
   std::vector<Motion> motions;
   std::vector<Group> groups;        // In the order in which they began.
   std::vector<Group> ended;         // Their completions are due.
-  std::vector<std::uint64_t> open;  // Calls of animate() whose changes run now, one in the other; 0 sets at once.
+  std::vector<std::uint64_t> open;  // Nested calls of animate() whose changes run now; 0 sets at once.
   std::uint64_t lastId = 0;
   double lastTick = 0.0;
-  double elapsed = 0.0;    // Time of the animations.
+  double elapsed = 0.0;    // The time of the animations: the sum of all steps forward.
   bool wasTicked = false;  // Since the timer was set.
   bool isPosted = false;
   MainLoop* loop = nullptr;  // The one that has the timer.
   std::optional<MainLoop::TimerId> timer;
 
   Group* groupOf(std::uint64_t id);
-  void takeOver(const View& view, std::optional<ViewProperty> property);
-  void send(View& view, ViewProperty property, const ViewGeometry& to);
+  void interrupt(const View& view, std::optional<ViewProperty> property);
+  void start(View& view, ViewProperty property, const ViewGeometry& to);
   void advance(double time);
   void finish(std::uint64_t lastOfThem);
   void endGroups(const std::function<bool(const Group&)>& isOver);
@@ -93,24 +93,24 @@ Group* Animator::State::groupOf(std::uint64_t id) {
   return group != groups.end() ? &*group : nullptr;
 }
 
-/// Takes one property of a view, or all, away from the animations that move it now: they end unfinished.
-void Animator::State::takeOver(const View& view, std::optional<ViewProperty> property) {
-  const auto isTaken = [&](const Motion& motion) {
+/// Removes the motions of one property of a view, or all of its motions: their animations end unfinished.
+void Animator::State::interrupt(const View& view, std::optional<ViewProperty> property) {
+  const auto isInterrupted = [&](const Motion& motion) {
     return motion.view == &view && (!property || motion.property == *property);
   };
   for (const Motion& motion : motions) {
-    Group* group = isTaken(motion) ? groupOf(motion.group) : nullptr;
+    Group* group = isInterrupted(motion) ? groupOf(motion.group) : nullptr;
     if (group != nullptr) {
       group->isFinished = false;
-      --group->values;
+      --group->motions;
     }
   }
-  std::erase_if(motions, isTaken);
+  std::erase_if(motions, isInterrupted);
   endEmptied();
 }
 
-/// Starts one property on its way in the innermost call of animate().
-void Animator::State::send(View& view, ViewProperty property, const ViewGeometry& to) {
+/// Starts the motion of one property in the innermost call of animate().
+void Animator::State::start(View& view, ViewProperty property, const ViewGeometry& to) {
   const std::uint64_t id = open.back();
   const auto own = std::ranges::find_if(motions, [&](const Motion& motion) {
     return motion.view == &view && motion.property == property && motion.group == id;
@@ -119,9 +119,9 @@ void Animator::State::send(View& view, ViewProperty property, const ViewGeometry
     own->to = to;
     return;
   }
-  takeOver(view, property);
+  interrupt(view, property);
   if (Group* group = groupOf(id)) {
-    ++group->values;
+    ++group->motions;
     motions.push_back({&view, property, id, ViewDrawing::presented(view), to});
   }
 }
@@ -138,7 +138,7 @@ void Animator::State::advance(double time) {
   endGroups([&](const Group& group) { return group.partAt(time) >= 1.0; });
 }
 
-/// Brings everything up to this group to its aim.
+/// Moves everything up to this group to its final value.
 void Animator::State::finish(std::uint64_t lastOfThem) {
   for (const Motion& motion : motions) {
     if (motion.group <= lastOfThem) {
@@ -159,13 +159,13 @@ void Animator::State::endGroups(const std::function<bool(const Group&)>& isOver)
   groups.erase(first, groups.end());
 }
 
-/// Ends what has lost all its values.
+/// Ends animations that have lost all their motions.
 void Animator::State::endEmptied() {
-  endGroups([](const Group& group) { return !group.isFinished && group.values == 0; });
+  endGroups([](const Group& group) { return !group.isFinished && group.motions == 0; });
   postCompletions();
 }
 
-/// Whoever took values away is in the midst of something: completions wait for the next frame or the main loop.
+/// Completions must not run inside the call that interrupted them: they wait for the next frame or the main loop.
 void Animator::State::postCompletions() {
   if (ended.empty() || isPosted || !Platform::isInstalled()) {
     return;
@@ -179,7 +179,7 @@ void Animator::State::postCompletions() {
   });
 }
 
-/// What a host's completion throws goes on; the others are told in the next frame or by the main loop.
+/// Lets an exception of a host's completion through; the remaining ones run in the next frame or the main loop.
 void Animator::State::runEach(std::vector<Group>& batch) {
   for (auto group = batch.begin(); group != batch.end(); ++group) {
     try {
@@ -194,7 +194,7 @@ void Animator::State::runEach(std::vector<Group>& batch) {
   }
 }
 
-/// Those that end other animations have these completed in the same frame, so that nothing between is seen.
+/// Animations that are ended by a completion are completed in the same frame, so that no state between is seen.
 void Animator::State::runCompletions() {
   for (int round = 0; round < kCompletionRounds && !ended.empty(); ++round) {
     std::vector<Group> batch = std::exchange(ended, {});
@@ -206,8 +206,8 @@ void Animator::State::runCompletions() {
   }
 }
 
-/// The time of the animations never goes back. After one jump of a host's clock to a huge number it would have no room
-/// for the steps of frames: it goes no further at once than the longest animation.
+/// The time of the animations never goes back. One jump of a host's clock to a huge number would leave no precision for
+/// the steps of frames: each is clamped to the longest animation.
 double Animator::State::timeOf(double tick) {
   const double now = std::isfinite(tick) ? tick : lastTick;
   elapsed += std::clamp(now - lastTick, 0.0, kLongestSeconds);
@@ -215,7 +215,7 @@ double Animator::State::timeOf(double tick) {
   return elapsed;
 }
 
-/// Sees to it that animations end which nobody draws.
+/// Ends animations that are not drawn, which get no ticks.
 void Animator::State::setTimer() {
   if (!Platform::isInstalled() || groups.empty() || (timer && loop == &Platform::current().mainLoop)) {
     return;
@@ -230,7 +230,7 @@ void Animator::State::setTimer() {
   });
 }
 
-/// The changes of a call of animate() are over.
+/// Closes a call of animate() after its changes.
 void Animator::State::close(std::uint64_t id) {
   open.pop_back();
   if (Group* group = groupOf(id)) {
@@ -254,7 +254,7 @@ Animator& Animator::shared() {
 
 Animator::Animator() : state_(std::make_shared<State>()) {}
 
-// Completions may own views, which say so here when they go.
+// Completions may own views, which call viewDestroyed() when they are released here: motions first.
 Animator::~Animator() {
   state_->motions.clear();
   const std::vector<Group> groups = std::exchange(state_->groups, {});
@@ -278,8 +278,7 @@ void Animator::animate(double durationSeconds, const std::function<void()>& chan
       [&] { state->close(id); });
   Window* window = keyWindow();
   if (id != 0 && window != nullptr) {
-    ViewDrawing::noteChange(
-        *window);  // Frames are wanted even where nothing moves: only they bring the completion in time.
+    ViewDrawing::noteChange(*window);  // Even where nothing moves: only frames run the completion in time.
   } else if (id == 0 && completion) {
     completion(true);
   }
@@ -307,11 +306,11 @@ void Animator::viewMoved(View& view, const ViewGeometry& from, const ViewGeometr
       continue;
     }
     if (isGradual) {
-      state_->send(view, property, to);
+      state_->start(view, property, to);
       continue;
     }
     if (ViewDrawing::isAnimated(view)) {
-      state_->takeOver(view, property);
+      state_->interrupt(view, property);
     }
     moveTo(property, to, to, 1.0, next);
   }
@@ -323,7 +322,7 @@ void Animator::viewMoved(View& view, const ViewGeometry& from, const ViewGeometr
 }
 
 void Animator::viewDestroyed(View& view) {
-  state_->takeOver(view, std::nullopt);
+  state_->interrupt(view, std::nullopt);
 }
 
 void animate(double durationSeconds, const std::function<void()>& changes, AnimationCompletion completion) {

@@ -8,10 +8,11 @@
 namespace kesu {
 namespace {
 
-constexpr double kAsideWeight = 2.0;       // A point aside counts as two ahead.
+// A point aside counts as two ahead: a row further down is still nearer than the next column.
+constexpr double kAsideWeight = 2.0;
 constexpr double kOffCenterWeight = 0.25;  // Among equals the one whose middle is nearer.
 
-/// A frame as an arrow sees it: `near` to `far` along the way, `low` to `high` across.
+/// A frame in the direction of an arrow: `near` to `far` along it, `low` to `high` across.
 struct Span {
   double near;
   double far;
@@ -51,7 +52,7 @@ double cost(const Span& from, const Span& to) {
   return ahead(from, to) + kAsideWeight * aside(from, to) + kOffCenterWeight * std::abs(to.across() - from.across());
 }
 
-/// Whether an item really lies in the arrow's direction, and not only its middle does.
+/// Whether an item as a whole, not just its middle, lies in the arrow's direction.
 bool isAhead(const Span& from, const Span& to) {
   const bool isBeyond = to.near >= from.middle() && to.middle() >= from.far && to.middle() > from.middle();
   return isBeyond && aside(from, to) <= ahead(from, to);
@@ -83,7 +84,7 @@ class Graph {
     redirect();
   }
 
-  std::vector<FocusMoves> take() { return std::move(moves_); }
+  const std::vector<FocusMoves>& moves() const { return moves_; }
 
  private:
   std::optional<std::size_t>& target(const Slot& slot) { return moves_[slot.item][slot.arrow]; }
@@ -101,7 +102,7 @@ class Graph {
     return all;
   }
 
-  /// A strict order of all items along an arrow: so from everywhere one can go on to the very last.
+  /// A strict order of all items along an arrow: following it leads from everywhere to the very last.
   bool isInFront(const Slot& slot, std::size_t to) const {
     const double here = span(slot, slot.item).middle();
     const double there = span(slot, to).middle();
@@ -127,7 +128,7 @@ class Graph {
     return best(slot, [&](std::size_t to) { return isInFront(slot, to); });
   }
 
-  /// Which items can be reached from one; `viaOf` gets the arrow by which each was reached first.
+  /// Which items can be reached from one; appends to `viaOf` the arrow by which each was reached first.
   std::vector<bool> reachableFrom(std::size_t start, std::vector<Slot>* viaOf = nullptr) const {
     std::vector<bool> isReached(frames_.size(), false);
     std::vector<std::size_t> queue{start};
@@ -156,7 +157,7 @@ class Graph {
     return true;
   }
 
-  /// Gives arrows that lead nowhere an aim further aside, the nearest first, where that brings items together.
+  /// Gives arrows without a target one further aside, the nearest first, where that connects items.
   void addFurtherAside() {
     std::vector<std::pair<double, Slot>> empty;
     for (const Slot& slot : slots()) {
@@ -180,9 +181,10 @@ class Graph {
     }
   }
 
-  /// Every arrow leads on now while there is anything in front, so the last item to the right is reachable from
-  /// everywhere. What it does not reach itself gets an arrow that is not needed on the way to anything else: of those
-  /// that point to it there are at least as many as reached items, and one fewer is needed.
+  /// Every arrow has a target now if there is anything in front, so the last item to the right is reachable from
+  /// everywhere. An item that it does not reach itself gets an arrow that is not needed to reach anything else. There
+  /// is one: the reached items have at least as many arrows among themselves as there are of them, and one fewer is
+  /// needed.
   void redirect() {
     std::size_t last = 0;
     for (std::size_t item = 1; item < frames_.size(); ++item) {
@@ -231,7 +233,7 @@ double distance(const Rect& one, const Rect& other) {
 std::vector<FocusMoves> focusGraph(const std::vector<Rect>& frames) {
   Graph graph(frames);
   graph.connect();
-  return graph.take();
+  return graph.moves();
 }
 
 std::vector<std::size_t> readingOrder(const std::vector<Rect>& frames) {

@@ -33,7 +33,7 @@ Point throughTransform(const View& view, Point point) {
           (point.y - view.center().y - transform.moveY) / transform.scaleY + bounds.height / 2.0};
 }
 
-/// Null for a window as well, which nobody shares.
+/// Null for a window as well, which no shared_ptr owns.
 ViewPtr superviewOf(const View& view) {
   return view.superview() != nullptr ? view.superview()->weak_from_this().lock() : nullptr;
 }
@@ -166,7 +166,7 @@ View* touchedView(View& modal, Point point) {
 
 Tapped whatTapReaches(View& modal, View& touched) {
   Tapped tapped;
-  const ViewPtr innermost = touched.shared_from_this();  // A delegate may take anything away.
+  const ViewPtr innermost = touched.shared_from_this();  // A delegate may remove any view.
   for (ViewPtr view = innermost; view != nullptr && modal.contains(*view); view = superviewOf(*view)) {
     for (const RecognizerPtr& one : std::vector<RecognizerPtr>(GestureRecognizer::of(*view))) {
       const bool isTap = dynamic_cast<TapGestureRecognizer*>(one.get()) != nullptr;

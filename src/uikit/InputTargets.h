@@ -9,22 +9,22 @@
 
 namespace kesu {
 
-// What a press, a swipe or a tap on a modal view is for. Hidden and transparent views and those that take no part in
-// interaction are never found, nor is anything inside of them.
+// Finds what a press, a swipe or a tap on a modal view reaches: never hidden or transparent views, those without user
+// interaction, or anything inside of these.
 
 using RecognizerPtr = std::shared_ptr<GestureRecognizer>;
 
 /// The frontmost modal view of the window that is not hidden, or null. It may be transparent.
 View* frontmostModal(const Window& window);
 
-/// Everything that can be focused, in the order of the tree.
+/// All views that can be focused, in the order of the tree.
 std::vector<ViewPtr> focusableIn(View& modal);
 
-/// Where a view lies in its window, transforms left out.
+/// The frame of a view in its window, transforms left out.
 Rect placeInWindow(const View& view);
 std::vector<Rect> placesOf(const std::vector<ViewPtr>& views);
 
-/// The tap recogniser that allows a button: from the focused view, which may be null, outwards to the modal one, else
+/// The tap recogniser that allows a button: outwards from the focused view, which may be null, to the modal one, else
 /// the frontmost. Null without any.
 RecognizerPtr recognizerOfPress(const View& modal, const View* focused, RemoteButton button);
 
@@ -38,13 +38,13 @@ View* hitTest(View& view, Point point);
 /// The view in a modal one at a point of the window, or null.
 View* touchedView(View& modal, Point point);
 
-/// Who takes a tap: a recogniser, or a view to be focused and activated, or neither.
+/// What a tap reaches: a recogniser, or a view to be focused and activated, or neither.
 struct Tapped {
   RecognizerPtr recognizer;
   ViewPtr view;
 };
 
-/// The innermost around the touched view that can and may take a tap; every delegate on the way out is asked.
+/// The innermost around the touched view that accepts a tap. Calls every delegate on the way out.
 Tapped whatTapReaches(View& modal, View& touched);
 
 }  // namespace kesu

@@ -11,19 +11,19 @@
 namespace kesu {
 namespace {
 
-constexpr std::size_t kMostRows = 10'000;
-constexpr double kHighestRow = 1e6;
-constexpr double kStep = 120.0;  // Of one press of an arrow, in points.
+constexpr std::size_t kMostRows = 10'000;  // More than can be scrolled through with a remote.
+constexpr double kHighestRow = 1e6;        // The sum of all rows is exact in a double.
+constexpr double kStep = 120.0;            // Of one press of an arrow, in points.
 constexpr double kScrollSeconds = 0.25;
 constexpr double kFadeHeight = 56.0;
 constexpr double kIndicatorWidth = 4.0;
 constexpr double kFocusedIndicatorWidth = 8.0;
 constexpr double kFocusSeconds = 0.2;
-constexpr Color kIndicatorColor{0.5, 0.5, 0.5, 0.75};  // Shows on light and dark pictures alike.
+constexpr Color kIndicatorColor{0.5, 0.5, 0.5, 0.75};  // Visible on light and dark backgrounds.
 constexpr double kIndicatorMargin = 6.0;
 constexpr double kShortestIndicator = 32.0;
 
-/// Covers an edge at which rows are cut with the table's background, ever thinner towards the middle.
+/// Covers an edge at which rows are cut off with the table's background, fading towards the middle.
 class Fade : public View {
  public:
   explicit Fade(bool isAtTop) : isAtTop_(isAtTop) { setUserInteractionEnabled(false); }

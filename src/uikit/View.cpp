@@ -10,7 +10,7 @@
 namespace kesu {
 namespace {
 
-constexpr double kLargest = 1e9;  // Far beyond every screen, and squares of it still have a place in a double.
+constexpr double kLargest = 1e9;  // Far beyond every screen; its square still is exact enough in a double.
 
 double finite(double number) {
   return std::isfinite(number) ? std::clamp(number, -kLargest, kLargest) : 0.0;

@@ -4,7 +4,7 @@
 
 namespace kesu {
 
-/// What of a view can be on its way by itself.
+/// The properties of a view that are animated independently.
 enum class ViewProperty { Center, Size, Transform, Alpha, Shadow };
 
 constexpr ViewProperty kViewProperties[] = {ViewProperty::Center, ViewProperty::Size, ViewProperty::Transform,
@@ -13,7 +13,7 @@ constexpr ViewProperty kViewProperties[] = {ViewProperty::Center, ViewProperty::
 /// Whether the property is the same in both.
 bool isSame(ViewProperty property, const ViewGeometry& one, const ViewGeometry& other);
 
-/// Sets the property of `geometry` to what lies at `part` of the way, from 0 to 1: exactly the end at 1.
+/// Interpolates the property of `geometry`: `part` is 0 at `from` and 1 at exactly `to`.
 void moveTo(ViewProperty property, const ViewGeometry& from, const ViewGeometry& to, double part,
             ViewGeometry& geometry);
 

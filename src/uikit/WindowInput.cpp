@@ -10,6 +10,7 @@
 namespace kesu {
 namespace {
 
+/// The arrows are the first of the enum.
 bool isArrow(RemoteButton button) {
   return button <= RemoteButton::Right;
 }
@@ -80,12 +81,12 @@ void WindowInput::setFocused(View& view, bool focused) {
   }
 }
 
-/// Null takes the focus away, but not what is known about where it was.
+/// Null removes the focus, but keeps its last place: what appears later may be focused there.
 void WindowInput::focus(const ViewPtr& wanted) {
   if (focused_.lock() != wanted) {
     cancelSelect();
   }
-  View* modal = frontmostModal(window_);  // What was cancelled may have closed it.
+  View* modal = frontmostModal(window_);  // pressesCancelled() may have closed it.
   const ViewPtr next = wanted != nullptr && modal != nullptr && modal->contains(*wanted) ? wanted : nullptr;
   const ViewPtr before = focused_.lock();
   if (next != nullptr) {
@@ -115,21 +116,22 @@ bool WindowInput::press(RemoteButton button, PressPhase phase) {
   updateFocus();
   if (phase == PressPhase::Began) {
     const bool isRepeated = down_[index];
-    const bool isTaken = frontmostModal(window_) != nullptr;
-    down_[index] = isTaken;
-    if (isTaken && (!isRepeated || isArrow(button))) {
+    const bool isConsumed = frontmostModal(window_) != nullptr;
+    down_[index] = isConsumed;
+    // Only arrows repeat: a held Select must not activate again, nor Menu close the next popup.
+    if (isConsumed && (!isRepeated || isArrow(button))) {
       beginPress(button);
     }
-    return isTaken;
+    return isConsumed;
   }
-  const bool isOurs = down_[index];
+  const bool wasConsumed = down_[index];
   down_.reset(index);
-  if (isOurs && phase == PressPhase::Ended) {
+  if (wasConsumed && phase == PressPhase::Ended) {
     endPress(button);
-  } else if (isOurs && button == RemoteButton::Select) {
+  } else if (wasConsumed && button == RemoteButton::Select) {
     cancelSelect();
   }
-  return isOurs;
+  return wasConsumed;
 }
 
 void WindowInput::beginPress(RemoteButton button) {
@@ -148,14 +150,14 @@ void WindowInput::beginPress(RemoteButton button) {
   }
 }
 
-// Host's functions run in here, which may destroy the window.
+// A button's action or a recogniser may run functions of the host, which may destroy the window and this.
 void WindowInput::endPress(RemoteButton button) {
   const std::weak_ptr<WindowInput> alive = weak_from_this();
   const ViewPtr selected = std::exchange(selected_, {}).lock();
   const ViewPtr focused = focused_.lock();
   View* modal = frontmostModal(window_);
   if (button == RemoteButton::Select && focused != nullptr) {
-    if (selected == focused) {
+    if (selected == focused) {  // Else the focus has moved since: nothing was pressed.
       selected->pressesEnded(button);
       if (!alive.expired() && focusedView() == selected.get()) {
         selected->activate();
@@ -228,7 +230,7 @@ bool WindowInput::tap(Point point) {
   const std::weak_ptr<WindowInput> alive = weak_from_this();
   View* touched = touchedView(*modal, point);
   if (touched != nullptr) {
-    const ViewPtr kept = modal->shared_from_this();
+    const ViewPtr kept = modal->shared_from_this();  // A delegate may close it.
     const Tapped tapped = whatTapReaches(*modal, *touched);
     if (tapped.recognizer != nullptr) {
       tapped.recognizer->recognize();

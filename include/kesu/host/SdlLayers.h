@@ -15,8 +15,8 @@
 
 namespace kesu::host {
 
-/// Makes a renderer draw in plain pixels for as long as this lives: its logical size, scale, viewport, clipping, colour
-/// and blend mode are afterwards as they were.
+/// Makes a renderer draw in plain pixels during its own lifetime; then restores logical size, scale, viewport,
+/// clipping, colour and blend mode.
 class SdlPlainState {
  public:
   explicit SdlPlainState(SDL_Renderer* renderer) : renderer_(renderer) {
@@ -30,7 +30,7 @@ class SdlPlainState {
     SDL_RenderSetClipRect(renderer, nullptr);
     SDL_RenderSetLogicalSize(renderer, 0, 0);  // Resets scale and viewport as well.
   }
-  // The viewport and the clipping are in units of the scale.
+  // In this order: viewport and clipping are in units of the scale.
   ~SdlPlainState() {
     if (logicalWidth_ > 0 && logicalHeight_ > 0) {
       SDL_RenderSetLogicalSize(renderer_, logicalWidth_, logicalHeight_);
@@ -57,12 +57,12 @@ class SdlPlainState {
   SDL_Rect clip_{};
 };
 
-/// Draws layers, and keeps a texture for each that has pixels: only what changed in them is uploaded. Main thread;
-/// destroy it before the renderer.
+/// Draws layers, with a texture for each that has pixels, and uploads only what changed. Main thread. The renderer must
+/// outlive it.
 class SdlLayers {
  public:
-  /// Draws over what the renderer holds, in pixels of its output. Textures of layers that are gone are given back. One
-  /// that SDL cannot make leaves its layer out, and is tried again with the next frame. Always the same renderer.
+  /// Draws over the output of the renderer, always the same one, in pixels. Destroys textures of layers that are gone.
+  /// A layer whose texture SDL cannot create is left out and tried again in the next frame.
   void draw(SDL_Renderer* renderer, const std::vector<FrameLayer>& layers) {
     forgetTexturesExceptOf(layers);
     const SdlPlainState plain(renderer);
@@ -75,7 +75,7 @@ class SdlLayers {
     }
   }
 
-  /// The renderer has lost its textures.
+  /// Destroys all textures, because the renderer has lost them.
   void forget() { textures_.clear(); }
 
  private:
@@ -123,7 +123,7 @@ class SdlLayers {
     SDL_RenderCopyF(renderer, texture.handle.get(), nullptr, &rect);
   }
 
-  // SDL's software renderer knows no premultiplied blending: it gets plain colours instead.
+  // SDL's software renderer has no premultiplied blending: it gets plain colours instead.
   static Texture makeTexture(SDL_Renderer* renderer, const FrameLayer& layer) {
     Texture made;
     made.handle.reset(SDL_CreateTexture(renderer, SDL_PIXELFORMAT_ARGB8888, SDL_TEXTUREACCESS_STATIC, layer.pixelWidth,

@@ -1,6 +1,6 @@
 #pragma once
 
-// Which keys and buttons of a game controller stand for the buttons of a remote.
+// Maps keys and buttons of a game controller to the buttons of a remote.
 
 #include <SDL.h>
 #include <kesu/ui/Remote.h>
@@ -9,7 +9,7 @@
 
 namespace kesu::host {
 
-/// The button of the remote that a key stands for, or nothing.
+/// Returns the button of the remote for a key, or nothing.
 inline std::optional<RemoteButton> remoteButtonOf(SDL_Keycode key) {
   switch (key) {
     case SDLK_UP:
@@ -37,7 +37,7 @@ inline std::optional<RemoteButton> remoteButtonOf(SDL_Keycode key) {
   }
 }
 
-/// The button of the remote that a game controller's button stands for, or nothing.
+/// Returns the button of the remote for a button of a game controller, or nothing.
 inline std::optional<RemoteButton> remoteButtonOf(SDL_GameControllerButton button) {
   switch (button) {
     case SDL_CONTROLLER_BUTTON_DPAD_UP:

@@ -1,12 +1,12 @@
 #pragma once
 
-// For hosts that draw with SDL 2, from 2.0.22 on. Header only: the library itself links no toolkit. Two lines in the
+// For hosts that draw with SDL 2.0.22 or later. Header only: the library itself links no toolkit. Two lines in the
 // host's loop:
 //
 //   kesu::host::SdlOverlay overlay(renderer);
 //   while (running) {
 //     while (SDL_PollEvent(&event)) {
-//       if (overlay.handle(event)) continue;   // the popup took it
+//       if (overlay.handle(event)) continue;   // consumed by the popup
 //       ...
 //     }
 //     kesu::MainLoop::shared().pump();
@@ -33,16 +33,15 @@
 
 namespace kesu::host {
 
-/// Shows the library's popup in an SDL renderer and gives it the remote. Main thread, that of the renderer, where the
-/// host also pumps kesu::MainLoop; destroy it before the renderer, which it does not own. One at a time, as its
-/// Overlay.
+/// Shows the library's popup in an SDL renderer and forwards the remote to it. Main thread, that of the renderer, where
+/// the host also pumps kesu::MainLoop. The renderer is not owned and must outlive it. One at a time, as its Overlay.
 class SdlOverlay {
  public:
   explicit SdlOverlay(SDL_Renderer* renderer) : renderer_(renderer) { measure(); }
 
-  /// Hands an event on; give it all of the host's, of every window. True: the popup is up and took it, or it was for
-  /// nobody while the popup is up. A press, click or touch that began with the host ends with the host. May run the
-  /// host's own functions, which may destroy this.
+  /// Forwards an event; call it for all events of every window. Returns true if it was consumed, as all input is while
+  /// the popup is up; the end of a press, click or touch that began before is left to the host. May run functions of
+  /// the host, which may destroy this.
   bool handle(const SDL_Event& event) {
     switch (event.type) {
       case SDL_KEYDOWN:
@@ -76,8 +75,8 @@ class SdlOverlay {
     }
   }
 
-  /// Draws the popup over what the renderer holds, always the same one, on the whole of its output in pixels. The
-  /// renderer's logical size, scale, viewport, clipping, colour and blend mode are afterwards as they were.
+  /// Draws the popup over the whole output of the renderer, always the same one. Restores the renderer's logical size,
+  /// scale, viewport, clipping, colour and blend mode.
   void draw(SDL_Renderer* renderer) {
     renderer_ = renderer;
     measure();
@@ -88,7 +87,7 @@ class SdlOverlay {
     }
   }
 
-  /// Whether the next draw() will show something new: hosts that draw on demand ask this, or set
+  /// Returns whether the next draw() will differ, for hosts that draw on demand; see also
   /// overlay().setNeedsFrameCallback().
   bool needsFrame() const { return overlay_.needsFrame(); }
 
@@ -96,22 +95,22 @@ class SdlOverlay {
   const Overlay& overlay() const { return overlay_; }
 
  private:
-  /// What may be held down: the type of the event that tells of its beginning, and which of that kind it is.
-  using Held = std::pair<Uint32, std::int64_t>;
+  /// What can be down: the type of the event with which it began, and its number of that type.
+  using Input = std::pair<Uint32, std::int64_t>;
 
   static std::int64_t buttonOf(std::int64_t device, Uint8 button) { return device * 256 + button; }
-  static Held keyOf(const SDL_Event& event) { return {SDL_KEYDOWN, event.key.keysym.sym}; }
-  static Held padButtonOf(const SDL_Event& event) {
+  static Input keyOf(const SDL_Event& event) { return {SDL_KEYDOWN, event.key.keysym.sym}; }
+  static Input padButtonOf(const SDL_Event& event) {
     return {SDL_CONTROLLERBUTTONDOWN, buttonOf(event.cbutton.which, event.cbutton.button)};
   }
-  static Held joystickButtonOf(const SDL_Event& event) {
+  static Input joystickButtonOf(const SDL_Event& event) {
     return {SDL_JOYBUTTONDOWN, buttonOf(event.jbutton.which, event.jbutton.button)};
   }
-  static Held mouseButtonOf(const SDL_Event& event) {
+  static Input mouseButtonOf(const SDL_Event& event) {
     return {SDL_MOUSEBUTTONDOWN, buttonOf(event.button.which, event.button.button)};
   }
 
-  // Of no use to the popup, but not for the host either while it is up.
+  // Ignored by the popup, and consumed while it is up.
   static bool isOtherInput(Uint32 type) {
     switch (type) {
       case SDL_TEXTINPUT:
@@ -139,26 +138,26 @@ class SdlOverlay {
     return remoteButtonOf(static_cast<SDL_GameControllerButton>(event.cbutton.button));
   }
 
-  // A key that went down before the popup came goes up for the host, who saw it go down; until then it repeats for
-  // nobody.
-  bool began(const Held& key, std::optional<RemoteButton> button, bool isRepeat) {
+  // A key that went down before the popup appeared goes up for the host, which saw it go down; its repeats until then
+  // are consumed.
+  bool began(const Input& key, std::optional<RemoteButton> button, bool isRepeat) {
     if (!overlay_.isModal()) {
-      held_.erase(key);  // Its end got lost.
+      down_.erase(key);  // Its end was lost, with the focus of the window.
       return false;
     }
-    if (isRepeat && held_.count(key) == 0) {
+    if (isRepeat && down_.count(key) == 0) {
       return true;
     }
     const bool isArrow = button && *button <= RemoteButton::Right;
-    held_.insert(key);
+    down_.insert(key);
     if (button && (isArrow || !isRepeat)) {
       overlay_.press(*button, PressPhase::Began);
     }
     return true;
   }
 
-  bool ended(const Held& key, std::optional<RemoteButton> button) {
-    if (held_.erase(key) == 0) {
+  bool ended(const Input& key, std::optional<RemoteButton> button) {
+    if (down_.erase(key) == 0) {
       return false;
     }
     if (button) {
@@ -168,7 +167,7 @@ class SdlOverlay {
   }
 
   bool clicked(const SDL_Event& event) {
-    if (held_.erase(mouseButtonOf(event)) == 0) {
+    if (down_.erase(mouseButtonOf(event)) == 0) {
       return false;
     }
     if (event.button.button == SDL_BUTTON_LEFT) {
@@ -178,13 +177,13 @@ class SdlOverlay {
     return true;
   }
 
-  // With a logical size SDL tells places in its units, else in those of the window.
+  // With a logical size SDL reports positions in its units, otherwise in those of the window.
   SDL_FPoint pixelOf(const SDL_MouseButtonEvent& event) const {
     SDL_FPoint place{static_cast<float>(event.x), static_cast<float>(event.y)};
     int logicalWidth = 0;
     SDL_RenderGetLogicalSize(renderer_, &logicalWidth, nullptr);
     if (logicalWidth == 0) {
-      return {place.x * pixelsAUnit_, place.y * pixelsAUnit_};
+      return {place.x * pixelsPerUnit_, place.y * pixelsPerUnit_};
     }
     SDL_Rect viewport{};
     SDL_FPoint scale{1.0F, 1.0F};
@@ -211,14 +210,14 @@ class SdlOverlay {
     if (SDL_Window* window = SDL_RenderGetWindow(renderer_)) {
       SDL_GetWindowSize(window, &units, nullptr);
     }
-    pixelsAUnit_ = units > 0 ? static_cast<float>(width) / static_cast<float>(units) : 1.0F;
+    pixelsPerUnit_ = units > 0 ? static_cast<float>(width) / static_cast<float>(units) : 1.0F;
   }
 
   SDL_Renderer* renderer_;
   Overlay overlay_;
   SdlLayers layers_;
-  std::set<Held> held_;
-  float pixelsAUnit_ = 1.0F;
+  std::set<Input> down_;
+  float pixelsPerUnit_ = 1.0F;
   std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
 };
 

@@ -22,7 +22,7 @@ bool isAtItsPixels(const FrameLayer& layer) {
 }
 
 PixelRect areaOf(const FrameLayer& layer) {
-  // Where it is stretched, the pixels at the edges are blended with what is beyond.
+  // Stretched pixels at the edges are blended with those beyond.
   return touchedPixels(isAtItsPixels(layer) || layer.pixels == nullptr ? rectOf(layer)
                                                                        : rectOf(layer).inset(-1.0, -1.0));
 }
@@ -40,7 +40,7 @@ void composeColor(cairo_t* cairo, const FrameLayer& layer) {
 }
 
 void composePixels(cairo_t* cairo, const FrameLayer& layer) {
-  // Cairo only reads from a source, but has no word for that.
+  // Cairo only reads from a source, but has no const.
   const SurfaceHandle surface =
       surfaceOn(const_cast<std::uint32_t*>(layer.pixels), layer.pixelWidth, layer.pixelHeight, layer.stride);
   cairo_save(cairo);
@@ -53,7 +53,7 @@ void composePixels(cairo_t* cairo, const FrameLayer& layer) {
   cairo_restore(cairo);
 }
 
-// Whether the pixels below are all replaced: nothing has to be cleared before.
+// Whether the layer replaces all pixels below: nothing has to be cleared first.
 bool covers(const FrameLayer& layer, const PixelRect& area) {
   const Rect rect = rectOf(layer);
   return layer.pixels == nullptr && rect.x <= area.x && rect.y <= area.y && rect.right() >= area.x + area.width &&
@@ -124,7 +124,7 @@ const FlatFrame& Compositor::compose(const std::vector<FrameLayer>& layers, int 
     store_ = PixelStore(width, height);
     damage = screen;
   } else if (layers.empty() && !shown_.empty()) {
-    store_ = {};  // The next ones take no memory as long as nothing is drawn.
+    store_ = {};  // Pages that are not written take no memory.
     store_ = PixelStore(width, height);
   }
   damage = store_.pixels() != nullptr ? intersected(damage, screen) : PixelRect{};
@@ -134,12 +134,6 @@ const FlatFrame& Compositor::compose(const std::vector<FrameLayer>& layers, int 
   shown_ = std::move(next);
   frame_ = {store_.pixels(), width, height, width, damage};
   return frame_;
-}
-
-void Compositor::release() {
-  store_ = {};
-  frame_ = {};
-  shown_.clear();
 }
 
 }  // namespace kesu

@@ -9,7 +9,7 @@
 
 namespace kesu {
 
-/// Composes the layers over transparent pixels, within `area` of a picture of that width.
+/// Composes the layers over transparent pixels, within `area` of a picture of that width in pixels.
 void composeLayers(const std::vector<FrameLayer>& layers, std::uint32_t* pixels, int width, const PixelRect& area);
 
 /// Keeps the composed picture of a window and composes again what changed. Main thread.
@@ -17,7 +17,6 @@ class Compositor {
  public:
   /// The damage of each layer is what changed in its pixels since the last call.
   const FlatFrame& compose(const std::vector<FrameLayer>& layers, int width, int height);
-  void release();
 
  private:
   struct Placed {

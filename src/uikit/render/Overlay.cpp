@@ -20,17 +20,17 @@ constexpr int kLargestSide = 8192;
 constexpr double kScreenWidth = 1920.0;
 constexpr double kScreenHeight = 1080.0;
 
-/// Asks the host for a frame, once until it has drawn one.
+/// Requests a frame from the host, once until it has drawn one.
 struct FrameRequest {
-  void ask() {
-    const std::function<void()> running = callback;  // It may set another one.
-    if (!std::exchange(isAsked, true) && running) {
+  void send() {
+    const std::function<void()> running = callback;  // It may replace itself.
+    if (!std::exchange(isSent, true) && running) {
       running();
     }
   }
 
   std::function<void()> callback;
-  bool isAsked = false;
+  bool isSent = false;
 };
 
 }  // namespace
@@ -46,18 +46,18 @@ struct Overlay::State {
 
   Renderer renderer;
   std::unique_ptr<Window> ownWindow;
-  // Windows hold it weakly: one may live longer than the overlay.
+  // Windows refer to it weakly: one may outlive the overlay.
   std::shared_ptr<FrameRequest> request = std::make_shared<FrameRequest>();
-  std::uint64_t watched = 0;  // Number of the key window that is listened to.
-  std::uint64_t drawn = 0;    // Of the one in the last frame.
+  std::uint64_t watched = 0;  // Number of the key window whose changes are observed.
+  std::uint64_t drawn = 0;    // Of the key window in the last frame.
   std::uint64_t drawnChanges = 0;
   bool isSizeNew = false;
-  bool isOrphan = false;  // Its overlay has gone, in a function of the host that was called from here.
+  bool isOrphan = false;  // Its overlay was destroyed, by a function of the host that was called from here.
   int width = 1920;
   int height = 1080;
 };
 
-/// The window that the user sees, made when there is none, and listened to.
+/// The key window, made when there is none, and observed.
 Window& Overlay::State::window() {
   if (keyWindow() == nullptr) {
     ownWindow = std::make_unique<Window>();
@@ -73,18 +73,18 @@ void Overlay::State::listen() {
     return;
   }
   watched = keyWindowNumber();
-  ViewDrawing::setChangeCallback(*window, [asking = std::weak_ptr(request)] {
-    if (const std::shared_ptr<FrameRequest> alive = asking.lock()) {
-      alive->ask();
+  ViewDrawing::setChangeCallback(*window, [weak = std::weak_ptr(request)] {
+    if (const std::shared_ptr<FrameRequest> alive = weak.lock()) {
+      alive->send();
     }
   });
 }
 
-/// Hosts that draw on demand ask nothing until they are asked for a frame.
+/// Hosts that draw on demand call nothing until a frame is requested.
 void Overlay::State::keyWindowChanged() {
   listen();
   if (differs()) {
-    request->ask();
+    request->send();
   }
 }
 
@@ -97,7 +97,7 @@ void Overlay::State::endFrame() {
   drawn = keyWindowNumber();
   drawnChanges = keyWindow() != nullptr ? ViewDrawing::changeCount(*keyWindow()) : 0;
   isSizeNew = false;
-  request->isAsked = differs();
+  request->isSent = differs();
 }
 
 bool Overlay::State::differs() const {
@@ -134,7 +134,7 @@ void Overlay::setPixelSize(int width, int height) {
     state_->width = columns;
     state_->height = rows;
     state_->isSizeNew = true;
-    state_->request->ask();
+    state_->request->send();
   }
 }
 
@@ -142,8 +142,7 @@ bool Overlay::isModal() const {
   return frontmostModal(state_->window()) != nullptr;
 }
 
-// Presses and frames end in functions of the host, which may destroy the overlay: the state is held until they are
-// over.
+// Presses and frames call functions of the host, which may destroy the overlay: each keeps the state until it returns.
 
 bool Overlay::press(RemoteButton button, PressPhase phase) {
   const std::shared_ptr<State> state = state_;
@@ -172,9 +171,9 @@ bool Overlay::needsFrame() const {
 void Overlay::setNeedsFrameCallback(std::function<void()> callback) {
   const std::shared_ptr<State> state = state_;
   state->request->callback = std::move(callback);
-  state->request->isAsked = false;
+  state->request->isSent = false;
   if (state->differs()) {
-    state->request->ask();
+    state->request->send();
   }
 }
 

@@ -13,18 +13,18 @@ namespace kesu {
 /// The picture of one composited view. Main thread.
 class Picture {
  public:
-  /// Draws again what changed in the view. `extent` is the part that is shown, in the view's coordinates, `scale` the
-  /// pixels of a point.
+  /// Redraws what changed in the view. `extent` is the part that is shown, in the view's coordinates, `scale` the
+  /// pixels per point.
   void update(View& view, const Rect& extent, double scale);
 
-  /// The pixels in relation to the origin of the view.
+  /// The rectangle of the pixels, relative to the origin of the view.
   const PixelRect& place() const { return place_; }
   const std::uint32_t* pixels() const { return store_.pixels(); }
 
-  /// What changed since the last call, in pixels of the picture; frames of layers and flattened ones each ask for their
-  /// own.
-  PixelRect takeLayerDamage() { return std::exchange(layerDamage_, PixelRect{}); }
-  PixelRect takeFlatDamage() { return std::exchange(flatDamage_, PixelRect{}); }
+  /// Returns and clears what changed since the last call, in pixels of the picture; kept separately for frames of
+  /// layers and flattened ones.
+  PixelRect extractLayerDamage() { return std::exchange(layerDamage_, PixelRect{}); }
+  PixelRect extractFlatDamage() { return std::exchange(flatDamage_, PixelRect{}); }
 
  private:
   void paint(const View& view, const PixelRect& area);

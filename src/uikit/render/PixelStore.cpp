@@ -5,7 +5,7 @@
 namespace kesu {
 namespace {
 
-// A screen in pages of 4 kB takes longer to get than to draw.
+// Faulting in a screen in pages of 4 kB takes longer than drawing it: from 4 MB on, ask for huge ones.
 constexpr std::size_t kManyPages = std::size_t{4} * 1024 * 1024;
 
 }  // namespace

@@ -6,12 +6,12 @@
 
 namespace kesu {
 
-/// Transparent pixels to draw into, in pages of their own: they take no memory before somebody writes to them and give
-/// it back at once, which an allocator does not.
+/// Transparent pixels to draw into, in pages of their own: they take no memory before they are written to and release
+/// it at once, unlike those of an allocator.
 class PixelStore {
  public:
   PixelStore() = default;
-  /// Is empty without a size and when there is no memory for so many.
+  /// Null pixels without a size or when out of memory.
   PixelStore(int width, int height);
 
   std::uint32_t* pixels() const { return pixels_.get(); }

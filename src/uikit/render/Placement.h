@@ -9,7 +9,7 @@
 
 namespace kesu {
 
-/// Where the coordinates of a view lie on the screen, in pixels: at first its points, then scaled and moved.
+/// Maps the coordinates of a view to pixels of the screen: scaled, then moved.
 struct Placement {
   double scaleX = 1.0;
   double scaleY = 1.0;
@@ -30,7 +30,7 @@ struct Placement {
     return {left, top, right - left, bottom - top};
   }
 
-  /// A rectangle of the screen in the view's coordinates; the scales are not 0.
+  /// Maps a rectangle of the screen to the view's coordinates; the scales must not be 0.
   Rect fromScreen(const Rect& screen) const {
     return Placement{1.0 / scaleX, 1.0 / scaleY, -x / scaleX, -y / scaleY}.onScreen(screen);
   }

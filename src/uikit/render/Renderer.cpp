@@ -22,7 +22,7 @@ namespace {
 
 constexpr double kScreenWidth = 1920.0;
 constexpr double kScreenHeight = 1080.0;
-constexpr double kLargestSnapshotSide = 8192.0;
+constexpr double kLargestSnapshotSide = 8192.0;  // As Overlay::setPixelSize().
 
 enum class FrameKind { Layers, Flat, Snapshot };
 
@@ -42,7 +42,7 @@ struct Surroundings {
   Rect clip;  // In pixels of the screen.
 };
 
-// An allocator keeps freed pages for later, which a popup of a few seconds would never give back.
+// The allocator keeps freed pages for later, and would never return those of a popup of a few seconds.
 void returnFreedPages() {
 #if defined(__GLIBC__)
   malloc_trim(0);
@@ -63,8 +63,8 @@ PixelRect wholeOf(const FrameLayer& layer) {
   return {0, 0, layer.pixelWidth, layer.pixelHeight};
 }
 
-// Cuts off what the views around hide, and returns which part of the pixels is left. Pixels are cut as a whole: text
-// must not be stretched by parts of one.
+// Crops a layer to the clip of the views around, and returns which part of the pixels is left. Whole pixels only: text
+// must not be stretched by fractions of one.
 PixelRect crop(FrameLayer& layer, const Rect& clip) {
   const Rect rect{layer.x, layer.y, layer.width, layer.height};
   const Rect visible = rect.intersected(clip);
@@ -161,7 +161,7 @@ Entry& Renderer::State::entryOf(View& view) {
   Entry& entry = entries[&view];
   const std::weak_ptr<const View> self = std::as_const(view).weak_from_this();
   const bool isSameView = !entry.view.owner_before(self) && !self.owner_before(entry.view);
-  if (entry.id == 0 || !isSameView) {  // Another view may have got the address of one that is gone.
+  if (entry.id == 0 || !isSameView) {  // A new view may have the address of a destroyed one.
     entry = Entry{};
     entry.view = self;
     entry.id = ++lastId;
@@ -194,6 +194,7 @@ void Renderer::State::addLayer(View& view, const Surroundings& inside) {
 void Renderer::State::addPicture(View& view, const Surroundings& inside, Entry& entry) {
   Rect extent = ViewDrawing::pictureExtent(view);
   const Placement& placement = inside.placement;
+  // Huge views are drawn only where they are on the screen; smaller ones whole, so that moving them draws nothing.
   if (extent.width * scale > 2.0 * screen.width || extent.height * scale > 2.0 * screen.height) {
     extent = extent.intersected(placement.fromScreen(screen));
   }
@@ -215,19 +216,19 @@ void Renderer::State::addPicture(View& view, const Surroundings& inside, Entry& 
   layer.pixelWidth = pixels.width;
   layer.pixelHeight = pixels.height;
   layer.stride = pixels.width;
-  // Text is sharp only where its pixels are those of the screen.
+  // Text is sharp only where its pixels coincide with those of the screen.
   const bool isPixelForPixel = isUpright(placement, scale);
   layer.x = (isPixelForPixel ? std::round(placement.x) : placement.x) + pixels.x * factorX;
   layer.y = (isPixelForPixel ? std::round(placement.y) : placement.y) + pixels.y * factorY;
   layer.width = pixels.width * factorX;
   layer.height = pixels.height * factorY;
   if (kind != FrameKind::Snapshot) {
-    layer.damage = kind == FrameKind::Layers ? picture.takeLayerDamage() : picture.takeFlatDamage();
+    layer.damage = kind == FrameKind::Layers ? picture.extractLayerDamage() : picture.extractFlatDamage();
   }
   push(layer, inside.clip, entry);
 }
 
-// What changed while a part of the picture was out of sight was told to nobody.
+// Damage outside of the visible part is in no frame: when another part is shown, all of it is damaged.
 void Renderer::State::push(FrameLayer layer, const Rect& clip, Entry& entry) {
   const Rect rect{layer.x, layer.y, layer.width, layer.height};
   const PixelRect part = clip != screen && !rect.isEmpty() ? crop(layer, clip) : wholeOf(layer);
@@ -243,7 +244,7 @@ void Renderer::State::push(FrameLayer layer, const Rect& clip, Entry& entry) {
   }
 }
 
-// A popup that has faded out may come back, one that left the window does not.
+// A popup that has faded out may be shown again; one that left the window will not.
 void Renderer::State::releaseWhenDone(const Window& window) {
   const bool isDone = layers.empty() && std::ranges::all_of(window.subviews(), &View::isHidden);
   if (holdsMemory && isDone) {
@@ -289,11 +290,6 @@ ImagePtr Renderer::snapshot(Window& window, int pixelWidth, int pixelHeight) {
   composeLayers(state_->build(window, pixelWidth, pixelHeight, FrameKind::Snapshot), pixels.data(), pixelWidth,
                 {0, 0, pixelWidth, pixelHeight});
   return std::make_shared<const Image>(pixelWidth, pixelHeight, std::move(pixels));
-}
-
-void Renderer::releaseMemory() {
-  state_->compositor.release();
-  state_->releaseAll();
 }
 
 ImagePtr viewToImage(const View& view) {

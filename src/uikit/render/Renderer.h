@@ -10,32 +10,29 @@
 
 namespace kesu {
 
-/// Draws the views of a window: every composited view into a picture of its own, again only where it changed. A
-/// composited view inside another one lies over all that the outer one shows. Main thread.
+/// Draws the views of a window: every composited view into a picture of its own, and only where it changed. A
+/// composited view inside another one lies over everything of the outer one. Main thread.
 class Renderer {
  public:
   Renderer();
   ~Renderer();
 
-  /// The layers of the window at this size of the screen. Once there are none any more, all memory is given back.
+  /// Returns the layers of the window at this size of the screen. Releases all memory when there are no more.
   const std::vector<FrameLayer>& layers(Window& window, int pixelWidth, int pixelHeight);
 
-  /// The same, composed into one picture. Both may be used in turn; each tells what changed since its own last frame.
+  /// Returns them composed into one picture. Both may be used in turn; each has the damage since its own last frame.
   const FlatFrame& flatten(Window& window, int pixelWidth, int pixelHeight);
 
-  /// The same as a picture to keep, without being a frame. Null when the screen has no size.
+  /// Returns them as a picture to keep, without clearing damage. Null when the screen has no size.
   ImagePtr snapshot(Window& window, int pixelWidth, int pixelHeight);
-
-  /// Gives back all memory, the fonts too; the next frame draws everything again.
-  void releaseMemory();
 
  private:
   struct State;
   std::unique_ptr<State> state_;
 };
 
-/// A picture of a view with all that is in it, one pixel a point, transparent where nothing is drawn. Null for a view
-/// without size or larger than any screen. Main thread.
+/// Returns a picture of a view with all that is in it, one pixel per point, transparent where nothing is drawn. Null
+/// for a view without size or larger than any screen. Main thread.
 ImagePtr viewToImage(const View& view);
 
 }  // namespace kesu

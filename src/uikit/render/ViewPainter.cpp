@@ -10,7 +10,7 @@
 namespace kesu {
 namespace {
 
-// Other classes may draw something.
+// Only these classes are known to draw nothing.
 bool isBareView(const View& view) {
   return typeid(view) == typeid(View) || typeid(view) == typeid(Window);
 }
@@ -41,7 +41,7 @@ void paintInSuperview(Canvas& canvas, const View& view, PaintScope scope) {
   }
   canvas.save();
   if (geometry.alpha < 1.0) {
-    canvas.clip(extent.inset(-1.0, -1.0));  // A group takes as much memory as there is to draw on.
+    canvas.clip(extent.inset(-1.0, -1.0));  // A group allocates pixels for the whole clip.
     canvas.beginGroup();
   }
   canvas.save();

@@ -12,8 +12,7 @@ enum class PaintScope {
   Everything   ///< All of them.
 };
 
-/// Draws a view as it is presented, in its own coordinates: without its transform and its opacity, which belong to
-/// whoever places it.
+/// Draws a view as it is presented, in its own coordinates, without its transform and its opacity.
 void paintView(Canvas& canvas, const View& view, PaintScope scope);
 
 /// Whether a view's own picture is nothing but its background colour in a rectangle.
