@@ -7,7 +7,7 @@
 namespace kesu {
 namespace {
 
-TEST(CivilTimeTest, AgreesWithTheSystemAndComesBack) {
+TEST(CivilTimeTest, AgreesWithTheSystemAndReadsBack) {
   for (std::int64_t seconds = -62167219200; seconds < 253402300800; seconds += 86400 * 37 + 12345) {
     const std::optional<CivilTime> time = civilTime(Date{static_cast<double>(seconds)});
     const std::time_t stamp = seconds;

@@ -238,7 +238,7 @@ TEST_P(MainLoopContract, RunEndsByQuitAlsoWhenThatCameFirst) {
   EXPECT_EQ(takeRan(), "a");
 }
 
-TEST_P(MainLoopContract, GoesOnAfterTaskThatThrows) {
+TEST_P(MainLoopContract, ContinuesAfterATaskThatThrows) {
   loop().post([] { throw std::runtime_error("from the host"); });
   loop().post(note("a"));
   EXPECT_THROW(pump(), std::runtime_error);

@@ -57,6 +57,30 @@ class UserDefaultsContractTest : public ::testing::TestWithParam<Implementation>
     restart();
   }
   void restart() { subject_->restart(); }
+
+  // "=text" sets, "+text" appends, "-" removes, "t" takes, "i" sets a number, "s" synchronizes.
+  void apply(const std::string& key, const std::string& step) {
+    switch (step.front()) {
+      case '=':
+        defaults().set(key, step.substr(1));
+        break;
+      case '+':
+        defaults().appendString(key, step.substr(1));
+        break;
+      case '-':
+        defaults().remove(key);
+        break;
+      case 't':
+        defaults().takeString(key);
+        break;
+      case 'i':
+        defaults().set(key, 5);
+        break;
+      default:
+        EXPECT_TRUE(defaults().synchronize());
+    }
+  }
+
   std::vector<std::string> sortedKeys() {
     std::vector<std::string> keys = defaults().keys();
     std::sort(keys.begin(), keys.end());
@@ -72,7 +96,7 @@ INSTANTIATE_TEST_SUITE_P(All, UserDefaultsContractTest,
                                            Implementation{"Fake", std::make_unique<FakeSubject>}),
                          [](const auto& parameter) { return std::string(parameter.param.name); });
 
-TEST_P(UserDefaultsContractTest, EveryKindComesBackAsItWas) {
+TEST_P(UserDefaultsContractTest, EveryKindIsReadBackEqual) {
   const Value values[] = {
       true,
       false,
@@ -107,7 +131,7 @@ TEST_P(UserDefaultsContractTest, EveryKindComesBackAsItWas) {
   EXPECT_TRUE(std::signbit(defaults().real("7")));
 }
 
-TEST_P(UserDefaultsContractTest, NotANumberComesBack) {
+TEST_P(UserDefaultsContractTest, NotANumberIsReadBack) {
   EXPECT_TRUE(defaults().set("nan", std::numeric_limits<double>::quiet_NaN()));
   synchronizeAndRestart();
   EXPECT_EQ(defaults().get("nan").value_or(Value()).kind(), Value::Kind::Real);
@@ -146,7 +170,7 @@ void changeAtRandom(Array& array, std::mt19937& random) {
   }
 }
 
-TEST_P(UserDefaultsContractTest, ALongArrayComesBackWhateverChangesInIt) {
+TEST_P(UserDefaultsContractTest, ALongArrayIsReadBackWhateverChangesInIt) {
   std::mt19937 random(5);
   Array array;
   for (int step = 0; step < 300; ++step) {
@@ -177,7 +201,7 @@ TEST_P(UserDefaultsContractTest, ALongArrayComesBackWhateverChangesInIt) {
 }
 
 // Each row is a history of one key: "=x" sets, "+x" appends, "-" removes, "t" takes, "i" sets an integer, "s" writes.
-TEST_P(UserDefaultsContractTest, HistoriesOfATextEndTheSameAfterRestart) {
+TEST_P(UserDefaultsContractTest, HistoriesOfATextEndEquallyAfterARestart) {
   struct Row {
     std::vector<std::string> steps;
     std::optional<Value> end;
@@ -205,25 +229,7 @@ TEST_P(UserDefaultsContractTest, HistoriesOfATextEndTheSameAfterRestart) {
   for (std::size_t i = 0; i < std::size(rows); ++i) {
     const std::string key = "key" + std::to_string(i);
     for (const std::string& step : rows[i].steps) {
-      switch (step.front()) {
-        case '=':
-          defaults().set(key, step.substr(1));
-          break;
-        case '+':
-          defaults().appendString(key, step.substr(1));
-          break;
-        case '-':
-          defaults().remove(key);
-          break;
-        case 't':
-          defaults().takeString(key);
-          break;
-        case 'i':
-          defaults().set(key, 5);
-          break;
-        default:
-          EXPECT_TRUE(defaults().synchronize());
-      }
+      apply(key, step);
     }
     EXPECT_EQ(defaults().get(key), rows[i].end) << "in memory, row " << i;
   }
@@ -243,7 +249,7 @@ TEST_P(UserDefaultsContractTest, TakesATextOnce) {
   EXPECT_EQ(defaults().integer("number"), 3);
 }
 
-TEST_P(UserDefaultsContractTest, ListsTheKeysThatHoldAValue) {
+TEST_P(UserDefaultsContractTest, ListsTheKeysThatHaveAValue) {
   defaults().set("b", 1);
   defaults().appendString("a", "x");
   defaults().set("gone", 1);

@@ -221,7 +221,7 @@ void expectContract(DeviceFacts& facts) {
   EXPECT_FALSE(facts.proximityClose());
 }
 
-TEST(DeviceFactsContractTest, HoldsForTheFakeAndForThisDevice) {
+TEST(DeviceFactsContractTest, IsKeptByTheFakeAndByThisDevice) {
   testing::FakeDeviceFacts fake;
   expectContract(fake);
   LinuxDeviceFacts real;

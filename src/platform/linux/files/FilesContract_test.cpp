@@ -167,7 +167,7 @@ TEST_P(FilesContractTest, DirectoriesCanBeMadeTwice) {
   EXPECT_EQ(listed(), (std::vector<std::string>{"a/", "a/b/"}));
 }
 
-TEST(FaultyFilesTest, FailsAsOftenAsToldAndThenForwards) {
+TEST(FaultyFilesTest, FailsTheGivenTimesAndThenForwards) {
   testing::FakeFiles inner;
   testing::FaultyFiles files(inner);
   files.failWrites(FileStatus::NoSpace, 2);

@@ -112,7 +112,7 @@ TEST_F(LinuxFilesTest, StaleTemporariesOfDeadProcessesGoAtTheFirstWrite) {
             (std::set<std::string>{".kesu-1-0.txt", ".kesu-2-0.tmp", ".other.tmp", "file", "kesu-1-0.tmp"}));
 }
 
-TEST_F(LinuxFilesTest, ATemporaryNameThatIsTakenIsPassedBy) {
+TEST_F(LinuxFilesTest, SkipsATemporaryNameThatExists) {
   const std::string taken = ".kesu-" + std::to_string(::getpid()) + "-0.tmp";
   home_.write("target", "target");
   ASSERT_EQ(::symlink((home_ / "target").c_str(), (home_ / taken).c_str()), 0);

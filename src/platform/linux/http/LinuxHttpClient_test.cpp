@@ -140,7 +140,7 @@ TEST_F(LinuxHttpClientTest, DecodesGzipOnlyWhereItWasOffered) {
   EXPECT_EQ(exchange_.fetch(offering).body, std::string(100'000, 'a'));
 }
 
-TEST_F(LinuxHttpClientTest, UnreachableHostsAreToldApart) {
+TEST_F(LinuxHttpClientTest, UnreachableHostsHaveDifferentErrors) {
   server_.stop();
   expectError(exchange_.fetch(post()), HttpError::CannotConnect, 0);
   expectError(exchange_.fetch(HttpExchange::get("http://nowhere.invalid/")), HttpError::CannotResolve, 0);
@@ -149,7 +149,7 @@ TEST_F(LinuxHttpClientTest, UnreachableHostsAreToldApart) {
   EXPECT_EQ(attempts_, (std::vector<std::string>{authority() + " down", "nowhere.invalid:80 down"}));
 }
 
-TEST_F(LinuxHttpClientTest, ServerThatComesBackIsUsedAgain) {
+TEST_F(LinuxHttpClientTest, ARestartedServerIsUsedAgain) {
   EXPECT_EQ(exchange_.fetch(post()).status, 200);
   server_.stop();
   EXPECT_EQ(exchange_.fetch(post()).error, HttpError::CannotConnect);
@@ -278,7 +278,7 @@ TEST_F(LinuxHttpClientTest, RefusingHostFailsItsWholeQueueInOrder) {
   EXPECT_LT(attempts_.size(), 100U);
 }
 
-TEST_F(ImpatientHttpClientTest, SilentHostFailsItsQueueAndHoldsUpNoOther) {
+TEST_F(ImpatientHttpClientTest, ASilentHostFailsItsQueueAndDelaysNoOther) {
   LoopbackServer silent;
   silent.setDefault(Fault::hang());
   HttpExchange stuck(client_, loop_);
@@ -393,7 +393,7 @@ TEST_F(LinuxHttpClientTest, StartedProgramsInheritNoConnection) {
 
 // Not with the sanitizer that needs descriptors itself.
 #ifndef KESU_CHECKS_OBJECTS
-TEST_F(LinuxHttpClientTest, GoesOnAfterABeginningWithoutDescriptors) {
+TEST_F(LinuxHttpClientTest, WorksAfterAStartWithoutDescriptors) {
   rlimit usual{};
   ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &usual), 0);
   const int next = dup(STDIN_FILENO);

@@ -194,7 +194,7 @@ TEST_F(HostReachabilityTest, ProbesNothingWithoutARouteAndAtOnceWhenTheNetworkIs
   EXPECT_FALSE(host.takeAnnouncement(100.0)) << "a route alone does not make up for the failed connection";
 }
 
-TEST_F(HostReachabilityTest, RecoveriesThatDoNotHoldWaitEverLonger) {
+TEST_F(HostReachabilityTest, FalseRecoveriesDoubleTheWaitingTime) {
   HostReachability host = reachableHost(kNearby);
   double now = 0.0;
   host.trafficFailed(now);

@@ -167,7 +167,7 @@ TEST(LinuxReachabilitySourceTest, TellsMobileRadioFromOtherWays) {
   });
 }
 
-TEST(LinuxReachabilitySourceTest, TakesLostEventsForAChangeAndGoesOnHearing) {
+TEST(LinuxReachabilitySourceTest, TreatsLostEventsAsAChangeAndKeepsListening) {
   IN_OWN_NETWORK([] {
     NetworkEvents events("/nowhere/resolv.conf");
     run("for i in $(seq 400); do echo link set far down; echo link set far up; done | ip -batch -");

@@ -102,7 +102,7 @@ TEST_P(ReachabilityContractTest, StartsOnlyOnceUntilStopped) {
   EXPECT_EQ(first, 0);
 }
 
-TEST_P(ReachabilityContractTest, IsSilentAfterStopAndAfterTheHandleIsGone) {
+TEST_P(ReachabilityContractTest, CallsNothingAfterStopOrDestruction) {
   int calls = 0;
   const auto stopped = source().watch(kTarget);
   auto gone = source().watch(kTarget);

@@ -114,7 +114,7 @@ TEST_F(Notifications, CarryNameObjectAndInfo) {
   EXPECT_EQ(takeTold(), "a");
 }
 
-TEST_F(Notifications, ObserversMayComeAndGoWhileBeingTold) {
+TEST_F(Notifications, ObserversMayBeAddedAndRemovedMeanwhile) {
   NotificationCenter::Token first = 0;
   NotificationCenter::Token second = 0;
   first = center_.addObserver("n", nullptr, [&](const Notification& notification) {
