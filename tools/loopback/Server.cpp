@@ -298,7 +298,7 @@ bool Server::serveRequest(Served& served) {
     };
     reply = handler_(request);
   }
-  // Behind a body that was left unread nobody knows where the next request begins.
+  // Behind a body that was left unread there is no telling where the next request begins.
   const bool closes = request.isLast || !isRead;
   const bool isSent = writeReply(connection, reply, request.method == "HEAD", closes);
   if (isSent && closes) {

@@ -64,7 +64,7 @@ std::unique_ptr<Services> Services::start(const Options& options, std::string& e
 
 Services::Services(std::unique_ptr<RecordStore> store, const Options& options)
     : store_(std::move(store)),
-      messaging_(*store_, faults_, options.say ? options.say : say),
+      messaging_(*store_, faults_, options.logLine ? options.logLine : say),
       collector_(*store_, faults_, messaging_, {options.strict}),
       server_([this](loopback::Request& request) { return collector_.handle(request); }),
       messagingServer_([this](loopback::Request& request) { return messaging_.handle(request); },

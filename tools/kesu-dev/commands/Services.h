@@ -23,9 +23,9 @@ class Services {
     std::string database;     // File for the records; empty = memory.
     bool strict = false;      // See Collector::Options.
 
-    std::optional<int> messagingPort;  // The same for messages; nothing = any free one when `port` is 0, else 8490...
-    std::string messages;              // Directory of messages; empty = there are none.
-    MessagingService::Say say;         // Lines for the terminal; empty = standard error. Any thread.
+    std::optional<int> messagingPort;   // The same for messages; nothing = any free one when `port` is 0, else 8490...
+    std::string messages;               // Directory of messages; empty = there are none.
+    MessagingService::LogLine logLine;  // Lines for the terminal; empty = standard error. Any thread.
   };
 
   static constexpr int kDefaultPort = 8470;

@@ -33,8 +33,8 @@ Array partsOf(const std::vector<Message>& messages, Dictionary Message::*part) {
 
 }  // namespace
 
-MessagingService::MessagingService(RecordStore& store, loopback::FaultTable& faults, Say say)
-    : store_(store), faulty_(faults), say_(std::move(say)) {}
+MessagingService::MessagingService(RecordStore& store, loopback::FaultTable& faults, LogLine logLine)
+    : store_(store), faulty_(faults), logLine_(std::move(logLine)) {}
 
 void MessagingService::serve(const std::string& directory, int port) {
   port_ = port;
@@ -114,7 +114,7 @@ loopback::Reply MessagingService::singleMessage(loopback::Request& request, cons
 loopback::Reply MessagingService::takeHook(const std::string& body) {
   const std::string kept = validUtf8(std::string_view(body).substr(0, kHookBytesKept));
   log_.addHook({nowMilliseconds(), kept});
-  say_("web hook called: " + printable(shortened(kept, kHookShown)));
+  logLine_("web hook called: " + printable(shortened(kept, kHookShown)));
   return jsonReply({{"ok", true}});
 }
 
@@ -148,7 +148,7 @@ MessageReading MessagingService::read() {
   const MutexLock lock(mutex_);
   for (const std::string& problem : reading.problems) {
     if (std::find(problems_.begin(), problems_.end(), problem) == problems_.end()) {
-      say_("skipped " + printable(problem));
+      logLine_("skipped " + printable(problem));
     }
   }
   problems_ = reading.problems;

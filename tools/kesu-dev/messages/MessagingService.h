@@ -23,12 +23,12 @@ namespace kesu::dev {
 class MessagingService {
  public:
   /// Prints a line for the developer. Called on any thread.
-  using Say = std::function<void(const std::string& line)>;
+  using LogLine = std::function<void(const std::string& line)>;
 
   static constexpr const char* kHookPath = "/hook";
 
   /// Serves nothing yet; the references must outlive the service.
-  MessagingService(RecordStore& store, loopback::FaultTable& faults, Say say);
+  MessagingService(RecordStore& store, loopback::FaultTable& faults, LogLine logLine);
 
   /// Serves this directory (empty: no messages); the port becomes part of the addresses of pictures and web hooks.
   /// Reports broken files at once. Call it before the first request.
@@ -59,7 +59,7 @@ class MessagingService {
 
   RecordStore& store_;
   const loopback::FaultyHandler faulty_;
-  const Say say_;
+  const LogLine logLine_;
   MessageDirectory directory_{"", ""};
   int port_ = 0;
   DeliveryLog log_;

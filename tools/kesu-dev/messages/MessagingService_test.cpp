@@ -55,7 +55,7 @@ class MessagingTest : public ::testing::Test {
     Services::Options options;
     options.port = 0;
     options.messages = messages;
-    options.say = [this](const std::string& line) {
+    options.logLine = [this](const std::string& line) {
       const MutexLock lock(mutex_);
       said_ += line + "\n";
     };
