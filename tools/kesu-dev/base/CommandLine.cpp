@@ -42,27 +42,25 @@ void forward(ProgramState& program, bool hasDashes, std::vector<std::string> arg
 
 }  // namespace
 
-Command& Command::option(const std::string& names, const std::string& value, const std::string& help, Read read) {
+void Command::option(const std::string& names, const std::string& value, const std::string& help, Read read) {
   const auto store = [read = std::move(read)](const std::string& text) {
     if (const std::string fault = read(text); !fault.empty()) {
       throw CLI::ValidationError(fault);
     }
   };
   app_.add_option_function<std::string>(names, store, help)->option_text(value)->take_last();
-  return *this;
 }
 
-Command& Command::option(const std::string& names, const std::string& value, const std::string& help,
-                         std::string& target) {
-  return option(names, value, help, [&target](const std::string& text) {
+void Command::option(const std::string& names, const std::string& value, const std::string& help, std::string& target) {
+  option(names, value, help, [&target](const std::string& text) {
     target = text;
     return std::string();
   });
 }
 
-Command& Command::number(const std::string& name, int lowest, int highest, const std::string& help,
-                         std::optional<int>& target) {
-  return option(name, "N", help, [=, &target](const std::string& text) {
+void Command::number(const std::string& name, int lowest, int highest, const std::string& help,
+                     std::optional<int>& target) {
+  option(name, "N", help, [=, &target](const std::string& text) {
     const std::optional<std::int64_t> number = parseDecimal(text);
     if (!number || *number < lowest || *number > highest) {
       return name + " takes a number from " + std::to_string(lowest) + " to " + std::to_string(highest) + ", not " +
@@ -73,25 +71,21 @@ Command& Command::number(const std::string& name, int lowest, int highest, const
   });
 }
 
-Command& Command::flag(const std::string& name, const std::string& help, bool& target) {
+void Command::flag(const std::string& name, const std::string& help, bool& target) {
   app_.add_flag(name, target, help)->disable_flag_override();
-  return *this;
 }
 
-Command& Command::argument(const std::string& name, const std::string& help, std::string& target) {
+void Command::argument(const std::string& name, const std::string& help, std::string& target) {
   app_.add_option(name, target, help)->required()->option_text(" ");
-  return *this;
 }
 
-Command& Command::argumentsBehindDashes(std::vector<std::string>& target) {
+void Command::argumentsBehindDashes(std::vector<std::string>& target) {
   program_.forwarding = &app_;
   program_.behindDashes = &target;
-  return *this;
 }
 
-Command& Command::note(const std::string& text) {
+void Command::note(const std::string& text) {
   app_.footer(text);
-  return *this;
 }
 
 void addFormatOption(Command& command, const std::string& jsonHelp, bool& asJson) {

@@ -22,26 +22,25 @@ class Command {
   using Read = std::function<std::string(const std::string& value)>;
 
   /// Adds an option with a value. `names` such as "-o,--output"; `value` names the value in the help text.
-  Command& option(const std::string& names, const std::string& value, const std::string& help, Read read);
+  void option(const std::string& names, const std::string& value, const std::string& help, Read read);
 
   /// The same for any text.
-  Command& option(const std::string& names, const std::string& value, const std::string& help, std::string& target);
+  void option(const std::string& names, const std::string& value, const std::string& help, std::string& target);
 
   /// The same for a number in decimal digits within these bounds.
-  Command& number(const std::string& name, int lowest, int highest, const std::string& help,
-                  std::optional<int>& target);
+  void number(const std::string& name, int lowest, int highest, const std::string& help, std::optional<int>& target);
 
   /// Adds an option without a value.
-  Command& flag(const std::string& name, const std::string& help, bool& target);
+  void flag(const std::string& name, const std::string& help, bool& target);
 
   /// Adds an argument that must be given.
-  Command& argument(const std::string& name, const std::string& help, std::string& target);
+  void argument(const std::string& name, const std::string& help, std::string& target);
 
   /// Stores all arguments behind "--" unread; there must be at least one. One command per program may ask for them.
-  Command& argumentsBehindDashes(std::vector<std::string>& target);
+  void argumentsBehindDashes(std::vector<std::string>& target);
 
   /// Adds a paragraph to the end of the command's help text.
-  Command& note(const std::string& text);
+  void note(const std::string& text);
 
  private:
   friend class Program;

@@ -25,7 +25,7 @@
 namespace kesu::dev {
 namespace {
 
-constexpr double kPatienceSeconds = 10.0;
+constexpr double kPatienceSeconds = 10.0;  // Nothing leaves this machine: only a fault takes longer.
 
 struct PreviewOptions {
   std::string file;    // A message file.
@@ -35,8 +35,7 @@ struct PreviewOptions {
 };
 
 bool openUrl(const std::string& url) {
-  std::printf("would open %s\n", url.c_str());
-  std::fflush(stdout);
+  print("would open " + url + "\n");
   return true;
 }
 
@@ -48,7 +47,7 @@ void startLibrary(const std::string& home, HttpClient& service) {
   platform.http = &service;
   platform.urlOpener = &openUrl;
   platform.logSink = [](int level, std::string_view text) {
-    if (level <= 2) {
+    if (level <= 2) {  // All but the verbose lines.
       std::fprintf(stderr, "%.*s\n", static_cast<int>(text.size()), text.data());
     }
   };
@@ -58,11 +57,9 @@ void startLibrary(const std::string& home, HttpClient& service) {
 }
 
 void showMessage() {
-  Kesu::showInAppNotificationUIForDisplayMessages(KesuInAppMessageType::Unread, std::nullopt,
-                                                  [](const KesuInAppStatus& status) {
-                                                    std::printf("pressed \"%s\"\n", status.title.value_or("").c_str());
-                                                    std::fflush(stdout);
-                                                  });
+  Kesu::showInAppNotificationUIForDisplayMessages(
+      KesuInAppMessageType::Unread, std::nullopt,
+      [](const KesuInAppStatus& status) { print("pressed \"" + status.title.value_or("") + "\"\n"); });
 }
 
 // Pumps until the popup and its picture are there. Returns false when the popup does not appear.
@@ -84,6 +81,7 @@ bool waitForPopup(Overlay& overlay) {
 
 // Draws the popup at rest over a dark screen.
 ImagePtr finishedPicture(Overlay& overlay, int width, int height) {
+  // Animations advance from frame to frame; within three seconds all have ended.
   for (const double seconds : {0.0, 1.0, 2.0, 3.0}) {
     overlay.layers(seconds);
   }
