@@ -31,22 +31,6 @@ bool ActionButton::handleArrow(RemoteButton arrow) {
   return true;
 }
 
-void ActionButton::didUpdateFocus() {
-  KesuCustomBtn::didUpdateFocus();
-  ViewDrawing::setNeedsDisplay(*this);
-}
-
-// The ring follows the size, which a press changes.
-void ActionButton::pressesBegan(RemoteButton pressed) {
-  KesuCustomBtn::pressesBegan(pressed);
-  ViewDrawing::setNeedsDisplay(*this);
-}
-
-void ActionButton::pressesEnded(RemoteButton released) {
-  KesuCustomBtn::pressesEnded(released);
-  ViewDrawing::setNeedsDisplay(*this);
-}
-
 void ActionButton::draw(Canvas& canvas) const {
   const Rect box = ViewDrawing::presentedBounds(*this);
   canvas.save();

@@ -24,9 +24,6 @@ class ActionButton : public KesuCustomBtn {
   void setFace(ImagePtr face, const Color& ring);
 
   bool handleArrow(RemoteButton arrow) override;
-  void didUpdateFocus() override;
-  void pressesBegan(RemoteButton pressed) override;
-  void pressesEnded(RemoteButton released) override;
   void draw(Canvas& canvas) const override;
 
  private:

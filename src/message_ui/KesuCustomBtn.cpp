@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "uikit/Animator.h"
+#include "uikit/ViewDrawing.h"
 
 namespace kesu {
 namespace {
@@ -45,6 +46,7 @@ void KesuCustomBtn::pressesCancelled(RemoteButton button) {
 
 // An interrupted animation sets its look all the same, unless a newer look has interrupted it.
 void KesuCustomBtn::animateLook(void (KesuCustomBtn::*look)()) {
+  ViewDrawing::setNeedsDisplay(*this);  // What subclasses draw may follow the focus and the size.
   const std::uint64_t number = ++looks_;
   const std::weak_ptr<View> weak = weak_from_this();
   animate(

@@ -98,14 +98,7 @@ void MessagePopup::showPicture(const ImagePtr& picture) {
 }
 
 void MessagePopup::showBars() {
-  BarContent content;
-  content.data = content_.templateData();
-  content.index = content_.index;
-  content.count = content_.count;
-  content.canvas = canvasColor();
-  content.text = looks_.text;
-  content.bar = looks_.bar;
-  bars_.show(content);
+  bars_.show({content_.templateData(), content_.index, content_.count, canvasColor(), looks_.text, looks_.bar});
 }
 
 void MessagePopup::showMessage() {

@@ -1,6 +1,8 @@
 #include "message_ui/UnreadBadge.h"
 
-#include <utility>
+#include <kesu/ui/Label.h>
+
+#include <memory>
 
 #include "foundation/NumberText.h"
 
@@ -12,14 +14,8 @@ constexpr double kOverhang = 13.0;  // Half of the side: the badge is centred on
 constexpr double kCornerRadius = 14.0;
 constexpr double kFontSize = 14.0;
 
-}  // namespace
-
-Rect unreadBadgeFrame(const Rect& viewFrame) {
-  return {viewFrame.right() - kOverhang, viewFrame.y - kOverhang, kSide, kSide};
-}
-
-std::shared_ptr<Label> makeUnreadBadge(std::int64_t count, const Rect& viewFrame) {
-  auto badge = std::make_shared<Label>(unreadBadgeFrame(viewFrame));
+std::shared_ptr<Label> makeBadge(std::int64_t count, const Rect& view) {
+  auto badge = std::make_shared<Label>(Rect{view.right() - kOverhang, view.y - kOverhang, kSide, kSide});
   badge->setText(decimal(count));
   badge->setTextColor(Color::white());
   badge->setAlignment(TextAlignment::Center);
@@ -32,9 +28,11 @@ std::shared_ptr<Label> makeUnreadBadge(std::int64_t count, const Rect& viewFrame
   return badge;
 }
 
+}  // namespace
+
 void addUnreadBadge(View& view, std::int64_t count) {
   if (View* superview = view.superview()) {
-    const auto badge = makeUnreadBadge(count, view.frame());
+    const auto badge = makeBadge(count, view.frame());
     superview->addSubview(badge);
     superview->bringSubviewToFront(*badge);
   }

@@ -31,10 +31,17 @@ struct KesuImageCache::Shared {
 
   std::uint64_t keep(std::string_view key, ImagePtr image) KESU_EXCLUDES(mutex);
   ImagePtr find(std::string_view key) KESU_EXCLUDES(mutex);
-  void clear() KESU_EXCLUDES(mutex);
-  bool isCurrent(std::uint64_t asked) KESU_EXCLUDES(mutex);
+  void clear() KESU_EXCLUDES(mutex) {
+    const MutexLock lock(mutex);
+    entries.clear();
+    ++generation;
+  }
+  bool isCurrent(std::uint64_t asked) KESU_EXCLUDES(mutex) {
+    const MutexLock lock(mutex);
+    return asked == generation;
+  }
   void trim() KESU_REQUIRES(mutex);
-  std::string path(std::string_view key) const;
+  std::string path(std::string_view key) const { return directory + "/" + hexLower(md5(key)); }
   bool hasDirectory() const { return !files.cachesDirectory().empty(); }
 
   Files& files;
@@ -73,21 +80,6 @@ ImagePtr KesuImageCache::Shared::find(std::string_view key) {
   }
   entries.splice(entries.begin(), entries, found);
   return found->image;
-}
-
-void KesuImageCache::Shared::clear() {
-  const MutexLock lock(mutex);
-  entries.clear();
-  ++generation;
-}
-
-bool KesuImageCache::Shared::isCurrent(std::uint64_t asked) {
-  const MutexLock lock(mutex);
-  return asked == generation;
-}
-
-std::string KesuImageCache::Shared::path(std::string_view key) const {
-  return directory + "/" + hexLower(md5(key));
 }
 
 KesuImageCache::KesuImageCache(Files& files, BackgroundQueue& imageWorker, NotificationCenter& notifications)
