@@ -354,7 +354,7 @@ TEST(ImageDecoder, RefusesHostileGif) {
   expectDamagedWhenCut(good, 6, 2);
 }
 
-TEST(ImageDecoder, TellsUnknownKinds) {
+TEST(ImageDecoder, ReportsUnknownKinds) {
   for (const std::string& file : {""s, "\x89PNG"s, "BM......"s, "<svg/>"s, "GIF88a"s, "RIFF....WEB"s, "\xFF\xD8"s}) {
     EXPECT_EQ(decodeImage(file).status, ImageStatus::UnknownKind) << file;
   }

@@ -158,7 +158,7 @@ TEST_F(TextLayoutTest, FindsFontsForScriptsAndEmoji) {
   EXPECT_GT(inkOf("Hi", TextStyle{.font = {"", 24.0}}).right, inkOf("Hi", TextStyle{.font = {"", 12.0}}).right);
 }
 
-TEST_F(TextLayoutTest, TakesAnyBytesAndNumbers) {
+TEST_F(TextLayoutTest, AcceptsAnyBytesAndNumbers) {
   const std::string bytes[] = {std::string("a\0b", 3), "\xff\xfe\xc3",           "\xed\xa0\x80", "\x01\x1b\x7f\u0085",
                                "\u202e\u2066",         repeated("\u0301", 2000), "\n\n\n",       "\xf0\x9f"};
   const double numbers[] = {0.0, -5.0, 1e-9, 1e12, std::nan(""), std::numeric_limits<double>::infinity()};
@@ -177,7 +177,7 @@ TEST_F(TextLayoutTest, TakesAnyBytesAndNumbers) {
   EXPECT_EQ(heightOfText("", kLight, 557.0), 0.0);
 }
 
-TEST_F(TextLayoutTest, CutsTextThatNobodyReadsToTheEnd) {
+TEST_F(TextLayoutTest, CutsTextsOfHugeLength) {
   const double longest = heightOfText(repeated("word ", 8000), kLight, 557.0);
   EXPECT_NEAR(heightOfText(repeated("word ", 200000), kLight, 557.0), longest, 200.0);
   EXPECT_GT(longest, 10000.0);
@@ -206,7 +206,7 @@ TEST_F(TextLayoutTest, HasSizesWithoutAnyFont) {
   EXPECT_LT(heightOfText(repeated("word ", 4000), kLight, 557.0), 100000.0);
 }
 
-TEST_F(TextLayoutTest, SearchesADirectoryOfItsOwn) {
+TEST_F(TextLayoutTest, SearchesItsOwnDirectory) {
   setFontChoice({"/usr/share/fonts/truetype/dejavu", false});
   const double wide = TextLayout("Hello", styleOf(1), {}).size().width;
   setFontChoice({});

@@ -50,7 +50,7 @@ class ViewControllerTest : public ::testing::Test, private AppearanceObserver {
   void didDisappear(ViewController& controller) override { note('-', controller); }
 };
 
-TEST_F(ViewControllerTest, TellsOfEachChangeOnceAfterTheHook) {
+TEST_F(ViewControllerTest, ReportsEachChangeOnceAfterTheHook) {
   Home home(heard);
   home.disappear();
   home.appear(true);
@@ -131,7 +131,7 @@ TEST_F(ViewControllerTest, RefusesToPresentInCircles) {
   EXPECT_EQ(other.presentedViewController(), nullptr) << "it is shown elsewhere";
 }
 
-TEST_F(ViewControllerTest, ForgetsPresentedControllersThatDie) {
+TEST_F(ViewControllerTest, ForgetsPresentedControllersThatAreDestroyed) {
   auto home = std::make_unique<Home>(heard);
   menu.appear();
   menu.present(*home);
@@ -144,7 +144,7 @@ TEST_F(ViewControllerTest, ForgetsPresentedControllersThatDie) {
   EXPECT_EQ(other.presentedViewController(), &help);
 }
 
-TEST_F(ViewControllerTest, TakesWhatIsShownOverAScreenAwayWithIt) {
+TEST_F(ViewControllerTest, DismissesWhatIsPresentedOverAScreenWithIt) {
   TabBarController tabs;
   tabs.setViewControllers({&menu, &other});
   tabs.appear();

@@ -2,14 +2,11 @@
 
 #include <gtest/gtest.h>
 #include <kesu/ui/Button.h>
-#include <kesu/ui/ImageView.h>
-#include <kesu/ui/Label.h>
 #include <kesu/ui/Window.h>
 
 #include <cmath>
 #include <random>
 
-#include "uikit/AccessibilityTree.h"
 #include "uikit/Animator.h"
 #include "uikit/GestureRecognizer.h"
 #include "uikit/InputTargets.h"
@@ -18,7 +15,7 @@
 namespace kesu {
 namespace {
 
-/// A button that says what happens to it: "+b" focused, "-b" not any more, "b<" pressed, "b>" let go, "bx" cancelled,
+/// A button that records what happens to it: "+b" focused, "-b" unfocused, "b<" pressed, "b>" released, "bx" cancelled,
 /// "b!" activated.
 class Probe : public Button {
  public:
@@ -26,24 +23,24 @@ class Probe : public Button {
     setTitle(std::move(name));
   }
 
-  void didUpdateFocus() override { say((isFocused() ? "+" : "-") + title()); }
-  void pressesBegan(RemoteButton /*button*/) override { say(title() + "<"); }
-  void pressesEnded(RemoteButton /*button*/) override { say(title() + ">"); }
+  void didUpdateFocus() override { record((isFocused() ? "+" : "-") + title()); }
+  void pressesBegan(RemoteButton /*button*/) override { record(title() + "<"); }
+  void pressesEnded(RemoteButton /*button*/) override { record(title() + ">"); }
   void pressesCancelled(RemoteButton /*button*/) override {
-    say(title() + "x");
+    record(title() + "x");
     if (onCancel) {
       onCancel();
     }
   }
   void activate() override {
-    say(title() + "!");
+    record(title() + "!");
     Button::activate();
   }
 
   std::function<void()> onCancel;
 
  private:
-  void say(const std::string& what) { heard_ += what + " "; }
+  void record(const std::string& what) { heard_ += what + " "; }
 
   std::string& heard_;
 };
@@ -69,7 +66,7 @@ class WindowInputTest : public ::testing::Test, private GestureRecognizerDelegat
   /// Shows the backdrop; the focus lies on the first button then.
   void open() {
     window.addSubview(backdrop);
-    WindowInput::of(window).updateFocus();
+    input.updateFocus();
     heard.clear();
   }
 
@@ -89,16 +86,17 @@ class WindowInputTest : public ::testing::Test, private GestureRecognizerDelegat
   }
 
   bool click(RemoteButton button) {
-    const bool began = WindowInput::of(window).press(button, PressPhase::Began);
-    return WindowInput::of(window).press(button, PressPhase::Ended) && began;
+    const bool began = input.press(button, PressPhase::Began);
+    return input.press(button, PressPhase::Ended) && began;
   }
-  std::string take() { return std::exchange(heard, {}); }
+  std::string extract() { return std::exchange(heard, {}); }
 
   std::string heard;
   bool mayTouch = true;
   std::function<void()> onTouch;
   std::vector<View*> touched;
   Window window;
+  WindowInput& input = WindowInput::of(window);
   std::shared_ptr<View> backdrop = std::make_shared<View>(Rect{0.0, 0.0, 1920.0, 1080.0});
   std::shared_ptr<View> card = std::make_shared<View>(Rect{100.0, 900.0, 500.0, 180.0});
   std::shared_ptr<Probe> a, b, c;
@@ -113,30 +111,30 @@ class WindowInputTest : public ::testing::Test, private GestureRecognizerDelegat
   }
 };
 
-TEST_F(WindowInputTest, TakesPressesOnlyWhileSomethingIsModal) {
+TEST_F(WindowInputTest, ConsumesPressesOnlyWhileAViewIsModal) {
   EXPECT_FALSE(click(RemoteButton::Select) || click(RemoteButton::Menu) || click(RemoteButton::Up));
-  EXPECT_FALSE(WindowInput::of(window).swipe(SwipeDirection::Left) || WindowInput::of(window).tap({5.0, 5.0}));
+  EXPECT_FALSE(input.swipe(SwipeDirection::Left) || input.tap({5.0, 5.0}));
   window.addSubview(backdrop);
   EXPECT_EQ(window.focusedView(), a.get()) << "the first in reading order";
-  EXPECT_EQ(take(), "+a ");
+  EXPECT_EQ(extract(), "+a ");
   EXPECT_TRUE(click(RemoteButton::PlayPause)) << "what nobody waits for is swallowed";
-  EXPECT_TRUE(WindowInput::of(window).swipe(SwipeDirection::Up));
-  EXPECT_EQ(take(), "");
+  EXPECT_TRUE(input.swipe(SwipeDirection::Up));
+  EXPECT_EQ(extract(), "");
   backdrop->setHidden(true);
   EXPECT_EQ(frontmostModal(window), nullptr);
   EXPECT_EQ(window.focusedView(), nullptr);
   EXPECT_FALSE(a->isFocused());
-  EXPECT_EQ(take(), "-a ");
+  EXPECT_EQ(extract(), "-a ");
 }
 
 TEST_F(WindowInputTest, MovesTheFocusByArrows) {
   open();
   click(RemoteButton::Right);
-  EXPECT_EQ(take(), "-a +b ");
-  WindowInput::of(window).press(RemoteButton::Right, PressPhase::Began);
-  WindowInput::of(window).press(RemoteButton::Right, PressPhase::Began);
-  WindowInput::of(window).press(RemoteButton::Right, PressPhase::Ended);
-  EXPECT_EQ(take(), "-b +c ") << "a held arrow goes on, to the end";
+  EXPECT_EQ(extract(), "-a +b ");
+  input.press(RemoteButton::Right, PressPhase::Began);
+  input.press(RemoteButton::Right, PressPhase::Began);
+  input.press(RemoteButton::Right, PressPhase::Ended);
+  EXPECT_EQ(extract(), "-b +c ") << "a held arrow goes on, to the end";
   EXPECT_TRUE(click(RemoteButton::Up));
   EXPECT_EQ(window.focusedView(), c.get());
   EXPECT_EQ(ViewDrawing::drawingOrder(*card).back(), c.get());
@@ -174,7 +172,7 @@ TEST_F(WindowInputTest, FocusesOnlyWhatCanBeUsed) {
   EXPECT_NE(window.focusedView(), nullptr);
 }
 
-TEST_F(WindowInputTest, HandsTheFocusToTheNeighbour) {
+TEST_F(WindowInputTest, MovesTheFocusToTheNeighbour) {
   open();
   window.setFocusedView(c.get());
   c->removeFromSuperview();
@@ -194,91 +192,91 @@ TEST_F(WindowInputTest, HandsTheFocusToTheNeighbour) {
   EXPECT_NE(window.focusedView(), nullptr);
 }
 
-TEST_F(WindowInputTest, ActivatesOnceWhenSelectIsLetGo) {
+TEST_F(WindowInputTest, ActivatesOnceWhenSelectIsReleased) {
   open();
   click(RemoteButton::Select);
-  EXPECT_EQ(take(), "a< a> a! ");
-  WindowInput::of(window).press(RemoteButton::Select, PressPhase::Began);
-  WindowInput::of(window).press(RemoteButton::Select, PressPhase::Began);
-  EXPECT_EQ(take(), "a< ") << "a held button begins once";
-  WindowInput::of(window).press(RemoteButton::Select, PressPhase::Cancelled);
-  EXPECT_FALSE(WindowInput::of(window).press(RemoteButton::Select, PressPhase::Ended));
-  EXPECT_EQ(take(), "ax ");
-  WindowInput::of(window).press(RemoteButton::Select, PressPhase::Began);
+  EXPECT_EQ(extract(), "a< a> a! ");
+  input.press(RemoteButton::Select, PressPhase::Began);
+  input.press(RemoteButton::Select, PressPhase::Began);
+  EXPECT_EQ(extract(), "a< ") << "a held button begins once";
+  input.press(RemoteButton::Select, PressPhase::Cancelled);
+  EXPECT_FALSE(input.press(RemoteButton::Select, PressPhase::Ended));
+  EXPECT_EQ(extract(), "ax ");
+  input.press(RemoteButton::Select, PressPhase::Began);
   click(RemoteButton::Right);
-  WindowInput::of(window).press(RemoteButton::Select, PressPhase::Ended);
-  EXPECT_EQ(take(), "a< ax -a +b ") << "the focus has left what was pressed";
-  WindowInput::of(window).press(RemoteButton::Select, PressPhase::Began);
-  WindowInput::of(window).cancelPresses();
-  WindowInput::of(window).press(RemoteButton::Select, PressPhase::Ended);
-  EXPECT_EQ(take(), "b< bx ");
+  input.press(RemoteButton::Select, PressPhase::Ended);
+  EXPECT_EQ(extract(), "a< ax -a +b ") << "the focus has left what was pressed";
+  input.press(RemoteButton::Select, PressPhase::Began);
+  input.cancelPresses();
+  input.press(RemoteButton::Select, PressPhase::Ended);
+  EXPECT_EQ(extract(), "b< bx ");
 }
 
-TEST_F(WindowInputTest, LeavesTheEndOfAPressToWhomItBeganWith) {
-  EXPECT_FALSE(WindowInput::of(window).press(RemoteButton::Menu, PressPhase::Began));
+TEST_F(WindowInputTest, LeavesTheEndOfAPressToTheHostWhereItBegan) {
+  EXPECT_FALSE(input.press(RemoteButton::Menu, PressPhase::Began));
   open();
-  EXPECT_FALSE(WindowInput::of(window).press(RemoteButton::Menu, PressPhase::Ended));
-  EXPECT_EQ(take(), "") << "what the host was asked for closes nothing here";
-  EXPECT_TRUE(WindowInput::of(window).press(RemoteButton::Menu, PressPhase::Began));
+  EXPECT_FALSE(input.press(RemoteButton::Menu, PressPhase::Ended));
+  EXPECT_EQ(extract(), "") << "what the host was asked for closes nothing here";
+  EXPECT_TRUE(input.press(RemoteButton::Menu, PressPhase::Began));
   backdrop->removeFromSuperview();
-  EXPECT_TRUE(WindowInput::of(window).press(RemoteButton::Menu, PressPhase::Ended));
-  EXPECT_EQ(take(), "-a ") << "and the other way round";
+  EXPECT_TRUE(input.press(RemoteButton::Menu, PressPhase::Ended));
+  EXPECT_EQ(extract(), "-a ") << "and the other way round";
 }
 
 TEST_F(WindowInputTest, ReachesExactlyOneRecogniser) {
   open();
   click(RemoteButton::Menu);
-  EXPECT_EQ(take(), "menu! ");
+  EXPECT_EQ(extract(), "menu! ");
   listen(*card, "card");
   auto side = std::make_shared<View>(Rect{0.0, 0.0, 50.0, 50.0});
   listen(*side, "side");
   backdrop->addSubview(side);
   click(RemoteButton::Menu);
-  EXPECT_EQ(take(), "card! ") << "around the focused view first";
+  EXPECT_EQ(extract(), "card! ") << "around the focused view first";
   card->setUserInteractionEnabled(false);
   click(RemoteButton::Menu);
-  EXPECT_EQ(take(), "-a side! ") << "else the frontmost";
+  EXPECT_EQ(extract(), "-a side! ") << "else the frontmost";
   backdrop->setAlpha(0.0);
   EXPECT_TRUE(click(RemoteButton::Menu)) << "what fades away takes presses, but does nothing with them";
-  EXPECT_EQ(take(), "");
+  EXPECT_EQ(extract(), "");
 }
 
-TEST_F(WindowInputTest, HandsSwipesOn) {
+TEST_F(WindowInputTest, ForwardsSwipes) {
   open();
   auto table = std::make_shared<View>(Rect{0.0, 60.0, 500.0, 100.0});
   listenToSwipes(*table, SwipeDirection::Left, "left");
   card->addSubview(table);
-  WindowInput::of(window).swipe(SwipeDirection::Left);
-  EXPECT_EQ(take(), "left! ");
+  input.swipe(SwipeDirection::Left);
+  EXPECT_EQ(extract(), "left! ");
   listenToSwipes(*card, SwipeDirection::Left, "nearer");
-  WindowInput::of(window).swipe(SwipeDirection::Left);
-  EXPECT_EQ(take(), "nearer! ");
-  WindowInput::of(window).swipe(SwipeDirection::Right);
-  EXPECT_EQ(take(), "-a +b ") << "without a recogniser it moves the focus";
+  input.swipe(SwipeDirection::Left);
+  EXPECT_EQ(extract(), "nearer! ");
+  input.swipe(SwipeDirection::Right);
+  EXPECT_EQ(extract(), "-a +b ") << "without a recogniser it moves the focus";
 }
 
-TEST_F(WindowInputTest, TapsWhatLiesThere) {
+TEST_F(WindowInputTest, TapsTheViewAtThePoint) {
   open();
-  EXPECT_TRUE(WindowInput::of(window).tap({320.0, 920.0}));
-  EXPECT_EQ(take(), "-a +b b! ");
+  EXPECT_TRUE(input.tap({320.0, 920.0}));
+  EXPECT_EQ(extract(), "-a +b b! ");
   EXPECT_EQ(std::exchange(touched, {}), (std::vector<View*>{b.get()})) << "the backdrop is asked all the same";
-  WindowInput::of(window).tap({10.0, 10.0});
-  EXPECT_EQ(take(), "menu! ");
+  input.tap({10.0, 10.0});
+  EXPECT_EQ(extract(), "menu! ");
   EXPECT_EQ(touched.back(), backdrop.get());
   mayTouch = false;
-  WindowInput::of(window).tap({110.0, 1070.0});
+  input.tap({110.0, 1070.0});
   EXPECT_EQ(touched.back(), card.get());
   b->setUserInteractionEnabled(false);
-  WindowInput::of(window).tap({320.0, 920.0});
-  EXPECT_EQ(take(), "-b +c ");
+  input.tap({320.0, 920.0});
+  EXPECT_EQ(extract(), "-b +c ");
 }
 
-TEST_F(WindowInputTest, ForgetsAnAimThatACallbackTookAway) {
+TEST_F(WindowInputTest, DropsATargetThatACallbackRemoved) {
   open();
   a->onCancel = [&] { backdrop->removeFromSuperview(); };
-  WindowInput::of(window).press(RemoteButton::Select, PressPhase::Began);
-  WindowInput::of(window).press(RemoteButton::Right, PressPhase::Began);
-  EXPECT_EQ(take(), "a< ax -a ");
+  input.press(RemoteButton::Select, PressPhase::Began);
+  input.press(RemoteButton::Right, PressPhase::Began);
+  EXPECT_EQ(extract(), "a< ax -a ");
   EXPECT_FALSE(b->isFocused());
   open();
   onTouch = [&] {
@@ -287,11 +285,11 @@ TEST_F(WindowInputTest, ForgetsAnAimThatACallbackTookAway) {
     card.reset();
     backdrop.reset();
   };
-  EXPECT_TRUE(WindowInput::of(window).tap({110.0, 1070.0})) << "asking may close it, too";
+  EXPECT_TRUE(input.tap({110.0, 1070.0})) << "asking may close it, too";
   EXPECT_EQ(window.focusedView(), nullptr);
 }
 
-TEST_F(WindowInputTest, SurvivesWhateverACallbackTakesAway) {
+TEST_F(WindowInputTest, SurvivesWhateverACallbackRemoves) {
   open();
   a->setAction([&](Button&) {
     backdrop->removeFromSuperview();
@@ -300,8 +298,8 @@ TEST_F(WindowInputTest, SurvivesWhateverACallbackTakesAway) {
     card.reset();
     a.reset();
   });
-  WindowInput::of(window).press(RemoteButton::Select, PressPhase::Began);
-  WindowInput::of(window).press(RemoteButton::Select, PressPhase::Ended);
+  input.press(RemoteButton::Select, PressPhase::Began);
+  input.press(RemoteButton::Select, PressPhase::Ended);
   EXPECT_EQ(window.focusedView(), nullptr);
   EXPECT_EQ(frontmostModal(window), nullptr);
   EXPECT_TRUE(window.subviews().empty());
@@ -311,11 +309,11 @@ TEST_F(WindowInputTest, SurvivesWhateverACallbackTakesAway) {
     std::exchange(next, nullptr)->removeFromSuperview();
   }));
   window.addSubview(next);
-  EXPECT_TRUE(WindowInput::of(window).swipe(SwipeDirection::Up));
+  EXPECT_TRUE(input.swipe(SwipeDirection::Up));
   EXPECT_EQ(next, nullptr);
 }
 
-TEST(WindowTest, MayGoInWhatItsInputLeadsTo) {
+TEST(WindowTest, MayBeDestroyedByItsInput) {
   const std::function<void(Window&)> inputs[] = {
       [](Window& window) { WindowInput::of(window).press(RemoteButton::Select, {}); },
       [](Window& window) { WindowInput::of(window).press(RemoteButton::Menu, {}); },
@@ -437,33 +435,6 @@ TEST_F(WindowInputTest, HasOneFocusWhateverHappens) {
   while (Animator::shared().isRunning()) {
     Animator::shared().finishAll();
   }
-}
-
-TEST_F(WindowInputTest, ReadsTheModalViewWithItsHeadingFirst) {
-  auto behind = std::make_shared<Label>(Rect{0.0, 0.0, 100.0, 20.0});
-  behind->setText("behind");
-  window.addSubview(behind);
-  EXPECT_EQ(accessibilityTree(window).size(), 1u);
-  open();
-  card->setAccessibility({AccessibilityInfo::Role::Dialog, "Message", ""});
-  const auto label = [&](const std::string& text, const Rect& frame) {
-    auto one = std::make_shared<Label>(frame);
-    one->setText(text);
-    card->addSubview(one);
-    return one;
-  };
-  label("text", {0.0, -200.0, 100.0, 20.0});
-  label("title", {0.0, -100.0, 100.0, 20.0})->setAccessibility({AccessibilityInfo::Role::Heading, "", "1"});
-  label("hidden", {0.0, -150.0, 100.0, 20.0})->setHidden(true);
-  label("ornament", {0.0, -150.0, 100.0, 20.0})->setAccessibility({});
-  card->addSubview(std::make_shared<ImageView>(Rect{0.0, -150.0, 100.0, 20.0}));
-  std::string read;
-  for (const AccessibilityNode& node : accessibilityTree(window)) {
-    read += node.label + node.value + (node.isFocused ? "* " : " ");
-  }
-  EXPECT_EQ(read, "Message title1 text a* b c ");
-  EXPECT_EQ(accessibilityTree(window).back().role, AccessibilityInfo::Role::Button);
-  EXPECT_EQ(accessibilityTree(window).back().frame, (Rect{500.0, 900.0, 100.0, 50.0}));
 }
 
 }  // namespace

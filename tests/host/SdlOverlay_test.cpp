@@ -144,7 +144,7 @@ TEST_F(SdlOverlayTest, LeavesEverythingToTheHostWithoutPopup) {
   EXPECT_FALSE(click(30, 30));
 }
 
-TEST_F(SdlOverlayTest, TakesKeysThatMeanNothingWhileThePopupIsUp) {
+TEST_F(SdlOverlayTest, ConsumesKeysWithoutMeaningWhileThePopupIsUp) {
   showDialog();
   EXPECT_TRUE(tapKey(SDLK_q));
   for (const Uint32 type : {SDL_TEXTINPUT, SDL_TEXTEDITING, SDL_MOUSEMOTION, SDL_MOUSEWHEEL, SDL_FINGERDOWN,
@@ -165,7 +165,7 @@ TEST_F(SdlOverlayTest, MovesTheFocusAndPressesButtons) {
   EXPECT_EQ(pressed, (std::vector<std::size_t>{1}));
 }
 
-TEST_F(SdlOverlayTest, TakesAGameControllerToo) {
+TEST_F(SdlOverlayTest, AcceptsAGameController) {
   showDialog();
   SDL_Event event{};
   event.cbutton.type = SDL_CONTROLLERBUTTONDOWN;
@@ -176,7 +176,7 @@ TEST_F(SdlOverlayTest, TakesAGameControllerToo) {
   EXPECT_EQ(pressed.size(), 1U);
 }
 
-TEST_F(SdlOverlayTest, HeldArrowsGoOnAndAHeldSelectDoesNot) {
+TEST_F(SdlOverlayTest, RepeatsHeldArrowsButNotSelect) {
   showDialog();
   key(SDL_KEYDOWN, SDLK_RIGHT);
   EXPECT_TRUE(key(SDL_KEYDOWN, SDLK_RIGHT, true));
@@ -188,7 +188,7 @@ TEST_F(SdlOverlayTest, HeldArrowsGoOnAndAHeldSelectDoesNot) {
   EXPECT_EQ(pressed.size(), 1U);
 }
 
-TEST_F(SdlOverlayTest, TheEndOfAPressGoesWhereItBegan) {
+TEST_F(SdlOverlayTest, EndsAPressWhereItBegan) {
   EXPECT_FALSE(key(SDL_KEYDOWN, SDLK_RIGHT));
   showDialog();
   EXPECT_TRUE(key(SDL_KEYDOWN, SDLK_RIGHT, true)) << "Repeats of it are for nobody.";
@@ -200,7 +200,7 @@ TEST_F(SdlOverlayTest, TheEndOfAPressGoesWhereItBegan) {
   EXPECT_FALSE(key(SDL_KEYDOWN, SDLK_ESCAPE));
 }
 
-TEST_F(SdlOverlayTest, TheEndOfAClickOrATouchGoesWhereItBegan) {
+TEST_F(SdlOverlayTest, EndsAClickOrATouchWhereItBegan) {
   EXPECT_FALSE(mouse(SDL_MOUSEBUTTONDOWN, 55, 25)) << "the host's: it may be what opens the popup";
   EXPECT_FALSE(send(SDL_FINGERDOWN));
   EXPECT_FALSE(send(SDL_JOYBUTTONDOWN));
@@ -218,7 +218,7 @@ TEST_F(SdlOverlayTest, TheEndOfAClickOrATouchGoesWhereItBegan) {
   EXPECT_FALSE(send(SDL_JOYBUTTONUP));
 }
 
-TEST_F(SdlOverlayTest, LosingTheInputCancelsAPress) {
+TEST_F(SdlOverlayTest, CancelsAPressWhenTheInputIsLost) {
   showDialog();
   key(SDL_KEYDOWN, SDLK_RETURN);
   SDL_Event lost{};
@@ -229,7 +229,7 @@ TEST_F(SdlOverlayTest, LosingTheInputCancelsAPress) {
   EXPECT_TRUE(pressed.empty());
 }
 
-TEST_F(SdlOverlayTest, ClicksReachWhatLiesThere) {
+TEST_F(SdlOverlayTest, ClicksTheViewAtThePoint) {
   showDialog();
   EXPECT_TRUE(click(55, 25));
   EXPECT_EQ(pressed, (std::vector<std::size_t>{1}));
@@ -267,7 +267,7 @@ TEST_F(SdlOverlayTest, DrawsWhatChangesInALayer) {
   expectDrawn(350, 350, {0.0, 0.0, 1.0});
 }
 
-TEST_F(SdlOverlayTest, DrawsInPixelsAndLeavesTheRendererAsItWas) {
+TEST_F(SdlOverlayTest, DrawsInPixelsAndRestoresTheRenderer) {
   showColor(kRed, 20.0);
   const SDL_Rect clip{3, 4, 5, 6};
   SDL_RenderSetLogicalSize(renderer.get(), 640, 360);

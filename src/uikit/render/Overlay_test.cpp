@@ -51,7 +51,7 @@ TEST_F(OverlayTest, MakesAWindowUnlessTheHostHasOne) {
   EXPECT_EQ(keyWindow(), &hosts);
 }
 
-TEST_F(OverlayTest, HandsPressesTapsAndSwipesToTheWindow) {
+TEST_F(OverlayTest, ForwardsPressesTapsAndSwipesToTheWindow) {
   showButton();
   overlay_.setPixelSize(1024, 540);
   overlay_.layers(0.1);
@@ -67,7 +67,7 @@ TEST_F(OverlayTest, HandsPressesTapsAndSwipesToTheWindow) {
   EXPECT_FALSE(overlay_.accessibilityTree().empty());
 }
 
-TEST_F(OverlayTest, AsksOnceForAFrameUntilItIsDrawn) {
+TEST_F(OverlayTest, RequestsOneFrameUntilItIsDrawn) {
   EXPECT_FALSE(overlay_.needsFrame());
   showButton();
   EXPECT_TRUE(overlay_.needsFrame());
@@ -130,7 +130,7 @@ TEST_F(OverlayTest, OutlivesWindowsAndIsOutlivedByThem) {
   EXPECT_EQ(asked, 0);
 }
 
-TEST_F(OverlayTest, TellsAWindowFromOneThatHadItsAddress) {
+TEST_F(OverlayTest, DistinguishesWindowsAtTheSameAddress) {
   std::optional<Window> hosts;
   hosts.emplace().makeKeyAndVisible();
   overlay_.layers(0.1);
@@ -144,7 +144,7 @@ TEST_F(OverlayTest, TellsAWindowFromOneThatHadItsAddress) {
   EXPECT_TRUE(overlay_.needsFrame());
 }
 
-TEST_F(OverlayTest, AsksForFramesOfAWindowThatCameWithoutItsKnowledge) {
+TEST_F(OverlayTest, RequestsFramesOfAWindowThatTheHostMakesKey) {
   Window hosts;
   hosts.makeKeyAndVisible();
   EXPECT_EQ(requests_, 1);

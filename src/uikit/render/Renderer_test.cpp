@@ -148,7 +148,7 @@ TEST_F(RendererTest, CropsPicturesThatLieInClippingViews) {
   EXPECT_EQ(pixelOf(flat(), 260, 90), 0U);
 }
 
-TEST_F(RendererTest, TellsOfAllThatComesIntoSightInAClippingView) {
+TEST_F(RendererTest, DamagesAllThatAClippingViewReveals) {
   const ViewPtr frame = viewIn(window_, {100.0, 100.0, 200.0, 200.0});
   frame->setClipsToBounds(true);
   const ViewPtr picture = viewIn(*frame, {0.0, 0.0, 200.0, 600.0}, Color::redColor());
@@ -181,7 +181,7 @@ TEST_F(RendererTest, DrawsCornersBordersShadowsAndTheFocusedViewLast) {
   EXPECT_EQ(pixelOf(flat(), 300, 338), 0xFFFFFFFFU);
 }
 
-TEST_F(RendererTest, GivesBackEverythingWhenTheLastViewLeaves) {
+TEST_F(RendererTest, ReleasesEverythingWhenTheLastViewLeaves) {
   showCard();
   EXPECT_EQ(pixelOf(flat(), 700, 500), 0xFFFFFFFFU);
   backdrop_->setAlpha(0.0);
@@ -197,7 +197,7 @@ TEST_F(RendererTest, GivesBackEverythingWhenTheLastViewLeaves) {
   EXPECT_EQ(pixelOf(flat(), 700, 500), 0xFFFFFFFFU);
 }
 
-TEST_F(RendererTest, GivesBackTheFontsWhenItGoesWhileSomethingIsShown) {
+TEST_F(RendererTest, ReleasesTheFontsWhenDestroyedWhileSomethingIsShown) {
   auto renderer = std::make_unique<Renderer>();
   viewIn<Label>(window_, {0.0, 0.0, 400.0, 60.0})->setText("Tonight");
   renderer->layers(window_, 1920, 1080);
@@ -206,7 +206,7 @@ TEST_F(RendererTest, GivesBackTheFontsWhenItGoesWhileSomethingIsShown) {
   EXPECT_FALSE(areFontsReady());
 }
 
-TEST_F(RendererTest, StandsAnyNumbers) {
+TEST_F(RendererTest, AcceptsAnyNumbers) {
   const double numbers[] = {0.0, -3.0, 0.4, 1e9, -1e9, 1e-9, std::nan(""), std::numeric_limits<double>::infinity()};
   showCard();
   for (const double number : numbers) {
@@ -360,7 +360,7 @@ void blend(std::vector<double>& screen, const FrameLayer& layer, int x, int y, i
   }
 }
 
-TEST_F(RendererTest, FlattensWhatTheLayersSay) {
+TEST_F(RendererTest, FlattensTheLayers) {
   showCard();
   card_->setCornerRadius(30.0);
   card_->setAlpha(0.7);
