@@ -8,7 +8,6 @@
 #include "testing/ScopedPlatform.h"
 #include "uikit/Animator.h"
 #include "uikit/ViewDrawing.h"
-#include "uikit/render/Renderer.h"
 
 namespace kesu {
 namespace {
