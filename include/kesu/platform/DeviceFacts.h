@@ -44,23 +44,31 @@ class KESU_API DeviceFacts {
  public:
   virtual ~DeviceFacts() = default;
 
-  virtual std::optional<std::string> machine();           ///< Hardware model identifier, such as "x86_64".
-  virtual std::optional<std::uint64_t> memoryBytes();     ///< Physical memory.
-  virtual std::optional<std::int64_t> userMemoryBytes();  ///< Memory available to user processes.
-  virtual std::optional<std::int64_t> processorHertz();
-  virtual std::optional<std::int64_t> busHertz();
-  virtual std::optional<std::int64_t> processors();        ///< Configured processors.
-  virtual std::optional<std::int64_t> activeProcessors();  ///< Processors on line.
-  virtual std::optional<BootTime> bootTime();
-  virtual std::optional<std::vector<ProcessFacts>> processes();  ///< In the order of the system's table.
-  virtual std::optional<std::int32_t> parentProcess(std::int32_t processId);
-  virtual std::optional<std::string> ipv4Address(const std::string& interface);  ///< Last IPv4 address, dotted.
-  virtual std::optional<WifiFacts> wifi();
-  virtual std::optional<std::string> systemVersion();     ///< Version of the operating system.
-  virtual std::optional<std::string> deviceName();        ///< Name that the user gave the device.
-  virtual std::optional<std::string> vendorIdentifier();  ///< UUID text, the same for all applications of a vendor.
-  virtual bool proximityClose();                          ///< An object is close to the device's sensor.
-  virtual std::optional<ScreenFacts> screen();
+  /// Returns the identifier of the hardware model, such as "x86_64".
+  virtual std::optional<std::string> machine() { return {}; }
+
+  virtual std::optional<std::uint64_t> memoryBytes() { return {}; }     ///< Physical memory.
+  virtual std::optional<std::int64_t> userMemoryBytes() { return {}; }  ///< Memory available to user processes.
+  virtual std::optional<std::int64_t> processorHertz() { return {}; }
+  virtual std::optional<std::int64_t> busHertz() { return {}; }
+  virtual std::optional<std::int64_t> processors() { return {}; }        ///< Configured processors.
+  virtual std::optional<std::int64_t> activeProcessors() { return {}; }  ///< Processors on line.
+  virtual std::optional<BootTime> bootTime() { return {}; }
+  virtual std::optional<std::vector<ProcessFacts>> processes() { return {}; }  ///< In the order of the system's table.
+  virtual std::optional<std::int32_t> parentProcess(std::int32_t /*processId*/) { return {}; }
+
+  /// Returns the last IPv4 address of an interface, dotted.
+  virtual std::optional<std::string> ipv4Address(const std::string& /*interface*/) { return {}; }
+
+  virtual std::optional<WifiFacts> wifi() { return {}; }
+  virtual std::optional<std::string> systemVersion() { return {}; }  ///< Version of the operating system.
+  virtual std::optional<std::string> deviceName() { return {}; }     ///< Name that the user gave the device.
+
+  /// Returns a UUID text that is the same for all applications of a vendor.
+  virtual std::optional<std::string> vendorIdentifier() { return {}; }
+
+  virtual bool proximityClose() { return false; }  ///< An object is close to the device's sensor.
+  virtual std::optional<ScreenFacts> screen() { return {}; }
 };
 
 }  // namespace kesu
