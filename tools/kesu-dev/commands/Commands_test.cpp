@@ -319,8 +319,7 @@ TEST_F(CommandsTest, ShowAndTailPrintTheRecordsOfACollector) {
 }
 
 TEST_F(CommandsTest, ServeEndsOnTerminationAndRemovesItsReadyFile) {
-  const std::string file =
-      (std::filesystem::temp_directory_path() / ("kesu_dev_ready_" + std::to_string(getpid()))).string();
+  const std::string file = temporary_ / "ready";
   start({"serve", "--port", "0", "--ready-file", file});
   output("Ctrl-C");
   std::ifstream ready(file);

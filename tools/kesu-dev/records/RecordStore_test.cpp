@@ -1,14 +1,13 @@
 #include "tools/kesu-dev/records/RecordStore.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <atomic>
-#include <filesystem>
 #include <fstream>
 #include <thread>
 
 #include "foundation/Json.h"
+#include "testing/TemporaryDirectory.h"
 #include "tools/kesu-dev/records/TestRecord.h"
 
 namespace kesu::dev {
@@ -16,17 +15,11 @@ namespace {
 
 using Which = RecordStore::Which;
 
-class RecordStoreTest : public testing::Test {
+class RecordStoreTest : public ::testing::Test {
  protected:
-  RecordStoreTest() { std::filesystem::remove_all(directory_); }
-  ~RecordStoreTest() override { std::filesystem::remove_all(directory_); }
-
   std::unique_ptr<RecordStore> open(const std::string& file = {}) { return RecordStore::open(file, error_); }
 
-  std::string fileIn() {
-    std::filesystem::create_directories(directory_);
-    return (directory_ / "records.db").string();
-  }
+  std::string fileIn() const { return directory_ / "records.db"; }
 
   static StoredRecord bad(std::string messageId) {
     StoredRecord record = testStored("e", std::move(messageId));
@@ -42,8 +35,7 @@ class RecordStoreTest : public testing::Test {
     return text;
   }
 
-  const std::filesystem::path directory_ =
-      std::filesystem::temp_directory_path() / ("kesu_dev_store_" + std::to_string(getpid()));
+  const kesu::testing::TemporaryDirectory directory_;
   std::string error_;
 };
 
@@ -119,7 +111,7 @@ TEST_F(RecordStoreTest, FileKeepsRecordsCountsAndIds) {
 }
 
 TEST_F(RecordStoreTest, SaysWhyAFileCannotBeOpened) {
-  EXPECT_EQ(open((directory_ / "nowhere" / "x.db").string()), nullptr);
+  EXPECT_EQ(open(directory_ / "nowhere/x.db"), nullptr);
   EXPECT_NE(error_, "");
   error_.clear();
   std::ofstream(fileIn()) << "this is a text file and surely no database at all";
