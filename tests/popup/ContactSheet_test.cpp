@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "graphics/TextLayout.h"
 #include "testing/FontRelease.h"
 #include "tests/popup/PopupPictures.h"
 #include "tests/popup/PopupStage.h"
@@ -244,7 +245,8 @@ class ContactSheet {
   int sectionHeight() const { return kHeading + static_cast<int>(rows_) * kCellHeight; }
 
   void write(const std::string& text, double size, const Rect& box) {
-    canvas_.drawText(text, {{"Roboto", size}, TextAlignment::Natural, 1, 0.7}, box, {0.9, 0.9, 0.92, 1.0});
+    const TextLayout layout(text, {{"Roboto", size}, TextAlignment::Natural, 1, 0.7}, box.size());
+    canvas_.drawText(layout, box.origin(), {0.9, 0.9, 0.92, 1.0});
   }
 
   std::size_t rows_;

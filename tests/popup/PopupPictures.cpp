@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "graphics/PngEncoder.h"
+#include "graphics/TextLayout.h"
 
 namespace kesu::testing {
 namespace {
@@ -54,8 +55,8 @@ Sheet::Sheet(int columns, int rows)
 
 void drawHost(Canvas& canvas) {
   canvas.fillGradient(kScreen, {0.16, 0.20, 0.30, 1.0}, {0.04, 0.05, 0.09, 1.0});
-  canvas.drawText("Tonight", {{"Roboto", 54.0}, TextAlignment::Natural, 1, 1.0}, {96.0, 70.0, 800.0, 80.0},
-                  Color::white());
+  const TextLayout title("Tonight", {{"Roboto", 54.0}, TextAlignment::Natural, 1, 1.0}, {800.0, 80.0});
+  canvas.drawText(title, {96.0, 70.0}, Color::white());
   for (int row = 0; row < 3; ++row) {
     for (int column = 0; column < 6; ++column) {
       const double part = 0.16 * (column % 3);
