@@ -6,10 +6,10 @@
 
 namespace tv {
 
-/// Everything about one show, with buttons to watch it, to keep it in mind and to read messages.
+/// The details of one show, with buttons to watch it, to add it to the list and to read messages.
 class DetailScreen : public Screen {
  public:
-  /// `myList` is the ids of the shows that the user keeps; it outlives the screen.
+  /// `myList` contains the ids of the shows on the user's list; it must outlive the screen.
   DetailScreen(Navigator& navigator, const Show& show, std::set<std::string>& myList);
 
   std::string name() const override { return "Detail"; }

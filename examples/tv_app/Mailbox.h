@@ -12,18 +12,18 @@ namespace tv {
 /// The library's messages as this app uses them: how many are new, and the popup. Main thread.
 class Mailbox {
  public:
-  /// `pressed` is told what a button of a message led to; not any more once the mailbox is gone.
+  /// `pressed` is called with what a button of a message led to, during the lifetime of the mailbox.
   explicit Mailbox(std::function<void(const kesu::KesuInAppStatus&)> pressed);
   ~Mailbox();
   Mailbox(const Mailbox&) = delete;
   Mailbox& operator=(const Mailbox&) = delete;
 
-  /// Asks the service now and from now on once a minute.
+  /// Asks the service for new messages now and once per minute.
   void start();
   void refresh();
   std::int64_t unread() const { return state_->unread; }
 
-  /// Shows the popup once the messages are here; nothing happens when there are none.
+  /// Shows the popup once the messages have arrived; ignored without any.
   void show(kesu::KesuInAppMessageType type = kesu::KesuInAppMessageType::Unread);
   void dismiss();
 
@@ -33,11 +33,11 @@ class Mailbox {
     std::function<void(const kesu::KesuInAppStatus&)> pressed;
   };
 
-  std::shared_ptr<State> state_;  // Replies on their way hold it weakly.
+  std::shared_ptr<State> state_;  // Pending replies refer to it weakly.
   kesu::MainLoop::TimerId timer_ = 0;
 };
 
-/// What to tell the user about a button that was pressed; empty for nothing.
+/// Returns the text for the user about a button that was pressed; may be empty.
 std::string describe(const kesu::KesuInAppStatus& status);
 
 }  // namespace tv

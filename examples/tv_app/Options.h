@@ -4,7 +4,7 @@
 
 namespace tv {
 
-/// What the command line asks for.
+/// The options of the command line.
 struct Options {
   std::string stateFile;  ///< For tests: gets a line for every change of screen or focus. Empty for none.
   int width = 1920;
@@ -12,7 +12,7 @@ struct Options {
   bool isFullScreen = false;
   bool showsMessages = false;
   bool wantsHelp = false;
-  std::string error;  ///< Empty when all is well.
+  std::string error;  ///< Empty without an error.
 };
 
 Options parseOptions(int argc, char** argv);

@@ -36,7 +36,7 @@ inline constexpr SDL_Color kAccent{255, 176, 74, 255};
 inline constexpr SDL_Color kAlert{240, 72, 84, 255};
 }  // namespace palette
 
-/// The rectangle grown around its middle.
+/// Returns the rectangle grown about its centre.
 SDL_FRect grown(const SDL_FRect& rect, float zoom);
 
 /// Draws with an SDL renderer on a screen of 1920 x 1080 points, whatever its pixels. Everything that takes time to
@@ -51,7 +51,7 @@ class Painter {
   Painter(const Painter&) = delete;
   Painter& operator=(const Painter&) = delete;
 
-  /// The renderer has lost its textures: they are made anew.
+  /// Destroys all textures, because the renderer has lost them.
   void forget() { textures_.clear(); }
 
   /// Begins a frame on the whole of the renderer's output.
@@ -59,7 +59,7 @@ class Painter {
 
   void fill(const SDL_FRect& rect, SDL_Color color);
   void roundRect(const SDL_FRect& rect, float radius, SDL_Color color, float zoom = 1.0F);
-  /// What a rectangle with round corners throws, `reach` points far.
+  /// Draws the shadow of a rectangle with round corners, `reach` points far.
   void shadow(const SDL_FRect& rect, float radius, float reach, float opacity, float zoom = 1.0F);
   void icon(Icon icon, const SDL_FRect& rect, SDL_Color color);
 
@@ -94,7 +94,7 @@ class Painter {
   std::map<std::string, std::unique_ptr<TTF_Font, Destroy>> fonts_;
   int width_ = 0;
   int height_ = 0;
-  float scale_ = 1.0F;  // Pixels a point.
+  float scale_ = 1.0F;  // Pixels per point.
   float left_ = 0.0F;   // Where the picture begins on screens of another shape, in pixels.
   float top_ = 0.0F;
 };

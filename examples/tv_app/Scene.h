@@ -12,13 +12,13 @@ struct Rgb {
   float blue = 0.0F;
 };
 
-/// What stands in front of the sky.
+/// The foreground.
 enum class Land { Mountains, Hills, Dunes, Forest, City, Sea };
 
-/// What makes the picture of one show its own.
+/// The object that identifies the picture of a show.
 enum class Motif { None, Train, Lighthouse, Aurora, Planet };
 
-/// Where the sun or the moon stands, in fractions of the picture.
+/// The place of the sun or the moon, in fractions of the picture.
 struct Disc {
   float x = 0.7F;
   float y = 0.35F;

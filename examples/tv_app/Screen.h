@@ -11,7 +11,7 @@
 
 namespace tv {
 
-/// A number that glides to where it is told to be.
+/// A number that approaches its target gradually.
 struct Glide {
   float value = 0.0F;
   float target = 0.0F;
@@ -26,7 +26,7 @@ struct Glide {
   }
 };
 
-/// What screens ask of the app around them.
+/// What a screen can ask of the app.
 class Navigator {
  public:
   virtual ~Navigator() = default;
@@ -34,24 +34,24 @@ class Navigator {
   virtual void showSettings() = 0;
   virtual void showMessages() = 0;
   virtual void goBack() = 0;
-  /// A line at the bottom of the screen that goes by itself.
+  /// Shows a line at the bottom of the screen for a few seconds.
   virtual void say(const std::string& text) = 0;
   virtual std::int64_t unreadMessages() const = 0;
 };
 
-/// One screen of the app. It holds its own focus. Main thread.
+/// One screen of the app, with a focus of its own. Main thread.
 class Screen {
  public:
   virtual ~Screen() = default;
 
-  /// What the screen is called in the records.
+  /// Returns the name of the screen in the records.
   virtual std::string name() const = 0;
-  /// What is focused, in words.
+  /// Returns the name of what is focused.
   virtual std::string focus() const = 0;
   virtual void press(kesu::RemoteButton button) = 0;
-  /// The screen is left, or another one comes over it.
+  /// Called when the screen is left or covered by another one.
   virtual void disappeared() {}
-  /// Moves what moves. Returns whether something still does.
+  /// Advances animations. Returns whether any is still running.
   virtual bool advance(float seconds) = 0;
   virtual void draw(Painter& painter) = 0;
 };

@@ -41,7 +41,7 @@ class SettingsScreen : public Screen {
   std::size_t user_ = 0;
   std::size_t logLevel_ = 0;
   std::size_t messages_ = 0;
-  std::shared_ptr<std::string> tags_;  // Replies on their way hold it weakly.
+  std::shared_ptr<std::string> tags_;  // Pending replies refer to it weakly.
 };
 
 }  // namespace tv

@@ -16,7 +16,7 @@ constexpr float kCardHeight = 225.0F;
 constexpr float kCardGap = 40.0F;
 constexpr float kFocusZoom = 1.1F;
 constexpr float kCornerRadius = 16.0F;
-constexpr float kBackdropRestSeconds = 0.22F;  // Painting it while the focus runs along would hold that up.
+constexpr float kBackdropRestSeconds = 0.22F;  // Painting it while the focus moves on would delay that.
 
 std::string timeOfDay() {
   const std::time_t now = std::time(nullptr);
@@ -116,7 +116,7 @@ void ShelfScreen::moveInRow(int step) {
   row.focused = static_cast<std::size_t>(std::clamp(static_cast<int>(row.focused) + step, 0, last));
 }
 
-// Gives everything that glides its place for the focus as it is now.
+// Sets the targets of everything that glides for the current focus.
 void ShelfScreen::settle() {
   for (std::size_t r = 0; r < rows_.size(); ++r) {
     Row& row = rows_[r];

@@ -7,7 +7,7 @@
 
 namespace tv {
 
-/// One show of the programme. `id` is what links and events call it.
+/// One show of the programme. `id` is its name in links and events.
 struct Show {
   std::string id;
   std::string title;
@@ -24,7 +24,7 @@ struct Shelf {
   std::vector<const Show*> shows;
 };
 
-/// All shelves, from the top. They live as long as the program.
+/// All shelves, from the top. Never destroyed.
 const std::vector<Shelf>& shelves();
 
 /// The show of that id, or null.

@@ -15,7 +15,7 @@ namespace {
 
 constexpr Uint64 kFrameMilliseconds = 16;
 constexpr Uint64 kToastMilliseconds = 3500;
-constexpr float kLongestStepSeconds = 0.1F;     // After a pause everything goes on from where it was.
+constexpr float kLongestStepSeconds = 0.1F;     // After a pause everything continues from where it was.
 constexpr std::int64_t kIdentifierForHost = 4;  // KesuInAppStatus::status.
 constexpr std::int64_t kFirstArrow = 10;        // KesuInAppStatus::buttonIndex of the arrows that page.
 constexpr std::string_view kLinkScheme = "example-tv://";
@@ -58,7 +58,7 @@ void TvApp::step() {
   while (SDL_PollEvent(&event) != 0) {
     isStale_ = true;
     if (overlay_.handle(event)) {
-      continue;  // The popup took it.
+      continue;  // Consumed by the popup.
     }
     handle(event);
   }
@@ -180,8 +180,8 @@ void TvApp::say(const std::string& text) {
   isStale_ = true;
 }
 
-// The popup stays until somebody closes it: this app does when one of the message's buttons was pressed, whatever it
-// led to. Such a button may hand an identifier to the host: "list/ID" puts a show on the list.
+// The popup stays until it is closed: this app does so when one of the message's buttons was pressed, whatever it led
+// to. Such a button may send an identifier to the host: "list/ID" puts a show on the list.
 void TvApp::messageAnswered(const kesu::KesuInAppStatus& status) {
   if (status.buttonIndex >= kFirstArrow) {
     return;
@@ -197,7 +197,7 @@ void TvApp::messageAnswered(const kesu::KesuInAppStatus& status) {
   }
 }
 
-// Without news, what was read before.
+// Without unread messages, shows those that were read before.
 void TvApp::showMessages() {
   using enum kesu::KesuInAppMessageType;
   mailbox_.show(mailbox_.unread() > 0 ? Unread : All);
@@ -263,7 +263,7 @@ std::string TvApp::focus() const {
   std::string focused = "nothing";
   for (const kesu::AccessibilityNode& node : overlay_.overlay().accessibilityTree()) {
     if (title.empty()) {
-      title = node.label;  // A popup tells its title first.
+      title = node.label;  // The title is read first.
     }
     if (node.isFocused) {
       focused = node.label;

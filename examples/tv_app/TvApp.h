@@ -17,8 +17,8 @@
 
 namespace tv {
 
-/// The app: a stack of screens, the library's popup over them, and the loop that drives both. It draws when something
-/// has changed and sleeps in between. Main thread; the library must be initialised.
+/// The app: a stack of screens, the library's popup over them, and the loop that drives both. Draws when something has
+/// changed and sleeps in between. Main thread; the library must be initialised.
 class TvApp : public Navigator {
  public:
   /// `stateFile`, unless empty, gets a line for every change of screen or focus.
@@ -27,14 +27,15 @@ class TvApp : public Navigator {
 
   /// Runs until the user leaves.
   void run();
-  /// Takes the events that are there, lets the library work, and draws if something has changed. Never waits.
+  /// Handles pending events, pumps the library's main loop, and draws if something has changed. Never waits.
   void step();
 
-  /// example-tv://show/ID and example-tv://trailer/ID open a show, example-tv://settings the settings. Returns whether
-  /// the link is one of these.
+  /// Opens a show (example-tv://show/ID, example-tv://trailer/ID) or the settings (example-tv://settings). Returns
+  /// false for other links.
   bool openLink(const std::string& url);
 
-  /// Where the user is, and on what: Shelf: Night Train, or Popup "Title": Button while a message is shown.
+  /// Returns the screen and what is focused on it: Shelf: Night Train, or Popup "Title": Button while a message is
+  /// shown.
   std::string focus() const;
 
   Mailbox& mailbox() { return mailbox_; }

@@ -18,7 +18,7 @@ void print(const std::string& what, const std::string& text) {
   std::fflush(stdout);
 }
 
-// On one line, whatever the text holds.
+// Control characters become spaces, to keep it on one line.
 std::string quoted(std::string text) {
   std::replace_if(
       text.begin(), text.end(), [](char character) { return character >= 0 && character < ' '; }, ' ');
@@ -66,7 +66,7 @@ std::string readable(const kesu::Value& value) {
   return "...";
 }
 
-// Prints what a handler of the library is told.
+// Prints the arguments of a handler.
 std::function<void(const kesu::Object&)> printer(const std::string& what) {
   return [what](const kesu::Object& result) { print(what, result ? readable(*result) : "none"); };
 }

@@ -14,8 +14,8 @@ namespace tv {
 /// Throws std::runtime_error for other words. Numbers that are no type are passed on: the library takes any.
 kesu::KesuInAppMessageType messageType(const ScriptLine& line);
 
-/// The commands that ask for messages and tags, by name. Each prints what the library hands over, a line a call, when
-/// it comes: "pump" lets it.
+/// The commands that request messages and tags, by name. Each prints what its handler receives, a line per call, during
+/// a later "pump".
 std::map<std::string, std::function<void(const ScriptLine&)>> messageCommands();
 
 }  // namespace tv

@@ -67,11 +67,11 @@ const char* ScreenScript::commands() {
          "  press BUTTON          press up, down, left, right, select, menu or play\n"
          "  link URL              open a link such as example-tv://show/night-train\n"
          "  show-messages [TYPE]  show the messages of this type: unread, read or all (or 0 to 2)\n"
-         "  dismiss               take the popup away\n"
+         "  dismiss               close the popup\n"
          "  frame SECONDS         run the main loop and draw for so long\n"
          "  screenshot FILE       draw, and write what is on the screen as PNG\n"
          "  focus                 print what is focused\n"
-         "  accessibility         print what a screen reader is told of the popup\n";
+         "  accessibility         print what a screen reader reads of the popup\n";
 }
 
 TvApp& ScreenScript::app() {

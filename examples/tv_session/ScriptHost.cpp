@@ -130,13 +130,13 @@ const char* ScriptHost::commands() {
          "  scene NAME SECONDS    add to the scene flow\n"
          "Events\n"
          "  event NAME k=v ...    post an event\n"
-         "  start NAME            take a timer reference\n"
+         "  start NAME            remember a timer reference\n"
          "  timed NAME k=v ...    post an event with the seconds since \"start NAME\"\n"
          "  sms NAME k=v ...      post a record to the table of SMS records\n"
          "  activation k=v ...    report an activation of the host's own\n"
          "  burst NAME COUNT      post COUNT events at once\n"
          "  call CLASS OPERATION ARGUMENT ... k=v ...\n"
-         "                        post an event of the catalogue; the argument nil stands for none\n"
+         "                        post an event of the catalogue; the argument nil is for none\n"
          "User\n"
          "  uid [ID]              set the user identifier, or reset it\n"
          "  traits k=v ...        post traits of the user\n"
@@ -154,7 +154,7 @@ const char* ScriptHost::commands() {
          "  clock +SECONDS        move the clock\n"
          "  loglevel N            change the log threshold\n"
          "  say TEXT              print a line\n"
-         "  quit                  end without further word, as a plain return from main() does\n";
+         "  quit                  return from main() without \"terminate\"\n";
 }
 
 bool ScriptHost::perform(const ScriptLine& line) {

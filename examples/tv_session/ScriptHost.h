@@ -10,19 +10,19 @@
 
 namespace tv {
 
-/// A host without a screen: does what the lines of a script say, on the main thread, with the library's main loop
-/// pumped in between.
+/// A host without a screen: executes the lines of a script on the main thread and pumps the library's main loop between
+/// them.
 class ScriptHost {
  public:
   using Command = std::function<void(const ScriptLine&)>;
 
-  /// `clock` is the one that the library uses; it must outlive the host.
+  /// `clock` is the library's; it must outlive the host.
   explicit ScriptHost(ScriptClock& clock);
 
-  /// Adds a command. It throws std::runtime_error with a reason to end the script.
+  /// Adds a command, which throws std::runtime_error with a reason to end the script.
   void add(const std::string& name, Command command) { table_[name] = std::move(command); }
 
-  /// Does one line. False, with a reason in error(), for an unknown command or misuse of the library.
+  /// Executes one line. Returns false, with a reason in error(), for an unknown command or misuse of the library.
   bool perform(const ScriptLine& line);
 
   /// Whether the script has said "quit".

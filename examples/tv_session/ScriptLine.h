@@ -18,11 +18,11 @@ struct ScriptLine {
   /// The i-th word, or `fallback` when there are fewer.
   std::string word(std::size_t i, const std::string& fallback = "") const;
 
-  /// The i-th word as a number, with or without "+"; nothing when it is missing or none.
+  /// The i-th word as a number, with or without "+"; nothing when it is missing or not a number.
   std::optional<double> number(std::size_t i) const;
 };
 
-/// Takes a line apart. Never fails: an open quote ends with the line.
+/// Parses a line. Never fails: an open quote ends with the line.
 ScriptLine parseScriptLine(const std::string& line);
 
 }  // namespace tv

@@ -28,7 +28,7 @@ struct Composition {
   std::string caption;
   std::vector<Dictionary> messages;
   std::function<void(PopupStage&)> act;
-  std::string heard;  ///< Part of what is told of it.
+  std::string heard;  ///< Part of what a screen reader reads.
 };
 
 struct ScreenSize {
@@ -36,7 +36,7 @@ struct ScreenSize {
   int height;
 };
 
-// The finest takes long where every access to memory is checked.
+// The finest size is slow under the address sanitizer.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr bool kIsChecked = true;
 #elif defined(__has_feature)
@@ -264,8 +264,8 @@ void writeFullPicture(const std::string& caption, const ScreenSize& size, const 
   EXPECT_TRUE(testing::writePng((ownDirectory() / name).string(), *testing::overHost(popup)));
 }
 
-// A sheet is looked at; what can be told without eyes is tested here: each composition shows what it says, and looks
-// alike at every size of the screen.
+// The sheet is for eyes; what can be checked without them: each composition shows its parts, and looks alike at every
+// size of the screen.
 TEST(ContactSheet, ShowsEveryCompositionAlikeAtEverySize) {
   const std::vector<Composition> compositions = allCompositions();
   const std::vector<ScreenSize> sizes = screenSizes();

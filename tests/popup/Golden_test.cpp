@@ -1,5 +1,5 @@
-// Keeps the popup's looks: pictures that somebody has found good (tests/golden), compared by what an eye would notice.
-// KESU_RENEW_GOLDEN=1 writes them anew.
+// Compares the popup with approved pictures (tests/golden) by what an eye would notice. KESU_RENEW_GOLDEN=1 writes them
+// again.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -23,7 +23,7 @@ using testing::PopupStage;
 constexpr const char* kTitle = "Ten new episodes";
 constexpr const char* kText = "The last season begins tonight. All that you have missed is here, too.";
 
-// Bands of colour: a picture that is easily kept small.
+// Bands of colour: a picture that compresses well.
 std::string bandsUrl() {
   std::vector<std::uint32_t> pixels;
   for (int y = 0; y < 60; ++y) {
@@ -138,7 +138,7 @@ ImagePtr mixedWith(const Image& one, const Image& other) {
   return std::make_shared<const Image>(one.width(), one.height(), std::move(pixels));
 }
 
-// What the comparison is for: it lets texts that are set a little differently pass, and nothing that anybody sees.
+// The comparison must accept text that is typeset a little differently, and nothing that is visible.
 TEST(Golden, NoticesWhatAnEyeNotices) {
   const Golden full = goldens().front();
   const ImagePtr good = goldenPicture(full.name);

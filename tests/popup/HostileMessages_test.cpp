@@ -1,5 +1,5 @@
-// Messages that a service should never send, through the whole library: nothing crashes, every frame has numbers for
-// places, and memory stays small. The sanitizers' build refuses every allocation over the limit.
+// Messages that a service should never send, through the whole library: nothing crashes, every layer has finite
+// coordinates, and memory stays small. The sanitizers' build refuses every allocation over the limit.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -127,7 +127,7 @@ bool isFinite(const std::vector<double>& numbers) {
   return std::all_of(numbers.begin(), numbers.end(), [](double number) { return std::isfinite(number); });
 }
 
-/// What is wrong with a popup that shows such a message; empty when nothing is.
+/// Returns what is wrong with a popup that shows such a message; empty for nothing.
 std::string faultOf(PopupStage& stage) {
   for (const FrameLayer& layer : stage.overlay->layers(1e6)) {
     if (!isFinite({layer.x, layer.y, layer.width, layer.height, layer.alpha, layer.color.red, layer.color.alpha})) {

@@ -23,7 +23,7 @@ struct Sheet {
   std::vector<std::uint32_t> pixels;
 };
 
-/// Where the popup lies with some of the screen beside it, in points.
+/// The popup's place with some of the screen beside it, in points.
 inline constexpr Rect kPopupPlace{600.0, 0.0, 720.0, 1080.0};
 inline constexpr int kThumbnailWidth = 300;
 inline constexpr int kThumbnailHeight = 450;
@@ -37,9 +37,9 @@ ImagePtr overHost(const ImagePtr& popup);
 /// kPopupPlace as a small picture: the popup over the host's page, or over plain dark blue.
 ImagePtr thumbnail(const ImagePtr& popup, bool hasHost);
 
-/// How much two pictures of one size differ to somebody who does not look at single pixels: in the means of small
-/// blocks that overlap, from 0 to 255 for the colour that differs most. Texts that are hinted in another way hardly
-/// count; what is moved, is missing or has another colour does.
+/// Returns how much two pictures of one size differ to the eye: the largest difference of a colour, from 0 to 255, in
+/// the means of small overlapping blocks. Text that is hinted in another way hardly counts; what is moved, missing or
+/// of another colour does.
 struct Difference {
   double mean = 0.0;
   double largest = 0.0;

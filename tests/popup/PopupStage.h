@@ -11,9 +11,9 @@
 
 namespace kesu::testing {
 
-/// The whole library on a platform of doubles, with a screen on which messages appear and a service that has some.
-/// Pictures of kExamplePictures are files of the example messages; other hosts that it knows answer with 404 or never.
-/// One at a time, on the test's thread.
+/// The whole library on a platform of doubles, with a screen on which messages appear and a service that sends them.
+/// Pictures of kExamplePictures are files of the example messages; the other hosts answer with 404 or never. One at a
+/// time, on the test's thread.
 class PopupStage {
  public:
   static constexpr const char* kExamplePictures = "https://pictures.example/";
@@ -26,7 +26,7 @@ class PopupStage {
   PopupStage(const PopupStage&) = delete;
   PopupStage& operator=(const PopupStage&) = delete;
 
-  /// Opens the popup on messages with these payloads, and waits until it stands.
+  /// Opens the popup on messages with these payloads, and waits until it is docked.
   void show(std::vector<Dictionary> payloads);
   void close();
 
@@ -37,10 +37,10 @@ class PopupStage {
   void press(RemoteButton button);
   void swipe(SwipeDirection direction);
 
-  /// What is on the screen, in this size; transparent beside the popup.
+  /// Returns a picture of the screen in this size; transparent beside the popup.
   ImagePtr picture(int width, int height);
 
-  /// What a screen reader tells of the popup, a space behind each, the focused element with an asterisk.
+  /// Returns what a screen reader reads of the popup, each followed by a space, the focused element with an asterisk.
   std::string heard() const;
 
   ScopedPlatform platform;
