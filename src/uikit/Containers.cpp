@@ -8,7 +8,7 @@
 namespace kesu {
 
 TabBarController::~TabBarController() {
-  disappear();
+  disappear();  // The destructor of the base class would no longer reach viewDidDisappear() below.
 }
 
 void TabBarController::setViewControllers(std::vector<ViewController*> controllers) {
@@ -44,7 +44,7 @@ void TabBarController::viewDidDisappear(bool animated) {
 }
 
 NavigationController::~NavigationController() {
-  disappear();
+  disappear();  // As above.
 }
 
 void NavigationController::push(ViewController& controller, bool animated) {

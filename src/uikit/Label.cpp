@@ -38,6 +38,7 @@ void Label::draw(Canvas& canvas) const {
   if (text_.empty() || box.isEmpty()) {
     return;
   }
+  // Not kept: the typesetter caches the last texts, and a presented size changes from frame to frame.
   const TextLayout layout(text_, {font_, alignment_, numberOfLines_, minimumScaleFactor_}, box.size());
   const double spare = box.height - layout.size().height;
   canvas.drawText(layout, {0.0, std::max(0.0, spare / 2.0)}, textColor_);

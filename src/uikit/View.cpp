@@ -44,7 +44,7 @@ View::View(const Rect& frame) : model_(withFrame({}, frame)), drawing_{model_, {
 
 View::~View() {
   for (const ViewPtr& view : subviews_) {
-    view->superview_ = nullptr;
+    view->superview_ = nullptr;  // Others may still own it.
   }
   if (drawing_.isAnimated) {
     Animator::shared().viewDestroyed(*this);
@@ -90,7 +90,7 @@ void View::setGeometry(const ViewGeometry& next) {
     return;
   }
   const ViewGeometry before = std::exchange(model_, next);
-  Animator::shared().viewMoved(*this, before, next);
+  Animator::shared().viewMoved(*this, before, next);  // Presents it, at once or gradually.
   if (before.size != next.size) {
     sizeDidChange();
   }

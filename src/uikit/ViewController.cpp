@@ -57,7 +57,7 @@ void ViewController::appear(bool animated) {
     return;
   }
   isVisible_ = true;
-  className();
+  className();  // Cached now: disappear() may run in a destructor, which no longer knows the class.
   viewDidAppear(animated);
   if (appearanceObserver != nullptr) {
     appearanceObserver->didAppear(*this);
@@ -68,7 +68,7 @@ void ViewController::disappear(bool animated) {
   if (!isVisible_) {
     return;
   }
-  isVisible_ = false;
+  isVisible_ = false;  // First: the hook may show the screen again.
   viewDidDisappear(animated);
   if (appearanceObserver != nullptr) {
     appearanceObserver->didDisappear(*this);
@@ -108,6 +108,7 @@ void ViewController::dismissPresented(bool animated) {
     return;
   }
   ViewController& front = frontmost();
+  // All are unlinked before a hook runs, which may present again.
   for (ViewController* above = presented_; above != nullptr;) {
     ViewController* const dismissed = std::exchange(above, above->presented_);
     dismissed->presenting_->presented_ = nullptr;

@@ -4,7 +4,7 @@ namespace kesu {
 namespace {
 
 double mix(double from, double to, double part) {
-  return part >= 1.0 ? to : from + (to - from) * part;
+  return part >= 1.0 ? to : from + (to - from) * part;  // The sum may miss `to` by a rounding error.
 }
 
 Color mix(const Color& from, const Color& to, double part) {

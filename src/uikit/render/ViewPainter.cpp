@@ -21,7 +21,7 @@ void paintContent(Canvas& canvas, const View& view) {
   }
   canvas.save();
   canvas.clip(ViewDrawing::presentedBounds(view));
-  if (view.cornerRadius() > 0.0) {
+  if (view.cornerRadius() > 0.0) {  // As a group: clipping each shape on its own would add up at the soft edges.
     canvas.beginGroup();
     ViewDrawing::draw(view, canvas);
     canvas.endGroup(1.0, ViewDrawing::presentedBounds(view), view.cornerRadius());
