@@ -5,6 +5,7 @@
 #include <cmath>
 #include <limits>
 
+#include "graphics/Canvas.h"
 #include "testing/ScopedPlatform.h"
 #include "uikit/Animator.h"
 #include "uikit/ViewDrawing.h"
@@ -123,7 +124,12 @@ TEST_F(TableViewTest, FadesWhereRowsAreCutAndIndicatesThePosition) {
 }
 
 TEST_F(TableViewTest, FadesIntoAnOpaqueBackgroundOnly) {
-  const auto opacityAt = [&](std::size_t row) { return viewToImage(top())->pixels()[row * 300 + 5] >> 24; };
+  const auto opacityAt = [&](std::size_t row) {
+    std::vector<std::uint32_t> pixels(300 * 50);
+    Canvas canvas(pixels.data(), 300, 50, 300, 1.0);
+    ViewDrawing::draw(top(), canvas);
+    return pixels[row * 300 + 5] >> 24;
+  };
   show({300.0, 300.0});
   EXPECT_EQ(opacityAt(0), 0u);
   EXPECT_EQ(opacityAt(19), 0u);
