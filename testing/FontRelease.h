@@ -10,7 +10,7 @@ namespace kesu {
 
 /// Releases the fonts at the end of a test program: LeakSanitizer would report them. Include this in one test file of
 /// every program that typesets texts.
-class FontRelease : public testing::Environment {
+class FontRelease : public ::testing::Environment {
  public:
   void TearDown() override {
     releaseFonts();
@@ -19,7 +19,7 @@ class FontRelease : public testing::Environment {
   }
 };
 
-inline testing::Environment* const kFontRelease = testing::AddGlobalTestEnvironment(new FontRelease);
+inline ::testing::Environment* const kFontRelease = ::testing::AddGlobalTestEnvironment(new FontRelease);
 
 }  // namespace kesu
 

@@ -12,7 +12,7 @@
 namespace kesu {
 namespace {
 
-constexpr const char* kSource = "KesuPost";
+constexpr const char* kPostSource = "KesuPost";
 
 }  // namespace
 
@@ -25,7 +25,7 @@ std::string KesuPost::postURL(const std::string& /*destination*/) {
   if (endpoint_.empty()) {
     endpoint_ = settings_.collectorUrl();
     if (!settings_.collectorOverride().empty()) {
-      KESU_LOG_AT(3, kSource, 224, "\n\n\n\nKesu endpoint is = %s\n\n\n\n", endpoint_.c_str());
+      KESU_LOG_AT(3, kPostSource, 224, "\n\n\n\nKesu endpoint is = %s\n\n\n\n", endpoint_.c_str());
     }
   }
   return endpoint_;
@@ -56,7 +56,7 @@ void KesuPost::finish(const Dictionary& record, PostKind kind, const HttpReply& 
       return;
     case PostAction::StoreRecord:
       if (!store_.add(record)) {  // Lost: there is neither a collector nor a disk to give it to.
-        KESU_LOG_AT(3, kSource, 177, "Error writing dictionary to disk %s", describe(record).c_str());
+        KESU_LOG_AT(3, kPostSource, 177, "Error writing dictionary to disk %s", describe(record).c_str());
       }
       return;
     case PostAction::DeleteFile:

@@ -17,7 +17,7 @@ constexpr std::int64_t kMostFiles = 5000;  // Some 20 MB on a disk with blocks o
 /// Records have a few hundred bytes; a larger file was not written by this class.
 constexpr std::size_t kLargestFile = std::size_t{16} * 1024 * 1024;
 
-constexpr const char* kSource = "KesuStore";
+constexpr const char* kStoreSource = "KesuStore";
 
 }  // namespace
 
@@ -75,14 +75,14 @@ bool KesuStore::deleteFile(const std::string& name) {
     return false;
   }
   const std::string path = documentsDirectory() + "/" + name;
-  KESU_LOG_AT(3, kSource, 114, "fullpath %s", path.c_str());
+  KESU_LOG_AT(3, kStoreSource, 114, "fullpath %s", path.c_str());
   if (files_.remove(path).ok()) {
     return true;
   }
   // Kept: a second attempt, for failures that pass.
   const FileResult secondTry = files_.remove(path);
   if (!secondTry.ok()) {
-    KESU_LOG_AT(3, kSource, 129, "FAILED removing %s %s", name.c_str(), secondTry.reason.c_str());
+    KESU_LOG_AT(3, kStoreSource, 129, "FAILED removing %s %s", name.c_str(), secondTry.reason.c_str());
   }
   return secondTry.ok();
 }
@@ -103,7 +103,7 @@ void KesuStore::deleteFirstFile() {
     defaults_.synchronize();
   }
   // Kept: the number printed counts the deleted files, whatever the words say.
-  KESU_LOG_AT(3, kSource, 193, "Deleted %s successfully and %ld unsuccessfully", name.c_str(), deleted);
+  KESU_LOG_AT(3, kStoreSource, 193, "Deleted %s successfully and %ld unsuccessfully", name.c_str(), deleted);
 }
 
 void KesuStore::deleteAllFiles() {
@@ -112,16 +112,16 @@ void KesuStore::deleteAllFiles() {
   for (const std::string& path : storedFiles()) {
     ++(deleteFile(std::string(lastPathComponent(path))) ? deleted : failed);
   }
-  KESU_LOG_AT(3, kSource, 169, "Deleted %ld successfully and %ld unsuccessfully", deleted, failed);
+  KESU_LOG_AT(3, kStoreSource, 169, "Deleted %ld successfully and %ld unsuccessfully", deleted, failed);
 }
 
 void KesuStore::ls() {
   long count = 0;
   for (const std::string& path : storedFiles()) {
     ++count;
-    KESU_LOG_AT(3, kSource, 145, "ls %ld - %s", count, path.c_str());
+    KESU_LOG_AT(3, kStoreSource, 145, "ls %ld - %s", count, path.c_str());
   }
-  KESU_LOG_AT(3, kSource, 148, "%ld files listed", count);
+  KESU_LOG_AT(3, kStoreSource, 148, "%ld files listed", count);
 }
 
 }  // namespace kesu

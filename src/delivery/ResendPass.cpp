@@ -8,20 +8,20 @@ namespace kesu {
 namespace {
 
 constexpr double kSliceSeconds = 0.002;  // An eighth of a frame at 60 frames per second.
-constexpr const char* kSource = "KesuManager";
+constexpr const char* kManagerSource = "KesuManager";
 
 }  // namespace
 
 void ResendPass::start(NetworkStatus status) {
   switch (status) {
     case NetworkStatus::ReachableCell:
-      KESU_LOG_AT(3, kSource, 1955, "**** cell ****");
+      KESU_LOG_AT(3, kManagerSource, 1955, "**** cell ****");
       break;
     case NetworkStatus::Reachable:
-      KESU_LOG_AT(3, kSource, 1953, "**** wifi ****");
+      KESU_LOG_AT(3, kManagerSource, 1953, "**** wifi ****");
       break;
     case NetworkStatus::NotReachable:
-      KESU_LOG_AT(3, kSource, 1951, "**** Not Reachable ****");
+      KESU_LOG_AT(3, kManagerSource, 1951, "**** Not Reachable ****");
       return;
   }
   sendSlice(store_.storedFiles(), 0);

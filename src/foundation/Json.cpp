@@ -139,10 +139,6 @@ JsonStatus writeWhole(std::string& out, Write writeRoot) {
   return status;
 }
 
-constexpr bool isDigit(char character) {
-  return character >= '0' && character <= '9';
-}
-
 constexpr bool isHighSurrogate(char32_t unit) {
   return unit >= 0xD800 && unit < 0xDC00;
 }

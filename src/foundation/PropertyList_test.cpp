@@ -9,7 +9,7 @@
 namespace kesu {
 namespace {
 
-std::string repeated(std::string_view text, std::size_t count) {
+std::string copiesOf(std::string_view text, std::size_t count) {
   std::string all;
   for (std::size_t i = 0; i < count; ++i) {
     all.append(text);
@@ -26,7 +26,7 @@ std::optional<Value> parseContent(std::string_view content) {
   return parsePropertyList(document(content));
 }
 
-Value nestedArrays(std::size_t levels) {
+Value arraysWithin(std::size_t levels) {
   Value value("core");
   for (std::size_t i = 0; i < levels; ++i) {
     Array array;
@@ -124,12 +124,12 @@ TEST(PropertyListTest, WritesNothingWhenAnythingWouldBeLost) {
                                      Date{1e12},
                                      Date{std::nan("")},
                                      Dictionary{{"\x02", 1}},
-                                     nestedArrays(511)};
+                                     arraysWithin(511)};
   for (std::size_t i = 0; i < values.size(); ++i) {
     EXPECT_FALSE(writePropertyList(Dictionary{{"a", 1}, {"in", Array{values[i]}}, {"z", 1}})) << "value " << i;
   }
-  EXPECT_FALSE(writePropertyList(nestedArrays(100'000)));
-  EXPECT_TRUE(writePropertyList(nestedArrays(512)));
+  EXPECT_FALSE(writePropertyList(arraysWithin(100'000)));
+  EXPECT_TRUE(writePropertyList(arraysWithin(512)));
 }
 
 TEST(PropertyListTest, ReadsWhatOtherProgramsWrite) {
@@ -214,11 +214,11 @@ TEST(PropertyListTest, RefusesDeclaredEntities) {
 }
 
 TEST(PropertyListTest, RefusesTooMuchWithoutOverflow) {
-  const auto arrays = [](std::size_t levels) { return repeated("<array>", levels) + repeated("</array>", levels); };
+  const auto arrays = [](std::size_t levels) { return copiesOf("<array>", levels) + copiesOf("</array>", levels); };
   EXPECT_TRUE(parseContent(arrays(512)));
   EXPECT_FALSE(parseContent(arrays(513)));
   EXPECT_FALSE(parseContent(arrays(100'000)));
-  EXPECT_FALSE(parseContent(repeated("<dict><key>a</key>", 100'000)));
+  EXPECT_FALSE(parseContent(copiesOf("<dict><key>a</key>", 100'000)));
   EXPECT_FALSE(parseContent("<string>" + std::string(kPropertyListSizeLimitBytes, 'x') + "</string>"));
 }
 

@@ -6,6 +6,11 @@
 
 namespace kesu {
 
+/// Whether the character is one of "0" to "9".
+constexpr bool isDigit(char character) {
+  return character >= '0' && character <= '9';
+}
+
 // Texts are UTF-8. No function fails on invalid bytes: each such byte counts as one character that is no white space.
 // Any thread.
 

@@ -15,10 +15,6 @@ bool isLetter(char character) {
   return asciiLower(character) >= 'a' && asciiLower(character) <= 'z';
 }
 
-bool isDigit(char character) {
-  return character >= '0' && character <= '9';
-}
-
 bool isSchemeCharacter(char character) {
   return isLetter(character) || isDigit(character) || character == '+' || character == '-' || character == '.';
 }

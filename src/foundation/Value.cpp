@@ -7,6 +7,8 @@
 #include <functional>
 #include <limits>
 
+#include "foundation/Text.h"
+
 namespace kesu {
 namespace {
 
@@ -16,10 +18,6 @@ constexpr std::size_t kNowhere = std::numeric_limits<std::size_t>::max();
 
 std::size_t hashOf(std::string_view key) {
   return std::hash<std::string_view>{}(key);
-}
-
-bool isDigit(char character) {
-  return character >= '0' && character <= '9';
 }
 
 // What a number may begin with, without the white space and the plus sign that std::from_chars does not take.

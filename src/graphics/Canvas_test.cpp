@@ -13,7 +13,7 @@ namespace {
 constexpr Color kRed{1.0, 0.0, 0.0, 1.0};
 
 /// A drawing of 100 x 100 pixels with a margin of rows and columns that nothing may touch.
-class CanvasTest : public testing::Test {
+class CanvasTest : public ::testing::Test {
  protected:
   static constexpr int kSide = 100;
   static constexpr int kStride = 110;

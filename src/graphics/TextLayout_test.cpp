@@ -64,7 +64,7 @@ std::vector<std::uint32_t> pictureOf(const TextLayout& layout) {
   return pixels;
 }
 
-class TextLayoutTest : public testing::Test {
+class TextLayoutTest : public ::testing::Test {
  protected:
   ~TextLayoutTest() override { setFontChoice({}); }
 };

@@ -21,7 +21,6 @@
 namespace kesu {
 namespace {
 
-constexpr double kSecondsPerDay = 86400.0;
 constexpr const char* kSource = "KesuManager";
 
 }  // namespace

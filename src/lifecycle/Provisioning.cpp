@@ -13,7 +13,7 @@ constexpr std::size_t kLargestProfile = std::size_t{4} * 1024 * 1024;
 
 constexpr std::string_view kBegin = "<plist";
 constexpr std::string_view kEnd = "</plist>";
-constexpr const char* kSource = "KesuManager";
+constexpr const char* kProvisioningSource = "KesuManager";
 
 bool mayBeDebugged(const Dictionary& profile) {
   const Value* entitlements = profile.find("Entitlements");
@@ -34,13 +34,13 @@ std::optional<Value> parseDataIntoDictionary(const Data& data) {
   const std::size_t begin = text.find(kBegin);
   if (begin == 0 || text.empty()) {
     // Kept: a profile that begins with its property list has nothing in front to skip, and counts as broken.
-    KESU_LOG_AT(3, kSource, 629, "unable to find beginning of plist");
+    KESU_LOG_AT(3, kProvisioningSource, 629, "unable to find beginning of plist");
     return std::nullopt;
   }
   const std::string_view rest = begin == std::string_view::npos ? std::string_view() : text.substr(begin);
   const std::size_t end = rest.find(kEnd);
   if (end == std::string_view::npos) {
-    KESU_LOG_AT(3, kSource, 632, "unable to find end of plist");
+    KESU_LOG_AT(3, kProvisioningSource, 632, "unable to find end of plist");
     return std::nullopt;
   }
   return parsePropertyList(rest.substr(0, end + kEnd.size()));

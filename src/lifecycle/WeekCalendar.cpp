@@ -8,7 +8,6 @@
 namespace kesu {
 namespace {
 
-constexpr double kSecondsPerDay = 86400.0;
 constexpr int kDaysPerWeek = 7;
 
 /// Days since Monday, of a weekday from 1 (Sunday) to 7.

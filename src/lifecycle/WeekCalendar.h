@@ -7,6 +7,8 @@
 
 namespace kesu {
 
+inline constexpr double kSecondsPerDay = 86400.0;
+
 /// Calendar fields of an instant and of its week.
 struct CalendarComponents {
   LocalTime time;

@@ -17,9 +17,9 @@ namespace {
 
 /// A button that records what happens to it: "+b" focused, "-b" unfocused, "b<" pressed, "b>" released, "bx" cancelled,
 /// "b!" activated.
-class Probe : public Button {
+class InputProbe : public Button {
  public:
-  Probe(std::string name, const Rect& frame, std::string& heard) : Button(frame), heard_(heard) {
+  InputProbe(std::string name, const Rect& frame, std::string& heard) : Button(frame), heard_(heard) {
     setTitle(std::move(name));
   }
 
@@ -57,8 +57,8 @@ class WindowInputTest : public ::testing::Test, private GestureRecognizerDelegat
     listen(*backdrop, "menu");
   }
 
-  std::shared_ptr<Probe> add(const std::string& name, double x) {
-    auto button = std::make_shared<Probe>(name, Rect{x, 0.0, 100.0, 50.0}, heard);
+  std::shared_ptr<InputProbe> add(const std::string& name, double x) {
+    auto button = std::make_shared<InputProbe>(name, Rect{x, 0.0, 100.0, 50.0}, heard);
     card->addSubview(button);
     return button;
   }
@@ -99,7 +99,7 @@ class WindowInputTest : public ::testing::Test, private GestureRecognizerDelegat
   WindowInput& input = WindowInput::of(window);
   std::shared_ptr<View> backdrop = std::make_shared<View>(Rect{0.0, 0.0, 1920.0, 1080.0});
   std::shared_ptr<View> card = std::make_shared<View>(Rect{100.0, 900.0, 500.0, 180.0});
-  std::shared_ptr<Probe> a, b, c;
+  std::shared_ptr<InputProbe> a, b, c;
 
  private:
   bool shouldReceiveTouch(GestureRecognizer& /*recognizer*/, View& view) override {
@@ -182,7 +182,7 @@ TEST_F(WindowInputTest, MovesTheFocusToTheNeighbour) {
   b.reset();
   EXPECT_EQ(window.focusedView(), again.get()) << "what comes instead of it";
   auto front = std::make_shared<View>(Rect{0.0, 0.0, 300.0, 300.0});
-  auto only = std::make_shared<Probe>("o", Rect{0.0, 0.0, 10.0, 10.0}, heard);
+  auto only = std::make_shared<InputProbe>("o", Rect{0.0, 0.0, 10.0, 10.0}, heard);
   front->addSubview(only);
   front->setModal(true);
   window.addSubview(front);

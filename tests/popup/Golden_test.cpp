@@ -20,8 +20,8 @@ namespace {
 using testing::payloadOf;
 using testing::PopupStage;
 
-constexpr const char* kTitle = "Ten new episodes";
-constexpr const char* kText = "The last season begins tonight. All that you have missed is here, too.";
+constexpr const char* kGoldenTitle = "Ten new episodes";
+constexpr const char* kGoldenText = "The last season begins tonight. All that you have missed is here, too.";
 
 // Bands of colour: a picture that compresses well.
 std::string bandsUrl() {
@@ -61,19 +61,19 @@ struct Golden {
 };
 
 std::vector<Golden> goldens() {
-  const Dictionary full = payloadOf(kTitle, kText, dataWith(twoButtons()));
+  const Dictionary full = payloadOf(kGoldenTitle, kGoldenText, dataWith(twoButtons()));
   std::string endless;
   for (int i = 0; i < 80; ++i) {
-    endless += kText + std::string(" ");
+    endless += kGoldenText + std::string(" ");
   }
   Array five;
   for (const char* title : {"One", "Two", "Three", "Four", "Five"}) {
     five.push_back(button(title, "#8E44AD"));
   }
   return {{"picture-and-texts", {full}},
-          {"title-over-picture", {payloadOf(kTitle, kText, dataWith(twoButtons()), "p_temp_1")}},
-          {"long-text", {payloadOf(kTitle, endless, dataWith(twoButtons()))}},
-          {"five-buttons", {payloadOf(kTitle, kText, dataWith(five, false))}},
+          {"title-over-picture", {payloadOf(kGoldenTitle, kGoldenText, dataWith(twoButtons()), "p_temp_1")}},
+          {"long-text", {payloadOf(kGoldenTitle, endless, dataWith(twoButtons()))}},
+          {"five-buttons", {payloadOf(kGoldenTitle, kGoldenText, dataWith(five, false))}},
           {"paged", {full, full, full}, true},
           {"nothing", {}}};
 }
@@ -151,15 +151,16 @@ TEST(Golden, NoticesWhatAnEyeNotices) {
   const PixelRect secondButton{151, 375, 116, 37};
   const std::pair<const char*, ImagePtr> faults[] = {
       {"button moved by 10 points", moved(*good, secondButton, 4, 0)},
-      {"no title", with("", kText, dataWith(twoButtons()))},
-      {"other title of the same length", with("Xxx xxx xxxxxxxx", kText, dataWith(twoButtons()))},
-      {"no text", with(kTitle, "", dataWith(twoButtons()))},
-      {"no picture", with(kTitle, kText, dataWith(twoButtons(), false))},
-      {"one button less", with(kTitle, kText, dataWith({button("Watch", "#2E6BD6")}))},
-      {"no title on a button", with(kTitle, kText, dataWith({button("Watch", "#2E6BD6"), button("", "#1B998B")}))},
+      {"no title", with("", kGoldenText, dataWith(twoButtons()))},
+      {"other title of the same length", with("Xxx xxx xxxxxxxx", kGoldenText, dataWith(twoButtons()))},
+      {"no text", with(kGoldenTitle, "", dataWith(twoButtons()))},
+      {"no picture", with(kGoldenTitle, kGoldenText, dataWith(twoButtons(), false))},
+      {"one button less", with(kGoldenTitle, kGoldenText, dataWith({button("Watch", "#2E6BD6")}))},
+      {"no title on a button",
+       with(kGoldenTitle, kGoldenText, dataWith({button("Watch", "#2E6BD6"), button("", "#1B998B")}))},
       {"other colour of a button",
-       with(kTitle, kText, dataWith({button("Watch", "#2E6BD6"), button("Later", "#2B799B")}))},
-      {"other canvas", with(kTitle, kText, otherCanvas)},
+       with(kGoldenTitle, kGoldenText, dataWith({button("Watch", "#2E6BD6"), button("Later", "#2B799B")}))},
+      {"other canvas", with(kGoldenTitle, kGoldenText, otherCanvas)},
   };
   for (const auto& [fault, picture] : faults) {
     const testing::Difference difference = testing::differenceOf(*good, *picture);

@@ -12,8 +12,8 @@
 namespace kesu {
 namespace {
 
-constexpr int kDeadlineMilliseconds = 10'000;
-constexpr double kNoHurrySeconds = 60.0;
+constexpr int kPressureDeadlineMilliseconds = 10'000;
+constexpr double kUnhurriedSeconds = 60.0;
 
 /// Two ends of a connection; what one sends as urgent data makes the other one ready as a pressure file would be.
 class UrgentPair {
@@ -35,7 +35,7 @@ class UrgentPair {
   void fire() const {
     ::send(sender_.get(), "!", 1, MSG_OOB);
     pollfd wanted{receiver(), POLLPRI, 0};
-    EXPECT_EQ(::poll(&wanted, 1, kDeadlineMilliseconds), 1);
+    EXPECT_EQ(::poll(&wanted, 1, kPressureDeadlineMilliseconds), 1);
   }
   void sendOrdinary() const { ::send(sender_.get(), ".", 1, 0); }
 
@@ -53,7 +53,7 @@ class UrgentPair {
   UniqueFd receiver_;
 };
 
-bool isReadable(int fd) {
+bool isReadableNow(int fd) {
   pollfd wanted{fd, POLLIN, 0};
   return ::poll(&wanted, 1, 0) == 1;
 }
@@ -75,18 +75,18 @@ TEST_F(MemoryPressureTest, WarnsInsidePumpAndNotAgainForAWhile) {
       loop_, [this] { return seconds_; }, [this] { ++warnings_; }, pairOpener());
   ASSERT_TRUE(pressure.start());
   pair_.sendOrdinary();
-  EXPECT_FALSE(isReadable(loop_.fd())) << "a pressure file can always be read and written";
-  EXPECT_EQ(loop_.pump(kNoHurrySeconds), 0U);
+  EXPECT_FALSE(isReadableNow(loop_.fd())) << "a pressure file can always be read and written";
+  EXPECT_EQ(loop_.pump(kUnhurriedSeconds), 0U);
   EXPECT_EQ(loop_.nextDue(), std::nullopt);
   for (const auto& [passed, expected] : {std::pair{0.0, 1}, {9.9, 1}, {0.2, 2}, {30.0, 3}}) {
     seconds_ += passed;
     pair_.fire();
-    EXPECT_TRUE(isReadable(loop_.fd()));
-    EXPECT_EQ(loop_.pump(kNoHurrySeconds), 1U);
+    EXPECT_TRUE(isReadableNow(loop_.fd()));
+    EXPECT_EQ(loop_.pump(kUnhurriedSeconds), 1U);
     EXPECT_EQ(warnings_, expected) << seconds_;
     pair_.clear();
-    EXPECT_FALSE(isReadable(loop_.fd()));
-    EXPECT_EQ(loop_.pump(kNoHurrySeconds), 0U);
+    EXPECT_FALSE(isReadableNow(loop_.fd()));
+    EXPECT_EQ(loop_.pump(kUnhurriedSeconds), 0U);
   }
 }
 
@@ -97,8 +97,8 @@ TEST_F(MemoryPressureTest, SaysNothingAfterItsEnd) {
     ASSERT_TRUE(pressure.start());
     pair_.fire();
   }
-  EXPECT_FALSE(isReadable(loop_.fd()));
-  EXPECT_EQ(loop_.pump(kNoHurrySeconds), 0U);
+  EXPECT_FALSE(isReadableNow(loop_.fd()));
+  EXPECT_EQ(loop_.pump(kUnhurriedSeconds), 0U);
   EXPECT_EQ(warnings_, 0);
 }
 
@@ -117,8 +117,8 @@ TEST_F(MemoryPressureTest, DoesNothingWhereTheSystemOffersNothing) {
         loop_, [this] { return seconds_; }, [this] { ++warnings_; }, opener);
     EXPECT_FALSE(pressure.start());
     pair_.fire();
-    EXPECT_FALSE(isReadable(loop_.fd()));
-    EXPECT_EQ(loop_.pump(kNoHurrySeconds), 0U);
+    EXPECT_FALSE(isReadableNow(loop_.fd()));
+    EXPECT_EQ(loop_.pump(kUnhurriedSeconds), 0U);
     pair_.clear();
   }
 }

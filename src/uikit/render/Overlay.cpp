@@ -17,8 +17,6 @@ namespace kesu {
 namespace {
 
 constexpr int kLargestSide = 8192;
-constexpr double kScreenWidth = 1920.0;
-constexpr double kScreenHeight = 1080.0;
 
 /// Requests a frame from the host, once until it has drawn one.
 struct FrameRequest {

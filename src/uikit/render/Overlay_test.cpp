@@ -13,7 +13,7 @@
 namespace kesu {
 namespace {
 
-class OverlayTest : public testing::Test {
+class OverlayTest : public ::testing::Test {
  protected:
   OverlayTest() {
     overlay_.setNeedsFrameCallback([this] { ++requests_; });

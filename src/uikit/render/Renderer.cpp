@@ -20,8 +20,6 @@
 namespace kesu {
 namespace {
 
-constexpr double kScreenWidth = 1920.0;
-constexpr double kScreenHeight = 1080.0;
 constexpr double kLargestSnapshotSide = 8192.0;  // As Overlay::setPixelSize().
 
 enum class FrameKind { Layers, Flat, Snapshot };

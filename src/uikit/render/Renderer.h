@@ -10,6 +10,10 @@
 
 namespace kesu {
 
+/// The screen in points, whatever its pixels. A picture of another shape shows it centred, at its full height.
+inline constexpr double kScreenWidth = 1920.0;
+inline constexpr double kScreenHeight = 1080.0;
+
 /// Draws the views of a window: every composited view into a picture of its own, and only where it changed. A
 /// composited view inside another one lies over everything of the outer one. Main thread.
 class Renderer {

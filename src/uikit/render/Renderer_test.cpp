@@ -38,7 +38,7 @@ std::uint32_t pixelOf(const FlatFrame& frame, int x, int y) {
   return frame.pixels[y * frame.stride + x];
 }
 
-class RendererTest : public testing::Test {
+class RendererTest : public ::testing::Test {
  protected:
   const std::vector<FrameLayer>& layers() { return renderer_.layers(window_, 1920, 1080); }
   const FlatFrame& flat(int width = 1920, int height = 1080) { return renderer_.flatten(window_, width, height); }
@@ -323,7 +323,7 @@ int distance(std::uint32_t a, std::uint32_t b) {
   return largest;
 }
 
-class RandomTreeTest : public testing::TestWithParam<unsigned> {};
+class RandomTreeTest : public ::testing::TestWithParam<unsigned> {};
 
 TEST_P(RandomTreeTest, DrawsTheSameStepByStepAsAtOnce) {
   Window window;

@@ -19,7 +19,7 @@ namespace {
 constexpr int kPatienceSeconds = 60;
 
 // The real services on a free port, and a client.
-class CollectorTest : public testing::Test {
+class CollectorTest : public ::testing::Test {
  protected:
   CollectorTest() { start({}); }
 

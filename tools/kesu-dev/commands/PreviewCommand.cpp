@@ -25,7 +25,7 @@
 namespace kesu::dev {
 namespace {
 
-constexpr double kPatienceSeconds = 10.0;  // Nothing leaves this machine: only a fault takes longer.
+constexpr double kPictureSeconds = 10.0;  // Nothing leaves this machine: only a fault takes longer.
 
 struct PreviewOptions {
   std::string file;    // A message file.
@@ -65,7 +65,7 @@ void showMessage() {
 // Pumps until the popup and its picture are there. Returns false when the popup does not appear.
 bool waitForPopup(Overlay& overlay) {
   using Clock = std::chrono::steady_clock;
-  const auto latest = Clock::now() + std::chrono::duration<double>(kPatienceSeconds);
+  const auto latest = Clock::now() + std::chrono::duration<double>(kPictureSeconds);
   MainLoop& loop = MainLoop::shared();
   while (!overlay.isModal() && Clock::now() < latest) {
     pollfd work{loop.fd(), POLLIN, 0};
@@ -73,8 +73,8 @@ bool waitForPopup(Overlay& overlay) {
     loop.pump();
   }
   do {
-    loop.pump(kPatienceSeconds);
-    Platform::current().imageWorker.drain(kPatienceSeconds);  // The picture's decoding ends with a task for the loop.
+    loop.pump(kPictureSeconds);
+    Platform::current().imageWorker.drain(kPictureSeconds);  // The picture's decoding ends with a task for the loop.
   } while (loop.nextDue() == 0.0);
   return overlay.isModal();
 }

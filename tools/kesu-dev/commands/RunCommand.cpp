@@ -17,8 +17,8 @@
 namespace kesu::dev {
 namespace {
 
-constexpr int kNotFound = 127;     // As a shell has it.
-constexpr int kNotRunnable = 126;  // As a shell has it.
+constexpr int kNoSuchProgram = 127;  // As a shell has it.
+constexpr int kNotRunnable = 126;    // As a shell has it.
 constexpr std::size_t kSummaryWidth = 100;
 constexpr std::size_t kBadRecordsShown = 10;
 
@@ -65,7 +65,7 @@ int runAgainst(Services& services, const RunOptions& options, const BlockedSigna
   const StartedProgram started = startProgram(options.child, environmentWith(ownEnvironment(), added), signals);
   if (started.error != 0) {
     say("cannot run " + options.child.front() + ": " + std::strerror(started.error));
-    return started.error == ENOENT ? kNotFound : kNotRunnable;
+    return started.error == ENOENT ? kNoSuchProgram : kNotRunnable;
   }
   const int status = waitForProgram(started.pid, signals);
   services.settle();

@@ -9,7 +9,7 @@ namespace {
 
 const std::string kPicture("\x89PNG\r\n\x1a\n\0\0\0\rIHDR\0\0\4\x88\0\0\2\x8c", 24);
 
-std::string messageFile(const std::string& templateData) {
+std::string fileWithData(const std::string& templateData) {
   return R"({"mid":"m","cid":"c","payload":{"title":null,"templateData":)" + templateData + "}}";
 }
 
@@ -19,7 +19,7 @@ class MessageDirectoryTest : public ::testing::Test {
 
   // "templateData" as it goes out; the problem when the message is skipped.
   std::string wireOf(const std::string& templateData) const {
-    directory_.write("a.json", messageFile(templateData));
+    directory_.write("a.json", fileWithData(templateData));
     const MessageReading reading = read();
     if (reading.messages.empty()) {
       return reading.problems.empty() ? "" : reading.problems.front();
@@ -63,14 +63,14 @@ TEST_F(MessageDirectoryTest, SaysWhyAFileIsSkipped) {
       {"d.json", R"({"cid":"c","payload":{}})", "d.json: \"mid\" must be a text that is not empty"},
       {"e.json", R"({"mid":"m","payload":{}})", "e.json: \"cid\" must be a text"},
       {"f.json", R"({"mid":"m","cid":""})", "f.json: \"payload\" must be an object"},
-      {"g.json", messageFile(R"({"imageFile":"../p.png"})"),
+      {"g.json", fileWithData(R"({"imageFile":"../p.png"})"),
        "g.json: \"imageFile\" ../p.png is no picture beside this file"},
-      {"h.json", messageFile(R"({"imageFile":"h.png"})"),
+      {"h.json", fileWithData(R"({"imageFile":"h.png"})"),
        "h.json: \"imageFile\" h.png is no PNG, JPEG, GIF or WebP picture"},
-      {"z.json", messageFile("{}"), "z.json: has the \"mid\" and \"cid\" of a.json"},
+      {"z.json", fileWithData("{}"), "z.json: has the \"mid\" and \"cid\" of a.json"},
   };
   std::vector<std::string> expected{"tags.json: \"tags\" must be a list of texts"};
-  directory_.write("a.json", messageFile("{}"));
+  directory_.write("a.json", fileWithData("{}"));
   directory_.write("h.png", "no picture");
   directory_.write("tags.json", R"({"tags":7})");
   for (const auto& row : rows) {

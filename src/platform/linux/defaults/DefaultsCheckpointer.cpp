@@ -5,11 +5,11 @@
 namespace kesu {
 namespace {
 
-constexpr int kOpenFlags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_NOFOLLOW;
+constexpr int kCheckpointFlags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_NOFOLLOW;
 
 SqliteDatabase open(const std::string& path) {
   sqlite3* connection = nullptr;
-  const int code = sqlite3_open_v2(path.c_str(), &connection, kOpenFlags, nullptr);
+  const int code = sqlite3_open_v2(path.c_str(), &connection, kCheckpointFlags, nullptr);
   SqliteDatabase database(connection);
   if (code != SQLITE_OK) {
     return nullptr;

@@ -15,14 +15,14 @@ namespace kesu {
 namespace {
 
 /// One implementation under test, and how its process ends and starts again.
-class Subject {
+class DefaultsSubject {
  public:
-  virtual ~Subject() = default;
+  virtual ~DefaultsSubject() = default;
   virtual UserDefaults& defaults() = 0;
   virtual void restart() = 0;
 };
 
-class LinuxSubject final : public Subject {
+class LinuxDefaultsSubject final : public DefaultsSubject {
  public:
   UserDefaults& defaults() override { return *defaults_; }
   void restart() override {
@@ -35,7 +35,7 @@ class LinuxSubject final : public Subject {
   std::unique_ptr<LinuxUserDefaults> defaults_ = std::make_unique<LinuxUserDefaults>(directory_.path());
 };
 
-class FakeSubject final : public Subject {
+class FakeDefaultsSubject final : public DefaultsSubject {
  public:
   UserDefaults& defaults() override { return *defaults_; }
   void restart() override { defaults_ = std::make_unique<testing::FakeUserDefaults>(defaults_->keptOnDisk()); }
@@ -44,12 +44,12 @@ class FakeSubject final : public Subject {
   std::unique_ptr<testing::FakeUserDefaults> defaults_ = std::make_unique<testing::FakeUserDefaults>();
 };
 
-struct Implementation {
+struct DefaultsImplementation {
   const char* name;
-  std::function<std::unique_ptr<Subject>()> make;
+  std::function<std::unique_ptr<DefaultsSubject>()> make;
 };
 
-class UserDefaultsContractTest : public ::testing::TestWithParam<Implementation> {
+class UserDefaultsContractTest : public ::testing::TestWithParam<DefaultsImplementation> {
  protected:
   UserDefaults& defaults() { return subject_->defaults(); }
   void synchronizeAndRestart() {
@@ -88,12 +88,12 @@ class UserDefaultsContractTest : public ::testing::TestWithParam<Implementation>
   }
 
  private:
-  std::unique_ptr<Subject> subject_ = GetParam().make();
+  std::unique_ptr<DefaultsSubject> subject_ = GetParam().make();
 };
 
 INSTANTIATE_TEST_SUITE_P(All, UserDefaultsContractTest,
-                         ::testing::Values(Implementation{"Linux", std::make_unique<LinuxSubject>},
-                                           Implementation{"Fake", std::make_unique<FakeSubject>}),
+                         ::testing::Values(DefaultsImplementation{"Linux", std::make_unique<LinuxDefaultsSubject>},
+                                           DefaultsImplementation{"Fake", std::make_unique<FakeDefaultsSubject>}),
                          [](const auto& parameter) { return std::string(parameter.param.name); });
 
 TEST_P(UserDefaultsContractTest, EveryKindIsReadBackEqual) {

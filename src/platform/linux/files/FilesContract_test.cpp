@@ -14,14 +14,14 @@ namespace kesu {
 namespace {
 
 /// One implementation under test, with a way to place a FIFO into its tree.
-class Subject {
+class FilesSubject {
  public:
-  virtual ~Subject() = default;
+  virtual ~FilesSubject() = default;
   virtual Files& files() = 0;
   virtual void addFifo(const std::string& path) = 0;
 };
 
-class LinuxSubject final : public Subject {
+class LinuxFilesSubject final : public FilesSubject {
  public:
   Files& files() override { return files_; }
   void addFifo(const std::string& path) override { EXPECT_EQ(::mkfifo(path.c_str(), 0600), 0); }
@@ -31,7 +31,7 @@ class LinuxSubject final : public Subject {
   LinuxFiles files_{directory_ / "home"};
 };
 
-class FakeSubject : public Subject {
+class FakeFilesSubject : public FilesSubject {
  public:
   Files& files() override { return files_; }
   void addFifo(const std::string& path) override { files_.addSpecial(path); }
@@ -40,17 +40,17 @@ class FakeSubject : public Subject {
   testing::FakeFiles files_;
 };
 
-class FaultlessSubject final : public FakeSubject {
+class FaultlessSubject final : public FakeFilesSubject {
  public:
   Files& files() override { return wrapper_; }
 
  private:
-  testing::FaultyFiles wrapper_{FakeSubject::files()};
+  testing::FaultyFiles wrapper_{FakeFilesSubject::files()};
 };
 
 struct Implementation {
   const char* name;
-  std::function<std::unique_ptr<Subject>()> make;
+  std::function<std::unique_ptr<FilesSubject>()> make;
 };
 
 class FilesContractTest : public ::testing::TestWithParam<Implementation> {
@@ -71,12 +71,12 @@ class FilesContractTest : public ::testing::TestWithParam<Implementation> {
     return names;
   }
 
-  const std::unique_ptr<Subject> subject_ = GetParam().make();
+  const std::unique_ptr<FilesSubject> subject_ = GetParam().make();
 };
 
 INSTANTIATE_TEST_SUITE_P(All, FilesContractTest,
-                         ::testing::Values(Implementation{"Linux", std::make_unique<LinuxSubject>},
-                                           Implementation{"Fake", std::make_unique<FakeSubject>},
+                         ::testing::Values(Implementation{"Linux", std::make_unique<LinuxFilesSubject>},
+                                           Implementation{"Fake", std::make_unique<FakeFilesSubject>},
                                            Implementation{"FaultyWithoutFault", std::make_unique<FaultlessSubject>}),
                          [](const auto& parameter) { return std::string(parameter.param.name); });
 

@@ -15,14 +15,14 @@
 namespace kesu {
 namespace {
 
-constexpr int kCannotMount = 77;
+constexpr int kMountRefused = 77;
 
 mode_t modeOf(const std::string& path) {
   struct stat info {};
   return ::lstat(path.c_str(), &info) == 0 ? info.st_mode & 0777 : 0;
 }
 
-bool exists(const std::string& path) {
+bool isThere(const std::string& path) {
   struct stat info {};
   return ::lstat(path.c_str(), &info) == 0;
 }
@@ -71,7 +71,7 @@ TEST_F(LinuxFilesTest, LinksAreNeverReadThroughNorWrittenThroughNorEntered) {
   EXPECT_EQ(home_.read("secret"), "secret");
   EXPECT_EQ(home_.read("tree/link"), "new");
   EXPECT_TRUE(files_.remove(home_ / "tree/up").ok());
-  EXPECT_TRUE(exists(home_ / "secret"));
+  EXPECT_TRUE(isThere(home_ / "secret"));
 }
 
 TEST_F(LinuxFilesTest, DevicesAndSocketsAreNotRegular) {
@@ -149,14 +149,14 @@ TEST_F(LinuxFilesTest, WithoutPermissionTheAnswerIsNotAllowed) {
 TEST_F(LinuxFilesTest, AFullDiskKeepsTheOldContentAndNoTemporary) {
   const auto verdict = testing::runInChild([&] {
     if (!testing::mountSmallDisk(home_.path().c_str(), "64k")) {
-      return kCannotMount;
+      return kMountRefused;
     }
     const bool wroteOld = files_.writeAtomically(home_ / "file", "old").ok();
     const FileResult full = files_.writeAtomically(home_ / "file", std::string(100'000, 'x'));
     return (wroteOld ? 0 : 1) + (full.status == FileStatus::NoSpace ? 0 : 2) + (home_.read("file") == "old" ? 0 : 4) +
            (entries(home_.path()) == std::set<std::string>{"file"} ? 0 : 8);
   });
-  if (verdict == kCannotMount) {
+  if (verdict == kMountRefused) {
     GTEST_SKIP() << "this process may not mount a file system";
   }
   EXPECT_EQ(verdict, 0);

@@ -5,7 +5,7 @@
 namespace kesu {
 namespace {
 
-using Headers = std::vector<std::pair<std::string, std::string>>;
+using SentHeaders = std::vector<std::pair<std::string, std::string>>;
 
 HttpJob job(std::string method, std::string body = {}, std::string url = "https://a.example/x") {
   HttpJob made;
@@ -53,7 +53,7 @@ TEST(HttpRedirect, NothingOfTheCallerLeavesTheNamedOrigin) {
       }
       HttpJob subject = job("GET");
       EXPECT_EQ(applyRedirect(subject, status, elsewhere), HttpRedirectVerdict::Follow);
-      EXPECT_EQ(subject.request.headers, (Headers{{"Accept", "*/*"}}));
+      EXPECT_EQ(subject.request.headers, (SentHeaders{{"Accept", "*/*"}}));
     }
   }
 }

@@ -12,9 +12,9 @@ namespace kesu {
 namespace {
 
 /// A source whose way to kTarget a test can change.
-class Subject {
+class SourceSubject {
  public:
-  virtual ~Subject() = default;
+  virtual ~SourceSubject() = default;
   virtual ReachabilitySource& source() = 0;
   virtual void makeUnreachable() = 0;
   virtual void makeReachable() = 0;
@@ -22,9 +22,9 @@ class Subject {
 
 const ReachabilityTarget kTarget{"127.0.0.1", 9, 0};
 
-class FakeSubject final : public Subject {
+class FakeSourceSubject final : public SourceSubject {
  public:
-  explicit FakeSubject(MainLoop& loop) : source_(loop) {}
+  explicit FakeSourceSubject(MainLoop& loop) : source_(loop) {}
   ReachabilitySource& source() override { return source_; }
   void makeUnreachable() override { change(0); }
   void makeReachable() override { change(kFlagReachable); }
@@ -38,9 +38,9 @@ class FakeSubject final : public Subject {
   testing::FakeReachabilitySource source_;
 };
 
-class LinuxSubject final : public Subject {
+class LinuxSourceSubject final : public SourceSubject {
  public:
-  explicit LinuxSubject(MainLoop& loop) : source_(loop) {}
+  explicit LinuxSourceSubject(MainLoop& loop) : source_(loop) {}
   ReachabilitySource& source() override { return source_; }
   void makeUnreachable() override { source_.connectionObserved(kTarget.hostName, kTarget.port, false); }
   void makeReachable() override { source_.connectionObserved(kTarget.hostName, kTarget.port, true); }
@@ -50,11 +50,11 @@ class LinuxSubject final : public Subject {
 };
 
 template <typename Made>
-std::unique_ptr<Subject> make(MainLoop& loop) {
+std::unique_ptr<SourceSubject> make(MainLoop& loop) {
   return std::make_unique<Made>(loop);
 }
 
-using MakeSubject = std::unique_ptr<Subject> (*)(MainLoop& loop);
+using MakeSubject = std::unique_ptr<SourceSubject> (*)(MainLoop& loop);
 
 class ReachabilityContractTest : public ::testing::TestWithParam<MakeSubject> {
  protected:
@@ -70,7 +70,7 @@ class ReachabilityContractTest : public ::testing::TestWithParam<MakeSubject> {
   ReachabilitySource& source() { return subject_->source(); }
 
   testing::WaitingMainLoop loop_;
-  std::unique_ptr<Subject> subject_ = GetParam()(loop_.loop());
+  std::unique_ptr<SourceSubject> subject_ = GetParam()(loop_.loop());
 };
 
 TEST_P(ReachabilityContractTest, TellsOnceAfterStartAndThenOfChanges) {
@@ -149,7 +149,8 @@ TEST_P(ReachabilityContractTest, AnswersInternetFlagsFromAnyThread) {
   EXPECT_EQ(there, here);
 }
 
-INSTANTIATE_TEST_SUITE_P(Sources, ReachabilityContractTest, ::testing::Values(&make<FakeSubject>, &make<LinuxSubject>),
+INSTANTIATE_TEST_SUITE_P(Sources, ReachabilityContractTest,
+                         ::testing::Values(&make<FakeSourceSubject>, &make<LinuxSourceSubject>),
                          [](const auto& subject) { return subject.index == 0 ? "Fake" : "Linux"; });
 
 }  // namespace

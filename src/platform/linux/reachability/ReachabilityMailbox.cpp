@@ -7,7 +7,7 @@
 namespace kesu {
 namespace {
 
-constexpr std::int64_t kUnknown = -1;  // Flags are 32 bits: no value of theirs.
+constexpr std::int64_t kNoFlagsYet = -1;  // Flags are 32 bits: no value of theirs.
 
 }  // namespace
 
@@ -16,15 +16,15 @@ ReachabilityWatch::ReachabilityWatch(std::uint64_t watchId, ReachabilityTarget w
       target(std::move(watched)),
       host(comparableHostName(target.hostName)),
       announce(std::move(tell)),
-      flags_(kUnknown) {}
+      flags_(kNoFlagsYet) {}
 
 std::optional<std::uint32_t> ReachabilityWatch::flags() const {
   const std::int64_t known = flags_.load();
-  return known == kUnknown ? std::nullopt : std::optional(static_cast<std::uint32_t>(known));
+  return known == kNoFlagsYet ? std::nullopt : std::optional(static_cast<std::uint32_t>(known));
 }
 
 void ReachabilityWatch::setFlags(std::optional<std::uint32_t> flags) {
-  flags_.store(flags ? std::int64_t{*flags} : kUnknown);
+  flags_.store(flags ? std::int64_t{*flags} : kNoFlagsYet);
 }
 
 ReachabilityMailbox::ReachabilityMailbox(std::shared_ptr<WakeEvent> wake) : wake_(std::move(wake)) {}

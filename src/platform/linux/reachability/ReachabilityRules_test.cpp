@@ -91,7 +91,7 @@ TEST(ReachabilityRulesTest, AWayNeedsARouteARunningLinkAndASourceThatCanBeAnswer
 }
 
 TEST(ReachabilityRulesTest, TheInternetIsADefaultRouteAndTheLocalNetworkOneWithoutGateway) {
-  constexpr std::uint32_t kDirect = kFlagReachable | kFlagIsDirect;
+  constexpr std::uint32_t kDirectlyAttached = kFlagReachable | kFlagIsDirect;
   LinkFacts loopback = link(true, true);
   loopback.loopback = true;
   LinkFacts tunnel = link(true, true);
@@ -110,14 +110,14 @@ TEST(ReachabilityRulesTest, TheInternetIsADefaultRouteAndTheLocalNetworkOneWitho
        {row("0.0.0.0", 0, true), row("10.0.0.0", 24, false)},
        link(true, true),
        kFlagReachable,
-       kDirect},
+       kDirectlyAttached},
       {"home network, cable out", {row("0.0.0.0", 0, true), row("10.0.0.0", 24, false)}, link(true, false), 0, 0},
-      {"no router", {row("169.254.0.0", 16, false)}, link(true, true), 0, kDirect},
+      {"no router", {row("169.254.0.0", 16, false)}, link(true, true), 0, kDirectlyAttached},
       {"forbidden default", {forbidden}, link(true, true), 0, 0},
       {"IPv6 only", {row("::", 0, true), row("fe80::", 64, false)}, link(true, true), kFlagReachable, 0},
       {"halves", {row("0.0.0.0", 1, true), row("128.0.0.0", 1, true)}, link(true, true), kFlagReachable, 0},
       {"loopback only", {row("0.0.0.0", 0, false), row("127.0.0.0", 8, false)}, loopback, 0, 0},
-      {"tunnel", {row("0.0.0.0", 0, false), row("10.8.0.1", 32, false)}, tunnel, kDirect, 0},
+      {"tunnel", {row("0.0.0.0", 0, false), row("10.8.0.1", 32, false)}, tunnel, kDirectlyAttached, 0},
   };
   for (const auto& c : cases) {
     const NetworkSnapshot network{{{2, c.link}}, c.routes};

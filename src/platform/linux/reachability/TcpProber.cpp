@@ -10,7 +10,7 @@ namespace kesu {
 namespace {
 
 // Each is a descriptor of the host's process for up to 4 s, and there may be four probes at a time.
-constexpr std::size_t kMostAddresses = 8;
+constexpr std::size_t kMostProbes = 8;
 
 UniqueFd beginConnecting(const IpAddress& address, int port) {
   UniqueFd fd(::socket(address.systemFamily(), SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
@@ -25,7 +25,7 @@ UniqueFd beginConnecting(const IpAddress& address, int port) {
 }  // namespace
 
 void TcpProber::start(std::uint64_t watchId, const std::vector<IpAddress>& addresses, int port, double now) {
-  for (std::size_t i = 0; i < std::min(addresses.size(), kMostAddresses); ++i) {
+  for (std::size_t i = 0; i < std::min(addresses.size(), kMostProbes); ++i) {
     if (UniqueFd fd = beginConnecting(addresses[i], port)) {
       attempts_.push_back({watchId, std::move(fd), now + kConnectSeconds});
     }
