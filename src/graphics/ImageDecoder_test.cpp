@@ -22,7 +22,7 @@ using testing::pngChunk;
 using testing::pngFile;
 using testing::webpFile;
 
-constexpr std::uint32_t kRed = 0xFFFF0000;
+constexpr std::uint32_t kRedPixel = 0xFFFF0000;
 constexpr std::uint32_t kGreen = 0xFF00FF00;
 constexpr std::uint32_t kBlue = 0xFF0000FF;
 constexpr std::uint32_t kWhite = 0xFFFFFFFF;
@@ -32,7 +32,7 @@ constexpr int kHeight = 32;
 
 /// A quarter of the picture in each colour: red and green above, blue and white below.
 std::uint32_t quarters(int x, int y) {
-  constexpr std::uint32_t kColors[2][2] = {{kRed, kGreen}, {kBlue, kWhite}};
+  constexpr std::uint32_t kColors[2][2] = {{kRedPixel, kGreen}, {kBlue, kWhite}};
   return kColors[y < kHeight / 2 ? 0 : 1][x < kWidth / 2 ? 0 : 1];
 }
 
@@ -48,7 +48,7 @@ std::uint32_t pixelAt(const Image& image, int x, int y) {
   return image.pixels()[y * image.width() + x];
 }
 
-bool isNear(std::uint32_t left, std::uint32_t right) {
+bool isNearPixel(std::uint32_t left, std::uint32_t right) {
   bool near = true;
   for (const int shift : {0, 8, 16, 24}) {
     near = near && std::abs(static_cast<int>(left >> shift & 0xFF) - static_cast<int>(right >> shift & 0xFF)) <= 6;
@@ -62,11 +62,11 @@ std::string cornersOf(const Image& image) {
   for (const int y : {image.height() / 4, image.height() * 3 / 4}) {
     for (const int x : {image.width() / 4, image.width() * 3 / 4}) {
       const std::uint32_t pixel = pixelAt(image, x, y);
-      corners += isNear(pixel, kRed)     ? 'r'
-                 : isNear(pixel, kGreen) ? 'g'
-                 : isNear(pixel, kBlue)  ? 'b'
-                 : isNear(pixel, kWhite) ? 'w'
-                                         : '?';
+      corners += isNearPixel(pixel, kRedPixel) ? 'r'
+                 : isNearPixel(pixel, kGreen)  ? 'g'
+                 : isNearPixel(pixel, kBlue)   ? 'b'
+                 : isNearPixel(pixel, kWhite)  ? 'w'
+                                               : '?';
     }
   }
   return corners;
@@ -150,7 +150,7 @@ TEST(ImageDecoder, ShowsInkColours) {
   }
   const auto halfBlack = [](int, int) { return 0x80FFFFFFU; };
   const ImagePtr grey = decodeImage(jpegFile(kWidth, kHeight, halfBlack, TJPF_CMYK)).image;
-  EXPECT_TRUE(isNear(pixelAt(*grey, 5, 5), 0xFF808080)) << std::hex << pixelAt(*grey, 5, 5);
+  EXPECT_TRUE(isNearPixel(pixelAt(*grey, 5, 5), 0xFF808080)) << std::hex << pixelAt(*grey, 5, 5);
 }
 
 TEST(ImageDecoder, PlacesGifFrameOnItsCanvas) {

@@ -15,10 +15,10 @@
 namespace kesu {
 namespace {
 
-const std::string kName = "kesu.defaults";
+const std::string kStoreName = "kesu.defaults";
 const std::string kContainers[] = {"dictionary", "short", "long"};
 
-std::vector<std::string>& warnings() {
+std::vector<std::string>& readerWarnings() {
   static std::vector<std::string> lines;
   return lines;
 }
@@ -35,8 +35,8 @@ Array numbers(int count) {
 class DefaultsReaderTest : public ::testing::Test {
  protected:
   DefaultsReaderTest() {
-    warnings().clear();
-    setServiceLogHandler([](int, const std::string& text) { warnings().push_back(text); });
+    readerWarnings().clear();
+    setServiceLogHandler([](int, const std::string& text) { readerWarnings().push_back(text); });
     defaults_->set("number", 1);
     defaults_->set("text", "t");
     defaults_->set("dictionary", Dictionary{{"a", 1}});
@@ -66,17 +66,17 @@ class DefaultsReaderTest : public ::testing::Test {
     defaults_->set("large", Array(3000, std::string(200, 'f')));
     EXPECT_TRUE(defaults_->synchronize());
     defaults_.reset();
-    std::string file = directory_.read(kName);
+    std::string file = directory_.read(kStoreName);
     ASSERT_GT(static_cast<std::int64_t>(file.size()), DefaultsStore::kCheckedByOpenBytes);
     file.replace(36, 4, "\1\1\1\1");
-    directory_.write(kName, file);
+    directory_.write(kStoreName, file);
     defaults_ = open();
   }
 
   // As another program, with a connection of its own.
   void change(const char* sql) {
     sqlite3* database = nullptr;
-    sqlite3_open((directory_ / kName).c_str(), &database);
+    sqlite3_open((directory_ / kStoreName).c_str(), &database);
     EXPECT_EQ(sqlite3_exec(database, sql, nullptr, nullptr, nullptr), SQLITE_OK);
     sqlite3_close(database);
   }
@@ -93,11 +93,11 @@ TEST_F(DefaultsReaderTest, DamageToAnArrayOrDictionaryIsMetByItsFirstGetOnly) {
   }
   EXPECT_EQ(defaults_->keys().size(), 5U);
   EXPECT_EQ(defaults_->integer("number"), 1);
-  EXPECT_TRUE(warnings().empty());
+  EXPECT_TRUE(readerWarnings().empty());
 
   EXPECT_EQ(defaults_->get("dictionary"), std::nullopt);
   EXPECT_EQ(defaults_->get("short"), std::nullopt);
-  EXPECT_EQ(warnings().size(), 1U);
+  EXPECT_EQ(readerWarnings().size(), 1U);
   EXPECT_FALSE(defaults_->contains("dictionary"));
   Array rest = numbers(100);
   rest.erase(rest.begin() + 32, rest.begin() + 48);
@@ -150,7 +150,7 @@ TEST_F(DefaultsReaderTest, ChangesBeforeTheFirstGetEndAsAfterIt) {
       restart();
     }
   }
-  EXPECT_TRUE(warnings().empty());
+  EXPECT_TRUE(readerWarnings().empty());
 }
 
 TEST_F(DefaultsReaderTest, AChangeAfterTheFirstGetWritesItsPartOnly) {
@@ -160,7 +160,7 @@ TEST_F(DefaultsReaderTest, AChangeAfterTheFirstGetWritesItsPartOnly) {
   array[1000] = "changed";
   defaults_->set("long", array);
   EXPECT_TRUE(defaults_->synchronize());
-  EXPECT_LT(directory_.read(kName + "-wal").size(), directory_.read(kName).size() / 10);
+  EXPECT_LT(directory_.read(kStoreName + "-wal").size(), directory_.read(kStoreName).size() / 10);
   restart();
   EXPECT_EQ(longArray(), array);
 }
@@ -185,30 +185,30 @@ TEST_F(DefaultsReaderTest, ALargeFileIsLookedThroughByTheFirstCheckpoint) {
   makeLargeAndDamaged();
   EXPECT_EQ(defaults_->integer("number"), 1);
   defaults_->set("number", 2);
-  EXPECT_TRUE(warnings().empty());
+  EXPECT_TRUE(readerWarnings().empty());
   defaults_->checkpoint();
   defaults_->checkpoint();
-  EXPECT_EQ(warnings().size(), 1U);
-  EXPECT_FALSE(directory_.read(kName + ".corrupt").empty());
+  EXPECT_EQ(readerWarnings().size(), 1U);
+  EXPECT_FALSE(directory_.read(kStoreName + ".corrupt").empty());
   restart();
   EXPECT_EQ(defaults_->integer("number"), 2);
   EXPECT_EQ(longArray(), numbers(100));
   EXPECT_EQ(defaults_->get("large"), Value(Array(3000, std::string(200, 'f'))));
   defaults_->checkpoint();
-  EXPECT_EQ(warnings().size(), 1U);
+  EXPECT_EQ(readerWarnings().size(), 1U);
 }
 
 TEST_F(DefaultsReaderTest, AFileThatIsSpoiledBeforeTheFirstGetCostsOnlyWhatWasNotRead) {
   makeLargeAndDamaged();
   EXPECT_EQ(longArray(), numbers(100));
-  directory_.write(kName, std::string(900'000, 'x'));
+  directory_.write(kStoreName, std::string(900'000, 'x'));
   EXPECT_EQ(defaults_->get("large"), std::nullopt);
-  EXPECT_EQ(warnings().size(), 1U);
+  EXPECT_EQ(readerWarnings().size(), 1U);
   restart();
   EXPECT_EQ(defaults_->text("text"), "t");
   EXPECT_EQ(longArray(), numbers(100));
   EXPECT_FALSE(defaults_->contains("large"));
-  EXPECT_EQ(warnings().size(), 1U);
+  EXPECT_EQ(readerWarnings().size(), 1U);
 }
 
 TEST_F(DefaultsReaderTest, AForkedChildLeavesTheFileOfItsParentAlone) {
@@ -244,7 +244,7 @@ TEST_F(DefaultsReaderTest, ThreadsMayAllComeFirst) {
     EXPECT_EQ(longArray(), last);
     restart();
   }
-  EXPECT_TRUE(warnings().empty());
+  EXPECT_TRUE(readerWarnings().empty());
 }
 
 }  // namespace
