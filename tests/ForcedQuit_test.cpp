@@ -22,7 +22,7 @@ namespace {
 
 constexpr const char* kScreens[] = {"Home", "Player", "Menu", "Help"};
 
-int rounds() {
+int quitRounds() {
   return std::getenv("KESU_LONG_TESTS") != nullptr ? 100 : 25;
 }
 
@@ -270,7 +270,7 @@ TEST_F(ForcedQuit, IsReportedOnceWithTheNextLaunch) {
   std::mt19937 random(20170315);
   std::size_t steps = 0;
   std::size_t interrupted = 0;
-  for (int round = 0; round < rounds(); ++round) {
+  for (int round = 0; round < quitRounds(); ++round) {
     const double start = 1489579320.0 + round * 1e7;
     const auto seed = static_cast<unsigned>(random());
     const auto lines = killed(start, seed, {round % 5 != 0, std::chrono::microseconds(random() % 60'000)});

@@ -20,7 +20,7 @@ namespace {
 
 using testing::RealPlatform;
 
-int rounds() {
+int killRounds() {
   return std::getenv("KESU_LONG_TESTS") != nullptr ? 500 : 50;
 }
 
@@ -83,7 +83,7 @@ TEST(KillRecovery, KeepsEveryAcknowledgedRecordAndItsIdentity) {
   testing::TemporaryDirectory home;
   std::string identifier;
   std::int64_t initialisations = 0;
-  for (int round = 0; round < rounds(); ++round) {
+  for (int round = 0; round < killRounds(); ++round) {
     const auto lines = linesOfKilledChild(home.path(), std::chrono::microseconds(microseconds(random)));
     LinuxFiles files(home.path());
     for (const std::string& line : lines) {

@@ -197,29 +197,31 @@ void expectShown(const KesuInAppPresenter& presenter, const ShowRow& row, const 
 }
 
 TEST_F(MessagesTest, ReadsTypeColoursAndListenerFromEachFormOfAShow) {
-  using Type = KesuInAppMessageType;
+  using MessageType = KesuInAppMessageType;
   const Color one{0.1}, two{0.2}, three{0.3}, four{0.4};
   const Color blue = Color::blueColor(), white = Color::white();
   const Kesu::InAppHandler handler = [](const KesuInAppStatus&) {};
   const ShowRow rows[] = {
-      {[&](auto& screen) { Kesu::showInAppNotificationUI(&screen, Type::All, one, two, three, four); },
-       Type::All,
+      {[&](auto& screen) { Kesu::showInAppNotificationUI(&screen, MessageType::All, one, two, three, four); },
+       MessageType::All,
        {one, two, three, four},
        true},
       {[](auto& screen) { Kesu::showUnreadInAppNotificationUI(&screen); },
-       Type::Unread,
+       MessageType::Unread,
        {blue, white, white, blue},
        true},
-      {[&](auto&) { Kesu::showInAppNotificationUIForDisplayMessages(Type::All, one, handler); },
-       Type::All,
+      {[&](auto&) { Kesu::showInAppNotificationUIForDisplayMessages(MessageType::All, one, handler); },
+       MessageType::All,
        {one, {}, {}, {}},
        false},
-      {[&](auto&) { Kesu::showInAppNotificationUIForDisplayMessages(Type::Read, one, two, three, four, handler); },
-       Type::Read,
+      {[&](auto&) {
+         Kesu::showInAppNotificationUIForDisplayMessages(MessageType::Read, one, two, three, four, handler);
+       },
+       MessageType::Read,
        {one, two, three, four},
        false},
       {[&](auto&) { Kesu::showUnreadInAppNotificationUIWithCompletionHandler(handler); },
-       Type::Unread,
+       MessageType::Unread,
        {white, {}, {}, {}},
        false}};
   launch();

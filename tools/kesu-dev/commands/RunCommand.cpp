@@ -19,7 +19,7 @@ namespace {
 
 constexpr int kNoSuchProgram = 127;  // As a shell has it.
 constexpr int kNotRunnable = 126;    // As a shell has it.
-constexpr std::size_t kSummaryWidth = 100;
+constexpr std::size_t kReportWidth = 100;
 constexpr std::size_t kBadRecordsShown = 10;
 
 struct RunOptions {
@@ -43,10 +43,10 @@ void printSummary(RecordStore& store) {
     say("no records arrived");
     return;
   }
-  std::fprintf(stderr, "\nWhat arrived:\n%s", summaryTable(counts, kSummaryWidth).c_str());
+  std::fprintf(stderr, "\nWhat arrived:\n%s", summaryTable(counts, kReportWidth).c_str());
   const std::vector<StoredRecord> bad = store.read(RecordStore::Which::Bad, 0, kBadRecordsShown);
   if (!bad.empty()) {
-    std::fprintf(stderr, "\nThe first bad records:\n%s", recordTable(bad, kSummaryWidth).c_str());
+    std::fprintf(stderr, "\nThe first bad records:\n%s", recordTable(bad, kReportWidth).c_str());
   }
 }
 
@@ -72,7 +72,7 @@ int runAgainst(Services& services, const RunOptions& options, const BlockedSigna
   services.stop();
   printSummary(services.store());
   if (!options.services.services.messages.empty()) {
-    std::fprintf(stderr, "\nMessages:\n%s", messageTable(services.messaging().report(), kSummaryWidth).c_str());
+    std::fprintf(stderr, "\nMessages:\n%s", messageTable(services.messaging().report(), kReportWidth).c_str());
   }
   return status;
 }

@@ -51,7 +51,7 @@ void checkKeys(MessagingCall call, const Dictionary& body, std::vector<std::stri
     const bool known = std::any_of(std::begin(kBodyKeys), std::end(kBodyKeys),
                                    [&](const BodyKey& key) { return key.name == entry.key && belongs(key, call); });
     if (!known) {
-      reasons.push_back(quoted(entry.key) + " does not belong to this request");
+      reasons.push_back(dev::quoted(entry.key) + " does not belong to this request");
     }
   }
 }

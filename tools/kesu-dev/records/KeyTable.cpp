@@ -134,9 +134,9 @@ constexpr std::array kKeys{
     KeyInfo{"~a:u60m", Activation, Any, kNone, kNone, "60 minutes of use in total"},
     // Events and messages.
     KeyInfo{"~e", Event, FilledText, "e", kNone, "name of the event"},
-    KeyInfo{"action", Message, Any, kNone, kNone, "what happened to the message: delivered, cta"},
-    KeyInfo{"btnId", Message, Any, kNone, kNone, "number of the button pressed"},
-    KeyInfo{"btnName", Message, Any, kNone, kNone, "title of the button pressed"},
+    KeyInfo{"action", InAppMessage, Any, kNone, kNone, "what happened to the message: delivered, cta"},
+    KeyInfo{"btnId", InAppMessage, Any, kNone, kNone, "number of the button pressed"},
+    KeyInfo{"btnName", InAppMessage, Any, kNone, kNone, "title of the button pressed"},
 };
 
 Dictionary describe(const KeyInfo& info) {
@@ -212,7 +212,7 @@ std::string_view groupName(KeyGroup group) {
       return "activation";
     case Event:
       return "event";
-    case Message:
+    case InAppMessage:
       return "message";
   }
   return "";

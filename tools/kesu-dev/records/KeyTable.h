@@ -18,7 +18,7 @@ enum class KeyGroup {
   Period,        // First sign of life in an hour, day, week, month or quarter.
   Activation,    // Milestones; each is sent once.
   Event,         // Named by the host.
-  Message,       // Receipts and button presses of in-app messages.
+  InAppMessage,  // Receipts and button presses.
 };
 
 /// What a value must look like.
