@@ -10,6 +10,7 @@
 #include "foundation/Text.h"
 #include "lifecycle/DeveloperToken.h"
 #include "lifecycle/InstallationRecord.h"
+#include "lifecycle/WeekCalendar.h"
 #include "records/DefaultsKeys.h"
 #include "records/Destinations.h"
 #include "records/ExceptionTexts.h"
