@@ -141,13 +141,6 @@ std::optional<std::int64_t> parseDecimal(std::string_view text) {
   return value;
 }
 
-std::string lowerAscii(std::string_view text) {
-  std::string result(text);
-  std::transform(result.begin(), result.end(), result.begin(),
-                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-  return result;
-}
-
 std::string clockText(std::int64_t millisecondsSince1970) {
   const std::time_t seconds = static_cast<std::time_t>(millisecondsSince1970 / 1000);
   std::tm parts{};

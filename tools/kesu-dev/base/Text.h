@@ -37,9 +37,6 @@ std::string trimmedRight(std::string text);
 /// Reads a number; nothing unless the text is decimal digits only, within 64 bits.
 std::optional<std::int64_t> parseDecimal(std::string_view text);
 
-/// Converts ASCII letters to lower case; other bytes stay.
-std::string lowerAscii(std::string_view text);
-
 /// Formats a time of day in local time, "15:04:05.678".
 std::string clockText(std::int64_t millisecondsSince1970);
 

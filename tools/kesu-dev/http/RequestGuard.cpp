@@ -1,6 +1,6 @@
 #include "tools/kesu-dev/http/RequestGuard.h"
 
-#include "tools/kesu-dev/base/Text.h"
+#include "foundation/Text.h"
 
 namespace kesu::dev {
 namespace {
@@ -8,9 +8,9 @@ namespace {
 constexpr std::string_view kScheme = "http://";
 
 bool isOurHost(std::string_view text, int port) {
-  const std::string host = lowerAscii(text);
   const std::string suffix = ":" + std::to_string(port);
-  return host == "127.0.0.1" + suffix || host == "localhost" + suffix || host == "[::1]" + suffix;
+  return equalsIgnoringCase(text, "127.0.0.1" + suffix) || equalsIgnoringCase(text, "localhost" + suffix) ||
+         equalsIgnoringCase(text, "[::1]" + suffix);
 }
 
 }  // namespace

@@ -3,12 +3,12 @@
 #include <webp/decode.h>
 
 #include <cstdint>
-#include <string>
+#include <utility>
 
+#include "foundation/Text.h"
 #include "graphics/BigEndian.h"
 #include "graphics/JpegHeader.h"
 #include "graphics/PngChunks.h"
-#include "tools/kesu-dev/base/Text.h"
 
 namespace kesu::dev {
 namespace {
@@ -48,17 +48,17 @@ std::optional<ImageSize> imageSize(std::string_view file) {
 }
 
 std::string_view imageType(std::string_view fileName) {
-  const std::string name = lowerAscii(fileName);
-  if (name.ends_with(".jpg") || name.ends_with(".jpeg")) {
-    return "image/jpeg";
+  constexpr std::pair<std::string_view, std::string_view> kTypes[] = {{"jpg", "image/jpeg"},
+                                                                      {"jpeg", "image/jpeg"},
+                                                                      {"png", "image/png"},
+                                                                      {"gif", "image/gif"},
+                                                                      {"webp", "image/webp"}};
+  for (const auto& [extension, type] : kTypes) {
+    if (equalsIgnoringCase(pathExtension(fileName), extension)) {
+      return type;
+    }
   }
-  if (name.ends_with(".png")) {
-    return "image/png";
-  }
-  if (name.ends_with(".gif")) {
-    return "image/gif";
-  }
-  return name.ends_with(".webp") ? "image/webp" : "";
+  return "";
 }
 
 }  // namespace kesu::dev
