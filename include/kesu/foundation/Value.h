@@ -171,6 +171,7 @@ class KESU_API Value {
   Content content_;
 };
 
+/// One key with its value.
 struct Dictionary::Entry {
   std::string key;
   Value value;

@@ -60,7 +60,7 @@ struct Platform {
 /// overrides the bundle's Info.plist, which overrides the built-in settings.
 struct PlatformOptions {
   std::string bundlePath;        ///< Directory with Info.plist and resources. Else: the executable's directory.
-  std::string homeDirectory;     ///< Else: $KESU_HOME, else $XDG_DATA_HOME/<bundle identifier>.
+  std::string homeDirectory;     ///< Else: $KESU_HOME, else `$XDG_DATA_HOME/<bundle identifier>`.
   std::string caFile;            ///< Extra CA bundle (PEM). Else: $KESU_CA_FILE.
   std::string collectorUrl;      ///< Whole collector URL. Else: "KesuOverrideServer".
   std::string messagingHost;     ///< host[:port]. Else: "KesuMessagingHost".
