@@ -11,11 +11,11 @@
 namespace kesu {
 namespace {
 
-Color rgb(int red, int green, int blue) {
+Color opaque(int red, int green, int blue) {
   return {red / 255.0, green / 255.0, blue / 255.0, 1.0};
 }
 
-const Color kBlue = rgb(9, 182, 238);
+const Color kButtonBlue = opaque(9, 182, 238);
 
 InAppModel message(const char* templateId, const std::string& templateData, bool loadDefaults = false) {
   return InAppModel({{"msg", "Text"}, {"title", "Title"}, {"templateId", templateId}, {"templateData", templateData}},
@@ -36,7 +36,7 @@ TEST(InAppModel, ReadsTextsAndTemplate) {
   EXPECT_EQ(data.imageURL(), "https://h/i.png");
   EXPECT_EQ(data.imageSize(), (Size{640, 360}));
   EXPECT_EQ(data.optionalBase64Image(), "data:,x");
-  EXPECT_EQ(data.titleColor(), rgb(0x10, 0x20, 0x30));
+  EXPECT_EQ(data.titleColor(), opaque(0x10, 0x20, 0x30));
   EXPECT_EQ(data.messageColor(), Color::white());
   EXPECT_EQ(data.canvasColor(), std::nullopt) << "no colour, and no fallback";
   EXPECT_EQ(data.templateID(), "");
@@ -82,14 +82,14 @@ void expectButton(const InAppTemplateData& data, const ButtonRow& row) {
 TEST(InAppTemplateData, AnswersForItsButtons) {
   const Color white = Color::white();
   const auto model = message("", kTemplate);
-  const ButtonRow rows[] = {{0, "A", "a://", rgb(4, 5, 6), rgb(1, 2, 3)},
-                            {1, "B", "b://", rgb(7, 8, 9), rgb(7, 8, 9)},
-                            {2, "C", "c://", white, kBlue},
-                            {3, std::nullopt, "", white, kBlue},
-                            {4, std::nullopt, "", white, kBlue},
-                            {5, "D", "d://", white, kBlue},
+  const ButtonRow rows[] = {{0, "A", "a://", opaque(4, 5, 6), opaque(1, 2, 3)},
+                            {1, "B", "b://", opaque(7, 8, 9), opaque(7, 8, 9)},
+                            {2, "C", "c://", white, kButtonBlue},
+                            {3, std::nullopt, "", white, kButtonBlue},
+                            {4, std::nullopt, "", white, kButtonBlue},
+                            {5, "D", "d://", white, kButtonBlue},
                             {6, "E", "e://", std::nullopt, std::nullopt},
-                            {7, std::nullopt, "", white, kBlue},
+                            {7, std::nullopt, "", white, kButtonBlue},
                             {8, std::nullopt, "", white, std::nullopt},
                             {9, std::nullopt, "", white, std::nullopt}};
   for (const ButtonRow& row : rows) {
@@ -102,7 +102,7 @@ TEST(InAppTemplateData, HasDefaultColoursWhenAsked) {
   EXPECT_EQ(model.templateData->titleColor(), Color::white());
   EXPECT_EQ(model.templateData->messageColor(), Color::white());
   EXPECT_EQ(model.templateData->canvasColor(), Color::white());
-  expectButton(*model.templateData, {0, "A", "a://", Color::white(), kBlue});
+  expectButton(*model.templateData, {0, "A", "a://", Color::white(), kButtonBlue});
 }
 
 TEST(InAppTemplateData, SurvivesMutatedTemplates) {
