@@ -19,7 +19,7 @@ namespace {
 
 constexpr std::size_t kReadBytes = std::size_t{16} * 1024;
 constexpr std::size_t kWriteBytes = std::size_t{1024} * 1024;  // At once; OpenSSL counts in int.
-constexpr timeval kPatience{60, 0};                            // Clients keep idle connections open for about that long.
+constexpr timeval kPatience{60, 0};  // Clients keep idle connections open for about that long.
 constexpr timeval kDrainPatience{0, 200'000};
 constexpr std::size_t kDrainBytes = std::size_t{1024} * 1024;
 

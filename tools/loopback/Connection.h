@@ -13,8 +13,8 @@ struct ssl_ctx_st;
 
 namespace kesu::loopback {
 
-/// The bytes of one accepted connection, plain or over TLS. Reading and writing block, for a minute at most. Used by one
-/// thread; abort() and isGone() by any.
+/// The bytes of one accepted connection, plain or over TLS. Reading and writing block, for a minute at most. Used by
+/// one thread; abort() and isGone() by any.
 class Connection {
  public:
   /// Takes over a connected socket. With `tls` the connection is encrypted; the context must outlive it.

@@ -37,10 +37,10 @@ struct Fault {
   FaultKind kind = FaultKind::Delay;
   int status = 200;
   std::chrono::milliseconds delay{0};
-  std::string location;             ///< For Redirect.
-  std::optional<std::string> body;  ///< For Raw; for Status it replaces the usual body.
-  Fields headers;                   ///< For Status: more headers of the reply.
-  std::uint64_t length = 0;         ///< For Endless.
+  std::string location;               ///< For Redirect.
+  std::optional<std::string> body;    ///< For Raw; for Status it replaces the usual body.
+  Fields headers;                     ///< For Status: more headers of the reply.
+  std::uint64_t length = 0;           ///< For Endless.
   std::optional<std::int64_t> times;  ///< How many requests it still hits; nothing = until it is removed.
   std::int64_t hits = 0;              ///< How many it has hit.
 

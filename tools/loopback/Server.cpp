@@ -288,6 +288,7 @@ bool Server::serveRequest(Served& served) {
     reply = Reply::error(400, "this is no HTTP");
   } else if (head->target.size() > kTargetLimitBytes) {
     reply = Reply::error(414, "no route is that long");
+    isRead = false;  // Whoever sends such a head gets no second request on this connection.
   } else {
     static_cast<RequestHead&>(request) = std::move(*head);
     request.connection = served.index;
