@@ -5,7 +5,6 @@ find_package(Threads REQUIRED)
 
 file(GLOB testing_sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/testing/*.cpp)
 add_library(kesu_testing STATIC ${testing_sources})
-set_target_properties(kesu_testing PROPERTIES UNITY_BUILD OFF)  # Programs take only the doubles that they use.
 target_link_libraries(kesu_testing PUBLIC kesu_build kesu_loopback GTest::gtest)
 
 # Tests need not be fast themselves: what they test is compiled as it is shipped. One precompiled header serves all of

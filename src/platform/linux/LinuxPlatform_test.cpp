@@ -81,7 +81,7 @@ const Ending kEndings[] = {{"OfMain", [] { std::exit(0); }},
                               waitForEver();
                             }}};
 
-class ProcessEnd : public ::testing::TestWithParam<Ending> {
+class ProcessEndDeathTest : public ::testing::TestWithParam<Ending> {
  protected:
   void run() {
     PlatformOptions options;
@@ -101,15 +101,15 @@ class ProcessEnd : public ::testing::TestWithParam<Ending> {
   testing::TemporaryDirectory home_;
 };
 
-TEST_P(ProcessEnd, StoresEveryRecordThatHasNoReply) {
+TEST_P(ProcessEndDeathTest, StoresEveryRecordThatHasNoReply) {
   EXPECT_EXIT(run(), ::testing::ExitedWithCode(0), "");
   EXPECT_EQ(storedCount(), kRecords);
 }
 
-INSTANTIATE_TEST_SUITE_P(Exit, ProcessEnd, ::testing::ValuesIn(kEndings),
+INSTANTIATE_TEST_SUITE_P(Exit, ProcessEndDeathTest, ::testing::ValuesIn(kEndings),
                          [](const auto& instance) { return std::string(instance.param.name); });
 
-TEST(LinuxPlatform, ForkedChildLeavesRecordsToItsParent) {
+TEST(LinuxPlatformDeathTest, ForkedChildLeavesRecordsToItsParent) {
   const testing::TemporaryDirectory home;
   const auto run = [&home] {
     static const pid_t parent = ::getpid();
@@ -139,7 +139,7 @@ TEST(LinuxPlatform, ForkedChildLeavesRecordsToItsParent) {
   EXPECT_FALSE(fs::exists(home / "Documents/2"));
 }
 
-TEST(LinuxPlatform, TakesTheHostsSettingsOnce) {
+TEST(LinuxPlatformDeathTest, TakesTheHostsSettingsOnce) {
   const auto run = [] {
     const testing::TemporaryDirectory directory;
     directory.write("Info.plist", "<plist><dict><key>CFBundleIdentifier</key><string>tv.app</string></dict></plist>");
