@@ -71,9 +71,9 @@ StoreStatus DefaultsFile::openStore(DefaultsCache::Entries& loaded) {
   });
 }
 
-bool DefaultsFile::readOnce(std::string_view key) {
+void DefaultsFile::readOnce(std::string_view key) {
   if (!cache_.isUnread(key) || isInForkedChild()) {
-    return false;
+    return;
   }
   {
     const MutexLock lock(mutex_);
@@ -87,7 +87,6 @@ bool DefaultsFile::readOnce(std::string_view key) {
     }
   }
   logWarnings();
-  return true;
 }
 
 StoreStatus DefaultsFile::read(std::string_view key) {

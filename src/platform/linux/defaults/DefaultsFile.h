@@ -50,8 +50,8 @@ class DefaultsFile {
   /// Opens the file and loads the cache from it, in the first call.
   void openOnce();
 
-  /// Reads a value that was left in the file. Returns false when it was not.
-  bool readOnce(std::string_view key);
+  /// Reads a value into the cache that was left in the file, if it was.
+  void readOnce(std::string_view key);
 
   /// Writes what the cache has and the file has not. Returns whether it could; `wantsCheckpoint` is set when the
   /// journal has grown enough.

@@ -24,7 +24,8 @@ LinuxUserDefaults::~LinuxUserDefaults() {
 std::optional<Value> LinuxUserDefaults::get(std::string_view key) {
   file_.openOnce();
   std::optional<Value> value = cache_.get(key);
-  if (!value && file_.readOnce(key)) {
+  if (!value && cache_.contains(key)) {  // It is in the file only, or was until another thread read it just now.
+    file_.readOnce(key);
     value = cache_.get(key);
   }
   return value;
