@@ -2,6 +2,7 @@
 
 #include <cstdio>
 
+#include "Stopwatch.h"
 #include "foundation/Json.h"
 #include "foundation/NumberText.h"
 
@@ -68,6 +69,11 @@ void Figures::add(const Figure& figure) {
     std::printf("%s\n", line.c_str());
     std::fflush(stdout);
   }
+}
+
+void Figures::addTimes(const std::string& what, const std::vector<double>& times, double budget) {
+  add(Figure(what + ", p50", median(times) * kMillisecondsPerSecond, "ms").atMost(budget));
+  add(Figure(what + ", p99", quantile(times, 0.99) * kMillisecondsPerSecond, "ms"));
 }
 
 }  // namespace kesu::bench

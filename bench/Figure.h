@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace kesu::bench {
 
@@ -39,6 +40,8 @@ struct Figure {
 class Figures {
  public:
   void add(const Figure& figure);
+  /// Adds the median of times in seconds and their 99th percentile, in milliseconds.
+  void addTimes(const std::string& what, const std::vector<double>& times, double budget);
 };
 
 }  // namespace kesu::bench

@@ -21,9 +21,6 @@
 namespace kesu::bench {
 namespace {
 
-constexpr double kMilli = 1e3;
-constexpr double kFrameSeconds = 1.0 / 60.0;
-constexpr double kKilobytesInMegabyte = 1024.0;
 constexpr int kPictureWidth = 1160;
 constexpr int kPictureHeight = 652;
 constexpr int kPictureQuality = 95;
@@ -105,7 +102,7 @@ std::string messageBody() {
                                           {"templateData", jsonText(data)}}}});
 }
 
-Platform& installed(const std::string& home, HttpClient& service) {
+Platform& installedPlatform(const std::string& home, HttpClient& service) {
   PlatformOptions options;
   options.homeDirectory = home;
   options.reachabilityHost = "127.0.0.1";
@@ -202,20 +199,6 @@ class Host {
   double now_ = 0.0;
 };
 
-double residentMegabytes() {
-  return static_cast<double>(statusField("VmRSS")) / kKilobytesInMegabyte;
-}
-
-/// Without the pages of files (code of the text libraries, fonts), which the system reclaims as it likes.
-double privateMegabytes() {
-  return static_cast<double>(statusField("RssAnon")) / kKilobytesInMegabyte;
-}
-
-void addTimes(Figures& figures, const std::string& what, const std::vector<double>& times, double budget) {
-  figures.add(Figure(what + ", p50", median(times) * kMilli, "ms").atMost(budget));
-  figures.add(Figure(what + ", p99", quantile(times, 0.99) * kMilli, "ms"));
-}
-
 void addAnimations(Figures& figures, Host& host) {
   constexpr int kRounds = 8;
   const auto layers = [&host](double now) { keep(host.overlay().layers(now).size()); };
@@ -226,8 +209,8 @@ void addAnimations(Figures& figures, Host& host) {
     host.timeSlides(layerSlides, layers);
     host.timeSlides(flatSlides, flat);
   }
-  addTimes(figures, "message slides, frame of layers", layerSlides, 0.5);
-  addTimes(figures, "message slides, flattened 1080p frame", flatSlides, 4.0);
+  figures.addTimes("message slides, frame of layers", layerSlides, 0.5);
+  figures.addTimes("message slides, flattened 1080p frame", flatSlides, 4.0);
   host.show();
   std::vector<double> focus;
   for (int round = 0; round < kRounds * 2; ++round) {
@@ -235,7 +218,7 @@ void addAnimations(Figures& figures, Host& host) {
     const auto times = host.animation([&] { host.press(arrow); }, flat);
     focus.insert(focus.end(), times.begin(), times.end());
   }
-  addTimes(figures, "a button's focus, flattened 1080p frame", focus, 4.0);
+  figures.addTimes("a button's focus, flattened 1080p frame", focus, 4.0);
   host.close();
 }
 
@@ -307,7 +290,8 @@ void addInbox(Figures& figures, Host& host) {
        }}};
   for (const auto& [what, operation] : operations) {
     const double seconds = longestOf(host, operation);
-    figures.add(Figure(std::string("inbox with 5,000 headers: ") + what, seconds * kMilli, "ms").atMost(10.0));
+    figures.add(
+        Figure(std::string("inbox with 5,000 headers: ") + what, seconds * kMillisecondsPerSecond, "ms").atMost(10.0));
   }
 }
 
@@ -319,12 +303,15 @@ void measureMessage(Figures& figures) {
   service.headers = jsonText({{"metadatalist", Array{Value(Dictionary{{"mid", "m"}, {"cid", "c"}})}}});
   service.body = messageBody();
   service.picture = photograph();
-  Host host(installed(home.path(), service), service);
+  Host host(installedPlatform(home.path(), service), service);
   const double before = residentMegabytes();
   const double privateBefore = privateMegabytes();
   host.show();
-  figures.add(Figure("first message, body arrived to first frame", host.firstFrameSeconds * kMilli, "ms").atMost(60.0));
-  figures.add(Figure("longest turn of the main loop meanwhile", host.longestTurnSeconds * kMilli, "ms").atMost(4.0));
+  figures.add(
+      Figure("first message, body arrived to first frame", host.firstFrameSeconds * kMillisecondsPerSecond, "ms")
+          .atMost(60.0));
+  figures.add(Figure("longest turn of the main loop meanwhile", host.longestTurnSeconds * kMillisecondsPerSecond, "ms")
+                  .atMost(4.0));
   figures.add(Figure("memory while it is shown", residentMegabytes() - before, "MB").atMost(25.0));
   host.close();
   figures.add(

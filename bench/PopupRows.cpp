@@ -4,12 +4,11 @@
 #include <kesu/ui/Label.h>
 #include <kesu/ui/Overlay.h>
 #include <kesu/ui/Window.h>
-#include <unistd.h>
 
-#include <fstream>
 #include <memory>
 
 #include "Rows.h"
+#include "Session.h"
 #include "Stopwatch.h"
 #include "graphics/TextLayout.h"
 #include "uikit/Animator.h"
@@ -19,16 +18,7 @@ namespace kesu::bench {
 namespace {
 
 constexpr int kSlides = 30;
-constexpr double kFrameSeconds = 1.0 / 60.0;
 constexpr double kSlideSeconds = 0.3;
-constexpr double kMilli = 1e3;
-
-double residentMegabytes() {
-  std::ifstream file("/proc/self/statm");
-  double pages = 0.0;
-  file >> pages >> pages;
-  return pages * static_cast<double>(sysconf(_SC_PAGESIZE)) / (1024.0 * 1024.0);
-}
 
 ImagePtr picture(int width, int height) {
   std::vector<std::uint32_t> pixels;
@@ -107,11 +97,6 @@ std::vector<double> slideTimes(Popup& popup, Overlay& overlay, double& now, Fram
   return times;
 }
 
-void addTimes(Figures& figures, const std::string& what, const std::vector<double>& times, double budget) {
-  figures.add(Figure(what + ", p50", median(times) * kMilli, "ms").atMost(budget));
-  figures.add(Figure(what + ", p99", quantile(times, 0.99) * kMilli, "ms"));
-}
-
 }  // namespace
 
 void measurePopup(Figures& figures) {
@@ -122,17 +107,18 @@ void measurePopup(Figures& figures) {
   double now = 0.0;
   overlay.layers(now);
   const double before = residentMegabytes();
-  figures.add(Figure("fonts made ready, warm caches", secondsOf(&prepareFonts) * kMilli, "ms"));
+  figures.add(Figure("fonts made ready, warm caches", secondsOf(&prepareFonts) * kMillisecondsPerSecond, "ms"));
   auto popup = std::make_unique<Popup>(image);
   popup->show(window);
   figures.add(
-      Figure("first frame of a popup, 1080p", secondsOf([&] { overlay.layers(now); }) * kMilli, "ms").atMost(60.0));
-  addTimes(figures, "slide, frame of layers",
-           slideTimes(*popup, overlay, now, [&](double time) { keep(overlay.layers(time).size()); }), 0.5);
+      Figure("first frame of a popup, 1080p", secondsOf([&] { overlay.layers(now); }) * kMillisecondsPerSecond, "ms")
+          .atMost(60.0));
+  figures.addTimes("slide, frame of layers",
+                   slideTimes(*popup, overlay, now, [&](double time) { keep(overlay.layers(time).size()); }), 0.5);
   figures.add(Figure("memory while a popup is shown, layers", residentMegabytes() - before, "MB").atMost(25.0));
   overlay.flatten(now);
-  addTimes(figures, "slide, flattened 1080p frame",
-           slideTimes(*popup, overlay, now, [&](double time) { keep(overlay.flatten(time).damage); }), 4.0);
+  figures.addTimes("slide, flattened 1080p frame",
+                   slideTimes(*popup, overlay, now, [&](double time) { keep(overlay.flatten(time).damage); }), 4.0);
   popup->close();
   popup.reset();
   overlay.flatten(now += kFrameSeconds);

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <fstream>
 #include <set>
+#include <sstream>
 
 #include "Child.h"
 #include "Collector.h"
@@ -35,7 +36,7 @@ struct Started {
 Started startProgram(const char* program, const std::string& home) {
   Started started;
   const ChildResult result = runProgram({program, home});
-  std::sscanf(result.output.c_str(), "%lf %lf", &started.initializeMicroseconds, &started.memoryKilobytes);
+  std::istringstream(result.output) >> started.initializeMicroseconds >> started.memoryKilobytes;
   started.processSeconds = result.endedAt - result.startedAt;
   return started;
 }
@@ -97,7 +98,7 @@ Ending endOften(Behaviour behaviour, const std::string& way) {
     const ChildResult result = runOwn("post-and-end", {home.path(), collector.url(), std::to_string(kPosts), way});
     double begin = 0.0;
     double end = 0.0;
-    const bool isWhole = result.ended && std::sscanf(result.output.c_str(), "%lf %lf", &begin, &end) == 2;
+    const bool isWhole = result.ended && std::istringstream(result.output) >> begin >> end;
     ending.times.push_back(isWhole ? end - begin : 1e9);
     ending.gone.push_back(isWhole ? result.endedAt - begin : 1e9);
     ending.lost += countLost(collector, home.path());

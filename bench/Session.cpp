@@ -14,6 +14,8 @@
 namespace kesu::bench {
 namespace {
 
+constexpr double kKilobytesPerMegabyte = 1024.0;
+
 Platform& installed(const std::string& home, const std::string& url, std::string caFile) {
   PlatformOptions options;
   options.homeDirectory = home;
@@ -99,6 +101,14 @@ long statusField(const std::string& name) {
     }
   }
   return 0;
+}
+
+double residentMegabytes() {
+  return static_cast<double>(statusField("VmRSS")) / kKilobytesPerMegabyte;
+}
+
+double privateMegabytes() {
+  return static_cast<double>(statusField("RssAnon")) / kKilobytesPerMegabyte;
 }
 
 void resetPeakMemory() {

@@ -49,6 +49,14 @@ double workerSeconds(Platform& platform);
 /// A field of /proc/self/status in its own unit (memory: kB), such as "VmRSS".
 long statusField(const std::string& name);
 
+/// The memory of this process.
+double residentMegabytes();
+/// Without the pages of files (code of the text libraries, fonts), which the system reclaims as it likes.
+double privateMegabytes();
+
+/// What one frame lasts.
+inline constexpr double kFrameSeconds = 1.0 / 60.0;
+
 /// Makes "VmHWM" of statusField() count from now on.
 void resetPeakMemory();
 

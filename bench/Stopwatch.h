@@ -3,9 +3,12 @@
 #include <algorithm>
 #include <chrono>
 #include <cstddef>
+#include <utility>
 #include <vector>
 
 namespace kesu::bench {
+
+inline constexpr double kMillisecondsPerSecond = 1e3;
 
 inline double secondsNow() {
   return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();

@@ -47,7 +47,7 @@ inline std::string pngFile(int width, int height, const Painter& paint) {
 /// `format` is TJPF_RGBA, or TJPF_CMYK where the painter's four channels are inks; `flags` may be TJFLAG_PROGRESSIVE.
 inline std::string jpegFile(int width, int height, const Painter& paint, int format = TJPF_RGBA, int flags = 0) {
   const auto rgba = rgbaBytes(width, height, paint);
-  const tjhandle turbo = tjInitCompress();
+  auto* const turbo = tjInitCompress();
   unsigned char* bytes = nullptr;
   unsigned long size = 0;
   tjCompress2(turbo, rgba.data(), width, 0, height, format, &bytes, &size, TJSAMP_444, 95, flags);

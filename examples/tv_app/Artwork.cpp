@@ -260,7 +260,7 @@ class ScenePainter {
 };
 
 std::uint32_t byteOf(float part) {
-  return static_cast<std::uint32_t>(std::clamp(part, 0.0F, 1.0F) * 255.0F + 0.5F);
+  return static_cast<std::uint32_t>(std::lround(std::clamp(part, 0.0F, 1.0F) * 255.0F));
 }
 
 // A pattern of half steps keeps long gradients from showing bands.

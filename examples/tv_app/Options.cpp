@@ -1,6 +1,7 @@
 #include "Options.h"
 
-#include <cstdio>
+#include <charconv>
+#include <system_error>
 
 namespace tv {
 namespace {
@@ -8,9 +9,14 @@ namespace {
 constexpr int kLargestSide = 8192;
 
 bool parseSize(const std::string& text, Options& options) {
-  char rest = 0;
-  return std::sscanf(text.c_str(), "%5dx%5d%c", &options.width, &options.height, &rest) == 2 && options.width > 0 &&
-         options.height > 0 && options.width <= kLargestSide && options.height <= kLargestSide;
+  const char* const end = text.data() + text.size();
+  const auto [x, noWidth] = std::from_chars(text.data(), end, options.width);
+  if (noWidth != std::errc() || x == end || *x != 'x') {
+    return false;
+  }
+  const auto [rest, noHeight] = std::from_chars(x + 1, end, options.height);
+  return noHeight == std::errc() && rest == end && options.width > 0 && options.height > 0 &&
+         options.width <= kLargestSide && options.height <= kLargestSide;
 }
 
 bool takeFlag(const std::string& name, Options& options) {

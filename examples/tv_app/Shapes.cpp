@@ -93,7 +93,7 @@ Picture paintMask(int width, int height, const Shape& shape, float softness) {
                                    static_cast<float>(width), static_cast<float>(height));
       const float cover =
           softness > 1.0F ? smoothStep(0.0F, -softness, distance) : std::clamp(0.5F - distance, 0.0F, 1.0F);
-      picture.pixels.push_back(static_cast<std::uint32_t>(cover * 255.0F + 0.5F) << 24 | 0x00ffffffU);
+      picture.pixels.push_back(static_cast<std::uint32_t>(std::lround(cover * 255.0F)) << 24 | 0x00ffffffU);
     }
   }
   return picture;

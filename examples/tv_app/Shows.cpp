@@ -98,6 +98,7 @@ const std::vector<Show>& shows() {
 
 std::vector<const Show*> pick(const std::vector<std::string>& ids) {
   std::vector<const Show*> picked;
+  picked.reserve(ids.size());
   for (const std::string& id : ids) {
     picked.push_back(findShow(id));
   }

@@ -63,9 +63,9 @@ void KesuInAppPresenter::forgetDelegate(const KesuInAppMessageDelegate* delegate
 }
 
 // A copy is called: the host may set other options inside.
-void KesuInAppPresenter::call(std::function<void()> hook) {
-  if (hook) {
-    hook();
+void KesuInAppPresenter::call(const std::function<void()>& hook) {
+  if (const auto copy = hook) {
+    copy();
   }
 }
 

@@ -130,7 +130,7 @@ class KesuInAppPresenter final : public KesuPopoverDelegate {
   void loadPicture();
   void close();
   MessageContent content() const;
-  static void call(std::function<void()> hook);
+  static void call(const std::function<void()>& hook);
 
   Platform& platform_;
   MessageSession session_;

@@ -114,11 +114,11 @@ void MessageSession::close() {
   index_ = 0;
 }
 
-bool MessageSession::survives(Step hook) {
+bool MessageSession::survives(const Step& hook) {
   const Generation before = generation();
   try {
-    if (hook) {
-      hook();
+    if (const Step copy = hook) {  // The host may replace its options inside.
+      copy();
     }
   } catch (...) {
     if (before.isCurrent()) {

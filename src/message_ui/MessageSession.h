@@ -45,7 +45,7 @@ class MessageSession {
 
   /// Calls a function of the host, which may close or reopen the session; returns true if it has not. A session whose
   /// hook throws is closed, since nothing else would close it; the exception is passed on.
-  bool survives(Step hook);
+  bool survives(const Step& hook);
 
   /// Fetches how many messages are new; unreadMessageCount() returns it once the reply has arrived.
   void fetchUnreadMessageCount();

@@ -265,8 +265,11 @@ void Animator::animate(double durationSeconds, const std::function<void()>& chan
   const std::shared_ptr<State> state = state_;
   const double seconds = sensibleSeconds(durationSeconds);
   const std::uint64_t id = seconds > 0.0 ? ++state->lastId : 0;
+  AnimationCompletion completeAtOnce;
   if (id != 0) {
     state->groups.push_back({id, seconds, std::move(completion)});
+  } else {
+    completeAtOnce = std::move(completion);
   }
   state->open.push_back(id);
   afterwards(
@@ -279,8 +282,8 @@ void Animator::animate(double durationSeconds, const std::function<void()>& chan
   Window* window = keyWindow();
   if (id != 0 && window != nullptr) {
     ViewDrawing::noteChange(*window);  // Even where nothing moves: only frames run the completion in time.
-  } else if (id == 0 && completion) {
-    completion(true);
+  } else if (completeAtOnce) {
+    completeAtOnce(true);
   }
 }
 

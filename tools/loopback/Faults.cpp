@@ -7,7 +7,7 @@
 namespace kesu::loopback {
 namespace {
 
-constexpr std::int64_t kLongestDelayMs = 10 * 60 * 1000;
+constexpr std::int64_t kLongestDelayMs = std::int64_t{10} * 60 * 1000;
 constexpr int kDefaultRedirectStatus = 307;
 
 constexpr std::array<std::string_view, 10> kKnownKeys{"route", "status",    "delayMs",     "hang",     "close",

@@ -6,6 +6,7 @@
 #include <kesu/ui/Overlay.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <iterator>
@@ -89,7 +90,9 @@ class SdlLayers {
     bool isPremultiplied = true;
   };
 
-  static Uint8 byteOf(double fraction) { return static_cast<Uint8>(std::clamp(fraction, 0.0, 1.0) * 255.0 + 0.5); }
+  static Uint8 byteOf(double fraction) {
+    return static_cast<Uint8>(std::lround(std::clamp(fraction, 0.0, 1.0) * 255.0));
+  }
 
   static SDL_FRect rectOf(const FrameLayer& layer) {
     return {static_cast<float>(layer.x), static_cast<float>(layer.y), static_cast<float>(layer.width),

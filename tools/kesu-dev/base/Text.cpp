@@ -151,7 +151,8 @@ std::string clockText(std::int64_t millisecondsSince1970) {
 }
 
 std::string utcText(std::int64_t millisecondsSince1970) {
-  const Date date{static_cast<double>(millisecondsSince1970 / 1000)};
+  const std::int64_t wholeSeconds = millisecondsSince1970 / 1000;
+  const Date date{static_cast<double>(wholeSeconds)};
   const CivilTime time = civilTime(date).value_or(CivilTime());
   return civilText(time, 'T') + fractionText(millisecondsSince1970) + "Z";
 }

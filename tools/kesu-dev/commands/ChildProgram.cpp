@@ -20,6 +20,7 @@ constexpr int kBySignal = 128;
 // The null-terminated form that exec wants; the texts must outlive it.
 std::vector<char*> pointersTo(std::vector<std::string>& texts) {
   std::vector<char*> pointers;
+  pointers.reserve(texts.size() + 1);
   for (std::string& text : texts) {
     pointers.push_back(text.data());
   }

@@ -51,6 +51,7 @@ std::string pressesText(const Dictionary& row) {
     ++counts[printable(textIn(press, "button") + " " + textIn(press, "title"))];
   }
   std::vector<std::string> texts;
+  texts.reserve(counts.size());
   for (const auto& [name, count] : counts) {
     texts.push_back(name + " (" + std::to_string(count) + ")");
   }
