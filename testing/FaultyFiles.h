@@ -2,6 +2,8 @@
 
 #include <kesu/platform/Files.h>
 
+#include <utility>
+
 #include "foundation/Mutex.h"
 
 namespace kesu::testing {

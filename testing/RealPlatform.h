@@ -6,6 +6,7 @@
 #include <chrono>
 #include <functional>
 #include <string>
+#include <utility>
 
 #include "foundation/SharedInstance.h"
 #include "platform/linux/LinuxBackgroundQueue.h"

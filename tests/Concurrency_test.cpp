@@ -1,4 +1,6 @@
 // The life cycle on the main thread, hosts' threads that post, and the worker, all at once.
+#include <gtest/gtest.h>
+
 #include <atomic>
 #include <thread>
 

@@ -1,4 +1,6 @@
 // The road of a record over real HTTP, real files and real user defaults.
+#include <gtest/gtest.h>
+
 #include <atomic>
 #include <cstdlib>
 #include <map>

@@ -1,3 +1,5 @@
+#include <gtest/gtest.h>
+
 #include "testing/SdkFixture.h"
 
 namespace kesu {

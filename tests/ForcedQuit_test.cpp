@@ -1,5 +1,6 @@
 // What is reported of a session that ended by kill -9: the flow and the time of the last appearance, once, with the
 // next launch, whatever the moment of death.
+#include <gtest/gtest.h>
 #include <kesu.h>
 #include <signal.h>
 #include <sys/wait.h>

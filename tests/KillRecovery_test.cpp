@@ -1,5 +1,6 @@
 // What a killed process leaves behind: every record whose store write it has seen, whole, and user defaults that are
 // old or new but never broken.
+#include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>

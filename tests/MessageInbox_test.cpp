@@ -1,4 +1,6 @@
 // Messages and tags as a host fetches them: on doubles, and over real TLS.
+#include <gtest/gtest.h>
+
 #include "facade/Wiring.h"
 #include "foundation/Json.h"
 #include "graphics/PngEncoder.h"

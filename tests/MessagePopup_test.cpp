@@ -1,3 +1,4 @@
+#include <gtest/gtest.h>
 #include <kesu/graphics/Color.h>
 #include <kesu/ui/Label.h>
 #include <kesu/ui/Overlay.h>

@@ -1,4 +1,6 @@
 // A year in the life of one installation, thrown with dice and compared record by record with a second opinion.
+#include <gtest/gtest.h>
+
 #include <random>
 
 #include "ReferenceModel.h"

@@ -183,22 +183,22 @@ void KesuInbox::keepHeaders(KesuInAppMessageType type, const Object& reply, cons
   call(handler, Object());
 }
 
-void KesuInbox::kesu_getMessagesForType(KesuInAppMessageType type, const ObjectHandler& handler) {
+void KesuInbox::kesu_getMessagesForType(KesuInAppMessageType type, ObjectHandler handler) {
   switch (type) {
     case KesuInAppMessageType::Unread:
-      getAllMessagesTypeUnread(handler);
+      getAllMessagesTypeUnread(std::move(handler));
       return;
     case KesuInAppMessageType::Read:
       call(handler, Object(defaults_.get(kReadMessagesDefault)));
       return;
     case KesuInAppMessageType::All:
-      getAllMessagesTypeAll(handler);
+      getAllMessagesTypeAll(std::move(handler));
       return;
   }
 }
 
-void KesuInbox::getAllMessagesTypeUnread(const ObjectHandler& handler) {
-  requester_.getAllMessages(storedCredentials(defaults_), [this, handler](const Object& reply) {
+void KesuInbox::getAllMessagesTypeUnread(ObjectHandler handler) {
+  requester_.getAllMessages(storedCredentials(defaults_), [this, handler = std::move(handler)](const Object& reply) {
     const Value* payloadList = member(reply, kMessageListKey);
     afterwards([&] { call(handler, copyOf(payloadList)); },
                [&] {
@@ -210,12 +210,12 @@ void KesuInbox::getAllMessagesTypeUnread(const ObjectHandler& handler) {
 }
 
 // What was read is looked up before the fetch, so that the messages of its reply are not in both lists.
-void KesuInbox::getAllMessagesTypeAll(const ObjectHandler& handler) {
+void KesuInbox::getAllMessagesTypeAll(ObjectHandler handler) {
   Array both;
   if (auto read = defaults_.get(kReadMessagesDefault)) {
     both.push_back(std::move(*read));
   }
-  getAllMessagesTypeUnread([both = std::move(both), handler](const Object& unread) {
+  getAllMessagesTypeUnread([both = std::move(both), handler = std::move(handler)](const Object& unread) {
     Array lists = both;
     if (unread) {
       lists.insert(lists.begin(), *unread);

@@ -52,7 +52,7 @@ class KesuInbox {
   /// Gets full messages: the new ones (Unread), which are stored as read after the handler was called; those stored as
   /// read (Read, called synchronously); or an array of both lists (All). Other types never call the handler.
   /// [kesu_getMessagesForType:withCompletionHandler:]
-  void kesu_getMessagesForType(KesuInAppMessageType type, const ObjectHandler& handler);
+  void kesu_getMessagesForType(KesuInAppMessageType type, ObjectHandler handler);
 
   /// Gets the body of one message, from the last 19 fetched when it is among them (called synchronously, without
   /// request or receipt), else from the service; nil when it has none. In it, and in the dictionaries directly in it,
@@ -74,8 +74,8 @@ class KesuInbox {
 
  private:
   void keepHeaders(KesuInAppMessageType type, const Object& reply, const ObjectHandler& handler);
-  void getAllMessagesTypeUnread(const ObjectHandler& handler);
-  void getAllMessagesTypeAll(const ObjectHandler& handler);
+  void getAllMessagesTypeUnread(ObjectHandler handler);
+  void getAllMessagesTypeAll(ObjectHandler handler);
   void keepAsRead(const Value& payloadList);
   void updateDefaultsForReadMessage(const Object& messageID);
   void keepBody(const std::string& key, const Dictionary& body);

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <cmath>
+#include <limits>
 
 #include "foundation/Digest.h"
 #include "platform/CalendarFields.h"
@@ -54,8 +54,8 @@ TEST(CalendarFields, WriteTimestamps) {
                {-1025740800.0, 1172, "1937-07-01 00:19:32 +001932"},
                {951782399.0, 1, "2000-02-29 00:00:00 +000001"},
                {1e300, 0, "9999-12-30 00:00:00 +0000"},
-               {-INFINITY, 0, "0001-01-02 00:00:00 +0000"},
-               {NAN, 0, "1970-01-01 00:00:00 +0000"}};
+               {-std::numeric_limits<double>::infinity(), 0, "0001-01-02 00:00:00 +0000"},
+               {std::numeric_limits<double>::quiet_NaN(), 0, "1970-01-01 00:00:00 +0000"}};
   for (const auto& [seconds, offset, text] : cases) {
     EXPECT_EQ(timestampText(testing::calendarFields(seconds, offset)), text);
   }

@@ -226,8 +226,8 @@ class ContactSheet {
 
   void addCell(std::size_t section, std::size_t cell, const std::string& caption, const ImagePtr& picture) {
     const double x = kGap + static_cast<double>(cell % kColumns) * kCellWidth;
-    const double y =
-        static_cast<double>(section) * sectionHeight() + kHeading + static_cast<double>(cell / kColumns) * kCellHeight;
+    const auto row = cell / kColumns;
+    const double y = static_cast<double>(section) * sectionHeight() + kHeading + static_cast<double>(row) * kCellHeight;
     canvas_.drawImage(picture, {0.0, 0.0, testing::kThumbnailWidth, testing::kThumbnailHeight},
                       {x, y, testing::kThumbnailWidth, testing::kThumbnailHeight});
     write(caption, 20.0, {x, y + testing::kThumbnailHeight + 4.0, testing::kThumbnailWidth, 28.0});
