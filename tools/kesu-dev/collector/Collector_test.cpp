@@ -9,9 +9,9 @@
 #include <thread>
 
 #include "foundation/Json.h"
+#include "testing/TestRecord.h"
 #include "tools/kesu-dev/commands/Services.h"
 #include "tools/kesu-dev/http/HttpFetch.h"
-#include "tools/kesu-dev/records/TestRecord.h"
 
 namespace kesu::dev {
 namespace {

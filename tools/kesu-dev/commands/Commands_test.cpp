@@ -16,9 +16,9 @@
 
 #include "testing/ScopedEnvironment.h"
 #include "testing/TemporaryDirectory.h"
+#include "testing/TestRecord.h"
 #include "tools/kesu-dev/commands/Services.h"
 #include "tools/kesu-dev/http/HttpFetch.h"
-#include "tools/kesu-dev/records/TestRecord.h"
 
 namespace kesu::dev {
 namespace {

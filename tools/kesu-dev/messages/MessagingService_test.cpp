@@ -13,11 +13,11 @@
 #include "foundation/Json.h"
 #include "foundation/Mutex.h"
 #include "testing/TemporaryDirectory.h"
+#include "testing/TestRecord.h"
 #include "tools/kesu-dev/commands/Services.h"
 #include "tools/kesu-dev/http/HttpFetch.h"
 #include "tools/kesu-dev/messages/ImageSize.h"
 #include "tools/kesu-dev/messages/MessageReport.h"
-#include "tools/kesu-dev/records/TestRecord.h"
 
 namespace kesu::dev {
 namespace {

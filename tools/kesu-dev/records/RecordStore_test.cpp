@@ -8,7 +8,7 @@
 
 #include "foundation/Json.h"
 #include "testing/TemporaryDirectory.h"
-#include "tools/kesu-dev/records/TestRecord.h"
+#include "testing/TestRecord.h"
 
 namespace kesu::dev {
 namespace {

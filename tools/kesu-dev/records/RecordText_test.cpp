@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "testing/TestRecord.h"
 #include "tools/kesu-dev/base/Fields.h"
-#include "tools/kesu-dev/records/TestRecord.h"
 
 namespace kesu::dev {
 namespace {
