@@ -3,6 +3,7 @@
 #include <kesu/Export.h>
 
 #include <functional>
+#include <utility>
 
 namespace kesu {
 
@@ -16,6 +17,10 @@ class KESU_API BackgroundQueue {
 
   /// Queues a task. Any thread; never blocks.
   virtual void post(Task task) = 0;
+
+  /// Queues a task `seconds` from now, once. Any thread; never blocks. A shutdown() drops the tasks that are not due:
+  /// they must only do what the end of the process does anyway.
+  virtual void postAfter(double /*seconds*/, Task task) { post(std::move(task)); }
 
   /// Waits until every task posted so far has run, at most `seconds`. Returns whether they have. The calling thread may
   /// run tasks itself meanwhile, one at a time as always, and finishes a task that it has begun. Inside a task it

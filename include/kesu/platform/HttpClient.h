@@ -59,6 +59,13 @@ class KESU_API HttpClient {
   /// Sends a request. After shutdown() it is completed with HttpError::Cancelled.
   virtual void send(HttpRequest request, Completion completion) = 0;
 
+  /// Sends a request whose completion need not wait for the main loop: it may be called on a thread of the client, as
+  /// soon as the outcome is known, also inside shutdown(). It must be short and must not call the client, but for
+  /// sendInBackground(). The default completes on the main loop.
+  virtual void sendInBackground(HttpRequest request, Completion completion) {
+    send(std::move(request), std::move(completion));
+  }
+
   /// Counts the requests that were sent and whose completion has not begun to run. Any thread.
   virtual std::size_t pendingCount() = 0;
 

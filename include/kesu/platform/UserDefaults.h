@@ -4,11 +4,25 @@
 #include <kesu/foundation/Value.h>
 
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace kesu {
+
+/// One change of the user defaults, for UserDefaults::apply().
+struct DefaultsChange {
+  enum class Kind {
+    Set,     ///< As set().
+    Append,  ///< As appendString(); the value is a text.
+    Remove   ///< As remove().
+  };
+
+  Kind kind = Kind::Set;
+  std::string_view key;
+  Value value;
+};
 
 /// The application's persistent key/value store.
 ///
@@ -35,6 +49,10 @@ class KESU_API UserDefaults {
   /// Appends to the text under `key`, which starts empty and replaces a value of another kind. The cost does not depend
   /// on the length of the text. As durable as set().
   virtual void appendString(std::string_view key, std::string_view suffix) = 0;
+
+  /// Makes several changes in one step: no synchronize() of another thread writes some of them without the others.
+  /// Touches no file, unless the store was not opened before.
+  virtual void apply(std::span<const DefaultsChange> changes);
 
   /// Returns and removes the text under `key` in one step; nothing when there is none.
   virtual std::optional<std::string> takeString(std::string_view key) = 0;
