@@ -3,7 +3,9 @@
 #include <kesu/platform/BackgroundQueue.h>
 
 #include <deque>
+#include <iterator>
 #include <utility>
+#include <vector>
 
 #include "foundation/Mutex.h"
 
@@ -26,6 +28,14 @@ class ManualBackgroundQueue : public BackgroundQueue {
     task();
   }
 
+  /// Keeps the task for runDelayed(); the time does not matter. Dropped after shutdown().
+  void postAfter(double /*seconds*/, Task task) override {
+    const MutexLock lock(mutex_);
+    if (task && !hasEnded_) {
+      delayed_.push_back(std::move(task));
+    }
+  }
+
   /// Runs all tasks, however long that takes. Returns false inside a task.
   bool drain(double /*seconds*/) override {
     if (isRunning_) {
@@ -37,8 +47,10 @@ class ManualBackgroundQueue : public BackgroundQueue {
 
   void shutdown(double /*seconds*/) override {
     runAll();
+    std::vector<Task> dropped;
     const MutexLock lock(mutex_);
     hasEnded_ = true;
+    dropped.swap(delayed_);
   }
 
   /// Runs the oldest task. Returns false when there is none.
@@ -67,13 +79,24 @@ class ManualBackgroundQueue : public BackgroundQueue {
     return ran;
   }
 
-  /// Drops the queued tasks, as the death of the process does.
+  /// Lets the time of the delayed tasks planned so far come, and runs the queue with them; returns how many tasks ran.
+  std::size_t runDelayed() {
+    {
+      const MutexLock lock(mutex_);
+      tasks_.insert(tasks_.end(), std::move_iterator(delayed_.begin()), std::move_iterator(delayed_.end()));
+      delayed_.clear();
+    }
+    return runAll();
+  }
+
+  /// Drops the queued and the delayed tasks, as the death of the process does.
   void discardAll() {
     const MutexLock lock(mutex_);
     tasks_.clear();
+    delayed_.clear();
   }
 
-  /// Counts the queued tasks.
+  /// Counts the queued tasks, without those that are delayed.
   std::size_t count() {
     const MutexLock lock(mutex_);
     return tasks_.size();
@@ -82,6 +105,7 @@ class ManualBackgroundQueue : public BackgroundQueue {
  private:
   Mutex mutex_;
   std::deque<Task> tasks_ KESU_GUARDED_BY(mutex_);
+  std::vector<Task> delayed_ KESU_GUARDED_BY(mutex_);
   bool hasEnded_ KESU_GUARDED_BY(mutex_) = false;
   bool isRunning_ = false;
 };

@@ -29,6 +29,8 @@ class ThreadedQueue final : public BackgroundQueue {
     changed_.notify_all();
   }
 
+  void postAfter(double /*seconds*/, Task /*task*/) override {}  // Pictures plan nothing.
+
   bool drain(double) override {
     std::unique_lock lock(mutex_);
     changed_.wait(lock, [this] { return tasks_.empty() && !isBusy_; });

@@ -3,7 +3,6 @@
 #include <kesu/Export.h>
 
 #include <functional>
-#include <utility>
 
 namespace kesu {
 
@@ -18,11 +17,12 @@ class KESU_API BackgroundQueue {
   /// Queues a task. Any thread; never blocks.
   virtual void post(Task task) = 0;
 
-  /// Queues a task `seconds` from now, once. Any thread; never blocks. A shutdown() drops the tasks that are not due:
-  /// they must only do what the end of the process does anyway.
-  virtual void postAfter(double /*seconds*/, Task task) { post(std::move(task)); }
+  /// Queues a task `seconds` from now, behind those that are queued then. Any thread; never blocks. shutdown() drops
+  /// the tasks that are not due, and those posted later: they must only do what the end of the process does anyway.
+  virtual void postAfter(double seconds, Task task) = 0;
 
-  /// Waits until every task posted so far has run, at most `seconds`. Returns whether they have. The calling thread may
+  /// Waits until every task posted so far has run, but for those that are not due, at most `seconds`. Returns whether
+  /// they have. The calling thread may
   /// run tasks itself meanwhile, one at a time as always, and finishes a task that it has begun. Inside a task it
   /// returns false at once.
   virtual bool drain(double seconds) = 0;

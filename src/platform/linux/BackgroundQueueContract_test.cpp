@@ -20,6 +20,14 @@ class BackgroundQueueContract : public ::testing::TestWithParam<std::string> {
  protected:
   BackgroundQueue& queue() { return *queue_; }
 
+  /// Runs everything that is due; the manual queue has no clock.
+  void runDueTasks() {
+    if (auto* manual = dynamic_cast<testing::ManualBackgroundQueue*>(queue_.get())) {
+      manual->runDelayed();
+    }
+    EXPECT_TRUE(queue().drain(kPatienceSeconds));
+  }
+
  private:
   std::unique_ptr<BackgroundQueue> queue_ =
       GetParam() == "Linux" ? std::unique_ptr<BackgroundQueue>(std::make_unique<LinuxBackgroundQueue>())
@@ -66,6 +74,45 @@ TEST_P(BackgroundQueueContract, ShutdownRunsWhatIsQueuedAndLaterPostsRunAtOnce) 
   EXPECT_EQ(ran, "abc");
   queue().shutdown(kPatienceSeconds);
   EXPECT_TRUE(queue().drain(kPatienceSeconds));
+}
+
+TEST_P(BackgroundQueueContract, DelayedTasksRunInOrderBehindThoseQueued) {
+  std::string ran;
+  std::promise<void> gate;
+  queue().postAfter(0.0, nullptr);
+  if (GetParam() == "Linux") {
+    queue().post([&gate] { gate.get_future().wait(); });
+  }
+  queue().postAfter(0.0, [&] {
+    ran += 'c';
+    queue().post([&] { ran += 'e'; });
+  });
+  queue().postAfter(-1000.0, [&] { ran += 'd'; });
+  for (const char* name : {"a", "b"}) {
+    queue().post([&ran, name] { ran += name; });
+  }
+  EXPECT_EQ(ran, "");
+  gate.set_value();
+  runDueTasks();
+  runDueTasks();
+  EXPECT_EQ(ran, "abcde");
+}
+
+TEST_P(BackgroundQueueContract, TasksThatAreNotDueAreNotWaitedForAndDropped) {
+  std::string ran;
+  queue().postAfter(1e300, [&] { ran += 'x'; });
+  queue().postAfter(1000.0, [&] { ran += 'y'; });
+  queue().post([&] { ran += 'a'; });
+  EXPECT_TRUE(queue().drain(kPatienceSeconds));
+  EXPECT_EQ(ran, "a");
+  queue().post([&] {
+    queue().shutdown(kPatienceSeconds);
+    queue().postAfter(0.0, [&] { ran += 'z'; });
+  });
+  queue().shutdown(kPatienceSeconds);
+  queue().postAfter(0.0, [&] { ran += 'z'; });
+  runDueTasks();
+  EXPECT_EQ(ran, "a");
 }
 
 INSTANTIATE_TEST_SUITE_P(Queues, BackgroundQueueContract, ::testing::Values("Linux", "Manual"),
@@ -192,6 +239,22 @@ TEST(LinuxBackgroundQueue, TaskCanShutDownAndItsLaterPostsRunAtOnce) {
   EXPECT_EQ(ran, "abcdef");
 }
 
+TEST(LinuxBackgroundQueue, DelayedTaskRunsByItselfAlsoAheadOfALaterOne) {
+  LinuxBackgroundQueue queue;
+  std::string ran;
+  std::promise<void> done;
+  queue.postAfter(1000.0, [&] { ran += 'x'; });
+  queue.post([] {});
+  ASSERT_TRUE(queue.drain(kPatienceSeconds));
+  queue.postAfter(0.002, [&] {
+    ran += 'b';
+    done.set_value();
+  });
+  queue.postAfter(0.001, [&] { ran += 'a'; });
+  done.get_future().wait();
+  EXPECT_EQ(ran, "ab");
+}
+
 TEST(LinuxBackgroundQueue, ForkedChildDropsTasksAndNeverWaits) {
   LinuxBackgroundQueue queue;
   queue.post([] {});
@@ -199,6 +262,7 @@ TEST(LinuxBackgroundQueue, ForkedChildDropsTasksAndNeverWaits) {
   const pid_t child = ::fork();
   if (child == 0) {
     queue.post([] { ::_exit(1); });
+    queue.postAfter(0.0, [] { ::_exit(1); });
     queue.shutdown(kPatienceSeconds);
     ::_exit(queue.drain(kPatienceSeconds) ? 2 : 0);
   }

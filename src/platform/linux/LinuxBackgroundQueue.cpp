@@ -16,11 +16,11 @@ namespace {
 // Below everything that draws or plays, above what only runs when the machine is idle.
 constexpr int kNice = 10;
 
-// Some 11 days: practically for ever, and within the range of the clock.
-constexpr double kLongestWaitSeconds = 1e6;
+// Some 30 years: practically for ever, and within the range of the clock.
+constexpr double kLongestWaitSeconds = 1e9;
 
 std::chrono::steady_clock::time_point deadlineIn(double seconds) {
-  const std::chrono::duration<double> wait(std::clamp(seconds, 0.0, kLongestWaitSeconds));
+  const std::chrono::duration<double> wait(seconds > 0.0 ? std::min(seconds, kLongestWaitSeconds) : 0.0);
   return std::chrono::steady_clock::now() + std::chrono::duration_cast<std::chrono::steady_clock::duration>(wait);
 }
 
@@ -28,9 +28,8 @@ std::chrono::steady_clock::time_point deadlineIn(double seconds) {
 
 LinuxBackgroundQueue::~LinuxBackgroundQueue() {
   shutdown(kLongestWaitSeconds);
-  const MutexLock lock(mutex_);
-  if (worker_.joinable()) {
-    worker_.detach();  // A forked child has the object of a thread that it does not have.
+  if (worker_.joinable()) {  // Without the mutex: the thread that locked it may be missing, too.
+    worker_.detach();        // A forked child has the object of a thread that it does not have.
   }
 }
 
@@ -53,6 +52,23 @@ void LinuxBackgroundQueue::post(Task task) {
     mode = mode_;
   }
   runHere(mode);
+}
+
+void LinuxBackgroundQueue::postAfter(double seconds, Task task) {
+  if (!task || forkGuard_.isForkedChild()) {
+    return;
+  }
+  const MutexLock lock(mutex_);
+  if (mode_ == Mode::Idle) {
+    startWorker();
+  }
+  if (mode_ != Mode::Threaded || isRunningHere_) {
+    return;  // The end has begun, or there is no thread that could wait.
+  }
+  const auto place = delayed_.emplace(deadlineIn(seconds), std::move(task));
+  if (place == delayed_.begin()) {
+    wakeWorker();
+  }
 }
 
 void LinuxBackgroundQueue::startWorker() {
@@ -81,9 +97,7 @@ void LinuxBackgroundQueue::work() {
           done_.notify_all();
           return;
         }
-        isAsleep_ = true;
-        wake_.wait(mutex_);
-        isAsleep_ = false;
+        sleep();
         continue;
       }
       runner_ = std::this_thread::get_id();
@@ -91,6 +105,17 @@ void LinuxBackgroundQueue::work() {
     // A batch is left half done for a helper: it has normal priority, and its thread waits for the result.
     runBatch([this] { return helpers_.load(std::memory_order_relaxed) > 0; });
   }
+}
+
+void LinuxBackgroundQueue::sleep() {
+  isAsleep_ = true;
+  if (delayed_.empty()) {
+    wake_.wait(mutex_);
+  } else {
+    const Instant earliest = delayed_.begin()->first;  // A copy: the entry may be gone during the wait.
+    wake_.wait_until(mutex_, earliest);
+  }
+  isAsleep_ = false;
 }
 
 // Leaves the queue to the threads that drain it, until the last of them has finished.
@@ -114,8 +139,21 @@ bool LinuxBackgroundQueue::takeBatch() {
   }
   head_ = 0;
   batch_.clear();
+  queueDueTasks();
   batch_.swap(tasks_);
   return !batch_.empty();
+}
+
+void LinuxBackgroundQueue::queueDueTasks() {
+  if (delayed_.empty()) {
+    return;  // The usual case costs no look at the clock.
+  }
+  const auto due = delayed_.upper_bound(std::chrono::steady_clock::now());
+  for (auto task = delayed_.begin(); task != due; task = delayed_.erase(task)) {
+    tasks_.push_back(std::move(task->second));
+    ++posted_;
+    wakeWorker();  // Not the worker itself but a thread that drains may move them here, and leave them to it.
+  }
 }
 
 template <typename Stop>
@@ -164,6 +202,7 @@ bool LinuxBackgroundQueue::drainUntil(Instant deadline) {
   std::uint64_t wanted = 0;
   {
     const MutexLock lock(mutex_);
+    queueDueTasks();
     wanted = posted_;
     if (runner_ == std::this_thread::get_id()) {
       return false;  // Inside a task: waiting for itself would never end.
@@ -217,8 +256,10 @@ void LinuxBackgroundQueue::shutdown(double seconds) {
   const auto deadline = deadlineIn(seconds);
   drainUntil(deadline);
   bool isInsideTask = false;
+  std::multimap<Instant, Task> dropped;  // Destroyed without the mutex: what a task holds may post.
   {
     const MutexLock lock(mutex_);
+    dropped.swap(delayed_);
     isInsideTask = runner_ == std::this_thread::get_id();
     if (isInsideTask) {
       isRunningHere_ = true;

@@ -7,6 +7,7 @@
 #include <condition_variable>
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <thread>
 #include <vector>
 
@@ -22,6 +23,8 @@ namespace kesu {
 /// worker: it takes over after the worker's current task and runs the rest itself. After shutdown(), and where the
 /// system refuses a thread, the posting threads run the tasks: one at a time, and the running thread also runs what is
 /// posted meanwhile, so that tasks stay in order and never overlap.
+///
+/// The worker sleeps without a time limit while no delayed task is planned.
 class LinuxBackgroundQueue final : public BackgroundQueue {
  public:
   LinuxBackgroundQueue() = default;
@@ -31,6 +34,7 @@ class LinuxBackgroundQueue final : public BackgroundQueue {
   LinuxBackgroundQueue& operator=(const LinuxBackgroundQueue&) = delete;
 
   void post(Task task) override;
+  void postAfter(double seconds, Task task) override;
   bool drain(double seconds) override;
   void shutdown(double seconds) override;
 
@@ -53,6 +57,8 @@ class LinuxBackgroundQueue final : public BackgroundQueue {
   template <typename Stop>
   void runBatch(Stop stop);
   bool takeBatch() KESU_REQUIRES(mutex_);
+  void queueDueTasks() KESU_REQUIRES(mutex_);
+  void sleep() KESU_REQUIRES(mutex_);
   bool drainUntil(Instant deadline);
   bool beginHelping(std::uint64_t wanted, Instant deadline) KESU_REQUIRES(mutex_);
   void endHelping() KESU_REQUIRES(mutex_);
@@ -67,6 +73,7 @@ class LinuxBackgroundQueue final : public BackgroundQueue {
   std::atomic<int> helpers_{0};       // Threads that drain. Changed under the mutex, read by the worker without it.
   Mode mode_ KESU_GUARDED_BY(mutex_) = Mode::Idle;
   std::vector<Task> tasks_ KESU_GUARDED_BY(mutex_);
+  std::multimap<Instant, Task> delayed_ KESU_GUARDED_BY(mutex_);  // By the time when they are due.
   std::uint64_t posted_ KESU_GUARDED_BY(mutex_) = 0;
   std::uint64_t finished_ KESU_GUARDED_BY(mutex_) = 0;
   bool isAsleep_ KESU_GUARDED_BY(mutex_) = false;
