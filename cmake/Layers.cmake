@@ -8,7 +8,8 @@ set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${CMAKE_SOURCE_DI
 # Folders whose time can be felt: a record on the caller's thread, a frame of the popup, a picture. The others wait for disk,
 # network and people; built with -Os they take half the room. The sanitized builds optimise only the former: half of
 # their compile time is the optimiser's, and the tests that wait for code wait for these folders.
-set(KESU_FAST_FOLDERS foundation support records device events delivery graphics uikit/render)
+set(KESU_FAST_FOLDERS foundation support records device events delivery graphics uikit/render
+  platform/linux/outbox)
 set(KESU_FAST_OPTIONS)
 if(KESU_SANITIZE)
   set(KESU_FAST_OPTIONS -O1)

@@ -1,0 +1,278 @@
+#include "platform/linux/outbox/LinuxAppendLog.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <utility>
+
+#include "platform/linux/outbox/LogRecovery.h"
+
+namespace kesu {
+namespace {
+
+// What prepare() keeps ready: the longest entry, or some 800 records. A segment with less room needs a successor.
+constexpr std::uint32_t kAheadBytes = AppendLog::kLongestEntry;
+
+}  // namespace
+
+void LinuxAppendLog::recover(Sequence last, const std::function<void(const Found&)>& visit) {
+  if (isInForkedChild()) {
+    return;
+  }
+  const MutexLock background(background_);
+  LogRecovery recovery;
+  if (directory_.open() == 0) {
+    directory_.takeOver();
+    for (const SegmentName& name : directory_.foundSegments()) {
+      SegmentHeader header;
+      if (auto file = directory_.openSegment(name, header)) {
+        const MutexLock lock(mutex_);
+        const HeldSegment segment{held_.newId(), std::move(file)};
+        held_.add(segment);
+        recovery.add(segment.id, segment.file, header);
+      }
+    }
+    warnings_.failed(OutboxWarnings::Kind::Read, recovery.run(visit));
+  }
+  {
+    const MutexLock lock(mutex_);
+    next_ = std::max(last, recovery.highest()) + 1;
+  }
+  const int error = makeSpare();
+  std::set<std::uint64_t> logs;
+  {
+    const MutexLock lock(mutex_);
+    roomError_ = error;
+    logs = held_.logIds();
+  }
+  directory_.keepLogs(logs);
+  touchAhead();
+}
+
+std::optional<AppendLog::Entry> LinuxAppendLog::append(std::string_view bytes, bool isReleased) {
+  if (isInForkedChild() || bytes.size() > kLongestEntry) {
+    return std::nullopt;
+  }
+  int error = 0;
+  {
+    const MutexLock lock(mutex_);
+    if (next_ != 0 && (hasRoom(bytes.size()) || startSegment())) {
+      const Sequence sequence = next_++;
+      const EntryHeader header = makeEntryHeader(EntryKind::Entry, sequence, bytes, isReleased);
+      return Entry{sequence, current_.id, current_.file->append(header, bytes)};
+    }
+    error = roomError_;
+  }
+  warnings_.failed(OutboxWarnings::Kind::Room, error);
+  return std::nullopt;
+}
+
+void LinuxAppendLog::setPreamble(std::string_view bytes) {
+  if (isInForkedChild()) {
+    return;
+  }
+  int error = 0;
+  {
+    const MutexLock lock(mutex_);
+    const std::string_view kept = bytes.size() > kLongestEntry ? std::string_view() : bytes;
+    if (preamble_ == kept) {
+      return;
+    }
+    preamble_ = kept;
+    if (hasRoom(kept.size())) {
+      current_.file->append(makeEntryHeader(EntryKind::Preamble, next_, kept, false), kept);
+    } else if (current_.file) {
+      // Nothing may be appended behind the old preamble: the next entry begins a segment.
+      current_.file.reset();
+      error = startSegment() ? 0 : roomError_;
+    }
+  }
+  warnings_.failed(OutboxWarnings::Kind::Room, error);
+}
+
+bool LinuxAppendLog::startSegment() {
+  if (!spare_.file && roomError_ == 0) {
+    roomError_ = createLate();
+  }
+  if (!spare_.file) {
+    return false;
+  }
+  current_ = std::exchange(spare_, {});
+  if (!preamble_.empty()) {
+    current_.file->append(makeEntryHeader(EntryKind::Preamble, next_, preamble_, false), preamble_);
+  }
+  warnings_.worked(OutboxWarnings::Kind::Room);
+  return true;
+}
+
+int LinuxAppendLog::createLate() {
+  if (held_.size() >= kMostSegments) {
+    return OutboxWarnings::kTooManySegments;
+  }
+  const std::uint32_t id = held_.newId();
+  auto file = directory_.createSegment(id, next_);
+  if (!file) {
+    return errno;
+  }
+  spare_ = {id, std::move(file)};
+  held_.add(spare_);
+  return 0;
+}
+
+std::vector<HeldSegment> LinuxAppendLog::allSegments() {
+  const MutexLock lock(mutex_);
+  return held_.all();
+}
+
+std::shared_ptr<SegmentFile> LinuxAppendLog::find(const Entry& entry) {
+  if (entry.offset > kSegmentBytes - sizeof(EntryHeader) || entry.offset % alignof(std::uint64_t) != 0) {
+    return nullptr;
+  }
+  const MutexLock lock(mutex_);
+  return held_.find(entry.segment);
+}
+
+bool LinuxAppendLog::read(const Entry& entry, std::string& bytes) {
+  const auto file = isInForkedChild() ? nullptr : find(entry);
+  const int error = file ? file->read(entry.offset, bytes) : ENOENT;
+  if (file) {
+    warnings_.failed(OutboxWarnings::Kind::Read, error);
+  }
+  return error == 0;
+}
+
+void LinuxAppendLog::release(const Entry& entry) {
+  if (const auto file = isInForkedChild() ? nullptr : find(entry)) {
+    warnings_.failed(OutboxWarnings::Kind::Mark, file->release(entry.offset));
+  }
+}
+
+void LinuxAppendLog::settle(Sequence sequence) {
+  if (!isInForkedChild()) {
+    const MutexLock lock(mutex_);
+    settled_ = std::max(settled_, sequence);
+  }
+}
+
+void LinuxAppendLog::prepare() {
+  if (isInForkedChild()) {
+    return;
+  }
+  const MutexLock background(background_);
+  removeDone();
+  makeSpare();
+  touchAhead();
+}
+
+void LinuxAppendLog::removeDone() {
+  std::vector<HeldSegment> done;
+  std::vector<HeldSegment> full;
+  {
+    const MutexLock lock(mutex_);
+    for (HeldSegment& segment : held_.all()) {
+      if (segment.id != current_.id && segment.id != spare_.id) {
+        (segment.file->isDone(settled_) ? done : full).push_back(std::move(segment));
+      }
+    }
+  }
+  for (const HeldSegment& segment : full) {
+    segment.file->unmap();
+  }
+  if (done.empty()) {
+    return;
+  }
+  // Marks first: a name that comes back after a loss of power must not bring back what was delivered. And the numbers
+  // of the removed entries must not be given again: the present segment knows them.
+  flush();
+  std::set<std::uint64_t> logs;
+  {
+    const MutexLock lock(mutex_);
+    for (const HeldSegment& segment : done) {
+      held_.remove(segment.id);
+    }
+    logs = held_.logIds();
+  }
+  for (const HeldSegment& segment : done) {
+    directory_.removeSegment(segment.file->name());
+  }
+  directory_.keepLogs(logs);
+}
+
+int LinuxAppendLog::makeSpare() {
+  HeldSegment made;
+  Sequence first = 0;
+  {
+    const MutexLock lock(mutex_);
+    if (next_ == 0 || spare_.file || hasRoom(kAheadBytes)) {
+      return 0;
+    }
+    if (held_.size() >= kMostSegments) {
+      return OutboxWarnings::kTooManySegments;
+    }
+    made.id = held_.newId();
+    first = next_;
+  }
+  if (const int error = directory_.beginLog()) {
+    return error;
+  }
+  made.file = directory_.createSegment(made.id, first);
+  if (!made.file) {
+    return errno;
+  }
+  {
+    const MutexLock lock(mutex_);
+    // Segments are filled in the order of their numbers, also when an append did not wait for this one.
+    if (made.id > current_.id && !spare_.file) {
+      spare_ = made;
+      held_.add(made);
+      roomError_ = 0;
+      return 0;
+    }
+  }
+  directory_.removeSegment(made.file->name());
+  return 0;
+}
+
+void LinuxAppendLog::touchAhead() {
+  HeldSegment current;
+  HeldSegment spare;
+  std::uint32_t from = 0;
+  {
+    const MutexLock lock(mutex_);
+    current = current_;
+    spare = spare_;
+    from = current.file ? current.file->position() : kSegmentBytes;
+  }
+  const std::uint32_t end = from + kAheadBytes;
+  if (current.file) {
+    current.file->prepare(from, end);
+  }
+  if (spare.file && end > kSegmentBytes) {
+    spare.file->prepare(0, end - kSegmentBytes);
+  }
+}
+
+void LinuxAppendLog::flush() {
+  if (isInForkedChild()) {
+    return;
+  }
+  int error = directory_.flush();
+  for (const HeldSegment& segment : allSegments()) {
+    const int now = segment.file->flush();
+    error = now != 0 ? now : error;
+  }
+  warnings_.failed(OutboxWarnings::Kind::Flush, error);
+  if (error == 0) {
+    warnings_.worked(OutboxWarnings::Kind::Flush);
+  }
+}
+
+void LinuxAppendLog::startFlush() {
+  if (isInForkedChild()) {
+    return;
+  }
+  for (const HeldSegment& segment : allSegments()) {
+    segment.file->startFlush();
+  }
+}
+
+}  // namespace kesu

@@ -1,0 +1,196 @@
+#include "platform/linux/outbox/SegmentFile.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <utility>
+
+namespace kesu {
+namespace {
+
+// As many pages as a burst of records fills between two flushes.
+constexpr std::uint32_t kRenewedBytes = 16 * 1024;
+
+// Reads up to `count` bytes, fewer only at the end of the file.
+int readAt(int fd, std::uint32_t offset, char* into, std::size_t count, std::size_t& got) {
+  got = 0;
+  while (got < count) {
+    const ssize_t read = ::pread(fd, into + got, count - got, static_cast<off_t>(offset + got));
+    if (read == 0) {
+      break;
+    }
+    if (read > 0) {
+      got += static_cast<std::size_t>(read);
+    } else if (errno != EINTR) {
+      return errno;
+    }
+  }
+  return 0;
+}
+
+int readExactly(int fd, std::uint32_t offset, char* into, std::size_t count) {
+  std::size_t got = 0;
+  const int error = readAt(fd, offset, into, count, got);
+  return error != 0 ? error : got < count ? EBADMSG : 0;
+}
+
+int writeAt(int fd, std::uint32_t offset, const char* bytes, std::size_t count) {
+  for (std::size_t written = 0; written < count;) {
+    const ssize_t now = ::pwrite(fd, bytes + written, count - written, static_cast<off_t>(offset + written));
+    if (now >= 0) {
+      written += static_cast<std::size_t>(now);
+    } else if (errno != EINTR) {
+      return errno;
+    }
+  }
+  return 0;
+}
+
+// Allocates the blocks, so that neither a store into the mapping nor writing it back can find the disk full.
+int allocate(int fd) {
+  int error = EINTR;
+  while (error == EINTR) {
+    error = ::posix_fallocate(fd, 0, static_cast<off_t>(kSegmentBytes));
+  }
+  return error;
+}
+
+}  // namespace
+
+std::shared_ptr<SegmentFile> SegmentFile::create(UniqueFd fd, const SegmentName& name, AppendLog::Sequence first) {
+  const SegmentHeaderBytes header = encodeSegmentHeader({name.logId, name.number, first});
+  int error = allocate(fd.get());
+  error = error != 0 ? error : writeAt(fd.get(), 0, header.data(), header.size());
+  if (error != 0) {
+    errno = error;
+    return nullptr;
+  }
+  std::unique_ptr<MappedSegment> mapping = MappedSegment::map(fd.get());
+  if (!mapping) {
+    return nullptr;
+  }
+  auto file = std::make_shared<SegmentFile>(std::move(fd), name);
+  file->last_ = first - 1;
+  file->isDirty_ = true;  // Its numbers must not be given again, even if it stays empty.
+  file->writing_ = mapping.get();
+  const MutexLock lock(file->mutex_);
+  file->mapping_ = std::move(mapping);
+  return file;
+}
+
+std::uint32_t SegmentFile::append(const EntryHeader& header, std::string_view bytes) {
+  if (header.kind() == EntryKind::Entry) {
+    count(header.sequence, header.mark == kReleasedMark);
+  }
+  const std::uint32_t offset = writing_->append(header, bytes);
+  isDirty_.store(true, std::memory_order_release);
+  return offset;
+}
+
+void SegmentFile::count(AppendLog::Sequence sequence, bool isReleased) {
+  last_ = std::max(last_, sequence);
+  if (!isReleased) {
+    waiting_.fetch_add(1, std::memory_order_relaxed);
+  }
+}
+
+std::shared_ptr<MappedSegment> SegmentFile::mapping() const {
+  const MutexLock lock(mutex_);
+  return mapping_;
+}
+
+int SegmentFile::readAll(std::string& bytes) const {
+  bytes.resize(kSegmentBytes);
+  std::size_t got = 0;
+  const int error = readAt(fd_.get(), 0, bytes.data(), bytes.size(), got);
+  bytes.resize(got);
+  return error;
+}
+
+int SegmentFile::read(std::uint32_t offset, std::string& bytes) const {
+  EntryHeader header;
+  if (const auto mapped = mapping()) {
+    header = mapped->read(offset, bytes);
+  } else {
+    char buffer[sizeof(header)];
+    if (const int error = readExactly(fd_.get(), offset, buffer, sizeof(buffer))) {
+      return error;
+    }
+    std::memcpy(&header, buffer, sizeof(header));
+    bytes.resize(std::min<std::size_t>(header.length(), AppendLog::kLongestEntry));
+    const auto start = static_cast<std::uint32_t>(offset + sizeof(header));
+    if (const int error = readExactly(fd_.get(), start, bytes.data(), bytes.size())) {
+      return error;
+    }
+  }
+  return isWhole(header, bytes) ? 0 : EBADMSG;
+}
+
+int SegmentFile::release(std::uint32_t offset) {
+  bool isFirst = false;
+  if (const auto mapped = mapping()) {
+    isFirst = mapped->markReleased(offset);
+  } else {
+    const auto start = static_cast<std::uint32_t>(offset + offsetof(EntryHeader, mark));
+    char mark[sizeof(kReleasedMark)];
+    char released[sizeof(kReleasedMark)];
+    std::memcpy(released, &kReleasedMark, sizeof(released));
+    if (const int error = readExactly(fd_.get(), start, mark, sizeof(mark))) {
+      return error;
+    }
+    isFirst = std::memcmp(mark, released, sizeof(mark)) != 0;
+    if (const int error = isFirst ? writeAt(fd_.get(), start, released, sizeof(released)) : 0) {
+      return error;
+    }
+  }
+  if (isFirst) {
+    isDirty_.store(true, std::memory_order_release);
+    waiting_.fetch_sub(1, std::memory_order_acq_rel);
+  }
+  return 0;
+}
+
+void SegmentFile::prepare(std::uint32_t from, std::uint32_t to) {
+  const auto mapped = mapping();
+  if (!mapped) {
+    return;
+  }
+  const std::uint32_t end = std::min(to, kSegmentBytes);
+  // Writing back has protected these again. Not more of them: each touch makes a page to write.
+  mapped->touch(from, std::min(from + kRenewedBytes, end));
+  mapped->touch(std::max(from, prepared_), end);
+  prepared_ = std::max(prepared_, end);
+}
+
+void SegmentFile::unmap() {
+  std::shared_ptr<MappedSegment> last;
+  const MutexLock lock(mutex_);
+  last.swap(mapping_);
+}
+
+int SegmentFile::flush() {
+  if (!isDirty_.exchange(false, std::memory_order_acq_rel)) {
+    return 0;
+  }
+  int result = -1;
+  do {
+    result = ::fdatasync(fd_.get());
+  } while (result != 0 && errno == EINTR);
+  if (result == 0) {
+    return 0;
+  }
+  const int error = errno;
+  isDirty_.store(true, std::memory_order_release);
+  return error;
+}
+
+void SegmentFile::startFlush() const {
+  if (isDirty_.load(std::memory_order_acquire)) {
+    ::sync_file_range(fd_.get(), 0, 0, SYNC_FILE_RANGE_WRITE);
+  }
+}
+
+}  // namespace kesu

@@ -1,0 +1,90 @@
+#pragma once
+
+#include <atomic>
+#include <compare>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "foundation/Mutex.h"
+#include "platform/linux/base/UniqueFd.h"
+#include "platform/linux/outbox/LogSegment.h"
+#include "platform/linux/outbox/MappedSegment.h"
+
+namespace kesu {
+
+/// Which segment of which log.
+struct SegmentName {
+  std::uint64_t logId = 0;
+  std::uint32_t number = 0;
+  friend auto operator<=>(const SegmentName&, const SegmentName&) = default;
+};
+
+/// One open segment: mapped while this process appends to it, otherwise read and marked by system calls, so that a
+/// failing disk is an error and no signal. Results called "error" are 0 or an error number. Any thread, but for what
+/// says otherwise.
+class SegmentFile {
+ public:
+  /// Opens a segment of an earlier process.
+  SegmentFile(UniqueFd fd, const SegmentName& name) : name_(name), fd_(std::move(fd)) {}
+
+  /// Makes `fd`, an empty file, a segment to append to. Null with errno on failure.
+  static std::shared_ptr<SegmentFile> create(UniqueFd fd, const SegmentName& name, AppendLog::Sequence first);
+
+  const SegmentName& name() const { return name_; }
+
+  /// Appending; serialised by the owner, and only until unmap().
+  bool hasRoom(std::size_t length) const { return writing_->hasRoom(length); }
+  std::uint32_t position() const { return writing_->position(); }
+  std::uint32_t append(const EntryHeader& header, std::string_view bytes);
+
+  /// Counts an entry of an earlier process. Serialised by the owner.
+  void count(AppendLog::Sequence sequence, bool isReleased);
+
+  /// Keeps the file as long as this process lives.
+  void pin() { waiting_.fetch_add(1, std::memory_order_relaxed); }
+
+  /// Whether no entry waits any more and no number is above `settled`. Serialised with append().
+  bool isDone(AppendLog::Sequence settled) const {
+    return waiting_.load(std::memory_order_acquire) == 0 && last_ <= settled;
+  }
+
+  /// Reads the whole file, at most kSegmentBytes. Returns an error.
+  int readAll(std::string& bytes) const;
+
+  /// Reads one entry. Returns an error; EBADMSG for an entry that is damaged.
+  int read(std::uint32_t offset, std::string& bytes) const;
+
+  /// Marks an entry as released, once. Returns an error.
+  int release(std::uint32_t offset);
+
+  /// Makes the pages between `from`, where the next entry will lie, and `to` ready for appends. May wait for the disk.
+  /// One thread at a time.
+  void prepare(std::uint32_t from, std::uint32_t to);
+
+  /// Gives the memory back, once nothing is appended any more.
+  void unmap();
+
+  /// Waits until the disk has everything; without a system call when it has. Returns an error.
+  int flush();
+
+  /// Has the kernel begin to write, without waiting.
+  void startFlush() const;
+
+ private:
+  std::shared_ptr<MappedSegment> mapping() const;
+
+  const SegmentName name_;
+  const UniqueFd fd_;
+  mutable Mutex mutex_;
+  std::shared_ptr<MappedSegment> mapping_ KESU_GUARDED_BY(mutex_);
+  MappedSegment* writing_ = nullptr;  // The same, for appends: they take one mutex less.
+  AppendLog::Sequence last_ = 0;
+  std::uint32_t prepared_ = 0;  // Up to here every page was touched once.
+  std::atomic<std::uint32_t> waiting_{0};
+  std::atomic<bool> isDirty_{false};
+};
+
+}  // namespace kesu
