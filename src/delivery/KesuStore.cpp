@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::int64_t kMostFiles = 5000;  // Some 20 MB on a disk with blocks of 4 kB.
 
-/// Records have a few hundred bytes; a larger file was not written by this class.
+/// Records have a few hundred bytes; a larger file is neither written nor read.
 constexpr std::size_t kLargestFile = std::size_t{16} * 1024 * 1024;
 
 constexpr const char* kStoreSource = "KesuStore";
@@ -30,8 +30,12 @@ bool KesuStore::add(const Dictionary& record) {
   if (count == kMostFiles) {
     deleteFirstFile();
   }
-  const auto bytes = documentsDirectory().empty() ? std::nullopt : writePropertyList(record);
-  const bool written = bytes && files_.writeAtomically(newFileName(), *bytes).ok();
+  const auto bytes = documentsDirectory().empty() ? std::nullopt : writePropertyList(record, PropertyListForm::Escaped);
+  const bool fits = !bytes || bytes->size() <= kLargestFile;
+  if (!fits) {
+    KESU_LOG(0, "A record of more than %zu bytes cannot be stored and is lost.", kLargestFile);
+  }
+  const bool written = bytes && fits && files_.writeAtomically(newFileName(), *bytes).ok();
   defaults_.set(kNumberOfFilesDefault, count + 1);
   defaults_.synchronize();
   return written;
@@ -50,7 +54,7 @@ std::vector<std::string> KesuStore::storedFiles() {
 
 std::optional<Dictionary> KesuStore::recordToRepost(const std::string& path) {
   const FileContent content = files_.read(path, kLargestFile);
-  auto value = content.ok() ? parsePropertyList(content.bytes) : std::nullopt;
+  auto value = content.ok() ? parsePropertyList(content.bytes, PropertyListForm::Escaped) : std::nullopt;
   Dictionary* record = value ? value->dictionary() : nullptr;
   if (record == nullptr) {
     KESU_LOG(2, "No record can be read from %s", path.c_str());

@@ -50,6 +50,25 @@ TEST_F(StoreTest, GivesBackWhatItStored) {
   EXPECT_EQ(counter(), 1);
 }
 
+TEST_F(StoreTest, KeepsTextsThatXmlCannotRepresent) {
+  const std::string text("\0\x1b[0m\xEF\xBF\xBF\xEE\x80\x9B", 11);
+  EXPECT_TRUE(store.add({{"dest", "e"}, {text, text}, {"when", Date{1e12}}}));
+  const auto records = store.dictionariesToRepost();
+  ASSERT_EQ(records.size(), 1U);
+  EXPECT_EQ(*records[0].find(text), Value(text));
+  EXPECT_EQ(*records[0].find("when"), Value(Date{1e12}));
+}
+
+TEST_F(StoreTest, RefusesLoudlyWhatItCouldNotReadAgain) {
+  EXPECT_FALSE(store.add({{"text", std::string(std::size_t{16} << 20, 'x')}}));
+  EXPECT_TRUE(platform.files.paths().empty());
+  const auto logged = platform.log.takeLines();
+  ASSERT_EQ(logged.size(), 1U);
+  EXPECT_EQ(logged[0].level, 0);
+  EXPECT_TRUE(store.add({{"text", std::string((std::size_t{16} << 20) - 1000, 'x')}}));
+  EXPECT_EQ(store.dictionariesToRepost().size(), 1U);
+}
+
 TEST_F(StoreTest, CountsFailedWritesToo) {
   EXPECT_FALSE(store.add({{"n", Array{Null{}}}}));
   EXPECT_EQ(counter(), 1);

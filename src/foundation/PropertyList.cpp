@@ -11,6 +11,7 @@
 #include "foundation/Base64.h"
 #include "foundation/CivilTime.h"
 #include "foundation/NumberText.h"
+#include "foundation/PropertyListEscapes.h"
 #include "foundation/Text.h"
 
 namespace kesu {
@@ -20,6 +21,8 @@ constexpr std::string_view kHead =
     "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
     "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" \"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
     "<plist version=\"1.0\">\n";
+// Follows the head of a list with escapes. Texts cannot forge it: they come later, and have no "<".
+constexpr std::string_view kEscapesMark = "<!-- escapes: U+E01B and 4 hexadecimal digits, or @ and a date -->\n";
 constexpr std::string_view kFoot = "</plist>\n";
 constexpr std::string_view kInfinity = "+infinity";
 constexpr std::string_view kNegativeInfinity = "-infinity";
@@ -62,6 +65,7 @@ class XmlWriter {
 
   bool value(const Value& value, std::size_t depth);
   bool dictionary(const Dictionary& dictionary, std::size_t depth);
+  void markEscapes() { out_.append(kEscapesMark); }
 
  private:
   bool array(const Array& array, std::size_t depth);
@@ -202,6 +206,15 @@ std::optional<std::string> writeWhole(Write writeRoot) {
   }
   out.append(kFoot);
   return out;
+}
+
+// Escapes are rare: only a list that could not be written without them pays for a copy.
+std::optional<std::string> writeWithEscapes(const Value& value) {
+  const std::optional<Value> escaped = withEscapes(value);
+  return !escaped ? std::nullopt : writeWhole([&escaped](XmlWriter& writer) {
+    writer.markEscapes();
+    return writer.value(*escaped, 0);
+  });
 }
 
 std::optional<Value> readValue(pugi::xml_node node, std::size_t depth);
@@ -345,6 +358,10 @@ pugi::xml_node rootOf(const pugi::xml_document& document) {
   return root;
 }
 
+bool isMarked(std::string_view bytes) {
+  return bytes.starts_with(kHead) && bytes.substr(kHead.size()).starts_with(kEscapesMark);
+}
+
 bool isReadable(std::string_view bytes) {
   return bytes.size() <= kPropertyListSizeLimitBytes && bytes.find('\0') == std::string_view::npos &&
          isValidUtf8(bytes);
@@ -352,15 +369,17 @@ bool isReadable(std::string_view bytes) {
 
 }  // namespace
 
-std::optional<std::string> writePropertyList(const Value& value) {
-  return writeWhole([&value](XmlWriter& writer) { return writer.value(value, 0); });
+std::optional<std::string> writePropertyList(const Value& value, PropertyListForm form) {
+  auto list = writeWhole([&value](XmlWriter& writer) { return writer.value(value, 0); });
+  return list || form == PropertyListForm::Standard ? list : writeWithEscapes(value);
 }
 
-std::optional<std::string> writePropertyList(const Dictionary& dictionary) {
-  return writeWhole([&dictionary](XmlWriter& writer) { return writer.dictionary(dictionary, 0); });
+std::optional<std::string> writePropertyList(const Dictionary& dictionary, PropertyListForm form) {
+  auto list = writeWhole([&dictionary](XmlWriter& writer) { return writer.dictionary(dictionary, 0); });
+  return list || form == PropertyListForm::Standard ? list : writeWithEscapes(dictionary);
 }
 
-std::optional<Value> parsePropertyList(std::string_view bytes) {
+std::optional<Value> parsePropertyList(std::string_view bytes, PropertyListForm form) {
   // Texts of white space only count, and line ends stay as they are.
   constexpr unsigned kFlags =
       (pugi::parse_default | pugi::parse_ws_pcdata_single | pugi::parse_doctype) & ~pugi::parse_eol;
@@ -375,7 +394,11 @@ std::optional<Value> parsePropertyList(std::string_view bytes) {
   if (std::string_view(root.name()) != "plist" || !isAlone) {
     return std::nullopt;
   }
-  return readValue(content, 0);
+  std::optional<Value> value = readValue(content, 0);
+  if (value && form == PropertyListForm::Escaped && isMarked(bytes)) {
+    return withoutEscapes(*value);
+  }
+  return value;
 }
 
 }  // namespace kesu

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdio>
 #include <limits>
 #include <random>
 
@@ -130,6 +131,91 @@ TEST(PropertyListTest, WritesNothingWhenAnythingWouldBeLost) {
   }
   EXPECT_FALSE(writePropertyList(arraysWithin(100'000)));
   EXPECT_TRUE(writePropertyList(arraysWithin(512)));
+}
+
+constexpr const char* kIntroducer = "\xEE\x80\x9B";
+
+// Every character that needs an escape, beside some that look like one.
+std::vector<std::string> awkwardTexts() {
+  const std::string introducer = kIntroducer;
+  std::vector<std::string> texts = {"\xEF\xBF\xBE",
+                                    "\xEF\xBF\xBF",
+                                    introducer + '\x01',
+                                    introducer + introducer + "0001" + '\0',
+                                    introducer + "@1\x02",
+                                    '\x1b' + introducer + "e01b",
+                                    "a\r\n\t<&>\x7f\x0b\xC3\xA4\xF0\x9F\x98\x80\xEF\xBF\xBF]]>\x0c",
+                                    "<!-- \x08 -->"};
+  for (char control = 0; control < 0x20; ++control) {
+    if (control != '\t' && control != '\n' && control != '\r') {
+      texts.emplace_back(1, control);
+      texts.push_back(std::string("a") + control + "b" + control);
+    }
+  }
+  return texts;
+}
+
+TEST(PropertyListTest, EscapedFormKeepsWhatXmlCannotRepresent) {
+  std::vector<Value> values = {Date{1e12}, Date{-1e300}, Date{253402300800.25}, Date{HUGE_VAL}};
+  Dictionary keys;
+  for (const std::string& text : awkwardTexts()) {
+    values.emplace_back(text);
+    keys.set(text, text);
+  }
+  values.emplace_back(Dictionary{{"in", Array{Value(Array{"plain", keys, Date{1e12}})}}, {kIntroducer, "@1"}});
+  values.emplace_back(Array(values));
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    EXPECT_FALSE(writePropertyList(values[i])) << "value " << i;
+    const auto list = writePropertyList(values[i], PropertyListForm::Escaped);
+    ASSERT_TRUE(list) << "value " << i;
+    EXPECT_EQ(parsePropertyList(*list, PropertyListForm::Escaped), values[i]) << *list;
+    EXPECT_TRUE(parsePropertyList(*list)) << "any parser can read it: " << *list;
+  }
+  const auto notANumber = writePropertyList(Date{std::nan("")}, PropertyListForm::Escaped);
+  const auto parsed = parsePropertyList(notANumber.value(), PropertyListForm::Escaped);
+  EXPECT_TRUE(parsed && parsed->date() && std::isnan(parsed->date()->secondsSince1970));
+}
+
+TEST(PropertyListTest, EscapedFormChangesNothingElse) {
+  const std::string introducer = kIntroducer;
+  for (const std::string& text : {introducer, introducer + "0001", introducer + "e01b", introducer + "@1"}) {
+    const Value value(Dictionary{{text, text}, {"all", everyKind()}});
+    const auto list = writePropertyList(value);
+    ASSERT_TRUE(list);
+    EXPECT_EQ(writePropertyList(value, PropertyListForm::Escaped), list);
+    EXPECT_EQ(parsePropertyList(*list, PropertyListForm::Escaped), value) << "files without the mark read as before";
+  }
+  const std::string marked = writePropertyList("a\x01", PropertyListForm::Escaped).value();
+  EXPECT_EQ(parsePropertyList(marked), Value("a" + introducer + "0001")) << "a foreign list is read as it stands";
+  for (const Value& value : {Value(Null{}), Value("\xFF\x01"), Value("\xED\xA0\x80"), arraysWithin(100'000)}) {
+    EXPECT_FALSE(writePropertyList(value, PropertyListForm::Escaped));
+  }
+}
+
+TEST(PropertyListTest, EscapedFormRefusesMalformedEscapes) {
+  const std::string marked = writePropertyList(Array{"\x01"}, PropertyListForm::Escaped).value();
+  const std::size_t digits = marked.find("0001");
+  for (const char* bad : {"", "0", "000", "000x", "0041", "d800", "-001", "@", "@1x", "@ 1", "+001", "0009", "  01"}) {
+    EXPECT_FALSE(parsePropertyList(std::string(marked).replace(digits, 4, bad), PropertyListForm::Escaped)) << bad;
+  }
+  EXPECT_EQ(parsePropertyList(std::string(marked).replace(digits, 4, "@-5"), PropertyListForm::Escaped),
+            Value(Array{Date{-5}}));
+}
+
+TEST(PropertyListTest, OtherParsersReadEscapedLists) {
+  FILE* parser = ::popen(
+      "command -v python3 >/dev/null || { cat >/dev/null; exit 77; }; "
+      "exec python3 -c 'import plistlib, sys; p = plistlib.loads(sys.stdin.buffer.read()); "
+      "sys.exit(p != {\"a\": [\"\\ue01b0000\", 1], \"\\ue01bffff\": \"\\ue01b@1e+20\"})'",
+      "w");
+  ASSERT_NE(parser, nullptr);
+  const Dictionary record{{"a", Array{std::string(1, '\0'), 1}}, {"\xEF\xBF\xBF", Date{1e20}}};
+  std::fputs(writePropertyList(record, PropertyListForm::Escaped).value().c_str(), parser);
+  const int status = ::pclose(parser);
+  if (status == 77 << 8) {
+    GTEST_SKIP() << "python3 is missing";
+  }
+  EXPECT_EQ(status, 0);
 }
 
 TEST(PropertyListTest, ReadsWhatOtherProgramsWrite) {
