@@ -18,7 +18,8 @@ struct Client {
   testing::ScopedPlatform platform;
   DeploymentSettings settings{platform.bundle};
   KesuStore store{platform.files, platform.defaults, platform.clock};
-  KesuPost post{platform.http, platform.defaults, platform.clock, settings, store};
+  Outbox outbox{platform.outbox, platform.defaults, platform.background, platform.clock, platform.random};
+  KesuPost post{platform.http, outbox, platform.background, platform.clock, settings, store};
   KesuInAppMessagesRequester requester{platform.http, platform.defaults, platform.clock, settings, post};
   KesuInbox inbox{platform.defaults, requester};
   int told = 0;

@@ -40,7 +40,10 @@ class FlowTest : public ::testing::Test {
 
   Dictionary change(char state, const ScreenKey& screen = kMain) {
     Dictionary record;
-    flow->screenFlowHandler(state, screen, record);
+    DefaultsChanges changes;
+    flow->screenFlowHandler(state, screen, record, changes);
+    platform.defaults.apply(changes);
+    platform.defaults.synchronize();
     return record;
   }
 
@@ -73,20 +76,27 @@ class ManagerTest : public FlowTest {
 
   /// Initialises the library; again, as the next process does.
   void initialize() {
-    if (manager->isSDKInitialized()) {
-      manager.reset();
-      manager = newManager();
+    if (library->manager.isSDKInitialized()) {
+      endProcess();
+      library = std::make_unique<Library>(*this);
     }
-    manager->initializeWithKey("key");
+    library->manager.initializeWithKey("key");
     platform.log.takeLines();
+  }
+
+  /// Destroys the library with what is queued and on its way. Log and disk stay.
+  void endProcess() {
+    library.reset();
+    platform.background.discardAll();
+    platform.http.discardPending();
   }
 
   void launch() { notify(kApplicationDidFinishLaunchingNotification); }
   void enterBackground() { notify(kApplicationDidEnterBackgroundNotification); }
   void enterForeground() { notify(kApplicationWillEnterForegroundNotification); }
   void terminate() { notify(kApplicationWillTerminateNotification); }
-  void appear(const ScreenKey& screen) { manager->stateChanges().screenChanged(kStateAppeared, screen); }
-  void disappear(const ScreenKey& screen) { manager->stateChanges().screenChanged(kStateDisappeared, screen); }
+  void appear(const ScreenKey& screen) { library->manager.stateChanges().screenChanged(kStateAppeared, screen); }
+  void disappear(const ScreenKey& screen) { library->manager.stateChanges().screenChanged(kStateDisappeared, screen); }
   void notify(std::string_view name) { platform.notifications.post(name); }
 
   /// The records since the last call: the destination and the body.
@@ -119,18 +129,26 @@ class ManagerTest : public FlowTest {
     return letters;
   }
 
+  struct Library {
+    explicit Library(ManagerTest& test)
+        : outbox(test.platform.outbox, test.platform.defaults, test.platform.background, test.platform.clock,
+                 test.platform.random),
+          post(test.platform.http, outbox, test.platform.background, test.platform.clock, test.settings, test.store),
+          resendPass(test.store, post, outbox, test.platform.files, test.platform.background, test.platform.clock),
+          manager(test.platform.platform, test.settings, test.metrics, outbox, post, resendPass,
+                  [&test] { return test.top; }) {}
+
+    Outbox outbox;
+    KesuPost post;
+    ResendPass resendPass;
+    KesuManager manager;
+  };
+
   std::optional<ScreenKey> top = kMain;
   KesuStore store{platform.files, platform.defaults, platform.clock};
-  KesuPost post{platform.http, platform.defaults, platform.clock, settings, store};
-  ResendPass resendPass{store, post, platform.mainLoop, platform.clock};
-  std::unique_ptr<KesuManager> manager = newManager();
+  std::unique_ptr<Library> library = std::make_unique<Library>(*this);
 
  private:
-  std::unique_ptr<KesuManager> newManager() {
-    return std::make_unique<KesuManager>(platform.platform, settings, metrics, post, resendPass,
-                                         [this] { return top; });
-  }
-
   std::size_t taken_ = 0;
 };
 

@@ -16,6 +16,7 @@
 #include "platform/linux/defaults/LinuxUserDefaults.h"
 #include "platform/linux/files/LinuxFiles.h"
 #include "platform/linux/http/LinuxHttpClient.h"
+#include "platform/linux/outbox/LinuxAppendLog.h"
 #include "platform/linux/reachability/LinuxReachabilitySource.h"
 #include "testing/FakeBundle.h"
 #include "testing/FakeDeviceFacts.h"
@@ -30,7 +31,10 @@ namespace kesu::testing {
 class RealPlatform {
  public:
   RealPlatform(const std::string& home, const std::string& collectorUrl, LinuxHttpClientOptions options = {})
-      : files(home), defaults(files.preferencesDirectory()), http(mainLoop, std::move(options)) {
+      : files(home),
+        defaults(files.preferencesDirectory()),
+        outbox(files.outboxDirectory()),
+        http(mainLoop, std::move(options)) {
     bundle.dictionary = {{"KesuOverrideServer", collectorUrl}, {"CFBundleShortVersionString", "1.0"}};
     http.setConnectObserver([this](const std::string& host, int port, bool connected) {
       reachability.connectionObserved(host, port, connected);
@@ -88,6 +92,7 @@ class RealPlatform {
   LinuxRandom random;
   LinuxFiles files;
   LinuxUserDefaults defaults;
+  LinuxAppendLog outbox;
   LinuxMainLoop mainLoop;
   LinuxHttpClient http;
   LinuxBackgroundQueue background;
@@ -99,8 +104,8 @@ class RealPlatform {
   RecordingLog log;
   RecordingUrlOpener urlOpener;
   NotificationCenter notifications;
-  Platform platform{clock,  random, files,        defaults, http, mainLoop,  background,   imageWorker,
-                    locale, bundle, reachability, device,   log,  urlOpener, notifications};
+  Platform platform{clock,       random, files,  defaults,     outbox, http, mainLoop,  background,
+                    imageWorker, locale, bundle, reachability, device, log,  urlOpener, notifications};
 };
 
 }  // namespace kesu::testing

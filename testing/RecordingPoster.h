@@ -25,21 +25,31 @@ class RecordingPoster final : public EventPoster {
   RecordingPoster& operator=(const RecordingPoster&) = delete;
 
   bool isSDKInitialized() override { return initialized; }
-  void updateEvent(const std::string& name) override { flow.push_back(name); }
   void updateScreenFlowForScenes(const std::string& name, double seconds) override {
     scenes.emplace_back(name, seconds);
   }
-  void postAppEvent(Dictionary record) override { posted.emplace_back('e', std::move(record)); }
-  void postAppEventToTableM(Dictionary record) override { posted.emplace_back('m', std::move(record)); }
-  void postAppEventToTableU(Dictionary record) override { posted.emplace_back('u', std::move(record)); }
-  void postActivationTrait(Dictionary record) override { posted.emplace_back('t', std::move(record)); }
+  void postAppEvent(const Attributes& attributes, const Object& name) override { keep('e', attributes, name); }
+  void postAppEventToTableM(const Attributes& attributes, const Object& name) override { keep('m', attributes, name); }
+  void postAppEventToTableU(const Attributes& attributes) override { posted.emplace_back('u', attributes); }
+  void postActivationTrait(const Attributes& attributes) override { posted.emplace_back('t', attributes); }
 
   bool initialized = true;                             ///< Whether the library has its key.
-  std::vector<std::string> flow;                       ///< Names that were appended to the event flow.
+  std::vector<std::string> flow;                       ///< Names that belong to the event flow.
   std::vector<std::pair<std::string, double>> scenes;  ///< Scenes and the seconds spent on them.
   std::vector<std::pair<char, Dictionary>> posted;     ///< The destination letter and the record.
 
  private:
+  void keep(char table, Dictionary record, const Object& name) {
+    record.remove("~e");
+    if (name) {
+      record.set("~e", *name);
+    }
+    if (name && name->text() != nullptr && !name->text()->empty()) {
+      flow.push_back(*name->text());
+    }
+    posted.emplace_back(table, std::move(record));
+  }
+
   static inline RecordingPoster* current_ = nullptr;
   EventPoster::Provider before_ = nullptr;
 };

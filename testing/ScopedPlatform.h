@@ -2,6 +2,7 @@
 
 #include <kesu/platform/Platform.h>
 
+#include "testing/FakeAppendLog.h"
 #include "testing/FakeBundle.h"
 #include "testing/FakeDeviceFacts.h"
 #include "testing/FakeFiles.h"
@@ -40,6 +41,7 @@ class ScopedPlatform {
   SequentialRandom random;
   FakeFiles files;
   FakeUserDefaults defaults;
+  FakeAppendLog outbox;
   ManualMainLoop mainLoop{clock};
   FakeHttpClient http{mainLoop};
   ManualBackgroundQueue background;
@@ -51,8 +53,8 @@ class ScopedPlatform {
   RecordingLog log;
   RecordingUrlOpener urlOpener;
   NotificationCenter notifications;
-  Platform platform{clock,  random, files,        defaults, http, mainLoop,  background,   imageWorker,
-                    locale, bundle, reachability, device,   log,  urlOpener, notifications};
+  Platform platform{clock,       random, files,  defaults,     outbox, http, mainLoop,  background,
+                    imageWorker, locale, bundle, reachability, device, log,  urlOpener, notifications};
 };
 
 }  // namespace kesu::testing

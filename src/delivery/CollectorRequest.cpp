@@ -4,7 +4,6 @@
 
 #include "foundation/Describe.h"
 #include "foundation/NumberText.h"
-#include "records/DefaultsKeys.h"
 #include "records/RecordKeys.h"
 #include "records/Versions.h"
 #include "services/ServiceRequest.h"
@@ -54,28 +53,11 @@ Dictionary collectorBody(const Dictionary& record, double sentAt) {
     }
   }
   body.set(k_AgentSentEpoch, milliseconds(sentAt));
+  const std::string* interruptedAt = record.findText(k_CrashedOrForcedQuitTimestamp);
+  if (interruptedAt != nullptr && !interruptedAt->empty()) {
+    body.set(k_AgentCollectionEpoch, *interruptedAt);
+  }
   return body;
-}
-
-void stampInterruptedRun(Dictionary& body, UserDefaults& defaults) {
-  const std::string* interruptedAt = body.findText(k_CrashedOrForcedQuitTimestamp);
-  if (interruptedAt == nullptr || interruptedAt->empty()) {
-    return;
-  }
-  body.set(k_AgentCollectionEpoch, *interruptedAt);
-  defaults.set(k_CrashedOrForcedQuitTimestamp, "");
-  const std::pair<std::string_view, std::string_view> versions[] = {
-      {kFlowOsVersionDefault, k_OsVersion},
-      {kFlowShortVersionDefault, k_CFBundleShortVersionString},
-      {kFlowBundleVersionDefault, k_CFBundleVersion}};
-  for (const auto& [source, column] : versions) {
-    // Kept: an empty text counts as a version and is copied, too.
-    if (auto version = defaults.get(source)) {
-      body.set(column, std::move(*version));
-      defaults.set(source, "");
-    }
-  }
-  defaults.synchronize();
 }
 
 std::optional<HttpRequest> collectorRequest(const Dictionary& body, const std::string& destination,

@@ -2,7 +2,6 @@
 
 #include <kesu/foundation/Value.h>
 #include <kesu/platform/HttpClient.h>
-#include <kesu/platform/UserDefaults.h>
 
 #include <optional>
 #include <string>
@@ -13,12 +12,9 @@ namespace kesu {
 void optimizeDictionary(Dictionary& record);
 
 /// Returns the body of a collector request: every entry of the record except "dest" and "fnk", unsupported top-level
-/// values as their description (one level-0 log line each), and "ase" = `sentAt` in milliseconds since 1970.
+/// values as their description (one level-0 log line each), and "ase" = `sentAt` in milliseconds since 1970. A record
+/// that reports an interrupted run (a non-empty "~cfqt") gets that time as "ace".
 Dictionary collectorBody(const Dictionary& record, double sentAt);
-
-/// Marks the body of a record that reports an interrupted run (a non-empty "~cfqt"): "ace" becomes that time, and the
-/// versions under which the run happened move from the defaults into "ov", "av" and "rv". Does nothing for others.
-void stampInterruptedRun(Dictionary& body, UserDefaults& defaults);
 
 /// Returns the request that carries `body` to the collector at `url`, with the destination in header "t"; nothing when
 /// the body cannot be JSON (see jsonRequest).

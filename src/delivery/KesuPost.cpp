@@ -31,40 +31,82 @@ std::string KesuPost::postURL(const std::string& /*destination*/) {
   return endpoint_;
 }
 
-std::optional<HttpRequest> KesuPost::requestFromDictionary(const Dictionary& record) {
-  Dictionary body = collectorBody(record, clock_.now());
-  stampInterruptedRun(body, defaults_);
+std::optional<HttpRequest> KesuPost::requestFromDictionary(Dictionary& record) {
+  optimizeDictionary(record);
+  const Dictionary body = collectorBody(record, clock_.now());
   const std::string* named = record.findText(k_destinationKeyInDictionary);
   const std::string destination = named != nullptr ? *named : std::string(kUnknownDestination);
   return collectorRequest(body, destination, postURL(destination));
 }
 
-void KesuPost::postInternal(Dictionary record, PostKind kind) {
-  optimizeDictionary(record);
+void KesuPost::send(Dictionary record, const Outbox::Ticket& ticket) {
   auto request = requestFromDictionary(record);
   if (!request) {
+    outbox_.finish(ticket);
     return;
   }
-  // The record, not the body: what is stored is completed again when it is re-sent ("ase", interrupted run).
-  http_.send(std::move(*request),
-             [this, record = std::move(record), kind](const HttpReply& reply) { finish(record, kind, reply); });
+  // The record, not the body: what is stored is completed again when it is re-sent ("ase").
+  http_.sendInBackground(std::move(*request),
+                         [this, record = std::move(record), ticket](const HttpReply& reply) mutable {
+                           finish(std::move(record), ticket, reply);
+                         });
 }
 
-void KesuPost::finish(const Dictionary& record, PostKind kind, const HttpReply& reply) {
-  switch (actionAfter(kind, reply)) {
-    case PostAction::None:
-      return;
-    case PostAction::StoreRecord:
-      if (!store_.add(record)) {  // Lost: there is neither a collector nor a disk to give it to.
-        KESU_LOG_AT(3, kPostSource, 177, "Error writing dictionary to disk %s", describe(record).c_str());
-      }
-      return;
-    case PostAction::DeleteFile:
-      if (const std::string* name = record.findText(k_keyFilename)) {
-        store_.deleteFile(*name);
-      }
-      return;
+void KesuPost::finish(Dictionary record, const Outbox::Ticket& ticket, const HttpReply& reply) {
+  if (actionAfter(PostKind::First, reply) == PostAction::None) {
+    outbox_.finish(ticket);
+    if (isDelivered(reply)) {
+      observe(FirstAttempt::Delivered);
+    }
+  } else if (ticket.isLogged && reply.error == HttpError::Cancelled) {
+    outbox_.leave();
+  } else {
+    background_.post([this, record = std::move(record), ticket] { store(record, ticket); });
   }
+}
+
+void KesuPost::store(const Dictionary& record, const Outbox::Ticket& ticket) {
+  if (ticket.isLogged && outbox_.isEnding()) {  // The end of a process has no time for a file per record.
+    outbox_.leave();
+    return;
+  }
+  if (store_.add(record)) {
+    isStoreFailing_ = false;
+    outbox_.finish(ticket);
+    observe(FirstAttempt::Stored);
+    return;
+  }
+  KESU_LOG_AT(3, kPostSource, 177, "Error writing dictionary to disk %s", describe(record).c_str());
+  if (!std::exchange(isStoreFailing_, true)) {
+    KESU_LOG(0, "Undelivered records cannot be stored at the moment; they are tried again later");
+  }
+  outbox_.park(ticket);
+}
+
+void KesuPost::observe(FirstAttempt end) {
+  if (observer_) {
+    observer_(end);
+  }
+}
+
+void KesuPost::repost(Dictionary record, std::function<void(bool isDelivered)> ended) {
+  auto request = requestFromDictionary(record);
+  if (!request) {
+    ended(false);
+    return;
+  }
+  const std::string* file = record.findText(k_keyFilename);
+  http_.sendInBackground(std::move(*request), [this, file = file != nullptr ? *file : std::string(),
+                                               ended = std::move(ended)](const HttpReply& reply) {
+    if (actionAfter(PostKind::Resend, reply) != PostAction::DeleteFile) {
+      ended(false);
+      return;
+    }
+    background_.post([this, file, ended] {
+      store_.deleteFile(file);
+      ended(true);
+    });
+  });
 }
 
 }  // namespace kesu

@@ -1,36 +1,54 @@
 #pragma once
 
 #include <kesu/foundation/Value.h>
+#include <kesu/platform/BackgroundQueue.h>
 #include <kesu/platform/Clock.h>
 #include <kesu/platform/HttpClient.h>
-#include <kesu/platform/UserDefaults.h>
 
+#include <atomic>
+#include <functional>
 #include <optional>
 #include <string>
 
 #include "delivery/KesuStore.h"
 #include "delivery/PostOutcome.h"
 #include "foundation/Mutex.h"
+#include "outbox/Outbox.h"
 #include "services/DeploymentSettings.h"
 
 namespace kesu {
 
 /// Sends records to the collector, one request per record: the only place where they leave the device.
 ///
-/// post() and repost() build the request on the caller's thread (any) and return. Replies are handled on the main loop,
-/// where store files are written and deleted.
+/// The background queue builds the requests, and writes and deletes the files that follow from their outcome; the main
+/// loop has no part in it.
 class KesuPost {
  public:
-  KesuPost(HttpClient& http, UserDefaults& defaults, Clock& clock, DeploymentSettings& settings, KesuStore& store)
-      : http_(http), defaults_(defaults), clock_(clock), settings_(settings), store_(store) {}
+  /// The end of a first attempt.
+  enum class FirstAttempt {
+    Delivered,  ///< The collector has the record.
+    Stored      ///< It is in the store, for a later pass.
+  };
 
-  /// Sends a record for the first time. Stores it if it cannot be delivered; drops it if the collector refuses it for
-  /// good (400, 403); neither sends nor stores what cannot be written as JSON. [KesuPost post:]
-  void post(Dictionary record) { postInternal(std::move(record), PostKind::First); }
+  KesuPost(HttpClient& http, Outbox& outbox, BackgroundQueue& background, Clock& clock, DeploymentSettings& settings,
+           KesuStore& store)
+      : http_(http), outbox_(outbox), background_(background), clock_(clock), settings_(settings), store_(store) {}
+
+  /// Takes a complete record; it is sent in its turn. Any thread. [KesuPost post:]
+  void post(const Dictionary& record) { outbox_.add({}, record); }
+
+  /// Sends a record that the outbox has handed out, and gives it back with the outcome: stored if it cannot be
+  /// delivered; dropped if the collector refuses it for good (400, 403) or if it cannot be written as JSON. One that
+  /// can be neither delivered nor stored waits in the outbox. Background queue.
+  void send(Dictionary record, const Outbox::Ticket& ticket);
 
   /// Sends a stored record again, which carries its file name under "fnk". A 2xx reply deletes the file, any other
-  /// outcome leaves it for the next pass. [KesuPost repost:]
-  void repost(Dictionary record) { postInternal(std::move(record), PostKind::Resend); }
+  /// outcome leaves it for the next pass. `ended` is called once, with whether it was delivered, on any thread.
+  /// Background queue. [KesuPost repost:]
+  void repost(Dictionary record, std::function<void(bool isDelivered)> ended);
+
+  /// Sets the one observer of first attempts, called on any thread. Before the first record is sent.
+  void setObserver(std::function<void(FirstAttempt)> observer) { observer_ = std::move(observer); }
 
   /// Returns "10-i-3.2.3", the value of header "v". [KesuPost FullVersionHeader]
   static const std::string& FullVersionHeader();
@@ -42,15 +60,19 @@ class KesuPost {
   std::string postURL(const std::string& destination);
 
  private:
-  void postInternal(Dictionary record, PostKind kind);
-  std::optional<HttpRequest> requestFromDictionary(const Dictionary& record);
-  void finish(const Dictionary& record, PostKind kind, const HttpReply& reply);
+  std::optional<HttpRequest> requestFromDictionary(Dictionary& record);
+  void finish(Dictionary record, const Outbox::Ticket& ticket, const HttpReply& reply);
+  void store(const Dictionary& record, const Outbox::Ticket& ticket);
+  void observe(FirstAttempt end);
 
   HttpClient& http_;
-  UserDefaults& defaults_;
+  Outbox& outbox_;
+  BackgroundQueue& background_;
   Clock& clock_;
   DeploymentSettings& settings_;
   KesuStore& store_;
+  std::function<void(FirstAttempt)> observer_;
+  bool isStoreFailing_ = false;  // Background queue only.
 
   Mutex endpointMutex_;
   std::string endpoint_ KESU_GUARDED_BY(endpointMutex_);

@@ -2,35 +2,18 @@
 
 #include <gtest/gtest.h>
 
-#include "foundation/Json.h"
-#include "support/KesuPriorityLogger.h"
-#include "testing/ScopedPlatform.h"
+#include <limits>
+
+#include "testing/DeliveryTest.h"
 
 namespace kesu {
 namespace {
 
-class PostTest : public ::testing::Test {
- protected:
-  PostTest() { platform.clock.set(1489579320.1239); }
-  ~PostTest() override { KesuPriorityLogger::sharedLogger().setLogLevel(0); }
-
-  /// The body of the i-th request, as it was sent.
-  Dictionary body(std::size_t i) { return *parseJson(platform.http.request(i).body)->dictionary(); }
-
-  void answer(std::size_t i, int status) {
-    platform.http.answer(i, status);
-    platform.settle();
-  }
-
-  testing::ScopedPlatform platform;
-  DeploymentSettings settings{platform.bundle};
-  KesuStore store{platform.files, platform.defaults, platform.clock};
-  KesuPost post{platform.http, platform.defaults, platform.clock, settings, store};
-};
+using PostTest = testing::DeliveryTest;
 
 TEST_F(PostTest, SendsOneCompactJsonRequestPerRecord) {
   platform.bundle.dictionary.set("KesuOverrideServer", "http://127.0.0.1:8470/collect?x=1");
-  post.post({{"dest", "e"}, {"~e", "Start"}, {"fnk", "x"}, {"empty", ""}, {"null", Null{}}, {"n", 3}, {"flag", true}});
+  send({{"dest", "e"}, {"~e", "Start"}, {"fnk", "x"}, {"empty", ""}, {"null", Null{}}, {"n", 3}, {"flag", true}});
   const HttpRequest sent = platform.http.request(0);
   EXPECT_EQ(sent.method, "POST");
   EXPECT_EQ(sent.url, "http://127.0.0.1:8470/collect?x=1");
@@ -56,14 +39,14 @@ TEST_F(PostTest, KeepsTheFirstEndpointAndNamesItOnce) {
 }
 
 TEST_F(PostTest, DescribesUnsupportedValuesAtTheTopOnly) {
-  post.post({{"when", Date{1489579320.0}}, {"bytes", Data{1, 2, 3, 4, 5}}});
+  send({{"when", Date{1489579320.0}}, {"bytes", Data{1, 2, 3, 4, 5}}});
   EXPECT_EQ(*body(0).find("when"), Value("2017-03-15 12:02:00 +0000"));
   EXPECT_EQ(*body(0).find("bytes"), Value("<01020304 05>"));
   EXPECT_EQ(platform.http.request(0).headers[0].second, "UnknownDestination");
   const auto lines = platform.log.takeLines();
   ASSERT_EQ(lines.size(), 2U);
   EXPECT_EQ(lines[0].text, "Unsupported class being passed to NSDictionary, and which is 2017-03-15 12:02:00 +0000");
-  post.post({{"list", Array{Date{}}}});
+  send({{"list", Array{Date{}}}});
   EXPECT_EQ(platform.http.requestCount(), 1U) << "a date inside an array cannot be sent";
   EXPECT_TRUE(platform.log.takeLines().empty());
 }
@@ -82,7 +65,7 @@ TEST_F(PostTest, RefusesWhatJsonCannotCarry) {
               {{{"\xc3", "bad key"}}, 1},
               {{{"deep", deep}}, 1}};
   for (const auto& row : rows) {
-    post.post(row.record);
+    send(row.record);
     EXPECT_EQ(platform.log.takeLines().size(), row.logLines);
   }
   platform.settle();
@@ -90,26 +73,18 @@ TEST_F(PostTest, RefusesWhatJsonCannotCarry) {
   EXPECT_TRUE(platform.files.paths().empty());
 }
 
-TEST_F(PostTest, StampsTheRecordOfAnInterruptedRunOnce) {
-  platform.defaults.set("~cfqt", "1489579200000");
-  platform.defaults.set("~sfosVersion", "11");
-  platform.defaults.set("~sfappbundleShortVersion", "");
-  const Dictionary record = {{"ace", "1"}, {"ov", "12"}, {"av", "2.0"}, {"rv", "20"}, {"~cfqt", "1489579200000"}};
-  post.post(record);
-  const Dictionary stamped = {
-      {"ace", "1489579200000"}, {"ov", "11"}, {"av", ""}, {"rv", "20"}, {"~cfqt", "1489579200000"},
-      {"ase", "1489579320123"}};
-  EXPECT_EQ(body(0), stamped);
-  EXPECT_EQ(platform.defaults.keptOnDisk(),
-            (Dictionary{{"~cfqt", ""}, {"~sfosVersion", ""}, {"~sfappbundleShortVersion", ""}}));
-  post.post(record);
-  EXPECT_EQ(*body(1).find("ov"), Value("")) << "blanked versions count as versions";
-  post.post({{"ace", "1"}, {"~cfqt", ""}});
-  EXPECT_EQ(*body(2).find("ace"), Value("1"));
+TEST_F(PostTest, DatesTheRecordOfAnInterruptedRunByTheRun) {
+  send({{"ace", "1"}, {"av", "2.0"}, {"~cfqt", "1489579200000"}});
+  send({{"ace", "1"}, {"~cfqt", ""}});
+  EXPECT_EQ(body(0), (Dictionary{{"ace", "1489579200000"},
+                                 {"av", "2.0"},
+                                 {"~cfqt", "1489579200000"},
+                                 {"ase", "1489579320123"}}));
+  EXPECT_EQ(*body(1).find("ace"), Value("1"));
 }
 
 TEST_F(PostTest, StoresAFailedFirstAttempt) {
-  post.post({{"dest", "e"}, {"n", 1}, {"null", Null{}}});
+  send({{"dest", "e"}, {"n", 1}, {"null", Null{}}});
   answer(0, 500);
   ASSERT_EQ(store.dictionariesToRepost().size(), 1U);
   const Dictionary stored = store.dictionariesToRepost()[0];
@@ -121,21 +96,58 @@ TEST_F(PostTest, StoresAFailedFirstAttempt) {
 TEST_F(PostTest, DeletesTheFileOfADeliveredRecordOnly) {
   store.add({{"dest", "e"}, {"n", 1}});
   const Dictionary stored = store.dictionariesToRepost().at(0);
-  post.repost(stored);
+  std::vector<bool> ends;
+  const auto ended = [&ends](bool isDelivered) { ends.push_back(isDelivered); };
+  post.repost(stored, ended);
   answer(0, 403);
   EXPECT_EQ(store.storedFiles().size(), 1U);
-  post.repost(stored);
+  post.repost(stored, ended);
   answer(1, 200);
   EXPECT_TRUE(store.storedFiles().empty());
+  EXPECT_EQ(ends, (std::vector<bool>{false, true}));
 }
 
 TEST_F(PostTest, LogsWhatCannotBeStored) {
   KesuPriorityLogger::sharedLogger().setLogLevel(3);
-  post.post({{"list", Array{Null{}}}});
+  send({{"list", Array{Null{}}}});
   answer(0, 500);
   const auto lines = platform.log.takeLines();
-  ASSERT_EQ(lines.size(), 1U);
+  ASSERT_EQ(lines.size(), 2U);
   EXPECT_TRUE(lines[0].text.starts_with("[KesuPost:177]Error writing dictionary to disk ")) << lines[0].text;
+  EXPECT_EQ(lines[1].level, 0);
+}
+
+TEST_F(PostTest, EndsALoggedRecordByItsOutcome) {
+  const struct {
+    HttpReply reply;
+    std::size_t open;
+    std::size_t files;
+  } rows[] = {{testing::FakeHttpClient::reply(204), 0, 0},
+              {testing::FakeHttpClient::reply(400), 0, 0},
+              {testing::FakeHttpClient::reply(500), 0, 1},
+              {testing::FakeHttpClient::failure(HttpError::TimedOut), 0, 2},
+              {testing::FakeHttpClient::failure(HttpError::Cancelled), 1, 2}};
+  for (const auto& row : rows) {
+    platform.clock.advance(0.001);
+    send({{"dest", "e"}});
+    EXPECT_EQ(platform.outbox.openCount(), 1U);
+    platform.http.answer(platform.http.requestCount() - 1, row.reply);
+    platform.settle();
+    EXPECT_EQ(platform.outbox.openCount(), row.open);
+    EXPECT_EQ(store.storedFiles().size(), row.files);
+  }
+}
+
+TEST_F(PostTest, WritesNoFileOfALoggedRecordWhileTheProcessEnds) {
+  send({{"dest", "e"}, {"n", 1}});
+  platform.outbox.refuse(true);
+  send({{"dest", "e"}, {"n", 2}});
+  outbox.beginEnd();
+  platform.http.failAll(HttpError::CannotConnect);
+  platform.settle();
+  EXPECT_EQ(platform.outbox.openCount(), 1U);
+  ASSERT_EQ(store.dictionariesToRepost().size(), 1U) << "the log did not take this one";
+  EXPECT_EQ(*store.dictionariesToRepost()[0].find("n"), Value(2));
 }
 
 }  // namespace

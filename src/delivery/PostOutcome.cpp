@@ -17,12 +17,14 @@ bool isRefusedForGood(int status) {
 
 }  // namespace
 
+bool isDelivered(const HttpReply& reply) {
+  return reply.error == HttpError::None && isSuccess(reply.status);
+}
+
 PostAction actionAfter(PostKind kind, const HttpReply& reply) {
   switch (kind) {
-    case PostKind::First: {
-      const bool failed = reply.error != HttpError::None || !isSuccess(reply.status);
-      return failed && !isRefusedForGood(reply.status) ? PostAction::StoreRecord : PostAction::None;
-    }
+    case PostKind::First:
+      return isDelivered(reply) || isRefusedForGood(reply.status) ? PostAction::None : PostAction::StoreRecord;
     case PostKind::Resend:
       return reply.body.has_value() && isSuccess(reply.status) ? PostAction::DeleteFile : PostAction::None;
   }

@@ -24,4 +24,7 @@ enum class PostAction {
 /// wrong, and a refused re-send keeps its file.
 PostAction actionAfter(PostKind kind, const HttpReply& reply);
 
+/// Whether the collector has taken the record: a 2xx reply without error. Pure.
+bool isDelivered(const HttpReply& reply);
+
 }  // namespace kesu

@@ -1,5 +1,6 @@
 #include "delivery/ResendPass.h"
 
+#include <atomic>
 #include <utility>
 
 #include "support/KesuPriorityLogger.h"
@@ -7,10 +8,26 @@
 namespace kesu {
 namespace {
 
-constexpr double kSliceSeconds = 0.002;  // An eighth of a frame at 60 frames per second.
+constexpr double kSliceSeconds = 0.002;  // What a record posted meanwhile waits at most.
 constexpr const char* kManagerSource = "KesuManager";
+constexpr const char* kLockName = ".kesu-resend.lock";  // Hidden: no store file, and no document of the host.
 
 }  // namespace
+
+/// One pass. Shared by its slices and its requests.
+struct ResendPass::Pass {
+  std::vector<std::string> paths;
+  std::shared_ptr<FileLock> lock;
+  std::size_t next = 0;
+  std::atomic<std::size_t> open{1};  ///< Requests without outcome, and one for the pass itself until all are sent.
+  std::atomic<bool> isAllDelivered{true};
+};
+
+ResendPass::ResendPass(KesuStore& store, KesuPost& post, Outbox& outbox, Files& files, BackgroundQueue& background,
+                       Clock& clock)
+    : store_(store), post_(post), outbox_(outbox), files_(files), background_(background), clock_(clock) {
+  post_.setObserver([this](KesuPost::FirstAttempt end) { observe(end); });
+}
 
 void ResendPass::start(NetworkStatus status) {
   switch (status) {
@@ -24,22 +41,89 @@ void ResendPass::start(NetworkStatus status) {
       KESU_LOG_AT(3, kManagerSource, 1951, "**** Not Reachable ****");
       return;
   }
-  sendSlice(store_.storedFiles(), 0);
+  request();
 }
 
-void ResendPass::sendSlice(std::vector<std::string> paths, std::size_t next) {
-  const double end = clock_.monotonic() + kSliceSeconds;
-  while (next < paths.size()) {
-    if (auto record = store_.recordToRepost(paths[next])) {
-      post_.repost(std::move(*record));
-    }
-    ++next;
-    if (clock_.monotonic() >= end && next < paths.size()) {
-      // A timer, not a task: an orderly end runs tasks to the last but no timers, and what is stored stays stored.
-      mainLoop_.schedule(0.0, false,
-                         [this, paths = std::move(paths), next]() mutable { sendSlice(std::move(paths), next); });
+void ResendPass::observe(KesuPost::FirstAttempt end) {
+  {
+    const MutexLock lock(mutex_);
+    if (end == KesuPost::FirstAttempt::Stored) {
+      backOff_.recordStored();
       return;
     }
+    if (!backOff_.recordDelivered()) {
+      return;
+    }
+  }
+  request();
+}
+
+void ResendPass::request() {
+  double pause = 0.0;
+  {
+    const MutexLock lock(mutex_);
+    pause = backOff_.secondsUntilNext(clock_.monotonic());
+    if (pause > 0.0 && std::exchange(isPostponed_, true)) {
+      return;
+    }
+  }
+  if (pause == 0.0) {
+    background_.post([this] { run(); });
+    return;
+  }
+  background_.postAfter(pause, [this] {
+    {
+      const MutexLock lock(mutex_);
+      isPostponed_ = false;
+    }
+    run();
+  });
+}
+
+void ResendPass::run() {
+  outbox_.retryParked();
+  std::vector<std::string> paths = store_.storedFiles();
+  std::shared_ptr<FileLock> lock = paths.empty() ? nullptr : lockAmongProcesses();
+  if (lock) {
+    auto pass = std::make_shared<Pass>();
+    pass->paths = std::move(paths);
+    pass->lock = std::move(lock);
+    sendSlice(pass);
+  }
+}
+
+std::shared_ptr<FileLock> ResendPass::lockAmongProcesses() {
+  std::shared_ptr<FileLock> lock = processLock_.lock();
+  if (!lock) {
+    lock = files_.tryLock(store_.documentsDirectory() + "/" + kLockName);
+    processLock_ = lock;
+  }
+  return lock;
+}
+
+void ResendPass::sendSlice(const std::shared_ptr<Pass>& pass) {
+  const double end = clock_.monotonic() + kSliceSeconds;
+  while (pass->next < pass->paths.size() && !outbox_.isEnding()) {
+    if (auto record = store_.recordToRepost(pass->paths[pass->next++])) {
+      ++pass->open;
+      post_.repost(std::move(*record), [this, pass](bool isDelivered) { endOne(*pass, isDelivered); });
+    }
+    if (clock_.monotonic() >= end && pass->next < pass->paths.size()) {
+      background_.post([this, pass] { sendSlice(pass); });
+      return;
+    }
+  }
+  endOne(*pass, true);
+}
+
+void ResendPass::endOne(Pass& pass, bool isDelivered) {
+  if (!isDelivered) {
+    pass.isAllDelivered = false;
+  }
+  if (--pass.open == 0) {
+    pass.lock.reset();  // Now: the last copy of the completion may live longer.
+    const MutexLock lock(mutex_);
+    backOff_.passEnded(pass.isAllDelivered, clock_.monotonic());
   }
 }
 

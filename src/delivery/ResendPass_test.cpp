@@ -3,20 +3,21 @@
 #include <gtest/gtest.h>
 
 #include "support/KesuPriorityLogger.h"
-#include "testing/ScopedPlatform.h"
+#include "testing/DeliveryTest.h"
 
 namespace kesu {
 namespace {
 
-class ResendPassTest : public ::testing::Test {
+class ResendPassTest : public testing::DeliveryTest {
  protected:
-  ~ResendPassTest() override { KesuPriorityLogger::sharedLogger().setLogLevel(0); }
+  /// Lets that many seconds pass, with what is planned for their end.
+  void pass(double seconds) {
+    platform.clock.advance(seconds);
+    platform.background.runDelayed();
+    platform.settle();
+  }
 
-  testing::ScopedPlatform platform;
-  DeploymentSettings settings{platform.bundle};
-  KesuStore store{platform.files, platform.defaults, platform.clock};
-  KesuPost post{platform.http, platform.defaults, platform.clock, settings, store};
-  ResendPass resendPass{store, post, platform.mainLoop, platform.clock};
+  ResendPass resendPass{store, post, outbox, platform.files, platform.background, platform.clock};
 };
 
 TEST_F(ResendPassTest, SendsEveryStoredRecordAgainInOnePass) {
@@ -39,6 +40,51 @@ TEST_F(ResendPassTest, SendsEveryStoredRecordAgainInOnePass) {
   platform.settle();
   EXPECT_TRUE(store.storedFiles().empty());
   EXPECT_TRUE(platform.log.contains("[KesuStore:129]FAILED removing "));
+}
+
+TEST_F(ResendPassTest, TakesTheFirstDeliveryAfterAFailureAsNews) {
+  postOne(500);
+  postOne(500);
+  ASSERT_EQ(store.storedFiles().size(), 2U);
+  postOne(200);
+  EXPECT_EQ(platform.http.answerAll(200), 2U) << "both stored records are sent again";
+  platform.settle();
+  EXPECT_TRUE(store.storedFiles().empty());
+  postOne(200);
+  EXPECT_EQ(platform.http.answerAll(200), 0U) << "no news";
+}
+
+TEST_F(ResendPassTest, SendsOncePerPauseWhileRecordsAreLeftBehind) {
+  postOne(500);
+  for (int round = 0; round < 3; ++round) {
+    postOne(200);
+    resendPass.start(NetworkStatus::Reachable);
+    resendPass.start(NetworkStatus::Reachable);
+    platform.settle();
+    if (round > 0) {
+      EXPECT_EQ(platform.http.answerAll(503), 0U) << "three signs of life within the pause";
+      pass(60.0);
+      EXPECT_EQ(platform.http.answerAll(503), 1U);
+    } else {
+      platform.http.answerAll(503);
+    }
+    platform.settle();
+  }
+}
+
+TEST_F(ResendPassTest, HandsOutWhatCouldNotBeStored) {
+  files.failWrites(FileStatus::NoSpace);
+  postOne(500);
+  postOne(500);
+  EXPECT_TRUE(store.storedFiles().empty());
+  EXPECT_EQ(platform.log.takeLines().size(), 1U) << "told once";
+  files.failWrites(FileStatus::Ok);
+  EXPECT_EQ(platform.outbox.openCount(), 2U);
+  resendPass.start(NetworkStatus::Reachable);
+  platform.settle();
+  EXPECT_EQ(platform.http.answerAll(200), 2U);
+  platform.settle();
+  EXPECT_EQ(platform.outbox.openCount(), 0U);
 }
 
 }  // namespace

@@ -14,17 +14,17 @@ class EventPoster {
   /// Returns whether the library has its key.
   virtual bool isSDKInitialized() = 0;
 
-  /// Appends an event's name to the stored event flow.
-  virtual void updateEvent(const std::string& name) = 0;
-
   /// Appends a scene and the seconds spent on it to the stored scene flow. Ignores infinite seconds and not-a-number.
   virtual void updateScreenFlowForScenes(const std::string& name, double seconds) = 0;
 
-  /// Completes the record for its table and sends it, on the background queue.
-  virtual void postAppEvent(Dictionary record) = 0;
-  virtual void postAppEventToTableM(Dictionary record) = 0;
-  virtual void postAppEventToTableU(Dictionary record) = 0;
-  virtual void postActivationTrait(Dictionary record) = 0;
+  /// Takes an event with these attributes and this name ("~e"; an attribute of that key is replaced, or removed when
+  /// there is no name), and appends the name to the event flow. What is taken is not lost any more.
+  virtual void postAppEvent(const Attributes& attributes, const Object& name) = 0;
+  virtual void postAppEventToTableM(const Attributes& attributes, const Object& name) = 0;
+
+  /// Takes a record of the user table, or an activation that is reported as traits.
+  virtual void postAppEventToTableU(const Attributes& attributes) = 0;
+  virtual void postActivationTrait(const Attributes& attributes) = 0;
 
   /// Returns the poster of this process, made at the first call.
   static EventPoster& shared();

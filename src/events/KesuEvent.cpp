@@ -21,6 +21,21 @@ bool hasContent(const Object& object) {
   return text == nullptr || !isBlank(*text);
 }
 
+/// Returns whether an event may have this name.
+bool hasName(const Object& name) {
+  const std::string* text = name ? name->text() : nullptr;
+  return text != nullptr && !isBlank(*text);
+}
+
+/// Returns the poster. Throws before anything is posted when the library has no key.
+EventPoster& checkedPoster() {
+  EventPoster& poster = EventPoster::shared();
+  if (!poster.isSDKInitialized()) {
+    throw InternalInconsistencyException(std::string(k_KesuAppKeyMissingException));
+  }
+  return poster;
+}
+
 }  // namespace
 
 void KesuEvent::post(const Object& name) {
@@ -28,10 +43,9 @@ void KesuEvent::post(const Object& name) {
 }
 
 void KesuEvent::postWithEventName(const Object& name, const Attributes& attributes) {
-  KesuEvent event;
-  event.name = name;
-  event.attributes = attributes;
-  event.post();
+  if (hasName(name)) {
+    checkedPoster().postAppEvent(attributes, name);
+  }
 }
 
 void KesuEvent::addAttribute(const Object& key, const Object& value) {
@@ -46,33 +60,15 @@ void KesuEvent::addLevelAttribute(const Object& level) {
 }
 
 void KesuEvent::post() {
-  const std::string* text = name ? name->text() : nullptr;
-  if (text == nullptr || isBlank(*text)) {
-    return;
+  if (hasName(name)) {
+    checkedPoster().postAppEvent(attributes, name);
+    attributes.clear();
   }
-  recordName();  // Throws before anything is posted.
-  EventPoster::shared().postAppEvent(std::move(attributes));
 }
 
 void KesuEvent::postEventForTableM() {
-  recordName();
-  EventPoster::shared().postAppEventToTableM(std::move(attributes));
-}
-
-void KesuEvent::recordName() {
-  if (name) {
-    attributes.set(k_KesuEventName, *name);
-  } else {
-    attributes.remove(k_KesuEventName);
-  }
-  EventPoster& poster = EventPoster::shared();
-  if (!poster.isSDKInitialized()) {
-    throw InternalInconsistencyException(std::string(k_KesuAppKeyMissingException));
-  }
-  const std::string* text = name ? name->text() : nullptr;
-  if (text != nullptr && !text->empty()) {
-    poster.updateEvent(*text);
-  }
+  checkedPoster().postAppEventToTableM(attributes, name);
+  attributes.clear();
 }
 
 }  // namespace kesu

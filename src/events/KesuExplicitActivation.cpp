@@ -1,7 +1,5 @@
 #include <kesu/events/KesuExplicitActivation.h>
 
-#include <utility>
-
 #include "events/EventPoster.h"
 #include "records/RecordKeys.h"
 
@@ -10,7 +8,7 @@ namespace kesu {
 void KesuExplicitActivation::post(const Attributes& attributes) {
   Dictionary record = attributes;
   record.set(kExplicitActivationKey, "1");
-  EventPoster::shared().postActivationTrait(std::move(record));
+  EventPoster::shared().postActivationTrait(record);
 }
 
 }  // namespace kesu

@@ -4,6 +4,7 @@
 
 #include "events/EventPoster.h"
 #include "foundation/SharedInstance.h"
+#include "platform/OrderlyEnd.h"
 #include "platform/ServiceLog.h"
 #include "support/KesuPriorityLogger.h"
 
@@ -14,6 +15,18 @@ void writeServiceLine(int level, const std::string& text) {
   KESU_LOG(level, "%s", text.c_str());
 }
 
+void beginEnd() {
+  if (Wiring* all = SharedInstance<Wiring>::existing()) {
+    all->outbox.beginEnd();
+  }
+}
+
+void finishEnd() {
+  if (Wiring* all = SharedInstance<Wiring>::existing()) {
+    all->outbox.finishEnd();
+  }
+}
+
 /// Before main() starts: a host may use any service, post, or show a screen before its first call of Kesu. Only
 /// function pointers are set here, as other constructors of the process may not have run yet.
 [[maybe_unused]] const bool connected = [] {
@@ -22,6 +35,7 @@ void writeServiceLine(int level, const std::string& text) {
   PersonalizationTags::setProvider([]() -> PersonalizationTags& { return wiring().tags; });
   ScreenTracker::trackScreens([]() -> StateChanges& { return wiring().manager.stateChanges(); });
   setServiceLogHandler(&writeServiceLine);
+  setEndSteps(&beginEnd, &finishEnd);
   return true;
 }();
 

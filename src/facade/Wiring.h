@@ -22,11 +22,11 @@ KesuImageCache& sharedImageCache();
 struct Wiring : MessagingWiring {
   using MessagingWiring::MessagingWiring;
 
-  ResendPass resendPass{store, post, platform.mainLoop, platform.clock};
+  ResendPass resendPass{store, post, outbox, platform.files, platform.background, platform.clock};
   KesuInAppPresenter presenter{{platform, inbox, imageLoader, &sharedImageCache, post, metrics}};
   PersonalizationTags tags{platform.http, platform.defaults, settings};
   ScreenTracker& screens = sharedScreenTracker();  // Shared: screens may appear before the first call.
-  KesuManager manager{platform, settings, metrics, post, resendPass, [this] { return screens.topScreen(); }};
+  KesuManager manager{platform, settings, metrics, outbox, post, resendPass, [this] { return screens.topScreen(); }};
 };
 
 /// Returns the objects of this process, created at the first call. Never destroyed: exit handlers and threads may still

@@ -37,6 +37,9 @@ class SharedInstance {
     return get([] { return std::make_unique<T>(); });
   }
 
+  /// Returns the instance; null when it was not made, or was destroyed.
+  static T* existing() { return instance_.load(std::memory_order_acquire); }
+
  private:
   template <class Factory>
   static T& create(Factory& make) {

@@ -42,6 +42,7 @@ void AppInstance::load() {
   appLaunchCount_ = defaults_.integer(kLaunchCountDefault) + 1;
   defaults_.set(kLaunchCountDefault, appLaunchCount_);
   defaults_.synchronize();
+  isLoaded_.store(true, std::memory_order_release);
 }
 
 AppInstance::Identity AppInstance::identity() const {

@@ -3,6 +3,7 @@
 #include <kesu/platform/Random.h>
 #include <kesu/platform/UserDefaults.h>
 
+#include <atomic>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -35,6 +36,9 @@ class AppInstance {
 
   Identity identity() const;
 
+  /// Returns whether load() was called: whether identity() says something.
+  bool isLoaded() const { return isLoaded_.load(std::memory_order_acquire); }
+
   /// Returns whether this run is the first of the installation, or the first under another key.
   bool firstLaunch() const;
 
@@ -49,6 +53,7 @@ class AppInstance {
   UserDefaults& defaults_;
   Random& random_;
 
+  std::atomic<bool> isLoaded_{false};
   mutable Mutex mutex_;
   std::optional<std::string> appKey_ KESU_GUARDED_BY(mutex_);
   std::string id_ KESU_GUARDED_BY(mutex_);

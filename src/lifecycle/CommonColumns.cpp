@@ -32,35 +32,51 @@ void setOrRemove(Dictionary& record, std::string_view key, const std::optional<s
   }
 }
 
-void CommonColumns::addCommonColumnsToDictionary(Dictionary& record, std::string_view destination) {
+Dictionary CommonColumns::context() {
   const AppInstance::Identity identity = instance_.identity();
-  if (identity.id.empty()) {
+  Dictionary context = {{std::string(k_KesuAppKey), identity.appKey},
+                        {std::string(k_KesuAppInstanceId), identity.id},
+                        {std::string(k_KesuAppInstanceId2), identity.id2}};
+  setOrRemove(context, k_CFBundleVersion, platform_.bundle.infoText("CFBundleVersion"));
+  setOrRemove(context, k_CFBundleShortVersionString, platform_.bundle.infoText("CFBundleShortVersionString"));
+  setOrRemove(context, k_OsVersion, metrics_.systemVersion());
+  return context;
+}
+
+void CommonColumns::addCommonColumnsToDictionary(Dictionary& record, const PendingRecord& pending,
+                                                 const Dictionary* context) {
+  if (!pending.hasContext) {
     return;
   }
+  const Dictionary own = context == nullptr ? this->context() : Dictionary();
+  const Dictionary& origin = context == nullptr ? own : *context;
+  const auto copy = [&](std::string_view key) {
+    const Value* value = origin.find(key);
+    if (value != nullptr) {
+      record.set(key, *value);
+    } else {
+      record.remove(key);
+    }
+  };
   record.reserve(record.size() + kMostColumns);
-  const double now = platform_.clock.now();
-  record.set(k_destinationKeyInDictionary, destination);
-  record.set(k_KesuAppKey, identity.appKey);
+  record.set(k_destinationKeyInDictionary, std::string(1, pending.destination));
+  copy(k_KesuAppKey);
   record.set(k_FullVersionKeyForBody, fullVersionText());
-  record.set(k_KesuAppInstanceId, identity.id);
-  record.set(k_AgentCollectionEpoch, milliseconds(now));
+  copy(k_KesuAppInstanceId);
+  record.set(k_AgentCollectionEpoch, milliseconds(pending.moment));
   record.set(k_AgentSentEpoch, "");  // Keeps its place; the poster sets it when it sends.
-  record.set(k_CommonMsgId, newBase64Uuid(platform_.random));
-  if (destination == k_TableTraits) {
+  record.set(k_CommonMsgId, base64Uuid(pending.identifier));
+  if (pending.destination == k_TableTraits.front()) {
     setOrRemove(record, k_DeviceProduct, metrics_.product());
   }
   if (auto identifier = userIdentifier(platform_.defaults)) {
     record.set(kUserIdentifierKey, std::move(*identifier));
   }
-  record.set(k_LocalDeviceTime, metrics_.formattedDate(now));
-  addVersions(record);
+  record.set(k_LocalDeviceTime, metrics_.formattedDate(pending.moment));
+  copy(k_CFBundleVersion);
+  copy(k_CFBundleShortVersionString);
+  copy(k_OsVersion);
   addPosition(record);
-}
-
-void CommonColumns::addVersions(Dictionary& record) {
-  setOrRemove(record, k_CFBundleVersion, platform_.bundle.infoText("CFBundleVersion"));
-  setOrRemove(record, k_CFBundleShortVersionString, platform_.bundle.infoText("CFBundleShortVersionString"));
-  setOrRemove(record, k_OsVersion, metrics_.systemVersion());
 }
 
 void CommonColumns::addPosition(Dictionary& record) {

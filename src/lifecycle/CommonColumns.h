@@ -8,6 +8,7 @@
 #include "device/KesuMetrics.h"
 #include "lifecycle/AppInstance.h"
 #include "lifecycle/Location.h"
+#include "outbox/PendingRecord.h"
 
 namespace kesu {
 
@@ -17,12 +18,16 @@ class CommonColumns {
   CommonColumns(Platform& platform, KesuMetrics& metrics, const AppInstance& instance, const Location& location)
       : platform_(platform), metrics_(metrics), instance_(instance), location_(location) {}
 
-  /// Sets the columns in `record`, replacing entries of the same names. Does nothing before the library is initialised:
-  /// such records carry no context. [addCommonColumnsToDictionary:]
-  void addCommonColumnsToDictionary(Dictionary& record, std::string_view destination);
+  /// Sets the columns of `pending` in `record`, replacing entries of the same names. A record that was taken before the
+  /// library had its key gets none. `context` is what the process said that took it; null: this process.
+  /// [addCommonColumnsToDictionary:]
+  void addCommonColumnsToDictionary(Dictionary& record, const PendingRecord& pending, const Dictionary* context);
+
+  /// Returns what a later process needs to complete the records of this one: the columns that do not change with each
+  /// record.
+  Dictionary context();
 
  private:
-  void addVersions(Dictionary& record);
   void addPosition(Dictionary& record);
 
   Platform& platform_;

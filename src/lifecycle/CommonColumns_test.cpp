@@ -18,7 +18,12 @@ class ColumnsTest : public ::testing::Test {
   }
 
   Dictionary columnsFor(std::string_view destination, Dictionary record = {}) {
-    columns.addCommonColumnsToDictionary(record, destination);
+    PendingRecord pending;
+    pending.destination = destination.front();
+    pending.hasContext = instance.isLoaded();
+    pending.moment = platform.clock.now();
+    pending.identifier = platform.random.uuid();
+    columns.addCommonColumnsToDictionary(record, pending, context);
     return record;
   }
 
@@ -27,6 +32,7 @@ class ColumnsTest : public ::testing::Test {
   KesuMetrics metrics{platform.device, platform.reachability, platform.locale, settings};
   AppInstance instance{platform.defaults, platform.random};
   Location location{platform.mainLoop};
+  const Dictionary* context = nullptr;
   CommonColumns columns{platform.platform, metrics, instance, location};
 };
 
@@ -58,6 +64,17 @@ TEST_F(ColumnsTest, WritesTheColumnsInTheirOrder) {
   for (const auto& [key, value] : fixed) {
     EXPECT_EQ(*record.find(key), value) << key;
   }
+}
+
+TEST_F(ColumnsTest, TakesIdentityAndVersionsFromTheProcessThatTookTheRecord) {
+  platform.bundle.dictionary = {{"CFBundleVersion", "42"}, {"CFBundleShortVersionString", "1.0"}};
+  initialize();
+  const Dictionary former = {{"kak", "old key"}, {"kaid", "old"}, {"kaid2", "old2"}, {"rv", "41"}, {"ov", "11"}};
+  context = &former;
+  const Dictionary record = columnsFor("e");
+  EXPECT_EQ(testing::keysOf(record), "dest kak ~v kaid ace ase msg_id ldt rv ov") << "it knew no short version";
+  EXPECT_EQ(*record.findText("kak") + *record.findText("kaid") + *record.findText("rv") + *record.findText("ov"),
+            "old keyold4111");
 }
 
 TEST_F(ColumnsTest, LeavesOutWhatDoesNotApply) {

@@ -26,15 +26,17 @@ constexpr const char* kSource = "KesuManager";
 
 }  // namespace
 
-KesuManager::KesuManager(Platform& platform, DeploymentSettings& settings, KesuMetrics& metrics, KesuPost& post,
-                         ResendPass& resendPass, TopScreen topScreen)
+KesuManager::KesuManager(Platform& platform, DeploymentSettings& settings, KesuMetrics& metrics, Outbox& outbox,
+                         KesuPost& post, ResendPass& resendPass, TopScreen topScreen)
     : platform_(platform),
       settings_(settings),
       metrics_(metrics),
-      sender_(platform, metrics, post, instance_, location_, reports_.variants),
+      outbox_(outbox),
+      sender_(platform, metrics, outbox, post, instance_, location_, reports_.variants),
       stateChanges_(platform, metrics, instance_, sender_, reports_, std::move(topScreen)),
       collector_(platform.reachability, platform.notifications, settings, resendPass) {
   addPrimaryObservers();
+  sender_.start([this](char state) { stateChanges_.postReports(state); });
 }
 
 KesuManager::~KesuManager() {
@@ -53,7 +55,10 @@ void KesuManager::observe(std::string_view name, std::function<void()> handler) 
 void KesuManager::addPrimaryObservers() {
   observe(kApplicationDidFinishLaunchingNotification, [this] { didFinishLaunching(); });
   observe(kApplicationDidEnterBackgroundNotification,
-          [this] { stateChanges_.stateChangeEventAppLevel(kStateBackground, std::nullopt); });
+          [this] {
+            stateChanges_.stateChangeEventAppLevel(kStateBackground, std::nullopt);
+            outbox_.handOverSoon();  // A set in standby may be switched off.
+          });
   observe(kApplicationWillEnterForegroundNotification,
           [this] { stateChanges_.stateChangeEventAppLevel(kStateResume, std::nullopt); });
   observe(kCurrentLocaleDidChangeNotification, [this] { sender_.saveTraits(TraitType::LocaleChanged); });
@@ -70,7 +75,9 @@ void KesuManager::initializeWithKey(const std::string& key) {
     throw InternalInconsistencyException(std::string(k_KesuAppKeyDuplicateException));
   }
   copyright(key);    // Before anything of this run is logged.
+  outbox_.open();    // First: what it changes is read below.
   instance_.load();  // From here on records carry their context.
+  sender_.noteContext();
   if (platform_.bundle.path().ends_with(".appex")) {
     didFinishLaunching();
   }
@@ -85,8 +92,7 @@ void KesuManager::copyright(const std::string& key) {
   KESU_LOG(0, " ");
 }
 
-// The order in which the collector learns of a run: the installation, its traits, then what happens in it. The first
-// two are built here and not on the background queue, where events that the host posted earlier already wait.
+// The order in which the collector learns of a run: the installation, its traits, then what happens in it.
 void KesuManager::didFinishLaunching() {
   if (instance_.firstLaunch()) {
     newInstallation();
@@ -103,11 +109,10 @@ void KesuManager::didFinishLaunching() {
 
 void KesuManager::newInstallation() {
   Dictionary record;
-  sender_.addCommonColumns(record, k_TableInstalls);
   addInstallationFacts(record, instance_.identity().id2, metrics_, platform_.bundle);
   sender_.addTraits(record, TraitType::Full);
   record.set(k_Reachability, metrics_.granularReachability());
-  sender_.post(std::move(record));
+  sender_.postBehindColumns(record, k_TableInstalls);
 }
 
 bool KesuManager::hasItBeenSoManyDaysSinceSaving(int days, std::string_view destination) {
@@ -123,40 +128,38 @@ void KesuManager::printObsfucatedAscii85KaidIfNeeded() {
   }
 }
 
-// On the caller's thread and to disk before the call returns: a flow must survive a kill right behind it. An append
-// costs the same however long the flow is.
-void KesuManager::appendToFlow(std::string_view flow, const std::string& name, std::string_view seconds) {
-  // Bytes that are not UTF-8 would make the whole flow, and with it the record that carries it, unsendable.
-  if (isValidUtf8(name)) {
-    platform_.defaults.appendString(flow, flowEntry(name, seconds));
-    platform_.defaults.synchronize();
-  }
-}
-
-void KesuManager::updateEvent(const std::string& name) {
-  appendToFlow(k_EventFlow, name, "0");
-}
-
 void KesuManager::updateScreenFlowForScenes(const std::string& name, double seconds) {
-  if (std::isfinite(seconds)) {  // The collector cannot read "nan" and "inf".
-    appendToFlow(k_SceneFlow, name, fixed(seconds, 1));
+  // The collector cannot read "nan" and "inf".
+  if (std::isfinite(seconds) && isValidUtf8(name)) {
+    outbox_.change({{DefaultsChange::Kind::Append, k_SceneFlow, flowEntry(name, fixed(seconds, 1))}});
   }
 }
 
-void KesuManager::postAppEvent(Dictionary record) {
-  sender_.postToTable(std::move(record), k_TableEvents);
+void KesuManager::postEvent(const Attributes& attributes, const Object& name, std::string_view destination) {
+  DefaultsChanges changes;
+  const std::string* text = name ? name->text() : nullptr;
+  // Bytes that are not UTF-8 would make the whole flow, and with it the record that carries it, unsendable.
+  if (text != nullptr && !text->empty() && isValidUtf8(*text)) {
+    changes.push_back({DefaultsChange::Kind::Append, k_EventFlow, flowEntry(*text, "0")});
+  }
+  const Value* value = name ? &*name : nullptr;
+  sender_.postToTable(attributes, destination, Replacement{k_KesuEventName, value}, std::move(changes));
 }
 
-void KesuManager::postAppEventToTableM(Dictionary record) {
-  sender_.postToTable(std::move(record), k_TableSMS);
+void KesuManager::postAppEvent(const Attributes& attributes, const Object& name) {
+  postEvent(attributes, name, k_TableEvents);
 }
 
-void KesuManager::postAppEventToTableU(Dictionary record) {
-  sender_.postToTable(std::move(record), k_TableUser);
+void KesuManager::postAppEventToTableM(const Attributes& attributes, const Object& name) {
+  postEvent(attributes, name, k_TableSMS);
 }
 
-void KesuManager::postActivationTrait(Dictionary record) {
-  sender_.postAppTraits(std::move(record), TraitType::ExplicitActivation);
+void KesuManager::postAppEventToTableU(const Attributes& attributes) {
+  sender_.postToTable(attributes, k_TableUser);
+}
+
+void KesuManager::postActivationTrait(const Attributes& attributes) {
+  sender_.postAppTraits(attributes, TraitType::ExplicitActivation);
 }
 
 }  // namespace kesu

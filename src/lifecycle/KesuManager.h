@@ -29,7 +29,7 @@ namespace kesu {
 class KesuManager : public EventPoster {
  public:
   /// Installs the observers. The services must outlive the manager.
-  KesuManager(Platform& platform, DeploymentSettings& settings, KesuMetrics& metrics, KesuPost& post,
+  KesuManager(Platform& platform, DeploymentSettings& settings, KesuMetrics& metrics, Outbox& outbox, KesuPost& post,
               ResendPass& resendPass, TopScreen topScreen);
   ~KesuManager() override;
 
@@ -43,13 +43,13 @@ class KesuManager : public EventPoster {
 
   bool isSDKInitialized() override { return instance_.hasAppKey(); }
 
-  // EventPoster. Records are completed and sent on the background queue, in the order of the calls.
-  void updateEvent(const std::string& name) override;
+  // EventPoster. Records are in the outbox when these return; the background queue completes and sends them, in the
+  // order of the calls.
   void updateScreenFlowForScenes(const std::string& name, double seconds) override;
-  void postAppEvent(Dictionary record) override;
-  void postAppEventToTableM(Dictionary record) override;
-  void postAppEventToTableU(Dictionary record) override;
-  void postActivationTrait(Dictionary record) override;
+  void postAppEvent(const Attributes& attributes, const Object& name) override;
+  void postAppEventToTableM(const Attributes& attributes, const Object& name) override;
+  void postAppEventToTableU(const Attributes& attributes) override;
+  void postActivationTrait(const Attributes& attributes) override;
 
   /// Return the parts that take screens and push notifications.
   StateChanges& stateChanges() { return stateChanges_; }
@@ -64,11 +64,12 @@ class KesuManager : public EventPoster {
   void newInstallation();
   bool hasItBeenSoManyDaysSinceSaving(int days, std::string_view destination);
   void printObsfucatedAscii85KaidIfNeeded();
-  void appendToFlow(std::string_view flow, const std::string& name, std::string_view seconds);
+  void postEvent(const Attributes& attributes, const Object& name, std::string_view destination);
 
   Platform& platform_;
   DeploymentSettings& settings_;
   KesuMetrics& metrics_;
+  Outbox& outbox_;
 
   AppInstance instance_{platform_.defaults, platform_.random};
   Location location_{platform_.mainLoop};

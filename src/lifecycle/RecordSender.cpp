@@ -1,72 +1,52 @@
 #include "lifecycle/RecordSender.h"
 
+#include <algorithm>
 #include <string>
 #include <utility>
 
+#include "lifecycle/DeviceState.h"
 #include "records/DefaultsKeys.h"
 #include "records/Destinations.h"
 #include "records/RecordKeys.h"
 
 namespace kesu {
 
-namespace {
-
-std::string saveTimeKey(const Dictionary& record) {
-  const std::string* named = record.findText(k_destinationKeyInDictionary);
-  return (named != nullptr ? *named : std::string(kUnknownDestination)) + std::string(kSaveTimeSuffix);
+void RecordSender::start(std::function<void(char state)> stateSent) {
+  stateSent_ = std::move(stateSent);
+  outbox_.startDelivery([this](Outbox::Delivery delivery) { deliver(std::move(delivery)); });
 }
 
-}  // namespace
-
-void RecordSender::postAndSave(Dictionary record) {
-  const std::string key = saveTimeKey(record);
-  post_.post(std::move(record));
-  platform_.defaults.set(key, platform_.clock.now());
-  platform_.defaults.synchronize();
+PendingRecord RecordSender::frame(RecordKind kind, std::string_view destination, char detail) const {
+  PendingRecord record;
+  record.kind = kind;
+  record.destination = destination.front();
+  record.detail = detail;
+  record.hasContext = instance_.isLoaded();
+  return record;
 }
 
-// Synchronizing the user defaults for each record would be the larger half of what an event costs, and hosts that post
-// meanwhile would wait for their lock.
-void RecordSender::postAndSaveSoon(Dictionary record) {
-  const std::string key = saveTimeKey(record);
-  post_.post(std::move(record));
-  const bool isFirst = saveTimes_.empty();
-  saveTimes_[key] = platform_.clock.now();
-  if (isFirst) {
-    platform_.background.post([this] { saveTimesNow(); });  // Called synchronously while the process ends.
-  }
+void RecordSender::postToTable(const Dictionary& attributes, std::string_view destination,
+                               const std::optional<Replacement>& replacement, DefaultsChanges changes) {
+  outbox_.add(frame(RecordKind::Table, destination), attributes, replacement, std::move(changes));
 }
 
-void RecordSender::saveTimesNow() {
-  for (const auto& [key, time] : saveTimes_) {
-    platform_.defaults.set(key, time);
-  }
-  saveTimes_.clear();
-  platform_.defaults.synchronize();
+void RecordSender::postAppTraits(const Dictionary& record, TraitType type) {
+  outbox_.add(frame(RecordKind::Traits, k_TableTraits, static_cast<char>(type)), record);
 }
 
-// The record is completed on the worker: the caller pays for a copy only. "ace" is therefore the time of completion.
-void RecordSender::postToTable(Dictionary record, std::string_view destination) {
-  platform_.background.post([this, record = std::move(record), destination]() mutable {
-    addCommonColumns(record, destination);
-    record.set(k_Reachability, metrics_.granularReachability());
-    postAndSaveSoon(std::move(record));
-  });
+void RecordSender::postBehindColumns(const Dictionary& entries, std::string_view destination) {
+  outbox_.add(frame(RecordKind::ColumnsInFront, destination), entries);
 }
 
-void RecordSender::postAppTraits(Dictionary record, TraitType type) {
-  platform_.background.post([this, record = std::move(record), type]() mutable {
-    addCommonColumns(record, k_TableTraits);
-    addTraits(record, type);
-    postAndSave(std::move(record));
-  });
+void RecordSender::postStateChange(char state,
+                                   const std::function<void(Dictionary& entries, DefaultsChanges& changes)>& build) {
+  outbox_.addBuilt(frame(RecordKind::State, k_TableStates, state), build);
 }
 
 void RecordSender::saveTraits(TraitType type) {
-  Dictionary record;
-  addCommonColumns(record, k_TableTraits);
-  addTraits(record, type);
-  postAndSave(std::move(record));
+  Dictionary traits;
+  addTraits(traits, type);
+  postBehindColumns(traits, k_TableTraits);
 }
 
 void RecordSender::addTraits(Dictionary& record, TraitType type) {
@@ -76,13 +56,78 @@ void RecordSender::addTraits(Dictionary& record, TraitType type) {
   }
 }
 
-void RecordSender::postActivation(Dictionary flags) {
-  if (flags.empty()) {
-    return;
+void RecordSender::postActivation(const Dictionary& flags) {
+  if (!flags.empty()) {
+    // Behind the flags: their order in the record is part of the wire contract.
+    outbox_.add(frame(RecordKind::ColumnsBehind, k_TableTraits), flags);
   }
-  // Behind the flags: their order in the record is part of the wire contract.
-  addCommonColumns(flags, k_TableTraits);
-  postAndSave(std::move(flags));
+}
+
+void RecordSender::deliver(Outbox::Delivery delivery) {
+  const PendingRecord taken = {.kind = delivery.record.kind,
+                               .destination = delivery.record.destination,
+                               .detail = delivery.record.detail,
+                               .hasContext = delivery.record.hasContext,
+                               .moment = delivery.record.moment,
+                               .identifier = {},
+                               .entries = {}};
+  post_.send(completed(delivery), delivery.ticket);
+  saveTime(taken);
+  // What a state change of a former process entails happened there, or is counted with the launch of this one.
+  if (taken.kind == RecordKind::State && delivery.context == nullptr) {
+    stateSent_(taken.detail);
+  }
+}
+
+Dictionary RecordSender::completed(Outbox::Delivery& delivery) {
+  const PendingRecord& pending = delivery.record;
+  const auto addColumns = [&](Dictionary& record) {
+    columns_.addCommonColumnsToDictionary(record, pending, delivery.context);
+  };
+  const auto behindColumns = [&] {
+    Dictionary record;
+    addColumns(record);
+    for (const auto& [key, value] : pending.entries) {
+      record.set(key, value);
+    }
+    return record;
+  };
+  Dictionary record;
+  switch (pending.kind) {
+    case RecordKind::Complete:
+      return std::move(delivery.record.entries);
+    case RecordKind::Table:
+      record = std::move(delivery.record.entries);
+      addColumns(record);
+      record.set(k_Reachability, metrics_.granularReachability());
+      return record;
+    case RecordKind::ColumnsBehind:
+      record = std::move(delivery.record.entries);
+      addColumns(record);
+      return record;
+    case RecordKind::ColumnsInFront:
+      return behindColumns();
+    case RecordKind::Traits:
+      record = std::move(delivery.record.entries);
+      addColumns(record);
+      addTraits(record, static_cast<TraitType>(pending.detail));
+      return record;
+    case RecordKind::State:
+      record = behindColumns();
+      addDeviceState(record, pending.detail, metrics_);
+      return record;
+  }
+  return record;
+}
+
+// In memory: the outbox writes it with what it hands over next.
+void RecordSender::saveTime(const PendingRecord& record) {
+  const bool isSaved = record.kind != RecordKind::Complete && record.kind != RecordKind::State &&
+                       record.destination != k_TableInstalls.front();
+  if (isSaved) {
+    const std::string key = std::string(1, record.destination).append(kSaveTimeSuffix);
+    platform_.defaults.set(key, std::max(record.moment, platform_.defaults.real(key)));
+  }
 }
 
 }  // namespace kesu

@@ -3,8 +3,7 @@
 #include <kesu/foundation/Value.h>
 #include <kesu/platform/Platform.h>
 
-#include <map>
-#include <string>
+#include <functional>
 #include <string_view>
 
 #include "delivery/KesuPost.h"
@@ -14,60 +13,67 @@
 #include "lifecycle/CommonColumns.h"
 #include "lifecycle/Location.h"
 #include "lifecycle/TraitData.h"
+#include "outbox/Outbox.h"
 
 namespace kesu {
 
-/// Completes records and passes them to delivery. Any thread; the asynchronous operations keep the order of their
-/// calls.
+/// Takes the records of the life cycle and of the events into the outbox, and completes them when it hands them out.
+/// Any thread; what is taken leaves in the order of the calls.
 class RecordSender {
  public:
-  RecordSender(Platform& platform, KesuMetrics& metrics, KesuPost& post, const AppInstance& instance,
+  RecordSender(Platform& platform, KesuMetrics& metrics, Outbox& outbox, KesuPost& post, const AppInstance& instance,
                const Location& location, CalendarVariants& variants)
       : platform_(platform),
         metrics_(metrics),
+        outbox_(outbox),
         post_(post),
         instance_(instance),
         columns_(platform, metrics, instance, location),
         variants_(variants) {}
 
-  /// Adds the common columns synchronously.
-  void addCommonColumns(Dictionary& record, std::string_view destination) {
-    columns_.addCommonColumnsToDictionary(record, destination);
-  }
+  /// Starts completing and sending. `stateSent` is called behind each state change of this process that was sent, with
+  /// its state, on the background queue.
+  void start(std::function<void(char state)> stateSent);
 
-  /// Posts a record as it is, synchronously.
-  void post(Dictionary record) { post_.post(std::move(record)); }
+  /// Tells the outbox what a later process needs to complete the records of this one.
+  void noteContext() { outbox_.setContext(columns_.context()); }
 
-  /// Posts a record as it is, synchronously, and stores the time under its destination.
-  void postAndSave(Dictionary record);
+  /// Take a record for a table: its attributes, with one replaced, and changes of the user defaults in the same step.
+  void postToTable(const Dictionary& attributes, std::string_view destination,
+                   const std::optional<Replacement>& replacement = std::nullopt, DefaultsChanges changes = {});
 
-  /// Completes the record for a table, adds the network class and posts it, on the background queue. The time is stored
-  /// under its destination behind what is queued by then, once per burst of records.
-  void postToTable(Dictionary record, std::string_view destination);
+  /// Takes a record of the table of traits, to which the trait block of `type` is added when it is sent.
+  void postAppTraits(const Dictionary& record, TraitType type);
 
-  /// Completes the record with the columns and the trait block of `type` and posts it, on the background queue.
-  void postAppTraits(Dictionary record, TraitType type);
+  /// Takes a record of a table whose entries stand behind the common columns.
+  void postBehindColumns(const Dictionary& entries, std::string_view destination);
 
-  /// Posts the trait block of `type` synchronously.
+  /// Takes a state change; see Outbox::addBuilt().
+  void postStateChange(char state, const std::function<void(Dictionary& entries, DefaultsChanges& changes)>& build);
+
+  /// Takes the trait block of `type`, as it is now.
   void saveTraits(TraitType type);
 
-  /// Adds the trait block of `type` synchronously.
+  /// Adds the trait block of `type`.
   void addTraits(Dictionary& record, TraitType type);
 
-  /// Posts activation flags as traits, synchronously. Does nothing without any.
-  void postActivation(Dictionary flags);
+  /// Takes activation flags as traits. Does nothing without any.
+  void postActivation(const Dictionary& flags);
 
  private:
-  void postAndSaveSoon(Dictionary record);
-  void saveTimesNow();
+  PendingRecord frame(RecordKind kind, std::string_view destination, char detail = '\0') const;
+  void deliver(Outbox::Delivery delivery);
+  Dictionary completed(Outbox::Delivery& delivery);
+  void saveTime(const PendingRecord& record);
 
   Platform& platform_;
   KesuMetrics& metrics_;
+  Outbox& outbox_;
   KesuPost& post_;
   const AppInstance& instance_;
   CommonColumns columns_;
   CalendarVariants& variants_;
-  std::map<std::string, double> saveTimes_;  // Not yet in the user defaults. Background queue only.
+  std::function<void(char state)> stateSent_;
 };
 
 }  // namespace kesu

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "foundation/Digest.h"
+#include "foundation/Json.h"
 #include "records/DefaultsKeys.h"
 #include "records/Destinations.h"
 #include "records/RecordKeys.h"
@@ -10,6 +11,15 @@
 #include "support/KesuPriorityLogger.h"
 
 namespace kesu {
+namespace {
+
+// What JSON cannot represent would make every later trait record unsendable.
+bool isSendable(const Value& value) {
+  std::string unused;
+  return writeJson(value, unused) == JsonStatus::Ok;
+}
+
+}  // namespace
 
 void RemoteNotifications::setRemoteNotificationDeviceToken(const Data& token) {
   if (!token.empty()) {
@@ -22,11 +32,8 @@ void RemoteNotifications::sendDeviceTokenTraits(const std::string& token) {
   if (defaults_.text(k_DeviceTokenIdentifier) == token) {
     return;
   }
+  sender_.postBehindColumns({{std::string(k_KesuPushNotificationKey), token}}, k_TableTraits);
   background_.post([this, token] {
-    Dictionary record;
-    sender_.addCommonColumns(record, k_TableTraits);
-    record.set(k_KesuPushNotificationKey, token);
-    sender_.postAndSave(std::move(record));
     KESU_LOG_AT(3, "KesuManager", 1473, "%s and device token %s", "sendDeviceTokenTraits:", token.c_str());
     // Kept: remembered after the report, so that a call before it reports the token again.
     defaults_.set(k_DeviceTokenIdentifier, token);
@@ -36,12 +43,13 @@ void RemoteNotifications::sendDeviceTokenTraits(const std::string& token) {
 
 void RemoteNotifications::processReceivedRemoteNotification(const Object& identifier, const Dictionary& userInfo) {
   for (const auto& [key, target] : {std::pair{kMessageIdKey, k_PushMidKey}, std::pair{kCampaignIdKey, k_PushCidKey}}) {
-    if (const Value* value = userInfo.find(key)) {
+    const Value* value = userInfo.find(key);
+    if (value != nullptr && isSendable(*value)) {
       defaults_.set(target, *value);
     }
   }
   const std::string* text = identifier ? identifier->text() : nullptr;
-  if (text != nullptr && !text->empty()) {
+  if (text != nullptr && !text->empty() && isSendable(*text)) {
     defaults_.set(kPushIdentifierDefault, *text);
   }
   defaults_.synchronize();

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "testing/LifecycleTest.h"
 
 namespace kesu {
@@ -11,7 +13,7 @@ using testing::keysOf;
 
 class RemoteNotificationsTest : public testing::ManagerTest {
  protected:
-  void report(const Data& token) { manager->remoteNotifications().setRemoteNotificationDeviceToken(token); }
+  void report(const Data& token) { library->manager.remoteNotifications().setRemoteNotificationDeviceToken(token); }
 };
 
 TEST_F(RemoteNotificationsTest, ReportsADeviceTokenOnce) {
@@ -41,10 +43,10 @@ TEST_F(RemoteNotificationsTest, KeepsTheIdentifiersOfANotification) {
     const char* kept;
   } rows[] = {{"n1", {{"mid", "m1"}, {"cid", "c1"}}, "m1 c1 n1"},
               {nil, {{"cid", "c2"}, {"aps", Dictionary{{"alert", "text only"}}}}, "m1 c2 n1"},
-              {"", {}, "m1 c2 n1"}};
+              {"", {}, "m1 c2 n1"},
+              {"\xff", {{"mid", "\xc3"}, {"cid", Array{"c3", std::nan("")}}}, "m1 c2 n1"}};
   for (const auto& row : rows) {
-    manager->remoteNotifications().processReceivedRemoteNotification(row.identifier, row.userInfo);
-    EXPECT_EQ(platform.background.count(), 0U) << "posted at once";
+    library->manager.remoteNotifications().processReceivedRemoteNotification(row.identifier, row.userInfo);
     const Dictionary record = takeLast("t");
     EXPECT_TRUE(record.contains("~ft"));
     EXPECT_EQ(*record.findText("mid") + " " + *record.findText("cid") + " " + *record.findText("kesupushIdentifier"),

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "foundation/NumberText.h"
+#include "foundation/Text.h"
 #include "records/DefaultsKeys.h"
 #include "records/RecordKeys.h"
 #include "records/StateCodes.h"
@@ -18,10 +19,8 @@ bool isAnyOf(char state, std::string_view states) {
   return states.find(state) != std::string_view::npos;
 }
 
-void setIfKnown(UserDefaults& defaults, std::string_view key, const std::optional<std::string>& text) {
-  if (text) {
-    defaults.set(key, *text);
-  }
+DefaultsChange setting(std::string_view key, Value value) {
+  return {DefaultsChange::Kind::Set, key, std::move(value)};
 }
 
 // Kept: cuts long visits in the flow, not in the usage totals.
@@ -41,93 +40,125 @@ bool endsSession(char state) {
   return isAnyOf(state, "bt");
 }
 
-void ScreenFlow::screenFlowHandler(char state, const ScreenKey& screen, Dictionary& record) {
-  const MutexLock lock(mutex_);
+void ScreenFlow::screenFlowHandler(char state, const ScreenKey& screen, Dictionary& record, DefaultsChanges& changes) {
   const double now = clock_.now();
   if (isAnyOf(state, "lrt")) {
-    reportUnsent(state, record);
+    reportUnsent(state, record, changes);
   }
   const std::string key = screen.prefix + screen.suffix;
   if (isAnyOf(state, "ar")) {
-    beginScreen(key, state, now);
+    beginScreen(key, state, now, changes);
   }
-  const bool hasGrown = isAnyOf(state, "bdt") && endScreen(key, screen.prefix, now);
+  const std::string visit = isAnyOf(state, "bdt") ? endScreen(key, screen.prefix, now) : std::string();
   if (endsSession(state)) {
-    flush(record);
-  } else if (hasGrown || (isFlowOurs_ && isAnyOf(state, "lr"))) {
-    rememberVersions();
-    defaults_.synchronize();
+    flush(visit, record, changes);
+    return;
+  }
+  if (!visit.empty()) {
+    grow(visit, changes);
+  }
+  if (!visit.empty() || (isFlowOurs_ && isAnyOf(state, "lr"))) {
+    rememberVersions(changes);
   }
 }
 
 // Kept: what this session itself has stored is reported as well. It stays, as the end of the session must send it.
-void ScreenFlow::reportUnsent(char state, Dictionary& record) {
+void ScreenFlow::reportUnsent(char state, Dictionary& record, DefaultsChanges& changes) {
   screens_.clear();
   std::string unsent = defaults_.text(k_UnsentScreenFlowData);
   if (unsent.empty()) {
     return;
   }
   record.set(k_SceneFlow, std::move(unsent));
-  std::string lastAppearance = defaults_.text(k_CrashedOrForcedQuitTimestamp);
-  if (state == kStateLaunch && !lastAppearance.empty()) {
-    record.set(k_CrashedOrForcedQuitTimestamp, std::move(lastAppearance));
+  if (state == kStateLaunch) {
+    reportInterruptedRun(record, changes);
   }
   if (!isFlowOurs_) {
-    defaults_.set(k_UnsentScreenFlowData, "");
-    defaults_.synchronize();
+    changes.push_back(setting(k_UnsentScreenFlowData, ""));
   }
 }
 
-void ScreenFlow::beginScreen(const std::string& key, char state, double now) {
+// Here and not when the record is sent: what the next run stores must neither be mixed with it nor be wiped by it, and
+// a record that is sent again keeps what it reported.
+void ScreenFlow::reportInterruptedRun(Dictionary& record, DefaultsChanges& changes) {
+  std::string lastAppearance = defaults_.text(k_CrashedOrForcedQuitTimestamp);
+  if (lastAppearance.empty()) {
+    return;
+  }
+  record.set(k_CrashedOrForcedQuitTimestamp, std::move(lastAppearance));
+  changes.push_back(setting(k_CrashedOrForcedQuitTimestamp, ""));
+  const std::pair<std::string_view, std::string_view> versions[] = {
+      {kFlowOsVersionDefault, k_OsVersion},
+      {kFlowShortVersionDefault, k_CFBundleShortVersionString},
+      {kFlowBundleVersionDefault, k_CFBundleVersion}};
+  for (const auto& [source, column] : versions) {
+    // Kept: an empty text counts as a version and is copied, too.
+    if (auto version = defaults_.get(source)) {
+      record.set(column, std::move(*version));
+      changes.push_back(setting(source, ""));
+    }
+  }
+}
+
+void ScreenFlow::beginScreen(const std::string& key, char state, double now, DefaultsChanges& changes) {
   screens_[key] = now;
   if (state == kStateAppeared) {  // The time of death for the next run, should the process die.
-    defaults_.set(k_CrashedOrForcedQuitTimestamp, milliseconds(now));
-    defaults_.synchronize();
+    changes.push_back(setting(k_CrashedOrForcedQuitTimestamp, milliseconds(now)));
   }
 }
 
-bool ScreenFlow::endScreen(const std::string& key, const std::string& name, double now) {
+// Returns the entry of the visit that ends; "" when there is none.
+std::string ScreenFlow::endScreen(const std::string& key, const std::string& name, double now) {
   const auto found = screens_.find(key);
   if (found == screens_.end()) {
-    return false;
+    return {};
   }
   const double seconds = now - found->second;
   usage_.addForegroundSeconds(seconds);
   screens_.erase(found);
-  if (!std::exchange(isFlowOurs_, true)) {
-    defaults_.set(k_UnsentScreenFlowData, "");
-  }
-  // Appending costs the same however long the session has grown.
-  defaults_.appendString(k_UnsentScreenFlowData, screenEntry(name, seconds));
-  return true;
+  // Bytes that are not UTF-8 would make the whole flow, and with it the record that carries it, unsendable.
+  return isValidUtf8(name) ? screenEntry(name, seconds) : std::string();
 }
 
-void ScreenFlow::flush(Dictionary& record) {
-  auto flow = defaults_.takeString(k_UnsentScreenFlowData);
-  if (std::exchange(isFlowOurs_, false) && flow) {
-    record.set(k_ScreenFlow, std::move(*flow));
+// Appending costs the same however long the session has grown.
+void ScreenFlow::grow(const std::string& visit, DefaultsChanges& changes) {
+  const auto kind = std::exchange(isFlowOurs_, true) ? DefaultsChange::Kind::Append : DefaultsChange::Kind::Set;
+  changes.push_back({kind, k_UnsentScreenFlowData, visit});
+}
+
+void ScreenFlow::flush(const std::string& visit, Dictionary& record, DefaultsChanges& changes) {
+  std::string flow = std::exchange(isFlowOurs_, false) ? defaults_.text(k_UnsentScreenFlowData) : std::string();
+  flow += visit;
+  if (!flow.empty()) {
+    record.set(k_ScreenFlow, std::move(flow));
   }
-  defaults_.set(k_UnsentScreenFlowData, "");
-  defaults_.set(k_CrashedOrForcedQuitTimestamp, "");
-  defaults_.synchronize();
+  changes.push_back(setting(k_UnsentScreenFlowData, ""));
+  changes.push_back(setting(k_CrashedOrForcedQuitTimestamp, ""));
   screens_.clear();
-  moveFlow(k_EventFlow, record);
-  moveFlow(k_SceneFlow, record);
-  defaults_.synchronize();
+  moveFlow(k_EventFlow, record, changes);
+  moveFlow(k_SceneFlow, record, changes);
 }
 
-void ScreenFlow::moveFlow(std::string_view key, Dictionary& record) {
-  auto flow = defaults_.takeString(key);
-  if (flow && !flow->empty()) {
-    record.set(key, std::move(*flow));
+void ScreenFlow::moveFlow(std::string_view key, Dictionary& record, DefaultsChanges& changes) {
+  std::string flow = defaults_.text(key);
+  if (!flow.empty()) {
+    record.set(key, std::move(flow));
+    changes.push_back({DefaultsChange::Kind::Remove, key, {}});
   }
 }
 
-void ScreenFlow::rememberVersions() {
+void ScreenFlow::rememberVersions(DefaultsChanges& changes) {
   if (bundle_.hasInfo()) {  // Versions that are unknown for the moment must not mix with known ones.
-    setIfKnown(defaults_, kFlowBundleVersionDefault, bundle_.infoText("CFBundleVersion"));
-    setIfKnown(defaults_, kFlowShortVersionDefault, bundle_.infoText("CFBundleShortVersionString"));
-    setIfKnown(defaults_, kFlowOsVersionDefault, metrics_.systemVersion());
+    rememberIfNew(kFlowBundleVersionDefault, bundle_.infoText("CFBundleVersion"), changes);
+    rememberIfNew(kFlowShortVersionDefault, bundle_.infoText("CFBundleShortVersionString"), changes);
+    rememberIfNew(kFlowOsVersionDefault, metrics_.systemVersion(), changes);
+  }
+}
+
+void ScreenFlow::rememberIfNew(std::string_view key, const std::optional<std::string>& text,
+                               DefaultsChanges& changes) {
+  if (text && defaults_.text(key) != *text) {
+    changes.push_back(setting(key, *text));
   }
 }
 

@@ -11,8 +11,8 @@
 #include <string_view>
 
 #include "device/KesuMetrics.h"
-#include "foundation/Mutex.h"
 #include "lifecycle/UsageStatistics.h"
+#include "outbox/OutboxJournal.h"
 
 namespace kesu {
 
@@ -28,23 +28,27 @@ std::string flowEntry(std::string_view name, std::string_view seconds);
 /// Returns whether a transition ends the session: its flows are sent and its usage is counted.
 bool endsSession(char state);
 
-/// Records which screens were visible and for how long. Any thread; one state change at a time.
+/// Records which screens were visible and for how long. Confined to one state change at a time.
 class ScreenFlow {
  public:
   ScreenFlow(UserDefaults& defaults, Clock& clock, Bundle& bundle, KesuMetrics& metrics, UsageStatistics& usage)
       : defaults_(defaults), clock_(clock), bundle_(bundle), metrics_(metrics), usage_(usage) {}
 
-  /// Tracks one state change and adds the flows that are due to `record`. `screen` is the screen that changed; for
+  /// Tracks one state change: adds the flows that are due to `record`, and what becomes of the stored flows to
+  /// `changes`, which the caller makes in the step that takes the record. `screen` is the screen that changed; for
   /// changes of the application, the one on top. [screenFlowHandler:]
-  void screenFlowHandler(char state, const ScreenKey& screen, Dictionary& record);
+  void screenFlowHandler(char state, const ScreenKey& screen, Dictionary& record, DefaultsChanges& changes);
 
  private:
-  void reportUnsent(char state, Dictionary& record) KESU_REQUIRES(mutex_);
-  void beginScreen(const std::string& key, char state, double now) KESU_REQUIRES(mutex_);
-  bool endScreen(const std::string& key, const std::string& name, double now) KESU_REQUIRES(mutex_);
-  void flush(Dictionary& record) KESU_REQUIRES(mutex_);
-  void rememberVersions();
-  void moveFlow(std::string_view key, Dictionary& record);
+  void reportUnsent(char state, Dictionary& record, DefaultsChanges& changes);
+  void reportInterruptedRun(Dictionary& record, DefaultsChanges& changes);
+  void beginScreen(const std::string& key, char state, double now, DefaultsChanges& changes);
+  std::string endScreen(const std::string& key, const std::string& name, double now);
+  void grow(const std::string& visit, DefaultsChanges& changes);
+  void flush(const std::string& visit, Dictionary& record, DefaultsChanges& changes);
+  void moveFlow(std::string_view key, Dictionary& record, DefaultsChanges& changes);
+  void rememberVersions(DefaultsChanges& changes);
+  void rememberIfNew(std::string_view key, const std::optional<std::string>& text, DefaultsChanges& changes);
 
   UserDefaults& defaults_;
   Clock& clock_;
@@ -52,10 +56,9 @@ class ScreenFlow {
   KesuMetrics& metrics_;
   UsageStatistics& usage_;
 
-  Mutex mutex_;
-  std::map<std::string, double> screens_ KESU_GUARDED_BY(mutex_);  // Visible screens: start, seconds since 1970.
+  std::map<std::string, double> screens_;  // Visible screens: start, seconds since 1970.
   // Whether the flow in the user defaults, its only copy, is this session's and not that of an interrupted run.
-  bool isFlowOurs_ KESU_GUARDED_BY(mutex_) = false;
+  bool isFlowOurs_ = false;
 };
 
 }  // namespace kesu

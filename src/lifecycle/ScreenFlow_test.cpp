@@ -71,7 +71,14 @@ TEST_F(FlowTest, ReportsTheFlowOfAnInterruptedRunOnce) {
   platform.defaults.synchronize();
   restart();
   platform.clock.advance(3600.0);
-  EXPECT_EQ(change('l', kMain), (Dictionary{{"~uf", "$$Main~~1.0"}, {"~cfqt", "1489579400999"}}));
+  platform.bundle.dictionary = {{"CFBundleVersion", "43"}};
+  EXPECT_EQ(change('l', kMain), (Dictionary{{"~uf", "$$Main~~1.0"},
+                                            {"~cfqt", "1489579400999"},
+                                            {"ov", "12"},
+                                            {"av", "1.0"},
+                                            {"rv", "42"}}))
+      << "with the versions of that run";
+  EXPECT_EQ(onDisk("~cfqt") + onDisk("~sfosVersion") + onDisk("~sfappbundleVersion"), "") << "they are reported once";
   restart();
   EXPECT_EQ(change('l', kMain), Dictionary());
   EXPECT_EQ(change('b', kMain), (Dictionary{{"~ef", "$$Started~~0"}}));
@@ -107,6 +114,14 @@ TEST_F(FlowTest, RemembersTheVersionsOfTheFlow) {
   platform.bundle.dictionary = {{"CFBundleVersion", "44"}};
   visit(kMain, 1.0);
   EXPECT_EQ(onDisk("~sfappbundleVersion"), "43");
+}
+
+TEST_F(FlowTest, LeavesOutTheNameThatNoTextCanHold) {
+  visit({"\xff", "0x4"}, 1.0);
+  EXPECT_EQ(visit(kMain, 2.0), "$$Main~~2.0");
+  Dictionary traits;
+  usage->fillInTraitsForAggregateAndActivations(traits);
+  EXPECT_EQ(platform.defaults.integer("asst"), 3) << "its time counts";
 }
 
 TEST_F(FlowTest, KeepsMeasuringWhenTheClockIsSetBack) {

@@ -19,49 +19,38 @@ namespace kesu {
 /// Returns the screen on top; nothing when there is none. Main thread.
 using TopScreen = std::function<std::optional<ScreenKey>()>;
 
-/// Turns transitions of the application and of its screens into state-change records, and reports the activations that
-/// are due with them.
+/// Turns transitions of the application and of its screens into state-change records, and reports the usage and the
+/// activations that are due with them.
 class StateChanges {
  public:
   StateChanges(Platform& platform, KesuMetrics& metrics, const AppInstance& instance, RecordSender& sender,
                CalendarReports& reports, TopScreen topScreen)
-      : background_(platform.background),
-        metrics_(metrics),
-        instance_(instance),
+      : instance_(instance),
         sender_(sender),
         reports_(reports),
         topScreen_(std::move(topScreen)),
         flow_(platform.defaults, platform.clock, platform.bundle, metrics, reports.usage) {}
 
-  /// Reports a transition of the application. Main thread. Tracks the flow synchronously: a screen that appears right
-  /// after the call belongs to the session that the call has begun. Posts on the background queue; a termination posts
-  /// synchronously, because the process is about to end. [stateChangeEventAppLevel::]
+  /// Reports a transition of the application. Main thread. The record, the flows that it carries and what follows for
+  /// the stored flows are taken in one step: a screen that appears right after the call belongs to the session that the
+  /// call has begun, and a process that dies right after it loses nothing. [stateChangeEventAppLevel::]
   void stateChangeEventAppLevel(char state, const std::optional<std::string>& detail);
 
-  /// Reports a screen that appeared or disappeared: one record, synchronously, without activations. Main thread.
+  /// Reports a screen that appeared or disappeared: one record, without activations. Main thread.
   void screenChanged(char state, const ScreenKey& screen);
 
+  /// Takes the usage and the activations that are due with a state change, behind it. Background queue.
+  void postReports(char state);
+
  private:
-  struct Change {
-    char state;
-    std::optional<std::string> detail;
-    Dictionary flows;  ///< The flows that are due with the change.
-  };
-
   ScreenKey screenFor(char state, const std::optional<std::string>& detail);
-  Change tracked(char state, const std::optional<std::string>& detail, const ScreenKey& screen);
-  void executePostMethod(const Change& change);
-  void stateChangeEvent(const Change& change);
-  void addDetail(Dictionary& record, const Change& change);
-  void addDeviceState(Dictionary& record, char state);
+  void stateChangeEvent(char state, const std::optional<std::string>& detail, const ScreenKey& screen);
 
-  BackgroundQueue& background_;
-  KesuMetrics& metrics_;
   const AppInstance& instance_;
   RecordSender& sender_;
   CalendarReports& reports_;
   TopScreen topScreen_;
-  ScreenFlow flow_;
+  ScreenFlow flow_;  // Changed by one state change at a time: while the outbox takes it.
 };
 
 }  // namespace kesu

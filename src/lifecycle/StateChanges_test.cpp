@@ -101,11 +101,16 @@ TEST_F(StateChangesTest, PostsTheUsageOfTheSessionAtItsEnd) {
   EXPECT_TRUE(keysOf(takeLast("t")).starts_with("~a:u5mo3D ~a:u5mo5D "));
 }
 
-TEST_F(StateChangesTest, TerminatesOnTheCallersThread) {
+TEST_F(StateChangesTest, KeepsTheOrderOfTheCalls) {
   initialize();
+  appear(kMain);
+  enterBackground();
   terminate();
-  EXPECT_EQ(platform.background.count(), 0U);
-  EXPECT_EQ(platform.http.requestCount(), 2U) << "the state and the first variants";
+  std::string states;
+  for (const auto& [table, body] : takeRecords()) {
+    states += table == "s" ? *body.findText("~ns") : "";
+  }
+  EXPECT_EQ(states, "abt");
 }
 
 TEST_F(StateChangesTest, TracksAScreenThatAppearsBeforeTheWorkerGetsToTheLaunch) {

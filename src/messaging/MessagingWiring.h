@@ -8,6 +8,7 @@
 #include "messaging/KesuInAppMessagesRequester.h"
 #include "messaging/KesuInbox.h"
 #include "messaging/MessageImageLoader.h"
+#include "outbox/Outbox.h"
 #include "services/DeploymentSettings.h"
 
 namespace kesu {
@@ -21,7 +22,8 @@ struct MessagingWiring {
   DeploymentSettings settings{platform.bundle};
   KesuMetrics metrics{platform.device, platform.reachability, platform.locale, settings};
   KesuStore store{platform.files, platform.defaults, platform.clock};
-  KesuPost post{platform.http, platform.defaults, platform.clock, settings, store};
+  Outbox outbox{platform.outbox, platform.defaults, platform.background, platform.clock, platform.random};
+  KesuPost post{platform.http, outbox, platform.background, platform.clock, settings, store};
   KesuInAppMessagesRequester requester{platform.http, platform.defaults, platform.clock, settings, post};
   KesuInbox inbox{platform.defaults, requester};
   MessageImageLoader imageLoader{platform.http, platform.imageWorker};

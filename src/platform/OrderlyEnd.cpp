@@ -1,6 +1,7 @@
 #include "platform/OrderlyEnd.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstddef>
 #include <utility>
 
@@ -14,9 +15,6 @@ constexpr double kPatienceSeconds = 5.0;
 // A reply that is on its way from a collector nearby arrives within this; the whole end must stay below 50 ms.
 constexpr double kLongestGraceSeconds = 0.040;
 
-// The cost of storing one record that was not delivered.
-constexpr double kStoreSeconds = 40e-6;
-
 // Completions post background tasks, and those may post completions. Two rounds are usual; more than this mean a task
 // of the host that posts itself again and again.
 constexpr int kMostRounds = 16;
@@ -24,9 +22,13 @@ constexpr int kMostRounds = 16;
 // Per thread: while one ends the process, another may still pump for a living host.
 constinit thread_local bool endingAtExit = false;
 
-double graceFor(std::size_t pending, double secondsLeft) {
-  const double storing = static_cast<double>(pending) * kStoreSeconds;
-  return pending == 0 ? 0.0 : std::clamp(secondsLeft - storing, 0.0, kLongestGraceSeconds);
+std::atomic<EndStep> beginStep{nullptr};
+std::atomic<EndStep> finishStep{nullptr};
+
+void take(const std::atomic<EndStep>& step) {
+  if (const EndStep taken = step.load()) {
+    taken();
+  }
 }
 
 // Every round runs at least all that is queued at its beginning, so that no completion is dropped for lack of time.
@@ -42,15 +44,23 @@ void runCompletions(Platform& platform, double end) {
 
 void endNetwork(Platform& platform, double end) {
   const double secondsLeft = end - platform.clock.monotonic();
-  platform.http.shutdown(graceFor(platform.http.pendingCount(), secondsLeft));
+  const bool isWorthWaiting = platform.http.pendingCount() > 0;
+  platform.http.shutdown(isWorthWaiting ? std::clamp(secondsLeft, 0.0, kLongestGraceSeconds) : 0.0);
   runCompletions(platform, end);
   platform.defaults.synchronize();
+  take(finishStep);
 }
 
 }  // namespace
 
+void setEndSteps(EndStep begin, EndStep finish) {
+  beginStep.store(begin);
+  finishStep.store(finish);
+}
+
 void endOrderly(Platform& platform, double totalSeconds) {
   const double end = platform.clock.monotonic() + totalSeconds;
+  take(beginStep);
   platform.background.drain(kPatienceSeconds);
   endNetwork(platform, end);
 }
@@ -58,6 +68,7 @@ void endOrderly(Platform& platform, double totalSeconds) {
 void endAtExit(Platform& platform, double totalSeconds) {
   const bool wasEnding = std::exchange(endingAtExit, true);
   const double end = platform.clock.monotonic() + totalSeconds;
+  take(beginStep);
   platform.background.shutdown(kPatienceSeconds);
   endNetwork(platform, end);
   endingAtExit = wasEnding;

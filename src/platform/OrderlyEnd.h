@@ -4,14 +4,19 @@
 
 namespace kesu {
 
-/// Ends all work so that no record is lost. Any thread, any number of times.
+/// What else takes part in an end, called on the ending thread.
+using EndStep = void (*)();
+
+/// Sets what is called first and last in an end; the facade calls this once, while the library is loaded.
+void setEndSteps(EndStep begin, EndStep finish);
+
+/// Ends all work. Any thread, any number of times.
 ///
-/// In this order: background tasks run (they post records); the HTTP client waits for outstanding replies, then fails
-/// the rest; the completions run on the main loop, which store the records that were not delivered, and the tasks that
-/// they post; the user defaults are synchronized. Only the wait for replies is shortened, so that all of it takes about
-/// `totalSeconds`: storing each unanswered record needs its share.
+/// In this order: background tasks run, which send records; the HTTP client waits for outstanding replies, then fails
+/// the rest, whose records stay in the outbox; completions and the tasks that they post run on the main loop; the user
+/// defaults are synchronized. The wait for replies is at most 40 ms, less when `totalSeconds` are over before.
 ///
-/// The HTTP client stays shut down: later requests are cancelled, and stored by the next pump or the next call.
+/// The HTTP client stays shut down: later requests are cancelled.
 void endOrderly(Platform& platform, double totalSeconds = 0.045);
 
 /// The same when the process ends: the background thread is stopped as well, and later tasks run on the posting

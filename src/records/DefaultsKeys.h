@@ -34,6 +34,9 @@ inline constexpr std::string_view k_PushMidKey = "push_mid_key";
 inline constexpr std::string_view k_PushCidKey = "push_cid_key";
 inline constexpr std::string_view kPushIdentifierDefault = "kesupushIdentifier";
 
+/// The number of the last entry of the append log whose changes these values contain.
+inline constexpr std::string_view kLastLoggedChangeDefault = "~logged";
+
 inline constexpr std::string_view kNumberOfFilesDefault = "~numberOfFiles";
 inline constexpr std::string_view kSaveTimeSuffix = "-secondsSince1970";
 

@@ -10,7 +10,8 @@ namespace kesu {
 /// A named event with free attributes, on its way to the collector.
 ///
 /// A short-lived value of one thread: make it, fill it, post it once. Posting costs the caller a copy of the
-/// attributes, one append to the event flow and one enqueue; the background queue delivers. Posting before
+/// attributes into a log on disk, where the event survives the death of the process from then on; the background queue
+/// delivers. Posting before
 /// Kesu::initialize throws InternalInconsistencyException and records nothing. An event whose name is missing, empty or
 /// blank is ignored.
 class KESU_API KesuEvent {
@@ -40,9 +41,6 @@ class KESU_API KesuEvent {
   Dictionary attributes;  ///< The record that is posted.
   Object name;            ///< Written into the record under "~e", as it is.
   std::string group;      ///< Kept: a reserved slot that nothing reads and no record carries.
-
- private:
-  void recordName();
 };
 
 }  // namespace kesu

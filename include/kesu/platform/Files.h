@@ -3,6 +3,7 @@
 #include <kesu/Export.h>
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -43,6 +44,12 @@ struct DirectoryEntry {
   bool isRegularFile = false;
 };
 
+/// A lock on a file, held as long as this object exists.
+class KESU_API FileLock {
+ public:
+  virtual ~FileLock() = default;
+};
+
 /// The file system, as far as the library needs it. Paths are absolute UTF-8 texts.
 ///
 /// Callable from any thread. Operations block, but do not wait until the disk has written. None follows a symbolic link
@@ -73,6 +80,9 @@ class KESU_API Files {
 
   /// Makes a directory and those above it. Ok when it exists already.
   virtual FileResult createDirectories(const std::string& path) = 0;
+
+  /// Locks a file among processes. Null when another process holds it.
+  virtual std::unique_ptr<FileLock> tryLock(const std::string& /*path*/) { return std::make_unique<FileLock>(); }
 
   /// Walks the tree below `directory` and calls `visit` for each entry, in the system's order; `visit` returns false to
   /// stop. Hidden entries and those that cannot be listed are skipped, links are not entered. A missing directory has

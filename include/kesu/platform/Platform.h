@@ -1,6 +1,7 @@
 #pragma once
 
 #include <kesu/Export.h>
+#include <kesu/platform/AppendLog.h>
 #include <kesu/platform/BackgroundQueue.h>
 #include <kesu/platform/Bundle.h>
 #include <kesu/platform/Clock.h>
@@ -30,6 +31,7 @@ struct Platform {
   Random& random;
   Files& files;
   UserDefaults& defaults;
+  AppendLog& outbox;  ///< Takes records before a call returns.
   HttpClient& http;
   MainLoop& mainLoop;
   BackgroundQueue& background;

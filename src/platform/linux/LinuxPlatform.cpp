@@ -25,6 +25,7 @@
 #include "platform/linux/device/LinuxDeviceFacts.h"
 #include "platform/linux/files/LinuxFiles.h"
 #include "platform/linux/http/LinuxHttpClient.h"
+#include "platform/linux/outbox/LinuxAppendLog.h"
 #include "platform/linux/reachability/LinuxReachabilitySource.h"
 
 namespace kesu {
@@ -54,6 +55,7 @@ struct LinuxServices {
       : bundle(locale, options.bundlePath, infoOverrides(options)),
         files(homeDirectory(options.homeDirectory, bundle)),
         defaults(files.preferencesDirectory()),
+        outbox(files.outboxDirectory()),
         mainLoop(chosen<MainLoop>(options.mainLoop, ownMainLoop)),
         ownHttp(mainLoop, httpOptions(options)),
         reachability(mainLoop),
@@ -65,6 +67,7 @@ struct LinuxServices {
                  random,
                  files,
                  defaults,
+                 outbox,
                  chosen<HttpClient>(options.http, ownHttp),
                  mainLoop,
                  background,
@@ -112,6 +115,7 @@ struct LinuxServices {
   LinuxBundle bundle;
   LinuxFiles files;
   LinuxUserDefaults defaults;
+  LinuxAppendLog outbox;
   LinuxMainLoop ownMainLoop;
   MainLoop& mainLoop;
   LinuxHttpClient ownHttp;

@@ -37,6 +37,9 @@ class LinuxFiles final : public Files {
   std::string cachesDirectory() override;
   std::string preferencesDirectory() override;
 
+  /// Returns the directory of the append log; empty when there is none.
+  std::string outboxDirectory() { return below("/Library/Outbox"); }
+
   FileContent read(const std::string& path, std::size_t limit) override;
   FileResult writeAtomically(const std::string& path, std::string_view bytes) override;
   FileResult remove(const std::string& path) override;

@@ -1,0 +1,118 @@
+#pragma once
+
+#include <kesu/platform/AppendLog.h>
+#include <kesu/platform/BackgroundQueue.h>
+#include <kesu/platform/Clock.h>
+#include <kesu/platform/Random.h>
+#include <kesu/platform/UserDefaults.h>
+
+#include <cstddef>
+#include <functional>
+#include <optional>
+#include <thread>
+
+#include "foundation/Mutex.h"
+#include "outbox/OutboxEntry.h"
+#include "outbox/OutboxJournal.h"
+#include "outbox/OutboxQueue.h"
+#include "outbox/PendingRecord.h"
+
+namespace kesu {
+
+/// Takes every record, and every change of the texts that grow with a session, into the append log before the call
+/// returns, and hands the records out in that order, on the background queue, until each one is done with.
+///
+/// What a former process left is handed out first; what it logged and did not write to the user defaults is applied by
+/// open(). A record that the log cannot take waits in memory; changes that it cannot take are synchronized at once.
+/// Any thread, unless stated otherwise. In a forked child nothing is taken.
+class Outbox {
+ public:
+  /// Names a record that was handed out.
+  using Ticket = OutboxQueue::Ticket;
+
+  /// A record that is handed out.
+  struct Delivery {
+    PendingRecord record;
+    Ticket ticket;
+    const Dictionary* context = nullptr;  ///< What setContext() said in the process that took it; null: this process.
+  };
+
+  Outbox(AppendLog& log, UserDefaults& defaults, BackgroundQueue& background, Clock& clock, Random& random)
+      : log_(log), defaults_(defaults), journal_(log, defaults), background_(background), clock_(clock), random_(random) {}
+
+  /// Sets what sends a record that is handed out: called on the background queue, one at a time. Until then records
+  /// wait. Once; main thread.
+  void startDelivery(std::function<void(Delivery)> deliver);
+
+  /// Reads what former processes left, in the first call. Call it before the user defaults that it may change are read.
+  void open();
+
+  /// Sets what a later process needs to complete the records of this one: identity and versions.
+  void setContext(const Dictionary& context);
+
+  /// Takes a record; its moment and identifier are set here. `entries` are those of the record, with one replaced.
+  /// `changes` are made in the same step.
+  void add(const PendingRecord& frame, const Dictionary& entries,
+           const std::optional<Replacement>& replacement = std::nullopt, DefaultsChanges changes = {});
+
+  /// The same for entries and changes that are made from the user defaults as they stand: `build` adds to both, while
+  /// nothing else is taken. It must not call the outbox.
+  void addBuilt(const PendingRecord& frame, const std::function<void(Dictionary& entries, DefaultsChanges&)>& build);
+
+  /// Makes changes without a record.
+  void change(DefaultsChanges changes);
+
+  /// Ends the life of a record: it was delivered, refused for good, or its store file is written.
+  void finish(const Ticket& ticket);
+
+  /// Leaves a logged record to the next process, because this one ends. Those that wait are left as well.
+  void leave();
+
+  /// Keeps a record that could be neither delivered nor stored: it is handed out again after retryParked(), or by the
+  /// next process. One that is not logged is lost.
+  void park(const Ticket& ticket);
+  void retryParked();
+
+  /// From now on records are only logged, so that an end waits for nobody who goes on posting. What is not logged, and
+  /// what delivering records adds, is still handed out.
+  void beginEnd();
+
+  /// Writes the changes to the user defaults and hands what is new to the disk, without waiting for it.
+  void finishEnd();
+
+  /// Hands everything taken so far to the disk, on the background queue.
+  void handOverSoon();
+
+  /// Whether beginEnd() was called.
+  bool isEnding();
+
+  bool isInForkedChild() const { return log_.isInForkedChild(); }
+
+ private:
+  void openLocked() KESU_REQUIRES(mutex_);
+  void take(const PendingRecord& frame, const Dictionary& entries, const std::optional<Replacement>& replacement,
+            DefaultsChanges changes) KESU_REQUIRES(mutex_);
+  void scheduleDelivery() KESU_REQUIRES(mutex_);
+  void planHandOver() KESU_REQUIRES(mutex_);
+  void deliverWaiting();
+  bool deliverNext();
+  void writeChanges();
+  void handOver();
+
+  AppendLog& log_;
+  UserDefaults& defaults_;
+  Mutex mutex_;  // Locked before those of the log and of the user defaults.
+  OutboxJournal journal_ KESU_GUARDED_BY(mutex_);
+  OutboxQueue queue_ KESU_GUARDED_BY(mutex_);
+  BackgroundQueue& background_;
+  Clock& clock_;
+  Random& random_;
+  std::function<void(Delivery)> deliver_;  // Set before anything is scheduled.
+  bool isOpen_ KESU_GUARDED_BY(mutex_) = false;
+  bool isScheduled_ KESU_GUARDED_BY(mutex_) = false;
+  bool isHandOverPlanned_ KESU_GUARDED_BY(mutex_) = false;
+  bool isEnding_ KESU_GUARDED_BY(mutex_) = false;
+  std::thread::id deliverer_ KESU_GUARDED_BY(mutex_);  // The thread that hands out records, if any.
+};
+
+}  // namespace kesu

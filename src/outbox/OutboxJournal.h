@@ -1,0 +1,65 @@
+#pragma once
+
+#include <kesu/platform/AppendLog.h>
+#include <kesu/platform/UserDefaults.h>
+
+#include <deque>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "outbox/OutboxEntry.h"
+#include "outbox/PendingRecord.h"
+
+namespace kesu {
+
+/// Changes of the user defaults that belong to one entry.
+using DefaultsChanges = std::vector<DefaultsChange>;
+
+/// The append log as the outbox uses it: records and changes of the user defaults, each change made exactly once. The
+/// user defaults hold the number of the last logged change that they contain, and get it in one step with the change:
+/// a start applies what is newer.
+/// Confined to its owner.
+class OutboxJournal {
+ public:
+  /// A record of a former process. `context` is what setContext() said there; valid as long as the journal.
+  using Recovered = std::function<void(const AppendLog::Entry& entry, const Dictionary& context)>;
+
+  OutboxJournal(AppendLog& log, UserDefaults& defaults) : log_(log), defaults_(defaults) {}
+
+  /// Applies the changes of former processes, and passes on their records, oldest first.
+  void recover(const Recovered& recovered);
+
+  /// Sets what a later process needs to complete the records of this one.
+  void setContext(const Dictionary& context);
+
+  /// Logs a record with changes and makes these. Returns nothing when the record is not logged; the changes are made
+  /// all the same.
+  std::optional<AppendLog::Entry> append(const PendingRecord& frame, const Dictionary& entries,
+                                         const std::optional<Replacement>& replacement, DefaultsChanges changes);
+
+  /// Logs and makes changes without a record.
+  void append(DefaultsChanges changes);
+
+  /// The number of the newest entry.
+  AppendLog::Sequence newest() const { return newest_; }
+
+  /// Reads a record back; nothing when the log has lost it.
+  std::optional<PendingRecord> read(const AppendLog::Entry& entry);
+
+ private:
+  void recoverEntry(const AppendLog::Found& found, const Recovered& recovered);
+  const Dictionary& contextOf(std::string_view preamble);
+  void apply(DefaultsChanges& changes, const std::optional<AppendLog::Entry>& entry);
+
+  AppendLog& log_;
+  UserDefaults& defaults_;
+  AppendLog::Sequence newest_ = 0;
+  std::string preamble_;             // Of the entries that are being recovered.
+  std::deque<Dictionary> contexts_;  // Each is referred to by records.
+  std::string bytes_;                // Keeps its room: no allocation per entry.
+};
+
+}  // namespace kesu

@@ -1,0 +1,40 @@
+#include "outbox/OutboxQueue.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace kesu {
+
+std::optional<OutboxQueue::Item> OutboxQueue::takeNext() {
+  if (isStopped_) {
+    std::erase_if(waiting_, [](const Item& item) { return item.ticket.isLogged; });
+  }
+  if (!hasNext()) {
+    return std::nullopt;
+  }
+  ++inFlight_;
+  Item item = std::move(waiting_.front());
+  waiting_.pop_front();
+  return item;
+}
+
+void OutboxQueue::park(const Ticket& ticket) {
+  finish();
+  if (ticket.isLogged) {
+    parked_.push_back(ticket);
+  }
+}
+
+void OutboxQueue::retry() {
+  for (const Ticket& ticket : parked_) {
+    waiting_.push_back({ticket, nullptr});
+  }
+  parked_.clear();
+}
+
+bool OutboxQueue::hasNext() const {
+  // What is not logged would be lost with the process, so it never waits for its turn at the end.
+  return !waiting_.empty() && (isStopped_ || inFlight_ < kMostInFlight);
+}
+
+}  // namespace kesu
