@@ -1,9 +1,11 @@
 #include "platform/linux/LinuxRandom.h"
 
 #include <fcntl.h>
+#include <string.h>
 #include <sys/random.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -27,9 +29,7 @@ bool fillFromDevice(std::span<std::uint8_t> bytes) {
   return true;
 }
 
-}  // namespace
-
-void LinuxRandom::fill(std::span<std::uint8_t> bytes) {
+void fillFromSystem(std::span<std::uint8_t> bytes) {
   while (!bytes.empty()) {
     const ssize_t got = ::getrandom(bytes.data(), bytes.size(), 0);
     if (got > 0) {
@@ -42,6 +42,24 @@ void LinuxRandom::fill(std::span<std::uint8_t> bytes) {
       return;
     }
   }
+}
+
+}  // namespace
+
+void LinuxRandom::fill(std::span<std::uint8_t> bytes) {
+  if (bytes.size() > kLongestFromBlock || forkGuard_.isForkedChild()) {
+    fillFromSystem(bytes);
+    return;
+  }
+  const MutexLock lock(mutex_);
+  if (left_ < bytes.size()) {
+    fillFromSystem(block_);
+    left_ = block_.size();
+  }
+  left_ -= bytes.size();
+  const std::span<std::uint8_t> given = std::span(block_).subspan(left_, bytes.size());
+  std::copy(given.begin(), given.end(), bytes.begin());
+  ::explicit_bzero(given.data(), given.size());
 }
 
 }  // namespace kesu
