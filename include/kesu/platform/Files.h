@@ -53,7 +53,8 @@ class KESU_API FileLock {
 /// The file system, as far as the library needs it. Paths are absolute UTF-8 texts.
 ///
 /// Callable from any thread. Operations block, but do not wait until the disk has written. None follows a symbolic link
-/// in the last component. Directories are made with mode 0700, files with mode 0600. Nothing throws.
+/// in the last component or in the directory directly above it; the directories that are returned here are free of
+/// links as soon as they exist. Directories are made with mode 0700, files with mode 0600. Nothing throws.
 class KESU_API Files {
  public:
   virtual ~Files() = default;

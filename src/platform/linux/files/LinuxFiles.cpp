@@ -14,16 +14,18 @@
 #include <system_error>
 #include <utility>
 
+#include "platform/ServiceLog.h"
+#include "platform/linux/base/PrivateDirectory.h"
 #include "platform/linux/base/UniqueFd.h"
 
 namespace kesu {
 namespace {
 
-constexpr mode_t kDirectoryMode = 0700;
 constexpr mode_t kFileMode = 0600;
 constexpr int kNameAttempts = 100;
 constexpr std::string_view kTemporaryPrefix = ".kesu-";
 constexpr std::string_view kTemporarySuffix = ".tmp";
+constexpr std::string_view kStoreSuffix = ".kesuCache";  // Files of undelivered records.
 
 using Directory = std::unique_ptr<DIR, decltype([](DIR* directory) { ::closedir(directory); })>;
 using Visitor = std::function<bool(const DirectoryEntry&)>;
@@ -53,6 +55,10 @@ FileResult failure(int error) {
   return {statusOf(error), std::generic_category().message(error)};
 }
 
+FileResult forkedChild() {
+  return {FileStatus::OtherFailure, "Not allowed in a forked child process"};
+}
+
 bool hasNul(const std::string& path) {
   return path.find('\0') != std::string::npos;
 }
@@ -60,6 +66,15 @@ bool hasNul(const std::string& path) {
 std::string parentOf(const std::string& path) {
   const std::size_t slash = path.find_last_of('/');
   return slash == std::string::npos ? "." : path.substr(0, std::max<std::size_t>(slash, 1));
+}
+
+const char* nameIn(const std::string& path) {
+  return path.c_str() + path.find_last_of('/') + 1;
+}
+
+// The directory itself: enumerate() does not enter a link either, and whatever is written must be found again.
+UniqueFd openParent(const std::string& directory) {
+  return UniqueFd(::open(directory.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
 }
 
 // 0, or the error number.
@@ -130,21 +145,6 @@ unsigned char typeOf(int directory, const dirent& entry) {
   return static_cast<unsigned char>(IFTODT(info.st_mode));
 }
 
-// 0 when the directory is there afterwards, else the error number.
-int makeDirectories(const std::string& path) {
-  if (::mkdir(path.c_str(), kDirectoryMode) == 0) {
-    return 0;
-  }
-  if (errno == ENOENT && parentOf(path) != path) {
-    const int error = makeDirectories(parentOf(path));
-    return error != 0 ? error : ::mkdir(path.c_str(), kDirectoryMode) == 0 || errno == EEXIST ? 0 : errno;
-  }
-  const int error = errno;
-  struct stat info {};
-  const bool isThere = error == EEXIST && ::stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
-  return isThere ? 0 : error == EEXIST ? ENOTDIR : error;
-}
-
 // False when the visitor wants to stop.
 bool walk(DIR* directory, const std::string& path, int depth, const Visitor& visit) {
   const int fd = ::dirfd(directory);
@@ -169,8 +169,8 @@ bool walk(DIR* directory, const std::string& path, int depth, const Visitor& vis
 
 // A file that has no name until it is whole: cheaper than a temporary name, and nothing is left of it when the process
 // dies. Nothing when the file is there already, or where this cannot be done (some file systems; no /proc).
-std::optional<FileResult> writeNew(const std::string& directory, const std::string& path, std::string_view bytes) {
-  const UniqueFd fd(::open(directory.c_str(), O_WRONLY | O_TMPFILE | O_CLOEXEC, kFileMode));
+std::optional<FileResult> writeNew(int directory, const char* name, std::string_view bytes) {
+  const UniqueFd fd(::openat(directory, ".", O_WRONLY | O_TMPFILE | O_CLOEXEC, kFileMode));
   if (!fd) {
     return std::nullopt;
   }
@@ -178,41 +178,44 @@ std::optional<FileResult> writeNew(const std::string& directory, const std::stri
     return failure(error);
   }
   const std::string unnamed = "/proc/self/fd/" + std::to_string(fd.get());
-  const bool isLinked = ::linkat(AT_FDCWD, unnamed.c_str(), AT_FDCWD, path.c_str(), AT_SYMLINK_FOLLOW) == 0;
+  const bool isLinked = ::linkat(AT_FDCWD, unnamed.c_str(), directory, name, AT_SYMLINK_FOLLOW) == 0;
   return isLinked ? std::optional(FileResult()) : std::nullopt;
 }
 
 }  // namespace
 
-LinuxFiles::LinuxFiles(std::string homeDirectory) : home_(std::move(homeDirectory)) {}
-
-std::string LinuxFiles::below(const char* name) const {
-  return home_.empty() ? std::string() : home_ + name;
-}
+LinuxFiles::LinuxFiles(std::string homeDirectory) : folders_(std::move(homeDirectory)) {}
 
 std::string LinuxFiles::documentsDirectory() {
-  return below("/Documents");
+  return folders_.path(HomeFolders::Folder::Documents);
 }
 
 std::string LinuxFiles::cachesDirectory() {
-  return below("/Library/Caches");
+  return folders_.path(HomeFolders::Folder::Caches);
 }
 
 std::string LinuxFiles::preferencesDirectory() {
-  return below("/Library/Preferences");
+  return folders_.path(HomeFolders::Folder::Preferences);
 }
 
 FileContent LinuxFiles::read(const std::string& path, std::size_t limit) {
-  if (hasNul(path)) {
+  if (hasNul(path) || forkGuard_.isForkedChild()) {
     return {FileStatus::OtherFailure, {}};
   }
-  const UniqueFd fd(::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
+  const UniqueFd directory = openParent(parentOf(path));
+  if (!directory) {
+    return {statusOf(errno), {}};
+  }
+  const UniqueFd fd(::openat(directory.get(), nameIn(path), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
   struct stat info {};
   if (!fd || ::fstat(fd.get(), &info) != 0) {
     return {statusOf(errno), {}};
   }
   if (!S_ISREG(info.st_mode)) {
     return {FileStatus::NotRegular, {}};
+  }
+  if (path.ends_with(kStoreSuffix)) {
+    makePrivate(fd.get());
   }
   const auto size = static_cast<std::size_t>(info.st_size);
   if (size > limit) {
@@ -226,43 +229,63 @@ FileContent LinuxFiles::read(const std::string& path, std::size_t limit) {
   return content.bytes.size() > limit ? FileContent{FileStatus::TooLarge, {}} : content;
 }
 
+UniqueFd LinuxFiles::openForWriting(const std::string& directory, int& error) {
+  UniqueFd fd = openParent(directory);
+  error = fd ? 0 : errno;
+  if (error == ENOENT) {
+    error = makeDirectories(directory);
+    fd = error == 0 ? openParent(directory) : UniqueFd();
+    error = error == 0 && !fd ? errno : error;
+  }
+  const bool isBlocked = error == ENOTDIR || error == ELOOP;
+  if (isBlocked && !hasToldOfBlock_.exchange(true)) {
+    serviceLog(2, "Nothing can be written in " + directory + ": a file, or a link to no directory, is in the way.");
+  }
+  return fd;
+}
+
 FileResult LinuxFiles::writeAtomically(const std::string& path, std::string_view bytes) {
+  if (forkGuard_.isForkedChild()) {
+    return forkedChild();
+  }
   if (hasNul(path)) {
     return failure(EINVAL);
   }
-  const std::string directory = parentOf(path);
-  sweepOnce(directory);
-  if (auto result = writeNew(directory, path, bytes)) {
+  const std::string directoryPath = parentOf(path);
+  sweepOnce(directoryPath);
+  int error = 0;
+  const UniqueFd directory = openForWriting(directoryPath, error);
+  if (!directory) {
+    return failure(error);
+  }
+  if (auto result = writeNew(directory.get(), nameIn(path), bytes)) {
     return *result;
   }
   std::string temporary;
-  const int fd = openTemporary(directory, temporary);
+  const int fd = openTemporary(directory.get(), temporary);
   if (fd < 0) {
     return failure(errno);
   }
-  int error = writeWhole(fd, bytes);
+  error = writeWhole(fd, bytes);
   if (::close(fd) != 0 && error == 0) {
     error = errno;
   }
-  if (error == 0 && ::rename(temporary.c_str(), path.c_str()) != 0) {
+  if (error == 0 && ::renameat(directory.get(), temporary.c_str(), directory.get(), nameIn(path)) != 0) {
     error = errno;
   }
   if (error != 0) {
-    ::unlink(temporary.c_str());
+    ::unlinkat(directory.get(), temporary.c_str(), 0);
     return failure(error);
   }
   return {};
 }
 
-int LinuxFiles::openTemporary(const std::string& directory, std::string& path) {
-  const std::string start = directory + "/" + std::string(kTemporaryPrefix) + std::to_string(::getpid()) + "-";
-  bool mayMakeDirectory = true;
+int LinuxFiles::openTemporary(int directory, std::string& name) {
+  const std::string start = std::string(kTemporaryPrefix) + std::to_string(::getpid()) + "-";
   for (int attempt = 0; attempt < kNameAttempts; ++attempt) {
-    path = start + std::to_string(temporaries_++) + std::string(kTemporarySuffix);
-    const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kFileMode);
-    const bool missing = fd < 0 && errno == ENOENT && std::exchange(mayMakeDirectory, false);
-    const bool again = missing ? makeDirectories(directory) == 0 : fd < 0 && errno == EEXIST;
-    if (!again) {
+    name = start + std::to_string(temporaries_++) + std::string(kTemporarySuffix);
+    const int fd = ::openat(directory, name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kFileMode);
+    if (fd >= 0 || errno != EEXIST) {
       return fd;
     }
   }
@@ -271,19 +294,27 @@ int LinuxFiles::openTemporary(const std::string& directory, std::string& path) {
 }
 
 FileResult LinuxFiles::remove(const std::string& path) {
+  if (forkGuard_.isForkedChild()) {
+    return forkedChild();
+  }
   if (hasNul(path)) {
     return failure(EINVAL);
   }
-  return ::unlink(path.c_str()) == 0 ? FileResult{} : failure(errno);
+  const UniqueFd directory = openParent(parentOf(path));
+  return directory && ::unlinkat(directory.get(), nameIn(path), 0) == 0 ? FileResult{} : failure(errno);
 }
 
 FileResult LinuxFiles::createDirectories(const std::string& path) {
+  if (forkGuard_.isForkedChild()) {
+    return forkedChild();
+  }
   const int error = hasNul(path) ? EINVAL : makeDirectories(path);
   return error == 0 ? FileResult{} : failure(error);
 }
 
 void LinuxFiles::enumerate(const std::string& directory, const Visitor& visit) {
-  const Directory start = hasNul(directory) ? Directory() : openDirectory(AT_FDCWD, directory.c_str());
+  const bool isRefused = hasNul(directory) || forkGuard_.isForkedChild();
+  const Directory start = isRefused ? Directory() : openDirectory(AT_FDCWD, directory.c_str());
   if (start) {
     walk(start.get(), directory, 0, visit);
   }

@@ -7,14 +7,17 @@
 #include <string>
 
 #include "foundation/Mutex.h"
+#include "platform/linux/base/ForkGuard.h"
+#include "platform/linux/base/UniqueFd.h"
+#include "platform/linux/files/HomeFolders.h"
 
 namespace kesu {
 
 /// Files on a POSIX file system.
 ///
 /// Any thread. No file is opened that could block or have side effects: reading a FIFO, a socket, a device, a directory
-/// or a link returns NotRegular at once. Paths with a NUL byte are refused. A path below a regular file
-/// counts as NotFound.
+/// or a link returns NotRegular at once. Paths with a NUL byte are refused. A path below a regular file, or directly
+/// below a link, counts as NotFound. In a forked child everything is refused and nothing is there.
 ///
 /// writeAtomically() gives a new file its name when it is whole. A file that replaces another (a link, FIFO or socket
 /// is replaced, never written through; a directory is not), or that the file system cannot make without a name, is
@@ -29,8 +32,8 @@ class LinuxFiles final : public Files {
   /// A temporary file that is not renamed after this time belongs to a dead process: a write takes microseconds.
   static constexpr int kStaleAgeSeconds = 60;
 
-  /// `homeDirectory` is the parent of "Documents", "Library/Caches" and "Library/Preferences"; nothing is made yet. If
-  /// it is empty, the three directories are empty texts.
+  /// `homeDirectory` is the parent of "Documents", "Library/Caches" and "Library/Preferences", found as HomeFolders
+  /// says; nothing is made yet. If it is empty, the three directories are empty texts.
   explicit LinuxFiles(std::string homeDirectory);
 
   std::string documentsDirectory() override;
@@ -47,17 +50,19 @@ class LinuxFiles final : public Files {
   void enumerate(const std::string& directory, const std::function<bool(const DirectoryEntry&)>& visit) override;
 
  private:
-  std::string below(const char* name) const;
+  /// Opens a directory; makes it when it is missing. Sets the error number, 0 on success.
+  UniqueFd openForWriting(const std::string& directory, int& error);
 
-  /// Opens a new temporary file in `directory` and sets `path`. Makes the directory when it is missing. -1 with errno
-  /// on failure.
-  int openTemporary(const std::string& directory, std::string& path);
+  /// Opens a new temporary file in `directory` and sets its name. -1 with errno on failure.
+  int openTemporary(int directory, std::string& name);
 
   /// Removes what killed processes left in `directory`, once in the life of this object.
   void sweepOnce(const std::string& directory);
 
-  const std::string home_;
+  const ForkGuard forkGuard_;
+  HomeFolders folders_;
   std::atomic<unsigned> temporaries_{0};
+  std::atomic<bool> hasToldOfBlock_{false};
   Mutex mutex_;
   std::set<std::string> swept_ KESU_GUARDED_BY(mutex_);
 };

@@ -85,10 +85,11 @@ TEST_F(LinuxFilesTest, DevicesAndSocketsAreNotRegular) {
 }
 
 TEST_F(LinuxFilesTest, AFileWhoseSizeIsNotKnownIsReadToItsEnd) {
-  const FileContent content = files_.read("/proc/self/status", 1 << 20);
+  const std::string path = "/proc/" + std::to_string(::getpid()) + "/status";
+  const FileContent content = files_.read(path, 1 << 20);
   EXPECT_TRUE(content.ok());
   EXPECT_NE(content.bytes.find("VmLck"), std::string::npos);
-  EXPECT_EQ(files_.read("/proc/self/status", 10).status, FileStatus::TooLarge);
+  EXPECT_EQ(files_.read(path, 10).status, FileStatus::TooLarge);
 }
 
 TEST_F(LinuxFilesTest, PathsWithANulByteAreRefused) {
@@ -138,9 +139,10 @@ TEST_F(LinuxFilesTest, WithoutPermissionTheAnswerIsNotAllowed) {
   ASSERT_EQ(::chmod((home_ / "private").c_str(), 0), 0);
   ASSERT_EQ(::chmod(home_.path().c_str(), 0555), 0);
   const auto verdict = testing::runUnprivileged([&] {
-    return (files_.read(home_ / "private", 10).status == FileStatus::NotAllowed ? 0 : 1) +
-           (files_.writeAtomically(home_ / "new", "x").status == FileStatus::NotAllowed ? 0 : 2) +
-           (files_.createDirectories(home_ / "d/e").status == FileStatus::NotAllowed ? 0 : 4);
+    LinuxFiles files(home_.path());
+    return (files.read(home_ / "private", 10).status == FileStatus::NotAllowed ? 0 : 1) +
+           (files.writeAtomically(home_ / "new", "x").status == FileStatus::NotAllowed ? 0 : 2) +
+           (files.createDirectories(home_ / "d/e").status == FileStatus::NotAllowed ? 0 : 4);
   });
   ::chmod(home_.path().c_str(), 0700);
   EXPECT_EQ(verdict, 0);
@@ -151,8 +153,9 @@ TEST_F(LinuxFilesTest, AFullDiskKeepsTheOldContentAndNoTemporary) {
     if (!testing::mountSmallDisk(home_.path().c_str(), "64k")) {
       return kMountRefused;
     }
-    const bool wroteOld = files_.writeAtomically(home_ / "file", "old").ok();
-    const FileResult full = files_.writeAtomically(home_ / "file", std::string(100'000, 'x'));
+    LinuxFiles files(home_.path());
+    const bool wroteOld = files.writeAtomically(home_ / "file", "old").ok();
+    const FileResult full = files.writeAtomically(home_ / "file", std::string(100'000, 'x'));
     return (wroteOld ? 0 : 1) + (full.status == FileStatus::NoSpace ? 0 : 2) + (home_.read("file") == "old" ? 0 : 4) +
            (entries(home_.path()) == std::set<std::string>{"file"} ? 0 : 8);
   });
@@ -160,6 +163,18 @@ TEST_F(LinuxFilesTest, AFullDiskKeepsTheOldContentAndNoTemporary) {
     GTEST_SKIP() << "this process may not mount a file system";
   }
   EXPECT_EQ(verdict, 0);
+}
+
+TEST_F(LinuxFilesTest, AForkedChildTouchesNothingAndNeverWaits) {
+  home_.write("file", "x");
+  const auto verdict = testing::runInChild([&] {
+    files_.enumerate(home_.path(), [](const DirectoryEntry&) -> bool { ::_exit(64); });
+    return (files_.documentsDirectory().empty() ? 0 : 1) + (files_.writeAtomically(home_ / "new", "x").ok() ? 2 : 0) +
+           (files_.remove(home_ / "file").ok() ? 4 : 0) + (files_.read(home_ / "file", 10).ok() ? 8 : 0) +
+           (files_.createDirectories(home_ / "a").ok() ? 16 : 0);
+  });
+  EXPECT_EQ(verdict, 0);
+  EXPECT_EQ(entries(home_.path()), std::set<std::string>{"file"});
 }
 
 }  // namespace
