@@ -1,6 +1,7 @@
 #include "testing/FakeFiles.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace kesu::testing {
 namespace {
@@ -108,6 +109,25 @@ bool FakeFiles::walk(const std::string& directory, const std::function<bool(cons
 
 void FakeFiles::enumerate(const std::string& directory, const std::function<bool(const DirectoryEntry&)>& visit) {
   walk(directory, visit);
+}
+
+class FakeFiles::Lock final : public FileLock {
+ public:
+  Lock(FakeFiles& files, std::string path) : files_(files), path_(std::move(path)) {}
+
+  ~Lock() override {
+    const MutexLock lock(files_.mutex_);
+    files_.locked_.erase(path_);
+  }
+
+ private:
+  FakeFiles& files_;
+  const std::string path_;
+};
+
+std::unique_ptr<FileLock> FakeFiles::tryLock(const std::string& directory) {
+  const MutexLock lock(mutex_);
+  return locked_.insert(directory).second ? std::make_unique<Lock>(*this, directory) : nullptr;
 }
 
 void FakeFiles::addSpecial(const std::string& path) {

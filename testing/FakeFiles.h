@@ -2,6 +2,7 @@
 
 #include <kesu/platform/Files.h>
 
+#include <set>
 #include <vector>
 
 #include "foundation/Mutex.h"
@@ -25,6 +26,9 @@ class FakeFiles final : public Files {
   FileResult createDirectories(const std::string& path) override;
   void enumerate(const std::string& directory, const std::function<bool(const DirectoryEntry&)>& visit) override;
 
+  /// Locks without a file, so that paths() has none.
+  std::unique_ptr<FileLock> tryLock(const std::string& path) override;
+
   /// Makes an entry that is neither file nor directory: a link, FIFO or device. Missing directories are made.
   void addSpecial(const std::string& path);
 
@@ -35,6 +39,8 @@ class FakeFiles final : public Files {
   int readCount(const std::string& path);
 
  private:
+  class Lock;
+
   enum class Kind { File, Directory, Special };
 
   struct Node {
@@ -54,6 +60,7 @@ class FakeFiles final : public Files {
 
   Mutex mutex_;
   Nodes nodes_ KESU_GUARDED_BY(mutex_);
+  std::set<std::string> locked_ KESU_GUARDED_BY(mutex_);
 };
 
 }  // namespace kesu::testing

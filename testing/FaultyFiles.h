@@ -65,6 +65,8 @@ class FaultyFiles final : public Files {
     inner_.enumerate(directory, visit);
   }
 
+  std::unique_ptr<FileLock> tryLock(const std::string& path) override { return inner_.tryLock(path); }
+
  private:
   struct Fault {
     FileStatus status = FileStatus::Ok;

@@ -10,7 +10,6 @@ namespace {
 
 constexpr double kSliceSeconds = 0.002;  // What a record posted meanwhile waits at most.
 constexpr const char* kManagerSource = "KesuManager";
-constexpr const char* kLockName = ".kesu-resend.lock";  // Hidden: no store file, and no document of the host.
 
 }  // namespace
 
@@ -95,7 +94,7 @@ void ResendPass::run() {
 std::shared_ptr<FileLock> ResendPass::lockAmongProcesses() {
   std::shared_ptr<FileLock> lock = processLock_.lock();
   if (!lock) {
-    lock = files_.tryLock(store_.documentsDirectory() + "/" + kLockName);
+    lock = files_.tryLock(store_.documentsDirectory());
     processLock_ = lock;
   }
   return lock;

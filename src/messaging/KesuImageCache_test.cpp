@@ -105,6 +105,10 @@ class HomelessFiles final : public Files {
   FileResult remove(const std::string& path) override { return {touch(path), ""}; }
   FileResult createDirectories(const std::string& path) override { return {touch(path), ""}; }
   void enumerate(const std::string& path, const std::function<bool(const DirectoryEntry&)>&) override { touch(path); }
+  std::unique_ptr<FileLock> tryLock(const std::string& path) override {
+    touch(path);
+    return nullptr;
+  }
 
   std::vector<std::string> touched;
 

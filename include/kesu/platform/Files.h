@@ -44,7 +44,7 @@ struct DirectoryEntry {
   bool isRegularFile = false;
 };
 
-/// A lock on a file, held as long as this object exists.
+/// A lock across processes, held as long as the object lives. Destroyed on any thread, before the Files that gave it.
 class KESU_API FileLock {
  public:
   virtual ~FileLock() = default;
@@ -82,13 +82,15 @@ class KESU_API Files {
   /// Makes a directory and those above it. Ok when it exists already.
   virtual FileResult createDirectories(const std::string& path) = 0;
 
-  /// Locks a file among processes. Null when another process holds it.
-  virtual std::unique_ptr<FileLock> tryLock(const std::string& /*path*/) { return std::make_unique<FileLock>(); }
-
   /// Walks the tree below `directory` and calls `visit` for each entry, in the system's order; `visit` returns false to
   /// stop. Hidden entries and those that cannot be listed are skipped, links are not entered. A missing directory has
   /// no entries.
   virtual void enumerate(const std::string& directory, const std::function<bool(const DirectoryEntry&)>& visit) = 0;
+
+  /// Locks a directory against other processes and other calls of this one, without waiting and without writing. Null
+  /// when it is locked already. A directory that cannot be opened, or on a file system without locks, counts as locked
+  /// by the caller. The system releases the lock of a process that dies.
+  virtual std::unique_ptr<FileLock> tryLock(const std::string& directory) = 0;
 };
 
 }  // namespace kesu

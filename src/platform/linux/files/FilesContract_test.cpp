@@ -167,6 +167,17 @@ TEST_P(FilesContractTest, DirectoriesCanBeMadeTwice) {
   EXPECT_EQ(listed(), (std::vector<std::string>{"a/", "a/b/"}));
 }
 
+TEST_P(FilesContractTest, ALockHasOneHolderPerDirectory) {
+  write("deep/file");
+  auto lock = files().tryLock(path("deep"));
+  EXPECT_TRUE(lock);
+  EXPECT_FALSE(files().tryLock(path("deep")));
+  EXPECT_TRUE(files().tryLock(path("other"))) << "there is nothing to hold";
+  lock.reset();
+  EXPECT_TRUE(files().tryLock(path("deep")));
+  EXPECT_EQ(listed(), (std::vector<std::string>{"deep/", "deep/file"})) << "nothing is written";
+}
+
 TEST(FaultyFilesTest, FailsTheGivenTimesAndThenForwards) {
   testing::FakeFiles inner;
   testing::FaultyFiles files(inner);

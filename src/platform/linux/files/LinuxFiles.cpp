@@ -2,6 +2,7 @@
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -182,6 +183,26 @@ std::optional<FileResult> writeNew(int directory, const char* name, std::string_
   return isLinked ? std::optional(FileResult()) : std::nullopt;
 }
 
+/// Locks by flock(), which the system ends with the last descriptor. A forked child has copies of the descriptors: the
+/// parent unlocks explicitly, the child does not.
+class LinuxFileLock final : public FileLock {
+ public:
+  explicit LinuxFileLock(UniqueFd file) : file_(std::move(file)) {}
+
+  ~LinuxFileLock() override {
+    if (file_ && !forkGuard_.isForkedChild()) {
+      ::flock(file_.get(), LOCK_UN);
+    }
+  }
+
+  LinuxFileLock(const LinuxFileLock&) = delete;
+  LinuxFileLock& operator=(const LinuxFileLock&) = delete;
+
+ private:
+  const ForkGuard forkGuard_;
+  const UniqueFd file_;
+};
+
 }  // namespace
 
 LinuxFiles::LinuxFiles(std::string homeDirectory) : folders_(std::move(homeDirectory)) {}
@@ -318,6 +339,15 @@ void LinuxFiles::enumerate(const std::string& directory, const Visitor& visit) {
   if (start) {
     walk(start.get(), directory, 0, visit);
   }
+}
+
+std::unique_ptr<FileLock> LinuxFiles::tryLock(const std::string& directory) {
+  if (hasNul(directory) || forkGuard_.isForkedChild()) {
+    return nullptr;
+  }
+  UniqueFd file(::open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+  const bool isHeldElsewhere = file && ::flock(file.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+  return isHeldElsewhere ? nullptr : std::make_unique<LinuxFileLock>(std::move(file));
 }
 
 void LinuxFiles::sweepOnce(const std::string& directory) {

@@ -48,6 +48,7 @@ class LinuxFiles final : public Files {
   FileResult remove(const std::string& path) override;
   FileResult createDirectories(const std::string& path) override;
   void enumerate(const std::string& directory, const std::function<bool(const DirectoryEntry&)>& visit) override;
+  std::unique_ptr<FileLock> tryLock(const std::string& path) override;
 
  private:
   /// Opens a directory; makes it when it is missing. Sets the error number, 0 on success.

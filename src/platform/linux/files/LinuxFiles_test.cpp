@@ -171,10 +171,25 @@ TEST_F(LinuxFilesTest, AForkedChildTouchesNothingAndNeverWaits) {
     files_.enumerate(home_.path(), [](const DirectoryEntry&) -> bool { ::_exit(64); });
     return (files_.documentsDirectory().empty() ? 0 : 1) + (files_.writeAtomically(home_ / "new", "x").ok() ? 2 : 0) +
            (files_.remove(home_ / "file").ok() ? 4 : 0) + (files_.read(home_ / "file", 10).ok() ? 8 : 0) +
-           (files_.createDirectories(home_ / "a").ok() ? 16 : 0);
+           (files_.createDirectories(home_ / "a").ok() ? 16 : 0) + (files_.tryLock(home_.path()) ? 32 : 0);
   });
   EXPECT_EQ(verdict, 0);
   EXPECT_EQ(entries(home_.path()), std::set<std::string>{"file"});
+}
+
+TEST_F(LinuxFilesTest, ALockHoldsAgainstOtherProcessesUntilItsOwnerEnds) {
+  const std::string path = home_.path();
+  const auto lockElsewhere = [&path] {
+    return testing::runInChild([&path] { return LinuxFiles("").tryLock(path) ? 1 : 0; });
+  };
+  auto lock = files_.tryLock(path);
+  ASSERT_TRUE(lock);
+  EXPECT_EQ(lockElsewhere(), 0);
+  testing::runInChild([&lock] { return lock.reset(), 0; });
+  EXPECT_EQ(lockElsewhere(), 0) << "a forked child's copy releases nothing";
+  lock.reset();
+  EXPECT_EQ(lockElsewhere(), 1);
+  EXPECT_TRUE(files_.tryLock(path)) << "the death of a process releases its lock";
 }
 
 }  // namespace
