@@ -49,7 +49,7 @@ struct Reply {
   /// What is put on the wire.
   enum class Form {
     Http,   ///< A reply of HTTP.
-    Raw,    ///< `body` as it is, head and all; then the connection is closed.
+    Raw,    ///< `body` as it is, head and all, and what `stream` writes; then the connection is closed.
     Reset,  ///< Nothing: the connection is broken with RST.
   };
 

@@ -140,6 +140,7 @@ void describeKind(const Fault& fault, Dictionary& out) {
     case FaultKind::Raw:
     case FaultKind::Reset:
     case FaultKind::Endless:
+    case FaultKind::Drip:
       break;
   }
 }
@@ -219,6 +220,13 @@ Fault Fault::endless(std::uint64_t length) {
   Fault fault;
   fault.kind = FaultKind::Endless;
   fault.length = length;
+  return fault;
+}
+
+Fault Fault::drip(std::string bytes, std::string drop) {
+  Fault fault = raw(std::move(bytes));
+  fault.kind = FaultKind::Drip;
+  fault.drop = std::move(drop);
   return fault;
 }
 

@@ -29,6 +29,8 @@ enum class FaultKind {
   Raw,      ///< Answered with the bytes of `body`, head and all, then the connection is closed; not accepted.
   Reset,    ///< Connection broken with RST after the body was read; not accepted.
   Endless,  ///< Answered with 200 and `length` bytes of filling, made on the fly; not accepted.
+  Drip,     ///< Answered with the bytes of `body`, then with those of `drop` every few milliseconds, for as long as the
+            ///< sender stays; not accepted.
 };
 
 /// One fault, as a developer or a test asks for it.
@@ -38,7 +40,8 @@ struct Fault {
   int status = 200;
   std::chrono::milliseconds delay{0};
   std::string location;               ///< For Redirect.
-  std::optional<std::string> body;    ///< For Raw; for Status it replaces the usual body.
+  std::optional<std::string> body;    ///< For Raw and Drip; for Status it replaces the usual body.
+  std::string drop;                   ///< For Drip.
   Fields headers;                     ///< For Status: more headers of the reply.
   std::uint64_t length = 0;           ///< For Endless.
   std::optional<std::int64_t> times;  ///< How many requests it still hits; nothing = until it is removed.
@@ -54,6 +57,7 @@ struct Fault {
   /// A reply that calls itself gzip and is not.
   static Fault badGzip();
   static Fault endless(std::uint64_t length);
+  static Fault drip(std::string bytes, std::string drop);
 };
 
 /// Reads a fault from its JSON form. Returns nothing and one sentence in `error` when it makes no sense.

@@ -9,6 +9,7 @@ namespace kesu::loopback {
 namespace {
 
 constexpr std::chrono::milliseconds kLookInterval{100};  // How late it is noticed that a sender has gone.
+constexpr std::chrono::milliseconds kDripInterval{10};
 constexpr std::size_t kFillingBytes = std::size_t{64} * 1024;
 constexpr std::string_view kForm = "multipart/form-data";
 constexpr std::string_view kGarbage = "\xC3\x28{]\" this is no JSON \x01\xFF";
@@ -93,14 +94,23 @@ Reply applyFault(const Fault& fault, Request& request, const Accept& accept, con
       return reply;
     case FaultKind::Endless:
       return endlessReply(fault.length);
+    case FaultKind::Drip:
+      reply.form = Reply::Form::Raw;
+      reply.body = fault.body.value_or("");
+      reply.stream = [drop = fault.drop, waitForEnd](const Reply::Write& write) {
+        while (write(drop) && !waitForEnd(kDripInterval)) {
+        }
+      };
+      return reply;
   }
   return Reply::closed();
 }
 
 Reply FaultyHandler::handle(Request& request, const Accept& accept) const {
   if (const auto hit = faults_.hit(request.path)) {
-    return applyFault(hit->fault, request, accept,
-                      [&](std::chrono::milliseconds patience) { return faults_.waitForRemoval(*hit, patience); });
+    return applyFault(hit->fault, request, accept, [this, hit = *hit](std::chrono::milliseconds patience) {
+      return faults_.waitForRemoval(hit, patience);
+    });
   }
   if (auto refused = bodyRefusal(request)) {
     return std::move(*refused);

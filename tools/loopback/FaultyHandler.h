@@ -15,7 +15,8 @@ using Accept = std::function<Reply(Request& request, const std::string& body)>;
 /// Waits that long at most; returns true as soon as the fault is over.
 using WaitForEnd = std::function<bool(std::chrono::milliseconds patience)>;
 
-/// Answers a request as the fault wants it; blocks for delays and hanging requests.
+/// Answers a request as the fault wants it; blocks for delays and hanging requests. The reply may still call
+/// `waitForEnd` while it is written.
 Reply applyFault(const Fault& fault, Request& request, const Accept& accept, const WaitForEnd& waitForEnd);
 
 /// Answers requests, with whatever fault is switched on for their path in between. All services share it, so a fault

@@ -112,7 +112,9 @@ bool writeReply(Connection& connection, const Reply& reply, bool isHeadOnly, boo
       connection.reset();
       return false;
     case Reply::Form::Raw:
-      connection.write(reply.body);
+      if (connection.write(reply.body) && reply.stream) {
+        reply.stream([&](std::string_view piece) { return connection.write(piece); });
+      }
       connection.abort();
       return false;
     case Reply::Form::Http:
