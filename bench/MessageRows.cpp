@@ -44,6 +44,9 @@ class NearService final : public HttpClient {
       completion(std::move(reply));
     });
   }
+  void sendInBackground(HttpRequest request, Completion completion) override {
+    send(std::move(request), std::move(completion));  // Nothing here is completed off the main loop.
+  }
   std::size_t pendingCount() override { return 0; }
   void shutdown(double /*graceSeconds*/) override {}
   void setConnectObserver(ConnectObserver /*observer*/) override {}

@@ -16,9 +16,9 @@ namespace kesu::testing {
 
 /// An HttpClient that sends nothing: it keeps the requests in the order of send(), and the test answers them.
 ///
-/// Without a main loop a completion runs inside the test's own call (answer(), failAll(), shutdown() ...), which
-/// therefore acts as the main loop; with one it is posted there. Any thread may send; only the test's thread
-/// answers.
+/// A completion runs inside the test's own call (answer(), failAll(), shutdown() ...), which therefore acts as the
+/// client's thread and as the main loop; with a main loop those of send() are posted there. Any thread may send; only
+/// the test's thread answers.
 class FakeHttpClient final : public HttpClient {
  public:
   FakeHttpClient() = default;
@@ -42,14 +42,11 @@ class FakeHttpClient final : public HttpClient {
   }
 
   void send(HttpRequest request, Completion completion) override {
-    const MutexLock lock(mutex_);
-    if (down_) {
-      late_.push_back(std::move(completion));
-      postLate();
-      return;
-    }
-    pending_.emplace(requests_.size(), std::move(completion));
-    requests_.push_back(std::move(request));
+    add(std::move(request), {std::move(completion), loop_});
+  }
+
+  void sendInBackground(HttpRequest request, Completion completion) override {
+    add(std::move(request), {std::move(completion), nullptr});
   }
 
   std::size_t pendingCount() override {
@@ -94,17 +91,17 @@ class FakeHttpClient final : public HttpClient {
 
   /// Completes the `index`-th request. Returns false, and does nothing, when it is not pending.
   bool answer(std::size_t index, HttpReply made) {
-    Completion completion;
+    Pending completed;
     {
       const MutexLock lock(mutex_);
       const auto found = pending_.find(index);
       if (found == pending_.end()) {
         return false;
       }
-      completion = std::move(found->second);
+      completed = std::move(found->second);
       pending_.erase(found);
     }
-    complete(std::move(completion), std::move(made));
+    complete(std::move(completed), std::move(made));
     return true;
   }
 
@@ -132,7 +129,7 @@ class FakeHttpClient final : public HttpClient {
       late.swap(late_);
     }
     for (Completion& completion : late) {
-      complete(std::move(completion), failure(HttpError::Cancelled));
+      completion(failure(HttpError::Cancelled));
     }
   }
 
@@ -151,6 +148,22 @@ class FakeHttpClient final : public HttpClient {
   }
 
  private:
+  struct Pending {
+    Completion completion;
+    MainLoop* loop = nullptr;  ///< Where it runs; null: inside the test's own call.
+  };
+
+  void add(HttpRequest request, Pending made) {
+    const MutexLock lock(mutex_);
+    if (down_) {
+      late_.push_back(std::move(made.completion));
+      postLate();
+      return;
+    }
+    pending_.emplace(requests_.size(), std::move(made));
+    requests_.push_back(std::move(request));
+  }
+
   std::size_t completeAll(const HttpReply& made) {
     std::vector<std::size_t> indexes;
     {
@@ -166,13 +179,14 @@ class FakeHttpClient final : public HttpClient {
     return completed;
   }
 
-  void complete(Completion completion, HttpReply made) {
-    if (loop_ == nullptr) {
-      completion(std::move(made));
+  static void complete(Pending completed, HttpReply made) {
+    if (completed.loop == nullptr) {
+      completed.completion(std::move(made));
       return;
     }
-    loop_->post(
-        [completion = std::move(completion), made = std::move(made)]() mutable { completion(std::move(made)); });
+    completed.loop->post([completion = std::move(completed.completion), made = std::move(made)]() mutable {
+      completion(std::move(made));
+    });
   }
 
   /// A main loop delivers late completions by itself; without one they wait for completeLate(), because no completion
@@ -189,7 +203,7 @@ class FakeHttpClient final : public HttpClient {
   Mutex mutex_;
   bool down_ KESU_GUARDED_BY(mutex_) = false;
   std::vector<HttpRequest> requests_ KESU_GUARDED_BY(mutex_);
-  std::map<std::size_t, Completion> pending_ KESU_GUARDED_BY(mutex_);
+  std::map<std::size_t, Pending> pending_ KESU_GUARDED_BY(mutex_);
   std::vector<Completion> late_ KESU_GUARDED_BY(mutex_);
 };
 

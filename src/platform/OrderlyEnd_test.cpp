@@ -91,6 +91,7 @@ class PatientHttp : public HttpClient {
  public:
   explicit PatientHttp(std::size_t pending) : pending_(pending) {}
   void send(HttpRequest /*request*/, Completion /*completion*/) override {}
+  void sendInBackground(HttpRequest /*request*/, Completion /*completion*/) override {}
   std::size_t pendingCount() override { return pending_; }
   void shutdown(double graceSeconds) override { grace = graceSeconds; }
   void setConnectObserver(ConnectObserver /*observer*/) override {}

@@ -19,6 +19,12 @@ struct HttpRequest {
   std::vector<std::pair<std::string, std::string>> headers;  ///< With "Accept-Encoding: gzip" such replies are decoded.
   std::string body;  ///< Sent unchanged, with its true Content-Length (whatever the headers say).
   std::size_t replyLimit = std::size_t{4} * 1024 * 1024;  ///< Longest accepted reply body in bytes, after decoding.
+  /// Only the status counts. A body of more than a few kilobytes is no error then: it is cut, and the connection
+  /// closed. A redirect's is read as usual.
+  bool ignoresBody = false;
+  /// Ends the request with HttpError::TimedOut, however much still comes in. Counts from the moment it gets its turn,
+  /// through connecting, interim replies and redirects: not while it waits behind others to the same host.
+  double deadlineSeconds = 120;
 };
 
 /// Why a request did not end in a complete reply.
@@ -29,7 +35,7 @@ enum class HttpError {
   CannotConnect,   ///< Refused, unreachable, or no connection within the connect timeout.
   Tls,             ///< The server's certificate or the TLS handshake was not acceptable.
   ConnectionLost,  ///< The connection broke after it was made, or the body was cut short or could not be decoded.
-  TimedOut,        ///< Nothing was sent or received for the idle timeout.
+  TimedOut,        ///< Nothing was sent or received for the idle timeout, or HttpRequest::deadlineSeconds have passed.
   TooLarge,        ///< The reply was longer than HttpRequest::replyLimit.
   BadRedirect,     ///< More than 16 redirects, to another scheme, or one that would carry the body to another host.
   Cancelled        ///< The client was shut down before the reply was complete.
@@ -45,33 +51,34 @@ struct HttpReply {
 
 /// Sends HTTP requests. TLS certificates are always verified; no setting switches that off.
 ///
-/// send() may be called from any thread and never blocks. Each request is completed exactly once, on the main loop,
-/// never inside send(). A body is only ever sent to the scheme, host and port that its request named.
+/// Requests may be sent from any thread; that never blocks. Each is completed exactly once, never inside the call that
+/// sends it. A body is only ever sent to the scheme, host and port that its request named.
 class KESU_API HttpClient {
  public:
   using Completion = std::function<void(HttpReply)>;
-  /// Called on the main loop, at most once per request and before its completion, after an attempt to connect. A
-  /// connection that was kept from before counts as well.
+  /// Called on the main loop, at most once per request, after an attempt to connect. A connection that was kept from
+  /// before counts as well. For send(): before the completion. For sendInBackground(): in no order with it, and not for
+  /// a success when the last attempt to this host and port succeeded within the last second.
   using ConnectObserver = std::function<void(const std::string& host, int port, bool connected)>;
 
   virtual ~HttpClient() = default;
 
-  /// Sends a request. After shutdown() it is completed with HttpError::Cancelled.
+  /// Sends a request that is completed on the main loop. After shutdown() it is completed with HttpError::Cancelled.
   virtual void send(HttpRequest request, Completion completion) = 0;
 
-  /// Sends a request whose completion need not wait for the main loop: it may be called on a thread of the client, as
-  /// soon as the outcome is known, also inside shutdown(). It must be short and must not call the client, but for
-  /// sendInBackground(). The default completes on the main loop.
-  virtual void sendInBackground(HttpRequest request, Completion completion) {
-    send(std::move(request), std::move(completion));
-  }
+  /// Sends a request whose completion does not wait for the main loop: it runs on a thread of the client as soon as the
+  /// outcome is known. It must be short, must not throw, and must not call the client but
+  /// for send() and sendInBackground(). The one exception: when shutdown() has begun, or no thread can be started, the
+  /// request is completed with HttpError::Cancelled on the main loop, because the caller may hold locks here.
+  virtual void sendInBackground(HttpRequest request, Completion completion) = 0;
 
   /// Counts the requests that were sent and whose completion has not begun to run. Any thread.
   virtual std::size_t pendingCount() = 0;
 
   /// Shuts the client down: waits at most `graceSeconds` for outstanding replies, then fails the rest with
-  /// HttpError::Cancelled. When it returns, every completion was posted to the main loop and no thread of the client is
-  /// running. A second call does nothing. Any thread, also while the process exits.
+  /// HttpError::Cancelled. When it returns, every completion was posted to the main loop, those of sendInBackground()
+  /// have run, and no thread of the client is running. A second call does nothing. Any thread but those on which
+  /// completions of sendInBackground() run; also while the process exits.
   virtual void shutdown(double graceSeconds) = 0;
 
   /// Sets the one observer of connections, from which reachability learns; an empty function removes it. Main thread.

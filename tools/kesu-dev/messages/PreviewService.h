@@ -20,6 +20,9 @@ class PreviewService final : public HttpClient {
       : directory_(directory), message_(std::move(message)) {}
 
   void send(HttpRequest request, Completion completion) override;
+  void sendInBackground(HttpRequest request, Completion completion) override {
+    send(std::move(request), std::move(completion));  // Nothing here is completed off the main loop.
+  }
   std::size_t pendingCount() override { return pending_; }
   void shutdown(double /*graceSeconds*/) override { isDown_ = true; }
   void setConnectObserver(ConnectObserver /*observer*/) override {}

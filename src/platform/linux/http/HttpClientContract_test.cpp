@@ -1,5 +1,11 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <chrono>
+#include <condition_variable>
+#include <vector>
+
+#include "foundation/Mutex.h"
 #include "platform/linux/base/LinuxMainLoop.h"
 #include "platform/linux/http/LinuxHttpClient.h"
 #include "testing/FakeHttpClient.h"
@@ -117,6 +123,75 @@ TEST_P(HttpClientContract, CancelsWhatIsSentAfterShutdown) {
   EXPECT_TRUE(loop_.drain(20));
   EXPECT_EQ(exchange_.count(HttpError::Cancelled), 1U);
   EXPECT_TRUE(exchange_.eachCompletedOnce());
+}
+
+/// Counts completions on whatever thread they run.
+class BackgroundReplies {
+ public:
+  HttpClient::Completion completion() {
+    return [this](const HttpReply& reply) {
+      const MutexLock lock(mutex_);
+      errors_.push_back(reply.error);
+      changed_.notify_all();
+    };
+  }
+  std::size_t count(HttpError error) {
+    const MutexLock lock(mutex_);
+    return static_cast<std::size_t>(std::count(errors_.begin(), errors_.end(), error));
+  }
+  bool await(std::size_t count) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    const MutexLock lock(mutex_);
+    while (errors_.size() < count && changed_.wait_until(mutex_, end) == std::cv_status::no_timeout) {
+    }
+    return errors_.size() == count;
+  }
+
+ private:
+  Mutex mutex_;
+  std::condition_variable_any changed_;
+  std::vector<HttpError> errors_ KESU_GUARDED_BY(mutex_);
+};
+
+TEST_P(HttpClientContract, CompletesInTheBackgroundThoughNobodyPumps) {
+  BackgroundReplies replies;
+  for (int i = 0; i < 20; ++i) {
+    client_.sendInBackground(harness_->answered(), replies.completion());
+  }
+  harness_->letAnswersCome();
+  ASSERT_TRUE(replies.await(20));
+  EXPECT_EQ(replies.count(HttpError::None), 20U);
+  EXPECT_EQ(client_.pendingCount(), 0U);
+}
+
+TEST_P(HttpClientContract, CompletionInTheBackgroundMaySendAgain) {
+  BackgroundReplies replies;
+  client_.sendInBackground(harness_->answered(), [&](const HttpReply&) {
+    client_.sendInBackground(harness_->answered(), replies.completion());
+    exchange_.send(harness_->answered());
+  });
+  harness_->letAnswersCome();
+  harness_->letAnswersCome();
+  ASSERT_TRUE(replies.await(1));
+  ASSERT_TRUE(exchange_.awaitAll());
+  EXPECT_TRUE(exchange_.eachCompletedOnce());
+}
+
+TEST_P(HttpClientContract, ShutdownRunsTheCompletionsInTheBackground) {
+  BackgroundReplies replies;
+  for (int i = 0; i < 20; ++i) {
+    client_.sendInBackground(harness_->neverAnswered(), replies.completion());
+  }
+  exchange_.send(harness_->neverAnswered());
+  EXPECT_EQ(client_.pendingCount(), 21U);
+  client_.shutdown(0.01);
+  EXPECT_EQ(replies.count(HttpError::Cancelled), 20U);
+  EXPECT_EQ(exchange_.completed(), 0U) << "of send(), waits for the main loop";
+  client_.sendInBackground(harness_->answered(), replies.completion());
+  EXPECT_EQ(replies.count(HttpError::Cancelled), 20U) << "never inside the call";
+  EXPECT_TRUE(loop_.drain(20));
+  EXPECT_EQ(replies.count(HttpError::Cancelled), 21U);
+  EXPECT_EQ(client_.pendingCount(), 0U);
 }
 
 INSTANTIATE_TEST_SUITE_P(

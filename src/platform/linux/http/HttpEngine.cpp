@@ -16,11 +16,18 @@ constexpr long kMaxKeptConnections = 16;
 // How soon new work is noticed where the process had no descriptor left with which to wake libcurl.
 constexpr int kBlindWaitMilliseconds = 50;
 
+constexpr double kLongestSeconds = 1e6;  // Keeps every sum within the range of the clock.
+
+HttpEngine::Clock::duration durationOf(double seconds) {
+  const double inRange = seconds > 0 ? std::min(seconds, kLongestSeconds) : 0.0;  // Neither for what is no number.
+  return std::chrono::ceil<HttpEngine::Clock::duration>(std::chrono::duration<double>(inRange));
+}
+
 }  // namespace
 
 HttpEngine::HttpEngine(const LinuxHttpClientOptions& options, Finish finish)
     : options_(options),
-      idleTimeout_(options.idleTimeoutSeconds),
+      idleTimeout_(durationOf(options.idleTimeoutSeconds)),
       finish_(std::move(finish)),
       trust_(options.caFile, options.systemCaFile),
       multi_(curl_multi_init()),
@@ -38,7 +45,9 @@ HttpEngine::~HttpEngine() {
 }
 
 void HttpEngine::add(std::unique_ptr<HttpJob> job) {
-  if (prepareJob(*job)) {
+  const auto known = urls_.find(job->request.url);
+  if (known->url) {
+    prepareJob(*job, *known->url);
     queue_.add(std::move(job));
   } else {
     finish_(*job, failedReply(HttpError::BadUrl, "Not an absolute http or https URL"), std::nullopt);
@@ -50,19 +59,17 @@ bool HttpEngine::step() {
   int running = 0;
   curl_multi_perform(multi_.get(), &running);
   const bool finished = finishDone();
-  expireIdle();
+  const bool expired = expireLate();
   if (!hasWork()) {
     heard_.clear();  // What an origin sent before a pause says nothing about it afterwards.
   }
-  return finished && queue_.hasWaiting();
+  return (finished || expired) && queue_.hasWaiting();
 }
 
 void HttpEngine::wait(std::optional<Clock::time_point> until) {
   for (const auto& transfer : active_) {
-    if (transfer->connected()) {  // libcurl itself watches the time limit of the others.
-      const auto due = transfer->lastActivity() + std::chrono::ceil<Clock::duration>(idleTimeout_);
-      until = std::min(until.value_or(due), due);
-    }
+    const Clock::time_point due = transfer->due(idleTimeout_);  // libcurl itself watches the time limit for connecting.
+    until = std::min(until.value_or(due), due);
   }
   const int longest = canBeWoken_ ? INT_MAX : kBlindWaitMilliseconds;
   int timeout = longest;
@@ -93,7 +100,13 @@ void HttpEngine::startWaiting() {
       finish_(*job, failedReply(HttpError::CannotConnect, "Out of memory"), std::nullopt);
       continue;
     }
-    transfer->load(std::move(job));
+    if (!job->deadline) {
+      job->deadline =
+          Clock::now() + durationOf(std::min(job->request.deadlineSeconds, options_.longestDeadlineSeconds));
+    }
+    auto url = urls_.find(job->request.url);
+    const bool multiplexed = queue_.isMultiplexed(job->origin);
+    transfer->load(std::move(job), std::move(url), multiplexed);
     curl_multi_add_handle(multi_.get(), transfer->handle());
     active_.push_back(std::move(transfer));
   }
@@ -110,30 +123,48 @@ bool HttpEngine::finishDone() {
   return any;
 }
 
-void HttpEngine::expireIdle() {
-  const auto since = Clock::now() - std::chrono::floor<Clock::duration>(idleTimeout_);
-  const HttpReply timedOut = failedReply(HttpError::TimedOut, "Nothing was sent or received for too long");
+bool HttpEngine::expireLate() {
+  const Clock::time_point now = Clock::now();
+  const auto isLate = [&](const auto& transfer) { return transfer->due(idleTimeout_) <= now; };
+  if (std::none_of(active_.begin(), active_.end(), isLate)) {
+    return false;  // Nearly always: without a copy.
+  }
   for (HttpTransfer* const transfer : activeTransfers()) {
-    if (!transfer->connected() || transfer->lastActivity() > since) {
-      continue;
+    if (isLate(transfer)) {
+      expire(*transfer, now);
     }
-    const HttpOrigin origin = transfer->job().origin;
-    HttpReply reply = transfer->takeReply(CURLE_ABORTED_BY_CALLBACK);
-    reply.errorText = timedOut.errorText;
-    end(*transfer, std::move(reply));
-    // Requests behind a host that sends nothing on any connection would each wait as long again.
-    if (isSilent(origin, since)) {
-      failAll(queue_.takeWaiting(origin), timedOut);
-    }
+  }
+  return true;
+}
+
+void HttpEngine::expire(HttpTransfer& transfer, Clock::time_point now) {
+  const bool isAtDeadline = transfer.job().deadline <= now;
+  const HttpReply timedOut = failedReply(
+      HttpError::TimedOut, isAtDeadline ? "The request took too long" : "Nothing was sent or received for too long");
+  const HttpOrigin origin = transfer.job().origin;
+  const Clock::time_point started = transfer.started();
+  HttpReply reply = transfer.takeReply(CURLE_ABORTED_BY_CALLBACK);
+  reply.errorText = timedOut.errorText;
+  end(transfer, std::move(reply));
+  // Requests behind a host that sends nothing on any connection would each wait as long again. So would those behind a
+  // host that sends and sends but has ended no reply, where it had at least the idle timeout for one.
+  if (isAtDeadline ? now - started >= idleTimeout_ && !hasReplied(origin, started)
+                   : isSilent(origin, now - idleTimeout_)) {
+    failAll(queue_.takeWaiting(origin), timedOut);
   }
 }
 
 bool HttpEngine::isSilent(const HttpOrigin& origin, Clock::time_point since) const {
   const auto heard = heard_.find(origin);
-  return (heard == heard_.end() || heard->second <= since) &&
+  return (heard == heard_.end() || heard->second.lastByte <= since) &&
          std::none_of(active_.begin(), active_.end(), [&](const auto& transfer) {
            return transfer->job().origin == origin && transfer->lastHeard() > since;
          });
+}
+
+bool HttpEngine::hasReplied(const HttpOrigin& origin, Clock::time_point since) const {
+  const auto heard = heard_.find(origin);
+  return heard != heard_.end() && heard->second.lastReply > since;
 }
 
 std::unique_ptr<HttpJob> HttpEngine::retire(HttpTransfer& transfer) {
@@ -149,23 +180,34 @@ std::unique_ptr<HttpJob> HttpEngine::retire(HttpTransfer& transfer) {
 }
 
 void HttpEngine::end(HttpTransfer& transfer, HttpReply reply) {
-  const std::optional<HttpAttempt> attempt = transfer.attempt(reply);
-  const std::string location = transfer.location();
-  const HttpOrigin origin = transfer.job().origin;
-  const bool unreachable = !transfer.connected() && reply.error != HttpError::None;
-  const HttpReply shared = unreachable ? reply : HttpReply();
+  const std::optional<bool> connected = transfer.attempt(reply);
+  const std::string location = isRedirect(reply.status) ? transfer.location() : std::string();
+  // One that reaches its deadline while it connects says nothing about the others.
+  const bool unreachable =
+      !transfer.connected() && reply.error != HttpError::None && reply.error != HttpError::TimedOut;
   if (reply.status != 0) {
-    queue_.setMultiplexed(origin, transfer.multiplexed());
-    heard_[origin] = transfer.lastHeard();
+    noteReply(transfer, reply.error);
   }
+  const HttpOrigin origin = unreachable ? transfer.job().origin : HttpOrigin();
+  const HttpReply shared = unreachable ? reply : HttpReply();
   // First the job that failed, so that its reply comes before those of the jobs that waited behind it.
-  finishOrRedirect(retire(transfer), std::move(reply), attempt, location);
+  finishOrRedirect(retire(transfer), std::move(reply), connected, location);
   if (unreachable) {
     failUnconnected(origin, shared);
   }
 }
 
-void HttpEngine::finishOrRedirect(std::unique_ptr<HttpJob> job, HttpReply reply, std::optional<HttpAttempt> attempt,
+void HttpEngine::noteReply(const HttpTransfer& transfer, HttpError error) {
+  const HttpOrigin& origin = transfer.job().origin;
+  queue_.setMultiplexed(origin, transfer.multiplexed());
+  Heard& heard = heard_[origin];
+  heard.lastByte = transfer.lastHeard();
+  if (error != HttpError::TimedOut) {
+    heard.lastReply = transfer.lastHeard();
+  }
+}
+
+void HttpEngine::finishOrRedirect(std::unique_ptr<HttpJob> job, HttpReply reply, std::optional<bool> connected,
                                   const std::string& location) {
   if (reply.error == HttpError::None) {
     switch (applyRedirect(*job, reply.status, location)) {
@@ -181,7 +223,7 @@ void HttpEngine::finishOrRedirect(std::unique_ptr<HttpJob> job, HttpReply reply,
         break;
     }
   }
-  finish_(*job, std::move(reply), std::move(attempt));
+  finish_(*job, std::move(reply), connected);
 }
 
 // When a connection cannot be made, the others would each wait for the same failure: 5,000 times 60 s.

@@ -13,6 +13,7 @@
 #include "platform/linux/http/HttpOriginQueue.h"
 #include "platform/linux/http/HttpTransfer.h"
 #include "platform/linux/http/HttpTrust.h"
+#include "platform/linux/http/HttpUrlCache.h"
 #include "platform/linux/http/LinuxHttpClientOptions.h"
 
 namespace kesu {
@@ -22,8 +23,9 @@ namespace kesu {
 class HttpEngine {
  public:
   using Clock = HttpTransfer::Clock;
-  /// Called once per job, on the network thread. No attempt: none was made for this very job.
-  using Finish = std::function<void(HttpJob& job, HttpReply reply, std::optional<HttpAttempt> attempt)>;
+  /// Called once per job, on the network thread. `connected`: how the attempt to connect ended; nothing when none was
+  /// made for this very job.
+  using Finish = std::function<void(HttpJob& job, HttpReply reply, std::optional<bool> connected)>;
 
   HttpEngine(const LinuxHttpClientOptions& options, Finish finish);
   ~HttpEngine();
@@ -56,28 +58,38 @@ class HttpEngine {
 
   void startWaiting();
   bool finishDone();
-  void expireIdle();
+  bool expireLate();
+  void expire(HttpTransfer& transfer, Clock::time_point now);
   bool isSilent(const HttpOrigin& origin, Clock::time_point since) const;
+  bool hasReplied(const HttpOrigin& origin, Clock::time_point since) const;
 
   /// Removes a transfer from libcurl and the active ones, keeps it for another job, and returns its job.
   std::unique_ptr<HttpJob> retire(HttpTransfer& transfer);
   void end(HttpTransfer& transfer, HttpReply reply);
-  void finishOrRedirect(std::unique_ptr<HttpJob> job, HttpReply reply, std::optional<HttpAttempt> attempt,
+  void noteReply(const HttpTransfer& transfer, HttpError error);
+  void finishOrRedirect(std::unique_ptr<HttpJob> job, HttpReply reply, std::optional<bool> connected,
                         const std::string& location);
   void failUnconnected(const HttpOrigin& origin, const HttpReply& reply);
   void failAll(const std::vector<std::unique_ptr<HttpJob>>& jobs, const HttpReply& reply);
   std::vector<HttpTransfer*> activeTransfers() const;
 
+  /// What came from an origin; cleared when there is no work.
+  struct Heard {
+    Clock::time_point lastByte;
+    Clock::time_point lastReply;  ///< When a transfer last ended by itself, with a status.
+  };
+
   const LinuxHttpClientOptions options_;
-  const std::chrono::duration<double> idleTimeout_;
+  const Clock::duration idleTimeout_;
   Finish finish_;
+  HttpUrlCache urls_;
   HttpTrust trust_;
   std::unique_ptr<CURLM, Cleanup> multi_;
   const bool canBeWoken_;
   HttpOriginQueue queue_;
   std::vector<std::unique_ptr<HttpTransfer>> active_;
   std::vector<std::unique_ptr<HttpTransfer>> spare_;
-  std::map<HttpOrigin, Clock::time_point> heard_;  ///< When an origin last answered; cleared when there is no work.
+  std::map<HttpOrigin, Heard> heard_;
 };
 
 }  // namespace kesu

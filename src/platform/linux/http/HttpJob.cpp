@@ -4,22 +4,17 @@
 
 namespace kesu {
 
-bool prepareJob(HttpJob& job) {
+void prepareJob(HttpJob& job, const HttpUrl& url) {
   HttpRequest& request = job.request;
   request.method = cleanMethod(request.method);
   if (request.method == "HEAD") {
     request.body.clear();
   }
-  const auto url = parseHttpUrl(request.url);
-  if (!url) {
-    return false;
-  }
-  request.url = url->text;
-  job.origin = url->origin;
-  job.namedOrigin = url->origin;
+  request.url = url.text;
+  job.origin = url.origin;
+  job.namedOrigin = url.origin;
   // Decided here, before a redirect turns a POST into a GET: what it carried stays private.
   job.mayLeaveOrigin = request.body.empty() && (request.method == "GET" || request.method == "HEAD");
-  return true;
 }
 
 HttpReply failedReply(HttpError error, const char* text) {

@@ -21,15 +21,16 @@ HttpNetwork::~HttpNetwork() {
   stop(0);
 }
 
-void HttpNetwork::send(HttpRequest request, HttpClient::Completion completion) {
+void HttpNetwork::send(HttpRequest request, HttpClient::Completion completion, bool isInBackground) {
   std::call_once(registered_, [this] { HttpExit::add(*this); });  // Outside mutex_, which an exit takes as well.
   delivery_.expect();
   auto job = std::make_unique<HttpJob>();
   job->request = std::move(request);
   job->completion = std::move(completion);
+  job->isInBackground = isInBackground;
   bool wakes = false;
   if (!accept(job, wakes)) {
-    delivery_.deliver(std::move(job->completion), failedReply(HttpError::Cancelled, "The client was shut down"), {});
+    delivery_.refuse(*job);
   } else if (wakes) {
     wake();
   }
@@ -81,14 +82,16 @@ void HttpNetwork::stop(double graceSeconds) {
 
 void HttpNetwork::run() {
   curl_global_init(CURL_GLOBAL_DEFAULT);
-  HttpEngine engine(options_, [this](HttpJob& job, HttpReply reply, std::optional<HttpAttempt> attempt) {
-    delivery_.deliver(std::move(job.completion), std::move(reply), std::move(attempt));
+  HttpEngine engine(options_, [this](HttpJob& job, HttpReply reply, std::optional<bool> connected) {
+    delivery_.deliver(job, std::move(reply), connected);
   });
   setWakeTarget(engine.multi());
-  while (takeInbox(engine)) {
-    const bool again = engine.step();
-    const auto end = stopTime();
-    if (!again && (engine.hasWork() || !end) && fallAsleep(engine)) {
+  while (true) {
+    const auto end = takeInbox(engine);
+    if (end && (!engine.hasWork() || Clock::now() >= *end)) {
+      break;
+    }
+    if (!engine.step() && (engine.hasWork() || !end) && fallAsleep(engine)) {
       engine.wait(end);
     }
   }
@@ -104,8 +107,8 @@ bool HttpNetwork::fallAsleep(const HttpEngine& engine) {
   return isAsleep_;
 }
 
-// Returns whether to continue.
-bool HttpNetwork::takeInbox(HttpEngine& engine) {
+// Returns when to stop, once stop() was called.
+std::optional<HttpNetwork::Clock::time_point> HttpNetwork::takeInbox(HttpEngine& engine) {
   std::vector<std::unique_ptr<HttpJob>> jobs;
   std::optional<Clock::time_point> end;
   {
@@ -117,12 +120,7 @@ bool HttpNetwork::takeInbox(HttpEngine& engine) {
   for (auto& job : jobs) {
     engine.add(std::move(job));
   }
-  return !end || (engine.hasWork() && Clock::now() < *end);
-}
-
-std::optional<HttpNetwork::Clock::time_point> HttpNetwork::stopTime() {
-  const MutexLock lock(mutex_);
-  return stopTime_;
+  return end;
 }
 
 void HttpNetwork::setWakeTarget(CURLM* multi) {

@@ -31,10 +31,11 @@ class HttpNetwork {
   HttpNetwork(const HttpNetwork&) = delete;
   HttpNetwork& operator=(const HttpNetwork&) = delete;
 
-  void send(HttpRequest request, HttpClient::Completion completion);
+  /// Sends a request; `isInBackground`: its completion runs on the network thread.
+  void send(HttpRequest request, HttpClient::Completion completion, bool isInBackground);
 
   /// Waits at most `graceSeconds` for outstanding replies, then fails the rest and joins the thread. Requests that are
-  /// sent meanwhile or later are cancelled. A second caller waits for the first.
+  /// sent meanwhile or later are cancelled. A second caller waits for the first. Not on the network thread.
   void stop(double graceSeconds);
 
   HttpDelivery& delivery() { return delivery_; }
@@ -47,8 +48,7 @@ class HttpNetwork {
   bool startThread() KESU_REQUIRES(mutex_);
   void run();
   bool fallAsleep(const HttpEngine& engine);
-  bool takeInbox(HttpEngine& engine);
-  std::optional<Clock::time_point> stopTime();
+  std::optional<Clock::time_point> takeInbox(HttpEngine& engine);
   void setWakeTarget(CURLM* multi);
 
   const LinuxHttpClientOptions options_;

@@ -53,6 +53,11 @@ void HttpOriginQueue::setMultiplexed(const HttpOrigin& origin, bool multiplexed)
   lanes_[origin].multiplexed = multiplexed;
 }
 
+bool HttpOriginQueue::isMultiplexed(const HttpOrigin& origin) const {
+  const auto found = lanes_.find(origin);
+  return found != lanes_.end() && found->second.multiplexed;
+}
+
 std::vector<std::unique_ptr<HttpJob>> HttpOriginQueue::takeWaiting(const HttpOrigin& origin) {
   std::vector<std::unique_ptr<HttpJob>> taken;
   if (const auto found = lanes_.find(origin); found != lanes_.end()) {

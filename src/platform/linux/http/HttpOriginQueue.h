@@ -35,6 +35,8 @@ class HttpOriginQueue {
   /// Sets whether the origin serves many requests over one connection, as its latest reply shows.
   void setMultiplexed(const HttpOrigin& origin, bool multiplexed);
 
+  bool isMultiplexed(const HttpOrigin& origin) const;
+
   /// Removes and returns the jobs that wait for one origin, or for any, in order.
   std::vector<std::unique_ptr<HttpJob>> takeWaiting(const HttpOrigin& origin);
   std::vector<std::unique_ptr<HttpJob>> takeAllWaiting();

@@ -10,10 +10,6 @@ namespace {
 
 constexpr int kMaxRedirects = 16;  // A common limit of platform loaders: more is a circle.
 
-bool redirects(int status) {
-  return status == 301 || status == 302 || status == 303 || status == 307 || status == 308;
-}
-
 bool becomesGet(int status, const std::string& method) {
   return ((status == 301 || status == 302) && method == "POST") || (status == 303 && method != "HEAD");
 }
@@ -32,8 +28,12 @@ bool saysNothingAboutTheUser(const std::string& name) {
 
 }  // namespace
 
+bool isRedirect(int status) {
+  return status == 301 || status == 302 || status == 303 || status == 307 || status == 308;
+}
+
 HttpRedirectVerdict applyRedirect(HttpJob& job, int status, const std::string& location) {
-  if (!redirects(status) || location.empty()) {
+  if (!isRedirect(status) || location.empty()) {
     return HttpRedirectVerdict::Final;
   }
   const auto target = parseHttpUrl(location);

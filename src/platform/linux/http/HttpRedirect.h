@@ -13,6 +13,9 @@ enum class HttpRedirectVerdict {
   Refuse   ///< HttpError::BadRedirect.
 };
 
+/// Whether replies of this status name another target.
+bool isRedirect(int status);
+
 /// Judges a reply by its status and its target (absolute; empty without a Location), and changes the job into the next
 /// request if the redirect is followed.
 ///

@@ -11,6 +11,11 @@
 namespace kesu {
 namespace {
 
+constexpr int kMaxAttempts = 2;
+
+// What collectors answer is shorter.
+constexpr std::size_t kIgnoredBodyBytes = std::size_t{16} * 1024;
+
 // A program that the host starts must not inherit our connections.
 curl_socket_t openSocket(void*, curlsocktype, curl_sockaddr* address) {
   return ::socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
@@ -72,50 +77,72 @@ void HttpTransfer::setUp(const LinuxHttpClientOptions& options, HttpTrust& trust
   trust.apply(handle);
 }
 
-void HttpTransfer::load(std::unique_ptr<HttpJob> job) {
+void HttpTransfer::load(std::unique_ptr<HttpJob> job, std::shared_ptr<const HttpKnownUrl> url, bool multiplexed) {
+  if (progress_.attempts > 0) {
+    curl_easy_setopt(handle_.get(), CURLOPT_FRESH_CONNECT, 0L);  // Taken back from beginAttempt().
+  }
   job_ = std::move(job);
   body_.clear();
   errorText_.front() = '\0';
-  connected_ = false;
-  tooLarge_ = false;
-  moved_ = 0;
-  lastHeard_ = {};
-  lastActivity_ = Clock::now();
-  curl_easy_setopt(handle_.get(), CURLOPT_URL, job_->request.url.c_str());
-  // Waits for the TLS handshake of a connection that may be shared. Plain ones would wait for a whole reply.
-  curl_easy_setopt(handle_.get(), CURLOPT_PIPEWAIT, job_->origin.secure ? 1L : 0L);
+  progress_ = {};
+  progress_.multiplexed = multiplexed;
+  progress_.started = Clock::now();
+  progress_.activity = progress_.started;
+  setUrl(std::move(url));
   setMethod();
   setHeaders();
+}
+
+void HttpTransfer::setUrl(std::shared_ptr<const HttpKnownUrl> url) {
+  if (url == url_) {
+    return;
+  }
+  CURL* const handle = handle_.get();
+  // Without the text that it knows, libcurl takes it from the parsed URL; where there is none it says what is wrong.
+  curl_easy_setopt(handle, CURLOPT_URL, url->handle != nullptr ? nullptr : job_->request.url.c_str());
+  curl_easy_setopt(handle, CURLOPT_CURLU, url->handle.get());
+  // Waits for the TLS handshake of a connection that may be shared. Plain ones would wait for a whole reply.
+  curl_easy_setopt(handle, CURLOPT_PIPEWAIT, job_->origin.secure ? 1L : 0L);
+  url_ = std::move(url);
 }
 
 void HttpTransfer::setMethod() {
   CURL* const handle = handle_.get();
   const HttpRequest& request = job_->request;
+  const bool carries = carriesBody(request);
+  if (carries) {
+    curl_easy_setopt(handle, CURLOPT_POSTFIELDS, request.body.data());
+    curl_easy_setopt(handle, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(request.body.size()));
+  }
+  if (method_.first == request.method && method_.second == carries) {
+    return;
+  }
+  method_ = {request.method, carries};
   curl_easy_setopt(handle, CURLOPT_HTTPGET, 1L);  // Also resets what the job before has set.
   curl_easy_setopt(handle, CURLOPT_CUSTOMREQUEST, nullptr);
   if (request.method == "HEAD") {
     curl_easy_setopt(handle, CURLOPT_NOBODY, 1L);
     return;
   }
-  if (carriesBody(request)) {
+  if (carries) {
     curl_easy_setopt(handle, CURLOPT_POST, 1L);
-    curl_easy_setopt(handle, CURLOPT_POSTFIELDS, request.body.data());
-    curl_easy_setopt(handle, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(request.body.size()));
   }
-  if (request.method != (carriesBody(request) ? "POST" : "GET")) {
+  if (request.method != (carries ? "POST" : "GET")) {
     curl_easy_setopt(handle, CURLOPT_CUSTOMREQUEST, request.method.c_str());
   }
 }
 
 void HttpTransfer::setHeaders() {
-  curl_slist* list = nullptr;
-  for (const std::string& line : httpHeaderLines(job_->request)) {
-    list = curl_slist_append(list, line.c_str());
+  if (headers_.update(job_->request)) {
+    curl_easy_setopt(handle_.get(), CURLOPT_HTTPHEADER, headers_.get());
+    // The caller's own header is what is sent; this switches the decoding on.
+    curl_easy_setopt(handle_.get(), CURLOPT_ACCEPT_ENCODING, acceptsGzip(job_->request) ? "gzip" : nullptr);
   }
-  curl_easy_setopt(handle_.get(), CURLOPT_HTTPHEADER, list);
-  headers_.reset(list);
-  // The caller's own header is what is sent; this switches the decoding on.
-  curl_easy_setopt(handle_.get(), CURLOPT_ACCEPT_ENCODING, acceptsGzip(job_->request) ? "gzip" : nullptr);
+}
+
+HttpTransfer::Clock::time_point HttpTransfer::due(Clock::duration idleTimeout) const {
+  const Clock::time_point deadline = job_->deadline.value_or(Clock::time_point::max());
+  return progress_.connected ? std::min(deadline, progress_.activity + idleTimeout) : deadline;
 }
 
 std::unique_ptr<HttpJob> HttpTransfer::unload() {
@@ -133,11 +160,13 @@ HttpReply HttpTransfer::takeReply(CURLcode result) {
   reply.status = static_cast<int>(responseCode(handle_.get()));
   reply.error = errorOf(result);
   // libcurl tries once more when a kept connection turns out to be dead; the new attempt is what counts then.
-  connected_ = connected_ && !failedToConnect(reply.error);
+  progress_.connected = progress_.connected && !failedToConnect(reply.error);
   if (reply.error == HttpError::None) {
     reply.body = std::exchange(body_, {});
-  } else if (tooLarge_) {
+  } else if (progress_.bodyEnd == BodyEnd::TooLarge) {
     reply.errorText = "The reply is longer than " + std::to_string(job_->request.replyLimit) + " bytes";
+  } else if (progress_.attempts > kMaxAttempts) {
+    reply.errorText = "The server broke off every attempt";
   } else {
     reply.errorText = errorText_.front() != '\0' ? errorText_.c_str() : curl_easy_strerror(result);
   }
@@ -146,8 +175,16 @@ HttpReply HttpTransfer::takeReply(CURLcode result) {
 }
 
 HttpError HttpTransfer::errorOf(CURLcode result) const {
-  if (tooLarge_) {
-    return HttpError::TooLarge;
+  switch (progress_.bodyEnd) {
+    case BodyEnd::Server:
+      break;
+    case BodyEnd::Cut:
+      return HttpError::None;
+    case BodyEnd::TooLarge:
+      return HttpError::TooLarge;
+  }
+  if (progress_.attempts > kMaxAttempts) {
+    return HttpError::ConnectionLost;
   }
   switch (result) {
     case CURLE_OK:
@@ -175,14 +212,12 @@ HttpError HttpTransfer::errorOf(CURLcode result) const {
   }
 }
 
-std::optional<HttpAttempt> HttpTransfer::attempt(const HttpReply& reply) const {
-  HttpAttempt made{job_->origin.host, job_->origin.port, false};
+std::optional<bool> HttpTransfer::attempt(const HttpReply& reply) const {
   if (reply.error == HttpError::CannotResolve || reply.error == HttpError::CannotConnect) {
-    return made;
+    return false;
   }
   // A refused certificate means that a server has answered.
-  made.connected = connected_ || reply.error == HttpError::Tls;
-  return made.connected ? std::optional(made) : std::nullopt;
+  return progress_.connected || reply.error == HttpError::Tls ? std::optional(true) : std::nullopt;
 }
 
 std::string HttpTransfer::location() const {
@@ -198,15 +233,45 @@ bool HttpTransfer::multiplexed() const {
 }
 
 void HttpTransfer::heard() {
-  lastHeard_ = Clock::now();
-  lastActivity_ = lastHeard_;
+  progress_.heard = Clock::now();
+  progress_.activity = progress_.heard;
+}
+
+// libcurl repeats a request up to five times as long as it breaks off on connections that were kept. A server that
+// reads it and closes would get a record six times: we allow one repetition, on a new connection. Where one connection
+// is shared by many requests, each would make its own new one, so there they share the next as well.
+int HttpTransfer::beginAttempt() {
+  progress_.connected = true;
+  progress_.activity = Clock::now();
+  if (++progress_.attempts == 1 && !progress_.multiplexed) {
+    curl_easy_setopt(handle_.get(), CURLOPT_FRESH_CONNECT, 1L);  // Of the next attempt.
+  }
+  return progress_.attempts > kMaxAttempts ? CURL_PREREQFUNC_ABORT : CURL_PREREQFUNC_OK;
+}
+
+// Returns whether the transfer goes on; its connection ends with it.
+bool HttpTransfer::takeBody(const char* data, std::size_t length) {
+  const HttpRequest& request = job_->request;
+  // Where nobody reads the body, a new connection for the next request costs less than the rest of a long one. That of
+  // a redirect is read: libcurl tells its target only at the end.
+  const bool mayCut = request.ignoresBody && responseCode(handle_.get()) / 100 != 3;
+  const std::size_t limit = mayCut ? std::min(request.replyLimit, kIgnoredBodyBytes) : request.replyLimit;
+  const std::size_t room = limit - body_.size();
+  if (length <= room) {
+    body_.append(data, length);
+    return true;
+  }
+  progress_.bodyEnd = mayCut ? BodyEnd::Cut : BodyEnd::TooLarge;
+  if (mayCut) {
+    body_.append(data, room);
+  } else {
+    body_ = {};
+  }
+  return false;
 }
 
 int HttpTransfer::onConnected(void* self, char*, char*, int, int) {
-  auto& transfer = *static_cast<HttpTransfer*>(self);
-  transfer.connected_ = true;
-  transfer.lastActivity_ = Clock::now();
-  return CURL_PREREQFUNC_OK;
+  return static_cast<HttpTransfer*>(self)->beginAttempt();
 }
 
 std::size_t HttpTransfer::onHeader(char*, std::size_t size, std::size_t count, void* self) {
@@ -218,19 +283,13 @@ std::size_t HttpTransfer::onBody(char* data, std::size_t size, std::size_t count
   auto& transfer = *static_cast<HttpTransfer*>(self);
   const std::size_t length = size * count;
   transfer.heard();
-  if (length > transfer.job_->request.replyLimit - transfer.body_.size()) {
-    transfer.tooLarge_ = true;
-    transfer.body_ = {};
-    return 0;  // Ends the transfer and its connection.
-  }
-  transfer.body_.append(data, length);
-  return length;
+  return transfer.takeBody(data, length) ? length : 0;
 }
 
 int HttpTransfer::onProgress(void* self, curl_off_t, curl_off_t received, curl_off_t, curl_off_t sent) {
-  auto& transfer = *static_cast<HttpTransfer*>(self);
-  if (std::exchange(transfer.moved_, received + sent) != received + sent) {
-    transfer.lastActivity_ = Clock::now();
+  Progress& progress = static_cast<HttpTransfer*>(self)->progress_;
+  if (std::exchange(progress.moved, received + sent) != received + sent) {
+    progress.activity = Clock::now();
   }
   return 0;
 }

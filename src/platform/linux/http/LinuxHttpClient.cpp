@@ -19,7 +19,13 @@ LinuxHttpClient::~LinuxHttpClient() {
 
 void LinuxHttpClient::send(HttpRequest request, Completion completion) {
   if (!forkGuard_.isForkedChild()) {
-    network_->send(std::move(request), std::move(completion));
+    network_->send(std::move(request), std::move(completion), false);
+  }
+}
+
+void LinuxHttpClient::sendInBackground(HttpRequest request, Completion completion) {
+  if (!forkGuard_.isForkedChild()) {
+    network_->send(std::move(request), std::move(completion), true);
   }
 }
 

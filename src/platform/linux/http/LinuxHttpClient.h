@@ -18,16 +18,18 @@ class HttpNetwork;
 /// HTTP/1.1, and HTTP/2 where TLS negotiates it. The requests to one host wait in a queue of their own for one of its
 /// connections; when no connection can be made, all that wait for that host fail with it. A connected request fails
 /// when no byte is sent or received for the idle timeout; when its host has sent nothing on any connection for as long,
-/// all that wait for the host fail as well. A whole request has no time limit. Redirects are followed as HttpRedirect.h
-/// says. No proxy (not even one of the environment), no cookies, no .netrc, no credentials from URLs: only hosts that
-/// the caller named are contacted, with what the caller gave. `loop` must outlive the client. In a forked child every
-/// operation does nothing, and the requests that it sends are dropped.
+/// all that wait for the host fail as well, and so they do when a request reaches its deadline and the host has ended
+/// no reply since that request began, nor for the idle timeout. Redirects are followed as HttpRedirect.h says. No proxy
+/// (not even one of the environment), no cookies, no .netrc, no credentials from URLs: only hosts that the caller named
+/// are contacted, with what the caller gave. `loop` must outlive the client. In a forked child every operation does
+/// nothing, and the requests that it sends are dropped.
 class LinuxHttpClient final : public HttpClient {
  public:
   explicit LinuxHttpClient(MainLoop& loop, LinuxHttpClientOptions options = {});
   ~LinuxHttpClient() override;
 
   void send(HttpRequest request, Completion completion) override;
+  void sendInBackground(HttpRequest request, Completion completion) override;
   std::size_t pendingCount() override;
   void shutdown(double graceSeconds) override;
   void setConnectObserver(ConnectObserver observer) override;

@@ -11,6 +11,7 @@ struct LinuxHttpClientOptions {
   std::string systemCaFile;               ///< The system's own bundle; empty for that of the distribution.
   double connectTimeoutSeconds = 60;      ///< For resolving, connecting and the TLS handshake together.
   double idleTimeoutSeconds = 60;         ///< A connected request fails after this time without a byte either way.
+  double longestDeadlineSeconds = 3600;   ///< No HttpRequest::deadlineSeconds counts for more.
   std::size_t maxConnectionsPerHost = 6;  ///< Also the requests sent to an HTTP/1.1 host at a time.
   std::size_t maxAdmitted = 64;           ///< Requests sent to an HTTP/2 host at a time.
 };

@@ -292,7 +292,7 @@ TEST_F(ImpatientHttpClientTest, ASilentHostFailsItsQueueAndDelaysNoOther) {
   EXPECT_LE(silent.requestCount(), 12U);
 }
 
-TEST(SlowHttpServer, WaitingInTheQueueIsNotIdling) {
+TEST(SlowHttpServer, WaitingInTheQueueIsNeitherIdlingNorAging) {
   LoopbackServer server;
   Fault slow = Fault::reply(200);
   slow.delay = std::chrono::milliseconds(200);
@@ -304,7 +304,9 @@ TEST(SlowHttpServer, WaitingInTheQueueIsNotIdling) {
   LinuxHttpClient client(loop, options);
   HttpExchange exchange(client, loop);
   for (int i = 0; i < 8; ++i) {
-    exchange.send(HttpExchange::post(server.url()));
+    HttpRequest request = HttpExchange::post(server.url());
+    request.deadlineSeconds = 1;
+    exchange.send(std::move(request));
   }
   ASSERT_TRUE(exchange.awaitAll());
   EXPECT_EQ(exchange.count(HttpError::None), 8U);
