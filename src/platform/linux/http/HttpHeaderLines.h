@@ -12,8 +12,8 @@ namespace kesu {
 /// followed by the removals of the headers that libcurl would add by itself.
 ///
 /// The caller's first Content-Length keeps its place but gets the true length of the body; without one libcurl adds it
-/// as the last header. A second Content-Length or Accept-Encoding, headers without a name, and those that belong to the
-/// transport (Expect, Host, Transfer-Encoding) are left out.
+/// as the last header. A second Content-Length or Accept-Encoding, headers whose name is empty or has a blank or a
+/// colon, and those that belong to the transport (Expect, Host, Transfer-Encoding) are left out.
 std::vector<std::string> httpHeaderLines(const HttpRequest& request);
 
 /// Whether the request has a body, perhaps an empty one, and so a Content-Length.

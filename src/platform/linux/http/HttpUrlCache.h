@@ -14,7 +14,7 @@ namespace kesu {
 /// A URL that was parsed once, by us and by libcurl.
 struct HttpKnownUrl {
   struct Cleanup {
-    void operator()(CURLU* handle) const { curl_url_cleanup(handle); }
+    void operator()(CURLU* parsed) const { curl_url_cleanup(parsed); }
   };
 
   std::string asked;                       ///< As the caller wrote it.

@@ -419,6 +419,8 @@ TEST_F(LinuxHttpClientTest, ForkedChildLeavesTheClientAlone) {
   if (child == 0) {
     bool completed = false;
     shared->send(post(), [&](HttpReply) { completed = true; });
+    shared->sendInBackground(post(), [&](HttpReply) { completed = true; });
+    shared->setConnectObserver(nullptr);
     shared->shutdown(5);
     const bool touched = completed || shared->pendingCount() != 0;
     shared.reset();
