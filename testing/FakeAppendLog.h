@@ -3,103 +3,128 @@
 #include <kesu/platform/AppendLog.h>
 
 #include <algorithm>
-#include <deque>
 #include <string>
-#include <utility>
+#include <vector>
 
 #include "foundation/Mutex.h"
 
 namespace kesu::testing {
 
-/// An append log in memory. A second recover() is the start of the next process. Any thread.
+/// An append log in memory. Any thread.
 class FakeAppendLog final : public AppendLog {
  public:
   void recover(Sequence last, const std::function<void(const Found&)>& visit) override {
-    std::deque<Kept> found;
+    std::vector<Stored> found;
     {
       const MutexLock lock(mutex_);
       found = entries_;
-      last_ = std::max({last_, last, found.empty() ? 0 : found.back().entry.sequence});
-      preamble_.clear();
     }
-    for (const Kept& kept : found) {
-      visit({kept.entry, kept.isReleased, kept.preamble, kept.bytes});
+    for (const Stored& stored : found) {
+      visit({stored.entry, stored.isReleased, stored.preamble, stored.bytes});
     }
+    const MutexLock lock(mutex_);
+    last_ = std::max(last, last_);
+    isOpen_ = true;
   }
 
-  std::optional<Entry> append(std::string_view bytes, bool isReleased) override {
+  std::optional<Entry> append(std::string_view bytes, bool isReleased = false) override {
     const MutexLock lock(mutex_);
-    if (refuses_ || bytes.size() > kLongestEntry) {
+    if (!isOpen_ || isRefusing_ || bytes.size() > kLongestEntry) {
       return std::nullopt;
     }
-    const Entry entry = {++last_, 0, 0};
+    const Entry entry{++last_, 1, 0};
     entries_.push_back({entry, isReleased, preamble_, std::string(bytes)});
     return entry;
   }
 
   void setPreamble(std::string_view bytes) override {
     const MutexLock lock(mutex_);
-    preamble_ = bytes;
+    preamble_ = bytes.size() > kLongestEntry ? std::string_view() : bytes;
   }
 
   bool read(const Entry& entry, std::string& bytes) override {
     const MutexLock lock(mutex_);
-    const auto found = find(entry);
-    if (found == entries_.end()) {
-      return false;
+    const Stored* stored = find(entry);
+    if (stored != nullptr) {
+      bytes = stored->bytes;
     }
-    bytes = found->bytes;
-    return true;
+    return stored != nullptr;
   }
 
   void release(const Entry& entry) override {
     const MutexLock lock(mutex_);
-    if (const auto found = find(entry); found != entries_.end()) {
-      found->isReleased = true;
+    if (Stored* stored = find(entry)) {
+      stored->isReleased = true;
     }
   }
 
   void settle(Sequence sequence) override {
     const MutexLock lock(mutex_);
-    std::erase_if(entries_, [&](const Kept& kept) { return kept.isReleased && kept.entry.sequence <= sequence; });
+    settled_ = std::max(settled_, sequence);
   }
 
-  void prepare() override {}
-  void flush() override {}
+  void prepare() override {
+    const MutexLock lock(mutex_);
+    std::erase_if(entries_,
+                  [&](const Stored& stored) { return stored.isReleased && stored.entry.sequence <= settled_; });
+  }
+
+  void flush() override {
+    const MutexLock lock(mutex_);
+    ++flushes_;
+  }
   void startFlush() override {}
   bool isInForkedChild() const override { return false; }
 
-  /// Makes append() keep nothing from now on (true), or work again (false).
-  void refuse(bool refuses) {
+  /// Has the process die and another one start: recover() comes next.
+  void restart() {
     const MutexLock lock(mutex_);
-    refuses_ = refuses;
+    isOpen_ = false;
+    settled_ = 0;
+    preamble_.clear();
+    isRefusing_ = false;
+  }
+
+  /// Has append() return nothing, as on a full disk.
+  void refuse(bool isRefusing) {
+    const MutexLock lock(mutex_);
+    isRefusing_ = isRefusing;
   }
 
   /// Counts the entries that were not released.
-  std::size_t openCount() {
+  std::size_t waitingCount() {
     const MutexLock lock(mutex_);
     return static_cast<std::size_t>(
-        std::count_if(entries_.begin(), entries_.end(), [](const Kept& kept) { return !kept.isReleased; }));
+        std::count_if(entries_.begin(), entries_.end(), [](const Stored& stored) { return !stored.isReleased; }));
+  }
+
+  int flushCount() {
+    const MutexLock lock(mutex_);
+    return flushes_;
   }
 
  private:
-  struct Kept {
+  struct Stored {
     Entry entry;
     bool isReleased = false;
     std::string preamble;
     std::string bytes;
   };
 
-  std::deque<Kept>::iterator find(const Entry& entry) KESU_REQUIRES(mutex_) {
-    return std::find_if(entries_.begin(), entries_.end(),
-                        [&](const Kept& kept) { return kept.entry.sequence == entry.sequence; });
+  Stored* find(const Entry& entry) KESU_REQUIRES(mutex_) {
+    const auto found = std::find_if(entries_.begin(), entries_.end(),
+                                    [&](const Stored& stored) { return stored.entry.sequence == entry.sequence; });
+    return found != entries_.end() ? &*found : nullptr;
   }
 
   Mutex mutex_;
-  std::deque<Kept> entries_ KESU_GUARDED_BY(mutex_);
+  std::vector<Stored> entries_ KESU_GUARDED_BY(mutex_);
   std::string preamble_ KESU_GUARDED_BY(mutex_);
   Sequence last_ KESU_GUARDED_BY(mutex_) = 0;
-  bool refuses_ KESU_GUARDED_BY(mutex_) = false;
+  Sequence settled_ KESU_GUARDED_BY(mutex_) = 0;
+  bool isOpen_ KESU_GUARDED_BY(mutex_) = false;
+  bool isRefusing_ KESU_GUARDED_BY(mutex_) = false;
+  int flushes_ KESU_GUARDED_BY(mutex_) = 0;
 };
 
 }  // namespace kesu::testing

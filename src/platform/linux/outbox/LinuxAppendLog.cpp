@@ -168,8 +168,11 @@ void LinuxAppendLog::removeDone() {
   std::vector<HeldSegment> full;
   {
     const MutexLock lock(mutex_);
+    if (roomError_ != 0 && current_.file && current_.file->isDone(settled_)) {
+      current_.file.reset();  // There is no room for its successor: it makes some itself.
+    }
     for (HeldSegment& segment : held_.all()) {
-      if (segment.id != current_.id && segment.id != spare_.id) {
+      if (segment.file != current_.file && segment.file != spare_.file) {
         (segment.file->isDone(settled_) ? done : full).push_back(std::move(segment));
       }
     }

@@ -1,0 +1,170 @@
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/linux/outbox/LinuxAppendLog.h"
+#include "testing/FakeAppendLog.h"
+#include "testing/TemporaryDirectory.h"
+
+namespace kesu {
+namespace {
+
+/// A log, and how its process dies and another one starts.
+class LogRig {
+ public:
+  virtual ~LogRig() = default;
+  virtual AppendLog& log() = 0;
+  virtual void restart() = 0;
+};
+
+class FakeLogRig : public LogRig {
+ public:
+  AppendLog& log() override { return log_; }
+  void restart() override { log_.restart(); }
+
+ private:
+  testing::FakeAppendLog log_;
+};
+
+class LinuxLogRig : public LogRig {
+ public:
+  AppendLog& log() override { return *log_; }
+  void restart() override {
+    log_.reset();
+    log_ = std::make_unique<LinuxAppendLog>(directory_ / "Library/Outbox");
+  }
+
+ private:
+  testing::TemporaryDirectory directory_;
+  std::unique_ptr<LinuxAppendLog> log_ = std::make_unique<LinuxAppendLog>(directory_ / "Library/Outbox");
+};
+
+class AppendLogContract : public ::testing::TestWithParam<std::string> {
+ protected:
+  using Texts = std::vector<std::string>;
+
+  AppendLog& log() { return rig_->log(); }
+  void restart() { rig_->restart(); }
+
+  /// Recovers and describes what is found: "number bytes", "(preamble)", "released".
+  Texts recover(AppendLog::Sequence last = 0, const std::string& releasing = "none") {
+    Texts found;
+    log().recover(last, [&](const AppendLog::Found& one) {
+      found.push_back(std::to_string(one.entry.sequence) + " " + std::string(one.bytes) +
+                      (one.preamble.empty() ? "" : " (" + std::string(one.preamble) + ")") +
+                      (one.isReleased ? " released" : ""));
+      if (one.bytes == releasing) {
+        log().release(one.entry);
+      }
+    });
+    return found;
+  }
+
+  std::string readBack(const AppendLog::Entry& entry) {
+    std::string bytes = "old";
+    return log().read(entry, bytes) ? bytes : "unreadable";
+  }
+
+ private:
+  std::unique_ptr<LogRig> rig_ = GetParam() == "Linux" ? std::unique_ptr<LogRig>(std::make_unique<LinuxLogRig>())
+                                                       : std::unique_ptr<LogRig>(std::make_unique<FakeLogRig>());
+};
+
+TEST_P(AppendLogContract, FindsEntriesOfAllEarlierProcessesInOrder) {
+  EXPECT_EQ(recover(), Texts());
+  EXPECT_EQ(log().append("a")->sequence, 1U);
+  EXPECT_EQ(log().append("")->sequence, 2U);
+  restart();
+  EXPECT_EQ(recover(), (Texts{"1 a", "2 "}));
+  EXPECT_EQ(log().append("b")->sequence, 3U);
+  restart();
+  EXPECT_EQ(recover(10), (Texts{"1 a", "2 ", "3 b"}));
+  EXPECT_EQ(log().append("c")->sequence, 11U);
+  restart();
+  EXPECT_EQ(recover(5), (Texts{"1 a", "2 ", "3 b", "11 c"}));
+  EXPECT_EQ(log().append("d")->sequence, 12U);
+}
+
+TEST_P(AppendLogContract, NotesReleasesFromTheVisitLaterAndFromTheBeginning) {
+  recover();
+  const auto a = log().append("a");
+  log().append("b");
+  log().append("c", true);
+  log().append("d");
+  log().release(*a);
+  log().release(*a);
+  log().release({});
+  restart();
+  EXPECT_EQ(recover(0, "b"), (Texts{"1 a released", "2 b", "3 c released", "4 d"}));
+  restart();
+  EXPECT_EQ(recover(), (Texts{"1 a released", "2 b released", "3 c released", "4 d"}));
+}
+
+TEST_P(AppendLogContract, GivesEachEntryThePreambleInForce) {
+  log().setPreamble("first");
+  recover();
+  log().append("a");
+  log().setPreamble("second");
+  log().setPreamble("second");
+  log().append("b");
+  log().setPreamble("");
+  log().append("c");
+  log().setPreamble("of no entry");
+  restart();
+  EXPECT_EQ(recover(), (Texts{"1 a (first)", "2 b (second)", "3 c"}));
+  log().append("d");
+  restart();
+  EXPECT_EQ(recover(), (Texts{"1 a (first)", "2 b (second)", "3 c", "4 d"}));
+}
+
+TEST_P(AppendLogContract, ReadsEntriesThatWaitAlsoThoseOfEarlierProcesses) {
+  recover();
+  const std::string longest(AppendLog::kLongestEntry, 'x');
+  const auto own = log().append(longest);
+  EXPECT_EQ(readBack(*own), longest);
+  EXPECT_EQ(readBack(*log().append("")), "");
+  EXPECT_EQ(log().append(longest + "x"), std::nullopt);
+  EXPECT_EQ(readBack({}), "unreadable");
+  restart();
+  AppendLog::Entry entry;
+  log().recover(0, [&](const AppendLog::Found& found) { entry = found.entry.sequence == 1 ? found.entry : entry; });
+  EXPECT_EQ(readBack(entry), longest);
+}
+
+TEST_P(AppendLogContract, UsesRoomOfReleasedEntriesAgainOnlyOnceTheyAreSettled) {
+  recover();
+  log().append("a");
+  log().append("b");
+  restart();
+  recover(0, "a");
+  log().prepare();
+  restart();
+  EXPECT_EQ(recover(0, "b"), (Texts{"1 a released", "2 b"}));
+  log().settle(1);
+  log().prepare();
+  restart();
+  EXPECT_EQ(recover().back(), "2 b released") << "not settled";
+  log().settle(2);
+  log().prepare();
+  log().flush();
+  restart();
+  EXPECT_EQ(recover(), Texts());
+  EXPECT_EQ(log().append("c")->sequence, 3U);
+}
+
+TEST_P(AppendLogContract, KeepsNothingBeforeRecovery) {
+  EXPECT_EQ(log().append("a"), std::nullopt);
+  log().prepare();
+  log().flush();
+  log().startFlush();
+  EXPECT_EQ(recover(), Texts());
+}
+
+INSTANTIATE_TEST_SUITE_P(Logs, AppendLogContract, ::testing::Values("Linux", "Fake"),
+                         [](const auto& instance) { return instance.param; });
+
+}  // namespace
+}  // namespace kesu
