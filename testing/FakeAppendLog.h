@@ -65,8 +65,9 @@ class FakeAppendLog final : public AppendLog {
 
   void prepare() override {
     const MutexLock lock(mutex_);
-    std::erase_if(entries_,
-                  [&](const Stored& stored) { return stored.isReleased && stored.entry.sequence <= settled_; });
+    std::erase_if(entries_, [settled = settled_](const Stored& stored) {
+      return stored.isReleased && stored.entry.sequence <= settled;
+    });
   }
 
   void flush() override {
