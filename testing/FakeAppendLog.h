@@ -70,10 +70,7 @@ class FakeAppendLog final : public AppendLog {
     });
   }
 
-  void flush() override {
-    const MutexLock lock(mutex_);
-    ++flushes_;
-  }
+  void flush() override {}
   void startFlush() override {}
   bool isInForkedChild() const override { return false; }
 
@@ -90,18 +87,6 @@ class FakeAppendLog final : public AppendLog {
   void refuse(bool isRefusing) {
     const MutexLock lock(mutex_);
     isRefusing_ = isRefusing;
-  }
-
-  /// Counts the entries that were not released.
-  std::size_t waitingCount() {
-    const MutexLock lock(mutex_);
-    return static_cast<std::size_t>(
-        std::count_if(entries_.begin(), entries_.end(), [](const Stored& stored) { return !stored.isReleased; }));
-  }
-
-  int flushCount() {
-    const MutexLock lock(mutex_);
-    return flushes_;
   }
 
  private:
@@ -125,7 +110,6 @@ class FakeAppendLog final : public AppendLog {
   Sequence settled_ KESU_GUARDED_BY(mutex_) = 0;
   bool isOpen_ KESU_GUARDED_BY(mutex_) = false;
   bool isRefusing_ KESU_GUARDED_BY(mutex_) = false;
-  int flushes_ KESU_GUARDED_BY(mutex_) = 0;
 };
 
 }  // namespace kesu::testing

@@ -13,9 +13,9 @@ namespace kesu {
 /// A log on disk that keeps bytes from the moment append() returns: they survive the death of the process at any
 /// instant (kill -9), and power loss from the next flush() on.
 ///
-/// Entries are numbered in the order of their appends; the numbers continue from process to process. Each process writes
-/// a log of its own; one whose process is gone is taken over by the next recover(). Callable from any thread, unless
-/// stated otherwise; nothing throws. In a forked child every operation does nothing.
+/// Entries are numbered in the order of their appends; the numbers continue from process to process. Each process
+/// writes a log of its own; one whose process is gone is taken over by the next recover(). Callable from any thread,
+/// unless stated otherwise; nothing throws. In a forked child every operation does nothing.
 class KESU_API AppendLog {
  public:
   using Sequence = std::uint64_t;  ///< The first entry has number 1; 0 is none.
@@ -42,7 +42,7 @@ class KESU_API AppendLog {
 
   /// Opens the log: visits every whole entry that earlier processes left, in the order of their numbers, and makes room
   /// for new ones. Numbers continue behind `last` and behind every entry found. Called once, before anything else; may
-  /// block for reading. `visit` may release().
+  /// block for reading. `visit` may release(), and call nothing else.
   virtual void recover(Sequence last, const std::function<void(const Found&)>& visit) = 0;
 
   /// Appends an entry. Costs a copy; touches the disk only where prepare() was late. Returns nothing when the entry is
@@ -50,7 +50,8 @@ class KESU_API AppendLog {
   /// appends an entry that is released from the beginning, for what only a later recover() has to see.
   virtual std::optional<Entry> append(std::string_view bytes, bool isReleased = false) = 0;
 
-  /// Appends the context of the entries that follow, and repeats it wherever a start of reading needs it.
+  /// Appends the context of the entries that follow, and repeats it wherever a start of reading needs it. One that is
+  /// longer than kLongestEntry counts as none.
   virtual void setPreamble(std::string_view bytes) = 0;
 
   /// Replaces `bytes` by those of an entry that was not released. Returns false when they cannot be read any more.
@@ -62,8 +63,8 @@ class KESU_API AppendLog {
   /// Notes that no start needs released entries up to and including `sequence` any more: their room may be used again.
   virtual void settle(Sequence sequence) = 0;
 
-  /// Makes room ready ahead of the appends, and gives back room that is no longer needed. May wait for the disk: for
-  /// the background queue.
+  /// Makes room ready ahead of the appends, and gives back room that is no longer needed. After append() returned
+  /// nothing, this is what tries again. May wait for the disk: for the background queue, after flush().
   virtual void prepare() = 0;
 
   /// Hands everything appended and released so far to the disk and waits for it. For the background queue.

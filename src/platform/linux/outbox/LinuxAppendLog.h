@@ -3,7 +3,11 @@
 #include <kesu/platform/AppendLog.h>
 
 #include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "foundation/Mutex.h"

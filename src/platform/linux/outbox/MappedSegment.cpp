@@ -18,20 +18,36 @@ std::atomic_ref<Integer> atomicAt(char* at) {
   return std::atomic_ref<Integer>(*reinterpret_cast<Integer*>(at));
 }
 
+void storeWord(char* to, const char* from, std::size_t bytes) {
+  Word word = 0;
+  std::memcpy(&word, from, bytes);
+  atomicAt<Word>(to).store(word, std::memory_order_relaxed);
+}
+
+void loadWord(char* to, char* from, std::size_t bytes) {
+  const Word word = atomicAt<Word>(from).load(std::memory_order_relaxed);
+  std::memcpy(to, &word, bytes);
+}
+
 // As memcpy(), but no data race with touch(), which writes what is there already. The rest of the last word becomes
 // zero.
-void copyIn(char* to, const char* from, std::size_t count) {
-  for (std::size_t at = 0; at < count; at += sizeof(Word)) {
-    Word word = 0;
-    std::memcpy(&word, from + at, std::min(sizeof(Word), count - at));
-    atomicAt<Word>(to + at).store(word, std::memory_order_relaxed);
+void copyIn(char* to, const char* from, std::size_t bytes) {
+  const std::size_t whole = bytes - bytes % sizeof(Word);
+  for (std::size_t at = 0; at < whole; at += sizeof(Word)) {
+    storeWord(to + at, from + at, sizeof(Word));
+  }
+  if (whole < bytes) {
+    storeWord(to + whole, from + whole, bytes - whole);
   }
 }
 
-void copyOut(char* to, char* from, std::size_t count) {
-  for (std::size_t at = 0; at < count; at += sizeof(Word)) {
-    const Word word = atomicAt<Word>(from + at).load(std::memory_order_relaxed);
-    std::memcpy(to + at, &word, std::min(sizeof(Word), count - at));
+void copyOut(char* to, char* from, std::size_t bytes) {
+  const std::size_t whole = bytes - bytes % sizeof(Word);
+  for (std::size_t at = 0; at < whole; at += sizeof(Word)) {
+    loadWord(to + at, from + at, sizeof(Word));
+  }
+  if (whole < bytes) {
+    loadWord(to + whole, from + whole, bytes - whole);
   }
 }
 

@@ -6,8 +6,8 @@
 namespace kesu {
 
 /// What is logged about the disk below an append log: each kind of trouble once until it is over, so that a disk that
-/// stays full does not fill the log as well. Any thread; never with a mutex locked, because the host's log sink may
-/// come back with a record.
+/// stays full does not fill the log as well. Any thread; never with the mutex of append() locked, because the host's
+/// log sink may come back with a record.
 class OutboxWarnings {
  public:
   enum class Kind {
