@@ -83,6 +83,13 @@ class FakeAppendLog final : public AppendLog {
     isRefusing_ = false;
   }
 
+  /// Counts the entries that were not released.
+  std::size_t openCount() {
+    const MutexLock lock(mutex_);
+    return static_cast<std::size_t>(
+        std::count_if(entries_.begin(), entries_.end(), [](const Stored& stored) { return !stored.isReleased; }));
+  }
+
   /// Has append() return nothing, as on a full disk.
   void refuse(bool isRefusing) {
     const MutexLock lock(mutex_);

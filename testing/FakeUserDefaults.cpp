@@ -1,5 +1,7 @@
 #include "testing/FakeUserDefaults.h"
 
+#include <utility>
+
 #include "foundation/PropertyList.h"
 
 namespace kesu::testing {
@@ -35,17 +37,47 @@ bool FakeUserDefaults::set(std::string_view key, Value value) {
     return false;
   }
   const MutexLock lock(mutex_);
-  values_.insert_or_assign(std::string(key), std::move(value));
+  put(key, value);
   return true;
+}
+
+void FakeUserDefaults::put(std::string_view key, const Value& value) {
+  grown_.erase(std::string(key));
+  values_.insert_or_assign(std::string(key), value);
 }
 
 void FakeUserDefaults::remove(std::string_view key) {
   const MutexLock lock(mutex_);
+  erase(key);
+}
+
+void FakeUserDefaults::erase(std::string_view key) {
+  grown_.erase(std::string(key));
   values_.erase(std::string(key));
 }
 
 void FakeUserDefaults::appendString(std::string_view key, std::string_view suffix) {
   const MutexLock lock(mutex_);
+  grow(key, suffix);
+}
+
+void FakeUserDefaults::apply(std::span<const DefaultsChange> changes) {
+  const MutexLock lock(mutex_);
+  for (const DefaultsChange& change : changes) {
+    if (change.kind == DefaultsChange::Kind::Remove) {
+      erase(change.key);
+    } else if (change.kind == DefaultsChange::Kind::Set && isPropertyListValue(change.value)) {
+      put(change.key, change.value);
+    } else if (change.kind == DefaultsChange::Kind::Append && change.value.text() != nullptr) {
+      grow(change.key, *change.value.text());
+    }
+  }
+}
+
+void FakeUserDefaults::grow(std::string_view key, std::string_view suffix) {
+  if (!isLoaded_) {
+    grown_[std::string(key)].append(suffix);
+  }
   Value& value = values_[std::string(key)];
   std::string grown = value.text() != nullptr ? *value.text() : std::string();
   value = Value(grown.append(suffix));
@@ -58,7 +90,7 @@ std::optional<std::string> FakeUserDefaults::takeString(std::string_view key) {
     return std::nullopt;
   }
   std::string text = *found->second.text();
-  values_.erase(found);
+  erase(key);
   return text;
 }
 
@@ -74,10 +106,52 @@ std::vector<std::string> FakeUserDefaults::keys() {
 bool FakeUserDefaults::synchronize() {
   const MutexLock lock(mutex_);
   ++synchronizeCount_;
-  if (!refusesWrites_) {
+  const bool isWritten = isLoaded_ && !refusesWrites_;
+  if (isWritten) {
     onDisk_ = values_;
   }
-  return !refusesWrites_;
+  return isWritten;
+}
+
+bool FakeUserDefaults::isLoaded() {
+  const MutexLock lock(mutex_);
+  return isLoaded_;
+}
+
+void FakeUserDefaults::whenLoaded(std::function<void()> done) {
+  {
+    const MutexLock lock(mutex_);
+    if (!isLoaded_) {
+      waiting_.push_back(std::move(done));
+      return;
+    }
+  }
+  done();
+}
+
+void FakeUserDefaults::hideDisk() {
+  const MutexLock lock(mutex_);
+  values_.clear();
+  isLoaded_ = false;
+}
+
+void FakeUserDefaults::showDisk() {
+  std::vector<std::function<void()>> waiting;
+  {
+    const MutexLock lock(mutex_);
+    isLoaded_ = true;
+    Values meanwhile = std::exchange(values_, onDisk_);
+    values_.merge(meanwhile);
+    for (const auto& [key, text] : std::exchange(grown_, {})) {
+      if (!text.empty() && onDisk_.contains(key)) {
+        grow(key, text);
+      }
+    }
+    waiting.swap(waiting_);
+  }
+  for (const std::function<void()>& done : waiting) {
+    done();
+  }
 }
 
 void FakeUserDefaults::checkpoint() {

@@ -2,7 +2,10 @@
 
 #include <kesu/platform/UserDefaults.h>
 
+#include <functional>
 #include <map>
+#include <span>
+#include <vector>
 
 #include "foundation/Mutex.h"
 
@@ -24,10 +27,13 @@ class FakeUserDefaults final : public UserDefaults {
   bool set(std::string_view key, Value value) override;
   void remove(std::string_view key) override;
   void appendString(std::string_view key, std::string_view suffix) override;
+  void apply(std::span<const DefaultsChange> changes) override;
   std::optional<std::string> takeString(std::string_view key) override;
   std::vector<std::string> keys() override;
   bool synchronize() override;
   void checkpoint() override;
+  bool isLoaded() override;
+  void whenLoaded(std::function<void()> done) override;
 
   /// The values of the last successful synchronize().
   Dictionary keptOnDisk();
@@ -41,11 +47,21 @@ class FakeUserDefaults final : public UserDefaults {
   /// Counts the calls of checkpoint().
   int checkpointCount();
 
+  /// Makes the disk unreadable, as at the start of a process that finds no home yet: nothing is loaded. Call it first.
+  void hideDisk();
+
+  /// Makes the disk readable again, which loads the values.
+  void showDisk();
+
   /// Makes synchronize() fail and write nothing from now on (true), or work again (false).
   void refuseWrites(bool refuse);
 
  private:
   using Values = std::map<std::string, Value, std::less<>>;
+
+  void put(std::string_view key, const Value& value) KESU_REQUIRES(mutex_);
+  void grow(std::string_view key, std::string_view suffix) KESU_REQUIRES(mutex_);
+  void erase(std::string_view key) KESU_REQUIRES(mutex_);
 
   Mutex mutex_;
   Values values_ KESU_GUARDED_BY(mutex_);
@@ -53,6 +69,9 @@ class FakeUserDefaults final : public UserDefaults {
   int synchronizeCount_ KESU_GUARDED_BY(mutex_) = 0;
   int checkpointCount_ KESU_GUARDED_BY(mutex_) = 0;
   bool refusesWrites_ KESU_GUARDED_BY(mutex_) = false;
+  bool isLoaded_ KESU_GUARDED_BY(mutex_) = true;
+  std::map<std::string, std::string, std::less<>> grown_ KESU_GUARDED_BY(mutex_);  // What was appended while not loaded.
+  std::vector<std::function<void()>> waiting_ KESU_GUARDED_BY(mutex_);
 };
 
 }  // namespace kesu::testing

@@ -87,6 +87,7 @@ class ManagerTest : public FlowTest {
   /// Destroys the library with what is queued and on its way. Log and disk stay.
   void endProcess() {
     library.reset();
+    platform.outbox.restart();
     platform.background.discardAll();
     platform.http.discardPending();
   }

@@ -8,6 +8,7 @@
 #include <string>
 #include <utility>
 
+#include "facade/Wiring.h"
 #include "foundation/SharedInstance.h"
 #include "platform/linux/LinuxBackgroundQueue.h"
 #include "platform/linux/LinuxClock.h"
@@ -82,10 +83,13 @@ class RealPlatform {
     return paths;
   }
 
-  /// Pumps until everything that was posted so far has had its reply.
+  /// Pumps until everything that was posted so far has had its reply, and what follows from it is done.
   bool settle() {
-    return pumpUntil(
-        [this] { return background.drain(10.0) && http.pendingCount() == 0 && mainLoop.nextDue() != 0.0; });
+    return pumpUntil([this] {
+      Wiring* library = SharedInstance<Wiring>::existing();
+      return background.drain(10.0) && http.pendingCount() == 0 && mainLoop.nextDue() != 0.0 &&
+             (library == nullptr || library->outbox.pendingCount() == 0);
+    });
   }
 
   LinuxClock clock;

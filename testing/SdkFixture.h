@@ -39,9 +39,11 @@ class SdkFixture : public ::testing::Test {
     platform.settle();
   }
 
-  /// Destroys the library's objects, as the end of the process does. Disk and defaults stay.
+  /// Destroys the library's objects, as the end of the process does. Disk, log and defaults stay.
   void endProcess() {
     resetSharedInstances();
+    platform.background.discardAll();
+    platform.outbox.restart();
     Kesu::logThrottling(0);
   }
 

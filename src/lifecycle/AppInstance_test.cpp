@@ -39,6 +39,59 @@ TEST_F(InstanceTest, KeepsItsIdentityAndCountsLaunches) {
   EXPECT_EQ(platform.defaults.keptOnDisk().size(), 4U);
 }
 
+TEST_F(InstanceTest, AnIdentityThatIsReadLateReplacesTheProvisionalOne) {
+  const auto first = launchedWith("key");
+  platform.defaults.hideDisk();
+  const auto late = launchedWith("key");
+  int settled = 0;
+  late->whenSettled([&] { ++settled; });
+  EXPECT_EQ(late->identity().id.size(), 22U);
+  EXPECT_NE(late->identity().id, first->identity().id);
+  EXPECT_FALSE(late->firstLaunch());
+  EXPECT_EQ(settled, 0);
+  platform.defaults.showDisk();
+  EXPECT_EQ(settled, 1);
+  EXPECT_EQ(late->identity().id, first->identity().id);
+  EXPECT_EQ(late->identity().id2, first->identity().id2);
+  EXPECT_FALSE(late->firstLaunch());
+  EXPECT_EQ(late->appLaunchCount(), 2);
+  EXPECT_EQ(platform.defaults.keptOnDisk().size(), 4U);
+}
+
+TEST_F(InstanceTest, AProvisionalIdentityStaysWhereThereIsNoneOfThisKey) {
+  struct Row {
+    const char* name;
+    Dictionary onDisk;
+  };
+  const std::string id(22, 'o');
+  const Row rows[] = {{"nothing", {}},
+                      {"half", {{"kesuSDKAPIKey", "key"}, {"localKaid", id}, {"alc", 8}}},
+                      {"another key's", {{"kesuSDKAPIKey", "other"}, {"localKaid", id}, {"localKaid2", id}, {"alc", 8}}}};
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.name);
+    testing::FakeUserDefaults defaults(row.onDisk);
+    defaults.hideDisk();
+    AppInstance instance(defaults, platform.random);
+    instance.setAppKey("key");
+    instance.load();
+    const AppInstance::Identity provisional = instance.identity();
+    defaults.showDisk();
+    EXPECT_TRUE(instance.firstLaunch());
+    EXPECT_EQ(instance.identity().id, provisional.id);
+    const Dictionary kept = defaults.keptOnDisk();
+    EXPECT_EQ(*kept.findText("localKaid"), provisional.id);
+    EXPECT_EQ(*kept.findText("localKaid2"), provisional.id2);
+    EXPECT_EQ(*kept.findText("kesuSDKAPIKey"), "key");
+  }
+}
+
+TEST_F(InstanceTest, MayBeDestroyedBeforeTheDefaultsAreRead) {
+  platform.defaults.hideDisk();
+  launchedWith("key")->whenSettled([] { ADD_FAILURE(); });
+  platform.defaults.showDisk();
+  EXPECT_TRUE(platform.defaults.keptOnDisk().empty());
+}
+
 TEST_F(InstanceTest, StartsAnewWithAnotherKeyOrWithoutIdentifiers) {
   const auto first = launchedWith("one");
   for (const std::string_view key : kKeysClearedWithAppKey) {

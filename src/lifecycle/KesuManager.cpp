@@ -92,19 +92,25 @@ void KesuManager::copyright(const std::string& key) {
   KESU_LOG(0, " ");
 }
 
-// The order in which the collector learns of a run: the installation, its traits, then what happens in it.
+// The order in which the collector learns of a run: the installation, its traits, then what happens in it; the first two
+// come later only while the user defaults cannot be read.
 void KesuManager::didFinishLaunching() {
+  instance_.whenSettled([this] { reportInstallation(); });
+  stateChanges_.stateChangeEventAppLevel(kStateLaunch, kLaunchDetailText);
+  versionChange_.checkVersionChangeAndPost();
+  // Last: the first status that it announces starts the re-send pass of older records.
+  collector_.startReachabilityNotifications();
+  printObsfucatedAscii85KaidIfNeeded();
+}
+
+void KesuManager::reportInstallation() {
+  sender_.noteContext();  // The identity may have been provisional until now.
   if (instance_.firstLaunch()) {
     newInstallation();
     sender_.saveTraits(TraitType::FirstLaunch);
   } else if (hasItBeenSoManyDaysSinceSaving(1, k_TableTraits)) {
     sender_.saveTraits(TraitType::Full);
   }
-  stateChanges_.stateChangeEventAppLevel(kStateLaunch, kLaunchDetailText);
-  versionChange_.checkVersionChangeAndPost();
-  // Last: the first status that it announces starts the re-send pass of older records.
-  collector_.startReachabilityNotifications();
-  printObsfucatedAscii85KaidIfNeeded();
 }
 
 void KesuManager::newInstallation() {

@@ -61,6 +61,7 @@ class KesuManager : public EventPoster {
   void copyright(const std::string& key);
 
   void didFinishLaunching();
+  void reportInstallation();
   void newInstallation();
   bool hasItBeenSoManyDaysSinceSaving(int days, std::string_view destination);
   void printObsfucatedAscii85KaidIfNeeded();

@@ -25,6 +25,21 @@ TEST_F(KesuManagerTest, LaunchesInOrder) {
   EXPECT_EQ(platform.reachability.startedCount(), 1);
 }
 
+TEST_F(KesuManagerTest, TheInstallationRecordWaitsUntilTheDefaultsWereRead) {
+  platform.defaults.hideDisk();
+  initialize();
+  launch();
+  EXPECT_EQ(takeDestinations(), "s");
+  platform.defaults.showDisk();
+  EXPECT_EQ(takeDestinations(), "it");
+  platform.defaults.hideDisk();
+  initialize();
+  launch();
+  EXPECT_EQ(takeDestinations(), "s");
+  platform.defaults.showDisk();
+  EXPECT_EQ(takeDestinations(), "") << "no first launch, and the traits are of today";
+}
+
 TEST_F(KesuManagerTest, RefreshesTheTraitsOnceADay) {
   initialize();
   launch();

@@ -15,6 +15,16 @@ constexpr std::size_t kMostPerTask = 64;
 // Records between two looks at the room ahead: a host that posts without pause fills a segment in some 3 ms.
 constexpr std::size_t kRecordsPerPrepare = 8;
 
+Dictionary replaced(const Dictionary& entries, const std::optional<Replacement>& replacement) {
+  Dictionary made = entries;
+  if (replacement && replacement->value != nullptr) {
+    made.set(replacement->key, *replacement->value);
+  } else if (replacement) {
+    made.remove(replacement->key);
+  }
+  return made;
+}
+
 }  // namespace
 
 void Outbox::startDelivery(std::function<void(Delivery)> deliver) {
@@ -51,11 +61,16 @@ void Outbox::setContext(const Dictionary& context) {
 
 void Outbox::add(const PendingRecord& frame, const Dictionary& entries, const std::optional<Replacement>& replacement,
                  DefaultsChanges changes) {
-  if (!isInForkedChild()) {
+  if (isInForkedChild()) {
+    return;
+  }
+  bool isSafe = true;
+  {
     const MutexLock lock(mutex_);
     openLocked();
-    take(frame, entries, replacement, std::move(changes));
+    isSafe = take(frame, entries, replacement, std::move(changes));
   }
+  synchronizeUnless(isSafe);
 }
 
 void Outbox::addBuilt(const PendingRecord& frame,
@@ -63,48 +78,59 @@ void Outbox::addBuilt(const PendingRecord& frame,
   if (isInForkedChild()) {
     return;
   }
-  Dictionary entries;
-  DefaultsChanges changes;
-  const MutexLock lock(mutex_);
-  openLocked();
-  build(entries, changes);
-  take(frame, entries, std::nullopt, std::move(changes));
+  bool isSafe = true;
+  {
+    Dictionary entries;
+    DefaultsChanges changes;
+    const MutexLock lock(mutex_);
+    openLocked();
+    build(entries, changes);
+    isSafe = take(frame, entries, std::nullopt, std::move(changes));
+  }
+  synchronizeUnless(isSafe);
 }
 
 void Outbox::change(DefaultsChanges changes) {
-  if (!isInForkedChild()) {
+  if (isInForkedChild()) {
+    return;
+  }
+  bool isSafe = true;
+  {
     const MutexLock lock(mutex_);
     openLocked();
-    journal_.append(std::move(changes));
+    isSafe = journal_.append(std::move(changes));
     planHandOver();
+  }
+  synchronizeUnless(isSafe);
+}
+
+// No log: changes are safe at the price of a transaction.
+void Outbox::synchronizeUnless(bool isSafe) {
+  if (!isSafe) {
+    defaults_.synchronize();
   }
 }
 
-void Outbox::take(const PendingRecord& frame, const Dictionary& entries, const std::optional<Replacement>& replacement,
+// Returns false when changes were made that are in memory only.
+bool Outbox::take(const PendingRecord& frame, const Dictionary& entries, const std::optional<Replacement>& replacement,
                   DefaultsChanges changes) {
   PendingRecord record = frame;
   record.moment = clock_.now();
   record.identifier = random_.uuid();
+  const bool hasChanges = !changes.empty();
   const auto entry = journal_.append(record, entries, replacement, std::move(changes));
   planHandOver();
-  const bool isLeftToTheLog = entry && isEnding_ && deliverer_ != std::this_thread::get_id();
-  if (isLeftToTheLog) {
-    return;
+  if (entry && isEnding_ && deliverer_ != std::this_thread::get_id()) {
+    return true;
   }
-  OutboxQueue::Item item;
   if (entry) {
-    item.ticket = {*entry, true, nullptr};
+    queue_.add({{*entry, true, nullptr}, nullptr});
   } else {
-    record.entries = entries;
-    if (replacement && replacement->value != nullptr) {
-      record.entries.set(replacement->key, *replacement->value);
-    } else if (replacement) {
-      record.entries.remove(replacement->key);
-    }
-    item.unlogged = std::make_unique<PendingRecord>(std::move(record));
+    record.entries = replaced(entries, replacement);
+    queue_.add({{}, std::make_unique<PendingRecord>(std::move(record))});
   }
-  queue_.add(std::move(item));
   scheduleDelivery();
+  return entry || !hasChanges;
 }
 
 void Outbox::scheduleDelivery() {
@@ -187,6 +213,11 @@ void Outbox::retryParked() {
 void Outbox::beginEnd() {
   const MutexLock lock(mutex_);
   isEnding_ = true;
+}
+
+std::size_t Outbox::pendingCount() {
+  const MutexLock lock(mutex_);
+  return queue_.pendingCount();
 }
 
 bool Outbox::isEnding() {

@@ -83,6 +83,9 @@ class Outbox {
   /// Hands everything taken so far to the disk, on the background queue.
   void handOverSoon();
 
+  /// Counts the records that wait for delivery or are under way, without those that are parked.
+  std::size_t pendingCount();
+
   /// Whether beginEnd() was called.
   bool isEnding();
 
@@ -90,8 +93,9 @@ class Outbox {
 
  private:
   void openLocked() KESU_REQUIRES(mutex_);
-  void take(const PendingRecord& frame, const Dictionary& entries, const std::optional<Replacement>& replacement,
+  bool take(const PendingRecord& frame, const Dictionary& entries, const std::optional<Replacement>& replacement,
             DefaultsChanges changes) KESU_REQUIRES(mutex_);
+  void synchronizeUnless(bool isSafe);
   void scheduleDelivery() KESU_REQUIRES(mutex_);
   void planHandOver() KESU_REQUIRES(mutex_);
   void deliverWaiting();
@@ -101,7 +105,7 @@ class Outbox {
 
   AppendLog& log_;
   UserDefaults& defaults_;
-  Mutex mutex_;  // Locked before those of the log and of the user defaults.
+  Mutex mutex_;  // Locked before those of the log and of the user defaults; not while these are synchronized.
   OutboxJournal journal_ KESU_GUARDED_BY(mutex_);
   OutboxQueue queue_ KESU_GUARDED_BY(mutex_);
   BackgroundQueue& background_;

@@ -57,10 +57,12 @@ std::optional<AppendLog::Entry> OutboxJournal::append(const PendingRecord& frame
   return entry;
 }
 
-void OutboxJournal::append(DefaultsChanges changes) {
+bool OutboxJournal::append(DefaultsChanges changes) {
   bytes_.clear();
   const bool isWritten = appendChanges(bytes_, changes);
-  apply(changes, isWritten ? log_.append(bytes_, true) : std::nullopt);
+  const auto entry = isWritten ? log_.append(bytes_, true) : std::nullopt;
+  apply(changes, entry);
+  return entry.has_value();
 }
 
 void OutboxJournal::apply(DefaultsChanges& changes, const std::optional<AppendLog::Entry>& entry) {
@@ -75,9 +77,6 @@ void OutboxJournal::apply(DefaultsChanges& changes, const std::optional<AppendLo
         {DefaultsChange::Kind::Set, kLastLoggedChangeDefault, static_cast<std::int64_t>(entry->sequence)});
   }
   defaults_.apply(changes);
-  if (!entry) {
-    defaults_.synchronize();  // No log: the changes are safe at the price of a transaction.
-  }
 }
 
 std::optional<PendingRecord> OutboxJournal::read(const AppendLog::Entry& entry) {

@@ -35,13 +35,13 @@ class OutboxJournal {
   /// Sets what a later process needs to complete the records of this one.
   void setContext(const Dictionary& context);
 
-  /// Logs a record with changes and makes these. Returns nothing when the record is not logged; the changes are made
-  /// all the same.
+  /// Logs a record with changes and makes these. Returns nothing when they are not logged; the changes are made all the
+  /// same, and are safe once the user defaults are synchronized.
   std::optional<AppendLog::Entry> append(const PendingRecord& frame, const Dictionary& entries,
                                          const std::optional<Replacement>& replacement, DefaultsChanges changes);
 
-  /// Logs and makes changes without a record.
-  void append(DefaultsChanges changes);
+  /// The same for changes without a record. Returns whether they are logged.
+  bool append(DefaultsChanges changes);
 
   /// The number of the newest entry.
   AppendLog::Sequence newest() const { return newest_; }

@@ -2,24 +2,6 @@
 
 namespace kesu {
 
-void UserDefaults::apply(std::span<const DefaultsChange> changes) {
-  for (const DefaultsChange& change : changes) {
-    switch (change.kind) {
-      case DefaultsChange::Kind::Set:
-        set(change.key, change.value);
-        break;
-      case DefaultsChange::Kind::Append:
-        if (const std::string* suffix = change.value.text()) {
-          appendString(change.key, *suffix);
-        }
-        break;
-      case DefaultsChange::Kind::Remove:
-        remove(change.key);
-        break;
-    }
-  }
-}
-
 std::string UserDefaults::text(std::string_view key) {
   const std::optional<Value> value = get(key);
   const std::string* found = value ? value->text() : nullptr;

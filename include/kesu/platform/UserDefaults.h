@@ -3,6 +3,7 @@
 #include <kesu/Export.h>
 #include <kesu/foundation/Value.h>
 
+#include <functional>
 #include <optional>
 #include <span>
 #include <string>
@@ -30,6 +31,10 @@ struct DefaultsChange {
 /// the death of the process, and the caller does not wait for the disk. Callable from any thread; each operation is
 /// atomic. Values must be property-list values (no null object anywhere); others are refused. No operation throws: a
 /// store that cannot be written continues in memory and logs once.
+///
+/// A store that cannot be read yet continues in memory as well, until isLoaded(). Then a value of the file replaces one
+/// that was set meanwhile; what was appended meanwhile is appended behind the file's text; a key that only memory has
+/// stays.
 class KESU_API UserDefaults {
  public:
   virtual ~UserDefaults() = default;
@@ -51,8 +56,9 @@ class KESU_API UserDefaults {
   virtual void appendString(std::string_view key, std::string_view suffix) = 0;
 
   /// Makes several changes in one step: no synchronize() of another thread writes some of them without the others.
-  /// Touches no file, unless the store was not opened before.
-  virtual void apply(std::span<const DefaultsChange> changes);
+  /// A change that set() would refuse is left out. Touches no file, unless the store was not opened before or has an
+  /// array or dictionary that was not read yet.
+  virtual void apply(std::span<const DefaultsChange> changes) = 0;
 
   /// Returns and removes the text under `key` in one step; nothing when there is none.
   virtual std::optional<std::string> takeString(std::string_view key) = 0;
@@ -66,6 +72,14 @@ class KESU_API UserDefaults {
   /// Moves what synchronize() has written from the journal into the store. May wait for the disk: call it on a
   /// background thread, or when the application enters the background or ends.
   virtual void checkpoint() = 0;
+
+  /// Whether the values of earlier runs were read, or there is proof that there are none. Never returns to false. True
+  /// as well without a place on disk.
+  virtual bool isLoaded() = 0;
+
+  /// Calls `done` once, when isLoaded() has become true: inside this call, or later on the thread whose operation read
+  /// the file, without a lock. Never calls it when that does not happen.
+  virtual void whenLoaded(std::function<void()> done) = 0;
 
   // Shorthands over get().
   std::string text(std::string_view key);      ///< "" when there is no text.

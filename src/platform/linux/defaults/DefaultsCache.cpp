@@ -1,6 +1,7 @@
 #include "platform/linux/defaults/DefaultsCache.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "foundation/PropertyList.h"
@@ -8,6 +9,14 @@
 #include "platform/linux/defaults/StoredValue.h"
 
 namespace kesu {
+namespace {
+
+// The property list of a value that needs one; nothing when it cannot be one.
+std::optional<std::string> propertyList(const Value& value) {
+  return isContainer(value) && !isLongArray(value) ? writePropertyList(value) : std::string();
+}
+
+}  // namespace
 
 std::optional<Value> DefaultsCache::get(std::string_view key) {
   const MutexLock lock(mutex_);
@@ -27,10 +36,7 @@ bool DefaultsCache::isUnread(std::string_view key) {
 }
 
 bool DefaultsCache::set(std::string_view key, Value value) {
-  if (isLongArray(value)) {
-    return setInParts(key, std::move(value));
-  }
-  {
+  if (isContainer(value) && !isLongArray(value)) {
     const MutexLock lock(mutex_);
     const DefaultsEntry* entry = find(key);
     if (entry != nullptr && entry->equals(value)) {
@@ -38,19 +44,54 @@ bool DefaultsCache::set(std::string_view key, Value value) {
     }
   }
   // Without the lock: other threads must not wait while a whole inbox is put into words.
-  std::optional<std::string> list = isContainer(value) ? writePropertyList(value) : std::string();
+  std::optional<std::string> list = propertyList(value);
+  const MutexLock lock(mutex_);
+  return put(key, std::move(value), std::move(list));
+}
+
+void DefaultsCache::apply(std::span<const DefaultsChange> changes) {
+  std::vector<std::optional<std::string>> lists;  // One per change, if one of them needs it.
+  if (std::ranges::any_of(changes, [](const DefaultsChange& change) { return isContainer(change.value); })) {
+    std::ranges::transform(changes, std::back_inserter(lists),
+                           [](const DefaultsChange& change) { return propertyList(change.value); });
+  }
+  const MutexLock lock(mutex_);
+  for (std::size_t i = 0; i < changes.size(); ++i) {
+    const DefaultsChange& change = changes[i];
+    switch (change.kind) {
+      case DefaultsChange::Kind::Set:
+        put(change.key, change.value, lists.empty() ? std::string() : std::move(lists[i]));
+        break;
+      case DefaultsChange::Kind::Append:
+        if (const std::string* suffix = change.value.text()) {
+          grow(change.key, *suffix);
+        }
+        break;
+      case DefaultsChange::Kind::Remove:
+        erase(change.key);
+        break;
+    }
+  }
+}
+
+bool DefaultsCache::put(std::string_view key, Value value, std::optional<std::string> list) {
+  if (isLongArray(value)) {
+    return putInParts(key, std::move(value));
+  }
+  const DefaultsEntry* entry = find(key);
+  if (entry != nullptr && entry->equals(value)) {
+    return true;
+  }
   if (value.isNull() || !list) {
     return false;
   }
-  const MutexLock lock(mutex_);
   clear(key)->second.put(std::move(value), std::move(*list));
   return true;
 }
 
 // What is compared with must not change until the new array has taken its place: hence one lock for all of it.
-bool DefaultsCache::setInParts(std::string_view key, Value value) {
+bool DefaultsCache::putInParts(std::string_view key, Value value) {
   const Array& array = *value.array();
-  const MutexLock lock(mutex_);
   auto slot = entries_.find(key);
   const bool isLong = slot != entries_.end() && slot->second.isPresent && isLongArray(slot->second.value);
   const Array* former = isLong ? slot->second.value.array() : nullptr;
@@ -72,6 +113,10 @@ bool DefaultsCache::setInParts(std::string_view key, Value value) {
 
 void DefaultsCache::remove(std::string_view key) {
   const MutexLock lock(mutex_);
+  erase(key);
+}
+
+void DefaultsCache::erase(std::string_view key) {
   if (find(key) != nullptr) {
     clear(key);
   }
@@ -79,6 +124,10 @@ void DefaultsCache::remove(std::string_view key) {
 
 void DefaultsCache::append(std::string_view key, std::string_view suffix) {
   const MutexLock lock(mutex_);
+  grow(key, suffix);
+}
+
+void DefaultsCache::grow(std::string_view key, std::string_view suffix) {
   auto entry = findText(key);
   if (entry == entries_.end()) {
     entry = clear(key);
@@ -86,6 +135,7 @@ void DefaultsCache::append(std::string_view key, std::string_view suffix) {
   }
   if (!suffix.empty()) {
     entry->second.text.append(suffix);
+    entry->second.grownSize += suffix.size();
     mark(entry, Unsaved::Suffix);
   }
 }
@@ -120,9 +170,15 @@ std::vector<std::string> DefaultsCache::keysWith(bool DefaultsEntry::*flag) {
   return keys;
 }
 
-void DefaultsCache::load(Entries saved) {
+void DefaultsCache::load(Entries saved, Newer newer) {
   const MutexLock lock(mutex_);
-  entries_.merge(saved);  // What was changed in memory before the file could be opened is newer.
+  entries_.merge(saved);  // Leaves those keys in `saved` that are here already.
+  if (newer == Newer::File) {
+    for (auto& [key, entry] : saved) {
+      entries_.find(key)->second.moveOnto(std::move(entry));
+    }
+    std::erase_if(unsaved_, [](const Entries::iterator& slot) { return slot->second.unsaved == Unsaved::Nothing; });
+  }
 }
 
 void DefaultsCache::fill(std::string_view key, std::optional<Value> value) {

@@ -1,11 +1,13 @@
 #pragma once
 
 #include <kesu/foundation/Value.h>
+#include <kesu/platform/UserDefaults.h>
 
 #include <cstddef>
 #include <functional>
 #include <map>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -20,6 +22,12 @@ namespace kesu {
 class DefaultsCache {
  public:
   using Entries = std::map<std::string, DefaultsEntry, std::less<>>;
+
+  /// Which value stays when both the file and the memory have one under a key.
+  enum class Newer {
+    Memory,  ///< The memory had the file's values before.
+    File     ///< What is in memory was written without knowing the file. Only what was appended to a text is added.
+  };
 
   /// Changes on their way to the file, with what is needed to take them back. One at a time; its owner keeps it for its
   /// room.
@@ -52,14 +60,17 @@ class DefaultsCache {
   /// Appends to the text under `key`, which replaces a value of another kind.
   void append(std::string_view key, std::string_view suffix);
 
+  /// Makes changes in one step, as set(), append() and remove() do.
+  void apply(std::span<const DefaultsChange> changes);
+
   /// Removes and returns the text under `key`; nothing when there is none.
   std::optional<std::string> takeText(std::string_view key);
 
   std::vector<std::string> keys();
   std::vector<std::string> unreadKeys();
 
-  /// Adds what the file has under keys that are not here yet.
-  void load(Entries saved);
+  /// Adds what the file has.
+  void load(Entries saved, Newer newer);
 
   /// Puts the value that was read from the file in its place, unless the key was changed meanwhile. Nothing: the file
   /// has no value that makes sense, and the key is dropped.
@@ -82,7 +93,10 @@ class DefaultsCache {
  private:
   using Unsaved = DefaultsEntry::Unsaved;
 
-  bool setInParts(std::string_view key, Value value) KESU_EXCLUDES(mutex_);
+  bool put(std::string_view key, Value value, std::optional<std::string> list) KESU_REQUIRES(mutex_);
+  bool putInParts(std::string_view key, Value value) KESU_REQUIRES(mutex_);
+  void grow(std::string_view key, std::string_view suffix) KESU_REQUIRES(mutex_);
+  void erase(std::string_view key) KESU_REQUIRES(mutex_);
   const DefaultsEntry* find(std::string_view key) const KESU_REQUIRES(mutex_);
   Entries::iterator findText(std::string_view key) KESU_REQUIRES(mutex_);
   Entries::iterator clear(std::string_view key) KESU_REQUIRES(mutex_);

@@ -83,7 +83,7 @@ TEST_F(DefaultsCacheTest, LoadsBelowWhatWasChangedBefore) {
   DefaultsCache::Entries saved;
   saved["a"].fill("older");
   saved["b"].isPresent = saved["b"].isUnread = true;
-  cache_.load(std::move(saved));
+  cache_.load(std::move(saved), DefaultsCache::Newer::Memory);
   EXPECT_EQ(cache_.get("a"), Value("newer"));
   EXPECT_TRUE(cache_.isUnread("b"));
   cache_.fill("b", Value(Array{1}));

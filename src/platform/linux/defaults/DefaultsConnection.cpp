@@ -46,7 +46,7 @@ StoreStatus DefaultsConnection::run(sqlite3_stmt* statement, std::int64_t* numbe
 StoreStatus DefaultsConnection::failed(int code) {
   failureText_ = sqlite3_errstr(code);
   if (code == SQLITE_READONLY) {
-    return StoreStatus::Corrupt;  // Asked whether the file may be written, the system said yes: its header forbids it.
+    return StoreStatus::Suspect;  // Asked whether the file may be written, the system said yes: its header forbids it.
   }
   switch (code & 0xff) {
     case SQLITE_BUSY:
@@ -59,7 +59,7 @@ StoreStatus DefaultsConnection::failed(int code) {
     case SQLITE_ERROR:
     case SQLITE_CONSTRAINT:
     case SQLITE_MISMATCH:
-      return StoreStatus::Corrupt;
+      return StoreStatus::Suspect;
     default:
       return StoreStatus::Failed;
   }

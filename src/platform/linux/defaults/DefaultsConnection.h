@@ -14,8 +14,10 @@ enum class StoreStatus {
   Busy,      ///< Another process has locked the file. Nothing was changed; worth another try.
   Stale,     ///< Parts of an array were to be replaced that another process has changed. Nothing was written; the whole
              ///< array can be.
-  Corrupt,   ///< The file is damaged or not ours. It should be set aside.
-  Failed     ///< Not permitted, no space, input/output error. Nothing was changed.
+  Suspect,   ///< The file may be damaged or not ours; or something else went wrong and looks like it. DefaultsStore
+             ///< turns it into one of the next two.
+  Corrupt,   ///< The file is proven to be damaged or not ours. It should be set aside.
+  Failed     ///< Not permitted, no space, no memory, input/output error. Nothing was changed.
 };
 
 /// A connection to the database of a DefaultsStore that reports its failures as StoreStatus. One thread at a time.

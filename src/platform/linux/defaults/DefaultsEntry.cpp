@@ -46,6 +46,16 @@ void DefaultsEntry::fill(Value saved) {
   value = isText ? Value() : std::move(saved);
 }
 
+void DefaultsEntry::moveOnto(DefaultsEntry saved) {
+  if (grownSize == 0) {
+    *this = std::move(saved);
+  } else if (saved.isText) {
+    text.replace(0, text.size() - grownSize, saved.text);
+    savedSize = saved.text.size();
+    unsaved = Unsaved::Suffix;
+  }
+}
+
 void DefaultsEntry::put(Value changed, std::string changedList) {
   isPresent = true;
   isText = changed.text() != nullptr;

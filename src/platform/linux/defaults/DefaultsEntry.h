@@ -31,6 +31,7 @@ struct DefaultsEntry {
   ArrayParts parts;  ///< Of a long array: the parts that are not saved.
   Unsaved unsaved = Unsaved::Nothing;
   std::size_t savedSize = 0;
+  std::size_t grownSize = 0;  ///< Bytes at the end of the text that were appended by this process.
 
   /// A copy of the value. Nothing when it is unread.
   std::optional<Value> copy() const;
@@ -43,6 +44,10 @@ struct DefaultsEntry {
 
   /// Sets the value that the file has.
   void fill(Value saved);
+
+  /// Takes over the value of a file that was not known when this one was written. Of this one, what was appended stays:
+  /// behind the file's text, or, as an append does, in place of a value of another kind.
+  void moveOnto(DefaultsEntry saved);
 
   /// Sets a new value with its property list, "" when it is no array or dictionary. The entry was emptied before.
   void put(Value changed, std::string changedList);

@@ -12,10 +12,12 @@ constexpr int kWarning = 2;
 
 }  // namespace
 
-DefaultsFile::DefaultsFile(DefaultsCache& cache, std::string directory, std::string fileName)
+DefaultsFile::DefaultsFile(DefaultsCache& cache, std::string directory, std::string fileName,
+                           std::chrono::milliseconds retryPause)
     : cache_(cache),
       directory_(std::move(directory)),
       fileName_(std::move(fileName)),
+      retryPause_(retryPause),
       store_(std::make_unique<DefaultsStore>(directory_, fileName_)) {}
 
 DefaultsFile::~DefaultsFile() {
@@ -24,9 +26,12 @@ DefaultsFile::~DefaultsFile() {
   }
 }
 
-void DefaultsFile::openOnce() {
-  if (isOpened_.load(std::memory_order_acquire) || isInForkedChild()) {
-    return;
+bool DefaultsFile::openOnce() {
+  if (isInForkedChild()) {
+    return false;
+  }
+  if (isOpened_.load(std::memory_order_acquire)) {
+    return true;
   }
   {
     const MutexLock lock(mutex_);
@@ -35,14 +40,25 @@ void DefaultsFile::openOnce() {
       isOpened_.store(true, std::memory_order_release);
     }
   }
-  logWarnings();
+  report();
+  return true;
+}
+
+void DefaultsFile::whenLoaded(std::function<void()> done) {
+  {
+    const MutexLock lock(mutex_);
+    waiting_.push_back(std::move(done));
+  }
+  report();
 }
 
 void DefaultsFile::open() {
   if (directory_.empty()) {
     warnings_.add(Warning::Failure, "User defaults are kept in memory only: there is no home directory");
+    isLoaded_.store(true, std::memory_order_release);
     return;
   }
+  lookAgainAt_ = std::chrono::steady_clock::now() + retryPause_;
   DefaultsCache::Entries loaded;
   StoreStatus status = openStore(loaded);
   if (status == StoreStatus::Corrupt) {
@@ -57,7 +73,34 @@ void DefaultsFile::open() {
   if (store_->unreadableCount() > 0) {
     warnings_.add(Warning::Damage, std::to_string(store_->unreadableCount()) + " user defaults cannot be read");
   }
-  cache_.load(std::move(loaded));
+  if (status == StoreStatus::Ok || status == StoreStatus::ReadOnly) {
+    cache_.load(std::move(loaded), std::exchange(newer_, DefaultsCache::Newer::Memory));
+    isLoaded_.store(true, std::memory_order_release);
+  }
+}
+
+// Opens a file that could not be opened before, or that has appeared where another one was.
+void DefaultsFile::lookAgain() {
+  if (store_->isOpen() && store_->isElsewhere()) {
+    leaveStore();
+  }
+  if (!store_->isOpen()) {
+    open();
+  }
+  lookAgainAt_ = std::chrono::steady_clock::now() + retryPause_;
+}
+
+// Another directory has taken the place of the store's own, as a late mount does. What is there is older than this run
+// and the only one that the next run will see.
+void DefaultsFile::leaveStore() {
+  for (const std::string& key : cache_.unreadKeys()) {
+    read(key);
+  }
+  cache_.dropUnread();
+  cache_.markAllUnsaved();
+  newer_ = DefaultsCache::Newer::File;
+  ++generation_;
+  store_ = std::make_unique<DefaultsStore>(directory_, fileName_);
 }
 
 StoreStatus DefaultsFile::openStore(DefaultsCache::Entries& loaded) {
@@ -72,7 +115,7 @@ StoreStatus DefaultsFile::openStore(DefaultsCache::Entries& loaded) {
 }
 
 void DefaultsFile::readOnce(std::string_view key) {
-  if (!cache_.isUnread(key) || isInForkedChild()) {
+  if (!cache_.isUnread(key)) {
     return;
   }
   {
@@ -86,7 +129,7 @@ void DefaultsFile::readOnce(std::string_view key) {
                     "User default " + std::string(key) + " cannot be read (" + store_->failureText() + ")");
     }
   }
-  logWarnings();
+  report();
 }
 
 StoreStatus DefaultsFile::read(std::string_view key) {
@@ -103,13 +146,13 @@ StoreStatus DefaultsFile::read(std::string_view key) {
 }
 
 bool DefaultsFile::write(bool& wantsCheckpoint) {
-  if (isInForkedChild()) {
-    return false;
-  }
   bool isWritten = false;
-  bool hasWarnings = false;
+  bool reports = false;
   {
     const MutexLock lock(mutex_);
+    if (std::chrono::steady_clock::now() >= lookAgainAt_) {
+      lookAgain();
+    }
     if (store_->isOpen()) {
       StoreStatus status = writePending();
       if (status == StoreStatus::Stale) {
@@ -118,10 +161,10 @@ bool DefaultsFile::write(bool& wantsCheckpoint) {
       isWritten = settle(status) == StoreStatus::Ok;
     }
     wantsCheckpoint = isWritten && journalHasGrown();
-    hasWarnings = warnings_.hasLines();
+    reports = hasNews();
   }
-  if (hasWarnings) {
-    logWarnings();
+  if (reports) {
+    report();
   }
   return isWritten;
 }
@@ -153,11 +196,11 @@ StoreStatus DefaultsFile::replaceStore() {
     read(key);
   }
   cache_.dropUnread();
+  cache_.markAllUnsaved();
   ++generation_;
   const auto ignore = [](const std::string&, const std::optional<Value>&) {};
   StoreStatus status = store_->setAside() ? store_->open(ignore) : StoreStatus::Failed;
   if (status == StoreStatus::Ok) {
-    cache_.markAllUnsaved();
     status = writePending();
   }
   return status;
@@ -180,8 +223,8 @@ std::optional<DefaultsFile::Checkpoint> DefaultsFile::beginCheckpoint(DefaultsCh
   const MutexLock lock(mutex_);
   if (!store_->isOpen()) {
     checkpointer.close();
-    open();
   }
+  lookAgain();
   if (!store_->isOpen()) {
     return std::nullopt;
   }
@@ -217,14 +260,25 @@ bool DefaultsFile::finishCheckpoint(const Checkpoint& checkpoint, bool isMoved, 
   return true;
 }
 
-void DefaultsFile::logWarnings() {
+bool DefaultsFile::hasNews() const {
+  return warnings_.hasLines() || (isLoaded() && !waiting_.empty());
+}
+
+void DefaultsFile::report() {
   std::vector<std::string> lines;
+  std::vector<std::function<void()>> waiting;
   {
     const MutexLock lock(mutex_);
     lines = warnings_.takeLines();
+    if (isLoaded()) {
+      waiting.swap(waiting_);
+    }
   }
   for (const std::string& line : lines) {
     serviceLog(kWarning, line);
+  }
+  for (const std::function<void()>& done : waiting) {
+    done();
   }
 }
 

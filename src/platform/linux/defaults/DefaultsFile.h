@@ -1,11 +1,14 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "foundation/Mutex.h"
 #include "platform/linux/base/ForkGuard.h"
@@ -18,7 +21,7 @@ namespace kesu {
 
 /// The file that a DefaultsCache is kept in, over the whole life of a process: it is opened late, written, prepared for
 /// checkpoints, and replaced when it is damaged. What is done about each failure is decided in open() and settle(), and
-/// nowhere else. In a forked child nothing touches the file. Any thread. Its mutex is locked before that of the cache.
+/// nowhere else. Any thread. Its mutex is locked before that of the cache.
 class DefaultsFile {
  public:
   /// A journal of this size asks for a checkpoint. It is read again at the next start after the process was killed.
@@ -26,6 +29,10 @@ class DefaultsFile {
 
   /// A journal of this size is emptied even if writers have to wait for the disk.
   static constexpr std::int64_t kJournalCeilingBytes = std::int64_t{32} << 20;
+
+  /// How long write() leaves a file alone that could not be opened, or a directory that was looked at: an attempt may
+  /// cost the caller DefaultsConnection::kBusyTimeoutMs.
+  static constexpr std::chrono::milliseconds kRetryPause{2000};
 
   /// What a checkpoint needs to know of the file while others write it.
   struct Checkpoint {
@@ -36,7 +43,7 @@ class DefaultsFile {
   };
 
   /// Touches nothing yet. An empty directory means that nothing is kept on disk. `cache` must outlive the file.
-  DefaultsFile(DefaultsCache& cache, std::string directory, std::string fileName);
+  DefaultsFile(DefaultsCache& cache, std::string directory, std::string fileName, std::chrono::milliseconds retryPause);
 
   /// Closes the file, unless in a forked child: closing would release locks and remove files that the parent process
   /// uses.
@@ -45,10 +52,17 @@ class DefaultsFile {
   DefaultsFile(const DefaultsFile&) = delete;
   DefaultsFile& operator=(const DefaultsFile&) = delete;
 
+  /// Whether nothing else may be called, but for the destructor. Locks nothing.
   bool isInForkedChild() const { return forkGuard_.isForkedChild(); }
 
-  /// Opens the file and loads the cache from it, in the first call.
-  void openOnce();
+  /// Opens the file and loads the cache from it, in the first call. Returns false, and does nothing, in a forked child.
+  bool openOnce();
+
+  /// Whether the cache has the values of earlier runs, or there are none. Locks nothing.
+  bool isLoaded() const { return isLoaded_.load(std::memory_order_acquire); }
+
+  /// Calls `done` once isLoaded() is true: now, or in the report() after the operation that made it true.
+  void whenLoaded(std::function<void()> done);
 
   /// Reads a value into the cache that was left in the file, if it was.
   void readOnce(std::string_view key);
@@ -57,8 +71,8 @@ class DefaultsFile {
   /// journal has grown enough.
   bool write(bool& wantsCheckpoint);
 
-  /// Begins a checkpoint, after another try to open a file that could not be opened. `checkpointer` is closed when it
-  /// is on a former file. Nothing when there is no file.
+  /// Begins a checkpoint, after another look for the file. `checkpointer` is closed when it is on a former file. Nothing
+  /// when there is no file.
   std::optional<Checkpoint> beginCheckpoint(DefaultsCheckpointer& checkpointer);
 
   /// Takes note that the file was looked through, and replaces it if it is damaged. Returns false when it is another
@@ -69,13 +83,16 @@ class DefaultsFile {
   /// is worth another pass.
   bool finishCheckpoint(const Checkpoint& checkpoint, bool isMoved, DefaultsCheckpointer& checkpointer);
 
-  /// Logs what went wrong. Call it without a mutex locked.
-  void logWarnings();
+  /// Logs what went wrong, and calls those who wait for the values if they were loaded. Call it without a mutex locked.
+  void report();
 
  private:
   using Warning = DefaultsWarnings::Kind;
 
   void open() KESU_REQUIRES(mutex_);
+  void lookAgain() KESU_REQUIRES(mutex_);
+  void leaveStore() KESU_REQUIRES(mutex_);
+  bool hasNews() const KESU_REQUIRES(mutex_);
   StoreStatus openStore(DefaultsCache::Entries& loaded) KESU_REQUIRES(mutex_);
   StoreStatus read(std::string_view key) KESU_REQUIRES(mutex_);
   StoreStatus writePending() KESU_REQUIRES(mutex_);
@@ -88,10 +105,15 @@ class DefaultsFile {
   DefaultsCache& cache_;
   const std::string directory_;
   const std::string fileName_;
+  const std::chrono::milliseconds retryPause_;
   std::atomic<bool> isOpened_{false};
+  std::atomic<bool> isLoaded_{false};
 
   Mutex mutex_;
   std::unique_ptr<DefaultsStore> store_ KESU_GUARDED_BY(mutex_);
+  DefaultsCache::Newer newer_ KESU_GUARDED_BY(mutex_) = DefaultsCache::Newer::File;
+  std::chrono::steady_clock::time_point lookAgainAt_ KESU_GUARDED_BY(mutex_);
+  std::vector<std::function<void()>> waiting_ KESU_GUARDED_BY(mutex_);
   std::uint64_t generation_ KESU_GUARDED_BY(mutex_) = 0;
   std::uint64_t checkpointedGeneration_ KESU_GUARDED_BY(mutex_) = 0;
   std::int64_t askAtJournalBytes_ KESU_GUARDED_BY(mutex_) = 0;

@@ -21,6 +21,10 @@ inline constexpr char kMakeDefaultsTables[] =
     "PRAGMA user_version=1;"
     "COMMIT";
 
+/// Counts what is in a database beside these tables.
+inline constexpr char kCountOtherTables[] =
+    "SELECT count(*) FROM sqlite_schema WHERE tbl_name NOT IN ('entry', 'suffix')";
+
 /// Elements in each part of a long array but the last. With more a small change writes more, with fewer an array has
 /// more rows.
 inline constexpr std::size_t kPartElements = 16;

@@ -9,6 +9,7 @@
 #include <system_error>
 #include <utility>
 
+#include "platform/linux/defaults/DefaultsDamage.h"
 #include "platform/linux/defaults/DefaultsSchema.h"
 #include "platform/linux/defaults/StoredValue.h"
 #include "platform/linux/files/LinuxFiles.h"
@@ -25,6 +26,8 @@ constexpr char kConfigure[] =
     "PRAGMA temp_store=MEMORY; PRAGMA secure_delete=OFF; PRAGMA trusted_schema=OFF; PRAGMA cell_size_check=ON;"
     "PRAGMA cache_size=-512";
 
+constexpr const char* kWithoutJournal = "?mode=ro&immutable=1";
+
 // A path as part of a "file:" name, where "?", "#" and "%" have a meaning.
 std::string escaped(const std::string& path) {
   std::string name;
@@ -38,6 +41,12 @@ std::string escaped(const std::string& path) {
 bool isHarmless(const std::string& path) {
   struct stat info {};
   return ::lstat(path.c_str(), &info) == 0 ? S_ISREG(info.st_mode) : errno == ENOENT;
+}
+
+// Whether there is nothing in a journal at `path`.
+bool isEmpty(const std::string& path) {
+  struct stat info {};
+  return ::lstat(path.c_str(), &info) == 0 ? info.st_size == 0 : errno == ENOENT;
 }
 
 }  // namespace
@@ -54,7 +63,7 @@ StoreStatus DefaultsStore::open(const Loaded& loaded) {
   Entries entries;
   StoreStatus status = prepareFile();
   if (status == StoreStatus::Ok) {
-    status = openWritable(entries);
+    status = judged(openWritable(entries));
   }
   if (status == StoreStatus::Failed && !path_.empty()) {
     close();
@@ -87,6 +96,11 @@ StoreStatus DefaultsStore::prepareFile() {
     return StoreStatus::Failed;
   }
   path_ = path;
+  struct stat home {};
+  if (::stat(directory_.c_str(), &home) != 0) {
+    return connection_.failedWith(errno);
+  }
+  home_ = {home.st_dev, home.st_ino};
   // Made here and not by the database, which would let the group and others read it; its companions take this mode.
   const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600);
   if (fd >= 0) {
@@ -157,13 +171,29 @@ StoreStatus DefaultsStore::checkIfSmall() {
 
 StoreStatus DefaultsStore::noteChecked(bool isDamaged) {
   isUnchecked_ = false;
-  return isDamaged ? connection_.failed(SQLITE_CORRUPT) : StoreStatus::Ok;
+  return isDamaged ? judged(connection_.failed(SQLITE_CORRUPT)) : StoreStatus::Ok;
+}
+
+bool DefaultsStore::isElsewhere() const {
+  struct stat home {};
+  return ::stat(directory_.c_str(), &home) == 0 && home_ != FileIdentity{home.st_dev, home.st_ino};
+}
+
+// To set a healthy store aside costs an installation its identity. Hence no error alone is enough.
+StoreStatus DefaultsStore::judged(StoreStatus status) {
+  if (status != StoreStatus::Suspect) {
+    return status;
+  }
+  return isProvenDamaged(path_) ? StoreStatus::Corrupt : StoreStatus::Failed;
 }
 
 StoreStatus DefaultsStore::openReadOnly(Entries& entries) {
   const std::string reason = failureText();
   // Without permission to make the lock file, the journal can only be read where that file is there already.
-  for (const char* options : {"?mode=ro", "?mode=ro&immutable=1"}) {
+  for (const char* options : {"?mode=ro", kWithoutJournal}) {
+    if (options == kWithoutJournal && !isEmpty(path_ + "-wal")) {
+      break;  // Without it the file may look like that of a new installation.
+    }
     StoreStatus status = connection_.open("file:" + escaped(path_) + options, SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
     if (status == StoreStatus::Ok) {
       status = readAllWhole(entries);
@@ -198,7 +228,11 @@ StoreStatus DefaultsStore::makeTables() {
   if (status != StoreStatus::Ok || version != 0) {
     return status;
   }
-  status = connection_.execute(kMakeDefaultsTables);
+  std::int64_t others = 0;
+  status = ask(kCountOtherTables, others);
+  if (status == StoreStatus::Ok) {
+    status = others == 0 ? connection_.execute(kMakeDefaultsTables) : connection_.failed(SQLITE_NOTADB);
+  }
   if (status == StoreStatus::Ok) {
     noteCommit();
   }
@@ -217,7 +251,7 @@ StoreStatus DefaultsStore::read(std::string_view key, std::optional<Value>& valu
   entry.key = key;
   const StoreStatus status = DefaultsReader(connection_).readEntry(entry);
   if (status != StoreStatus::Ok) {
-    return status;
+    return judged(status);
   }
   unreadableCount_ += entry.unreadableCount;
   if (entry.stamp >= 0) {
@@ -238,7 +272,7 @@ StoreStatus DefaultsStore::write(const std::vector<StoreChange>& changes) {
   if (status == StoreStatus::Ok) {
     noteCommit();
   }
-  return status;
+  return judged(status);
 }
 
 bool DefaultsStore::setAside() {

@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "platform/linux/defaults/DefaultsConnection.h"
@@ -55,6 +56,9 @@ class DefaultsStore {
   /// Whether open() has returned Ok.
   bool isOpen() const { return connection_.isOpen(); }
 
+  /// Whether another directory has taken the place of the one in which the store was opened.
+  bool isElsewhere() const;
+
   /// Reads the value under `key` as it is in the file now. None when the key is missing, or when it cannot be decoded,
   /// which counts in unreadableCount(). The store must be open.
   StoreStatus read(std::string_view key, std::optional<Value>& value);
@@ -81,7 +85,7 @@ class DefaultsStore {
   /// Whether the file is still to be checked for damage, on a thread that may take the time: open() has not done it.
   bool isUnchecked() const { return isUnchecked_; }
 
-  /// Takes note that the file was checked. Returns Corrupt when it is damaged.
+  /// Takes note that the file was checked. Returns Corrupt when it is damaged, also by its own proof.
   StoreStatus noteChecked(bool isDamaged);
 
   /// Lets a checkpoint move everything that was written so far, while further writes stay possible.
@@ -98,11 +102,13 @@ class DefaultsStore {
 
  private:
   using Entries = std::vector<StoredEntry>;
+  using FileIdentity = std::pair<std::uint64_t, std::uint64_t>;  // Device and number on it.
 
   StoreStatus prepareFile();
   StoreStatus openWritable(Entries& entries);
   StoreStatus configure();
   StoreStatus openReadOnly(Entries& entries);
+  StoreStatus judged(StoreStatus status);
   StoreStatus readAllWhole(Entries& entries);
   StoreStatus makeTables();
   StoreStatus checkIfSmall();
@@ -114,6 +120,7 @@ class DefaultsStore {
   const std::string directory_;
   const std::string fileName_;
   std::string path_;
+  FileIdentity home_;
   DefaultsConnection connection_;
   SqliteStatement hold_;  // After the connection, as is the writer: statements are destroyed before it is closed.
   DefaultsWriter writer_{connection_};

@@ -12,8 +12,9 @@ constexpr int kCheckpointPasses = 3;
 
 }  // namespace
 
-LinuxUserDefaults::LinuxUserDefaults(std::string preferencesDirectory, std::string fileName)
-    : file_(cache_, std::move(preferencesDirectory), std::move(fileName)) {}
+LinuxUserDefaults::LinuxUserDefaults(std::string preferencesDirectory, std::string fileName,
+                                     std::chrono::milliseconds retryPause)
+    : file_(cache_, std::move(preferencesDirectory), std::move(fileName), retryPause) {}
 
 LinuxUserDefaults::~LinuxUserDefaults() {
   if (file_.isInForkedChild()) {
@@ -22,7 +23,9 @@ LinuxUserDefaults::~LinuxUserDefaults() {
 }
 
 std::optional<Value> LinuxUserDefaults::get(std::string_view key) {
-  file_.openOnce();
+  if (!file_.openOnce()) {
+    return std::nullopt;
+  }
   std::optional<Value> value = cache_.get(key);
   if (!value && cache_.contains(key)) {  // It is in the file only, or was until another thread read it just now.
     file_.readOnce(key);
@@ -32,12 +35,13 @@ std::optional<Value> LinuxUserDefaults::get(std::string_view key) {
 }
 
 bool LinuxUserDefaults::contains(std::string_view key) {
-  file_.openOnce();
-  return cache_.contains(key);
+  return file_.openOnce() && cache_.contains(key);
 }
 
 bool LinuxUserDefaults::set(std::string_view key, Value value) {
-  file_.openOnce();
+  if (!file_.openOnce()) {
+    return false;
+  }
   if (isContainer(value)) {
     file_.readOnce(key);  // To be compared with.
   }
@@ -45,26 +49,51 @@ bool LinuxUserDefaults::set(std::string_view key, Value value) {
 }
 
 void LinuxUserDefaults::remove(std::string_view key) {
-  file_.openOnce();
-  cache_.remove(key);
+  if (file_.openOnce()) {
+    cache_.remove(key);
+  }
 }
 
 void LinuxUserDefaults::appendString(std::string_view key, std::string_view suffix) {
-  file_.openOnce();
-  cache_.append(key, suffix);
+  if (file_.openOnce()) {
+    cache_.append(key, suffix);
+  }
+}
+
+void LinuxUserDefaults::apply(std::span<const DefaultsChange> changes) {
+  if (!file_.openOnce()) {
+    return;
+  }
+  for (const DefaultsChange& change : changes) {
+    if (isContainer(change.value)) {
+      file_.readOnce(change.key);
+    }
+  }
+  cache_.apply(changes);
 }
 
 std::optional<std::string> LinuxUserDefaults::takeString(std::string_view key) {
-  file_.openOnce();
-  return cache_.takeText(key);
+  return file_.openOnce() ? cache_.takeText(key) : std::nullopt;
 }
 
 std::vector<std::string> LinuxUserDefaults::keys() {
-  file_.openOnce();
-  return cache_.keys();
+  return file_.openOnce() ? cache_.keys() : std::vector<std::string>();
+}
+
+bool LinuxUserDefaults::isLoaded() {
+  return file_.openOnce() && file_.isLoaded();
+}
+
+void LinuxUserDefaults::whenLoaded(std::function<void()> done) {
+  if (file_.openOnce()) {
+    file_.whenLoaded(std::move(done));
+  }
 }
 
 bool LinuxUserDefaults::synchronize() {
+  if (file_.isInForkedChild()) {
+    return false;
+  }
   if (!cache_.hasUnsaved()) {
     return true;
   }
@@ -77,16 +106,15 @@ bool LinuxUserDefaults::synchronize() {
 }
 
 void LinuxUserDefaults::checkpoint() {
-  if (file_.isInForkedChild()) {
+  if (!file_.openOnce()) {
     return;
   }
-  file_.openOnce();
   {
     const MutexLock lock(checkpointMutex_);
     for (int pass = 0; pass < kCheckpointPasses && !checkpointOnce(); ++pass) {
     }
   }
-  file_.logWarnings();
+  file_.report();
 }
 
 // Returns true when nothing is left to do. The slow parts, which wait for the disk, lock nothing that others need.

@@ -2,8 +2,10 @@
 
 #include <kesu/platform/UserDefaults.h>
 
+#include <chrono>
 #include <functional>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -23,23 +25,28 @@ namespace kesu {
 /// process; after power loss the file is whole and at least as new as the last checkpoint().
 ///
 /// Failures: while a file cannot be opened or written, the values stay in memory; synchronize() returns false and tries
-/// again the next time (opening is tried again by checkpoint()). A damaged file is renamed to "<name>.corrupt" and
-/// replaced: by an empty one when the damage shows at opening, later by what is in memory and what can still be read. A
-/// large file is checked for damage by the first checkpoint() only. An array or dictionary that cannot be decoded is
-/// absent from its first get() on; an array in parts comes without the parts that cannot. Each kind of failure is
-/// logged once (level 2).
+/// again the next time. Opening is tried again by checkpoint(), and by synchronize() after a pause; what was written
+/// meanwhile is then joined with the file as UserDefaults says. The same happens when another directory takes the place
+/// of the one in which the file was opened, as a file system does that is mounted late. A file that is proven to be
+/// damaged or not ours is renamed to "<name>.corrupt" and replaced: by an empty one when that shows at opening, later
+/// by what is in memory and what can still be read; a failure to read is no damage (isProvenDamaged()). A large file is
+/// checked for damage by the first checkpoint() only. An array or dictionary that cannot be decoded is absent from its
+/// first get() on; an array in parts comes without the parts that cannot. Each kind of failure is logged once (level
+/// 2).
 ///
 /// A long array costs what has changed in it: set() compares, and synchronize() writes the changed parts.
 ///
 /// Two processes can share the file: of two values written under one key the later stays. Neither sees what the other
-/// writes after opening, except in an array or dictionary that it has not read yet. A forked child reads and changes
-/// its own copy in memory, without the arrays and dictionaries that were not read before, and writes nothing.
+/// writes after opening, except in an array or dictionary that it has not read yet. In a forked child every operation
+/// returns nothing or false and changes nothing: a mutex may be locked by a thread that only the parent has.
 ///
 /// This class is the service; DefaultsCache keeps the values, DefaultsFile reads and writes them.
 class LinuxUserDefaults final : public UserDefaults {
  public:
   /// Touches nothing yet. `preferencesDirectory` is made when it is missing; if it is empty, nothing is kept on disk.
-  explicit LinuxUserDefaults(std::string preferencesDirectory, std::string fileName = "kesu.defaults");
+  /// synchronize() looks for a file that could not be opened after `retryPause` at the earliest.
+  explicit LinuxUserDefaults(std::string preferencesDirectory, std::string fileName = "kesu.defaults",
+                             std::chrono::milliseconds retryPause = DefaultsFile::kRetryPause);
 
   /// Closes the file. What was not synchronized is lost.
   ~LinuxUserDefaults() override;
@@ -57,10 +64,13 @@ class LinuxUserDefaults final : public UserDefaults {
   bool set(std::string_view key, Value value) override;
   void remove(std::string_view key) override;
   void appendString(std::string_view key, std::string_view suffix) override;
+  void apply(std::span<const DefaultsChange> changes) override;
   std::optional<std::string> takeString(std::string_view key) override;
   std::vector<std::string> keys() override;
   bool synchronize() override;
   void checkpoint() override;
+  bool isLoaded() override;
+  void whenLoaded(std::function<void()> done) override;
 
  private:
   bool checkpointOnce() KESU_REQUIRES(checkpointMutex_);

@@ -1,11 +1,14 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
+#include <filesystem>
 #include <functional>
 #include <limits>
 #include <memory>
 #include <random>
+#include <thread>
 
 #include "platform/linux/defaults/LinuxUserDefaults.h"
 #include "testing/FakeUserDefaults.h"
@@ -20,6 +23,9 @@ class DefaultsSubject {
   virtual ~DefaultsSubject() = default;
   virtual UserDefaults& defaults() = 0;
   virtual void restart() = 0;
+  /// Restarts without access to the disk, and gives the access back.
+  virtual void restartWithoutDisk() = 0;
+  virtual void showDisk() = 0;
 };
 
 class LinuxDefaultsSubject final : public DefaultsSubject {
@@ -27,18 +33,34 @@ class LinuxDefaultsSubject final : public DefaultsSubject {
   UserDefaults& defaults() override { return *defaults_; }
   void restart() override {
     defaults_.reset();
-    defaults_ = std::make_unique<LinuxUserDefaults>(directory_.path());
+    defaults_ = std::make_unique<LinuxUserDefaults>(directory_ / "home");
+  }
+  void restartWithoutDisk() override {
+    defaults_.reset();
+    std::filesystem::rename(directory_ / "home", directory_ / "hidden");
+    directory_.write("home", "no directory");
+    defaults_ = std::make_unique<LinuxUserDefaults>(directory_ / "home");
+  }
+  void showDisk() override {
+    std::filesystem::remove(directory_ / "home");
+    std::filesystem::rename(directory_ / "hidden", directory_ / "home");
+    defaults_->checkpoint();
   }
 
  private:
   testing::TemporaryDirectory directory_;
-  std::unique_ptr<LinuxUserDefaults> defaults_ = std::make_unique<LinuxUserDefaults>(directory_.path());
+  std::unique_ptr<LinuxUserDefaults> defaults_ = std::make_unique<LinuxUserDefaults>(directory_ / "home");
 };
 
 class FakeDefaultsSubject final : public DefaultsSubject {
  public:
   UserDefaults& defaults() override { return *defaults_; }
   void restart() override { defaults_ = std::make_unique<testing::FakeUserDefaults>(defaults_->keptOnDisk()); }
+  void restartWithoutDisk() override {
+    restart();
+    defaults_->hideDisk();
+  }
+  void showDisk() override { defaults_->showDisk(); }
 
  private:
   std::unique_ptr<testing::FakeUserDefaults> defaults_ = std::make_unique<testing::FakeUserDefaults>();
@@ -57,6 +79,7 @@ class UserDefaultsContractTest : public ::testing::TestWithParam<DefaultsImpleme
     restart();
   }
   void restart() { subject_->restart(); }
+  DefaultsSubject& subject() { return *subject_; }
 
   // "=text" sets, "+text" appends, "-" removes, "t" takes, "i" sets a number, "s" synchronizes.
   void apply(const std::string& key, const std::string& step) {
@@ -236,6 +259,107 @@ TEST_P(UserDefaultsContractTest, HistoriesOfATextEndEquallyAfterARestart) {
   synchronizeAndRestart();
   for (std::size_t i = 0; i < std::size(rows); ++i) {
     EXPECT_EQ(defaults().get("key" + std::to_string(i)), rows[i].end) << "after restart, row " << i;
+  }
+}
+
+// Each row: the value in the file, the steps without it, and what there is once the file was read.
+TEST_P(UserDefaultsContractTest, WhatWasWrittenBeforeTheFileWasReadIsJoinedWithIt) {
+  struct Row {
+    std::optional<Value> saved;
+    std::vector<std::string> steps;
+    std::optional<Value> end;
+  };
+  const Row rows[] = {
+      {Value("old"), {"=new"}, Value("old")},
+      {Value("old"), {"+a", "+b"}, Value("oldab")},
+      {Value("old"), {"=new", "+a"}, Value("olda")},
+      {Value("old"), {"+a", "=new"}, Value("old")},
+      {Value("old"), {"+a", "-"}, Value("old")},
+      {Value("old"), {"+a", "t", "+b"}, Value("oldb")},
+      {Value("old"), {"+"}, Value("old")},
+      {Value(7), {"i"}, Value(7)},
+      {Value(7), {"+a"}, Value("a")},
+      {Value(Array(100, "old")), {"=new"}, Value(Array(100, "old"))},
+      {Value(Dictionary{{"a", 1}}), {"+a"}, Value("a")},
+      {nil, {"=new", "+a"}, Value("newa")},
+      {nil, {"=new", "-"}, nil},
+  };
+  for (std::size_t i = 0; i < std::size(rows); ++i) {
+    if (rows[i].saved) {
+      defaults().set(std::to_string(i), *rows[i].saved);
+    }
+  }
+  EXPECT_TRUE(defaults().synchronize());
+  subject().restartWithoutDisk();
+  int told = 0;
+  defaults().whenLoaded([&] { ++told; });
+  EXPECT_FALSE(defaults().isLoaded());
+  for (std::size_t i = 0; i < std::size(rows); ++i) {
+    for (const std::string& step : rows[i].steps) {
+      apply(std::to_string(i), step);
+    }
+  }
+  EXPECT_FALSE(defaults().synchronize());
+  EXPECT_EQ(told, 0);
+  subject().showDisk();
+  EXPECT_EQ(told, 1);
+  for (const char* when : {"in memory, row ", "after restart, row "}) {
+    EXPECT_TRUE(defaults().isLoaded());
+    for (std::size_t i = 0; i < std::size(rows); ++i) {
+      EXPECT_EQ(defaults().get(std::to_string(i)), rows[i].end) << when << i;
+    }
+    synchronizeAndRestart();
+  }
+  defaults().whenLoaded([&] { ++told; });
+  EXPECT_EQ(told, 2);
+}
+
+TEST_P(UserDefaultsContractTest, AppliesChangesOfEachKind) {
+  using Kind = DefaultsChange::Kind;
+  defaults().set("gone", 1);
+  defaults().set("list", Array(100, 1));
+  synchronizeAndRestart();
+  const DefaultsChange changes[] = {
+      {Kind::Append, "flow", Value("a")},   {Kind::Set, "number", Value(1)},     {Kind::Append, "flow", Value("b")},
+      {Kind::Remove, "gone", Value()},      {Kind::Set, "refused", Null{}},  {Kind::Append, "number", Value(5)},
+      {Kind::Set, "list", Array(100, 2)},   {Kind::Set, "short", Array{1, "x"}}, {Kind::Set, "bad", Array{Null{}}},
+      {Kind::Set, "map", Dictionary{{"a", 1}}}};
+  defaults().apply(changes);
+  synchronizeAndRestart();
+  EXPECT_EQ(sortedKeys(), (std::vector<std::string>{"flow", "list", "map", "number", "short"}));
+  EXPECT_EQ(defaults().text("flow"), "ab");
+  EXPECT_EQ(defaults().integer("number"), 1);
+  EXPECT_EQ(defaults().get("list"), Value(Array(100, 2)));
+  EXPECT_EQ(defaults().get("short"), Value(Array{1, "x"}));
+  EXPECT_EQ(defaults().get("map"), Value(Dictionary{{"a", 1}}));
+}
+
+TEST_P(UserDefaultsContractTest, ASynchronizeOfAnotherThreadWritesChangesTogether) {
+  constexpr int kKeys = 30;
+  std::vector<std::string> keys;
+  for (int i = 0; i < kKeys; ++i) {
+    keys.push_back("key" + std::to_string(i));
+  }
+  for (int round = 0; round < 20; ++round) {
+    std::atomic<bool> ends{false};
+    std::thread writer([&] {
+      for (int i = 0; i < 10; ++i) {
+        defaults().synchronize();
+      }
+      ends = true;
+    });
+    for (int number = 0; !ends; ++number) {
+      std::vector<DefaultsChange> changes;
+      for (const std::string& key : keys) {
+        changes.push_back({DefaultsChange::Kind::Set, key, Value(number)});
+      }
+      defaults().apply(changes);
+    }
+    writer.join();
+    restart();
+    for (const std::string& key : keys) {
+      ASSERT_EQ(defaults().get(key), defaults().get(keys.front()));
+    }
   }
 }
 
