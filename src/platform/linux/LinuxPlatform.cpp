@@ -55,7 +55,7 @@ struct LinuxServices {
       : bundle(locale, options.bundlePath, infoOverrides(options)),
         files(homeDirectory(options.homeDirectory, bundle)),
         defaults(files.preferencesDirectory()),
-        outbox(files.outboxDirectory()),
+        outbox(outboxDirectory(files.libraryDirectory())),
         mainLoop(chosen<MainLoop>(options.mainLoop, ownMainLoop)),
         ownHttp(mainLoop, httpOptions(options)),
         reachability(mainLoop),

@@ -219,6 +219,10 @@ std::string LinuxFiles::preferencesDirectory() {
   return folders_.path(HomeFolders::Folder::Preferences);
 }
 
+std::string LinuxFiles::libraryDirectory() {
+  return folders_.path(HomeFolders::Folder::Library);
+}
+
 FileContent LinuxFiles::read(const std::string& path, std::size_t limit) {
   if (hasNul(path) || forkGuard_.isForkedChild()) {
     return {FileStatus::OtherFailure, {}};

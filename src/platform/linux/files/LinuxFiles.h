@@ -40,8 +40,8 @@ class LinuxFiles final : public Files {
   std::string cachesDirectory() override;
   std::string preferencesDirectory() override;
 
-  /// Returns the directory of the append log; empty when there is none.
-  std::string outboxDirectory() { return below("/Library/Outbox"); }
+  /// Returns the directory above the last two, for what only services of Linux keep; empty when there is none.
+  std::string libraryDirectory();
 
   FileContent read(const std::string& path, std::size_t limit) override;
   FileResult writeAtomically(const std::string& path, std::string_view bytes) override;
