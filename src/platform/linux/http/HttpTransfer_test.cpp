@@ -22,6 +22,25 @@ class HttpTransferTest : public ::testing::Test {
   HttpExchange exchange_{client_, loop_};
 };
 
+TEST_F(HttpTransferTest, OneHandleServesEveryUrl) {
+  LoopbackServer other;
+  const LoopbackServer* const servers[] = {&server_, &other};
+  server_.onPath("/moved", Fault::redirect(307, "/there/../here?x=%41#f"));
+  for (int round = 0; round < 3; ++round) {
+    for (int path = 0; path < 20; ++path) {
+      const std::string target = "/p" + std::to_string(path) + "?q=" + std::to_string(path);
+      for (const LoopbackServer* const server : servers) {
+        EXPECT_EQ(exchange_.fetch(HttpExchange::post(server->url(target + "#f"), target)).status, 200);
+      }
+      EXPECT_EQ(server_.requests().back().target, target);
+      EXPECT_EQ(other.requests().back().target, target);
+      EXPECT_EQ(other.requests().back().body, target);
+    }
+    EXPECT_EQ(exchange_.fetch(HttpExchange::get(server_.url("/moved"))).status, 200);
+    EXPECT_EQ(server_.requests().back().target, "/here?x=%41");
+  }
+}
+
 Fault longReply(int status) {
   return Fault::reply(status, std::string(std::size_t{1} << 20U, 'x'));
 }
