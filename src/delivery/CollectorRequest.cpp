@@ -66,6 +66,7 @@ std::optional<HttpRequest> collectorRequest(const Dictionary& body, const std::s
   if (request) {  // In front of those of jsonRequest, as the collector has always received them.
     request->headers.insert(request->headers.begin(), {{std::string(k_TableName), destination},
                                                        {std::string(k_FullVersionKeyForHeader), fullVersionText()}});
+    request->ignoresBody = true;  // A collector that answers at length has the record all the same.
   }
   return request;
 }

@@ -25,6 +25,7 @@ TEST_F(PostTest, SendsOneCompactJsonRequestPerRecord) {
       {"Accept-Encoding", "gzip"},
       {"Content-Length", std::to_string(sent.body.size())}};
   EXPECT_EQ(sent.headers, headers);
+  EXPECT_TRUE(sent.ignoresBody);
 }
 
 TEST_F(PostTest, KeepsTheFirstEndpointAndNamesItOnce) {
