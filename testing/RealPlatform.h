@@ -34,7 +34,7 @@ class RealPlatform {
   RealPlatform(const std::string& home, const std::string& collectorUrl, LinuxHttpClientOptions options = {})
       : files(home),
         defaults(files.preferencesDirectory()),
-        outbox(outboxDirectory(files.libraryDirectory())),
+        outbox(files.outboxDirectory()),
         http(mainLoop, std::move(options)) {
     bundle.dictionary = {{"KesuOverrideServer", collectorUrl}, {"CFBundleShortVersionString", "1.0"}};
     http.setConnectObserver([this](const std::string& host, int port, bool connected) {

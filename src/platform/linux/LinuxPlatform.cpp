@@ -55,7 +55,7 @@ struct LinuxServices {
       : bundle(locale, options.bundlePath, infoOverrides(options)),
         files(homeDirectory(options.homeDirectory, bundle)),
         defaults(files.preferencesDirectory()),
-        outbox(outboxDirectory(files.libraryDirectory())),
+        outbox(files.outboxDirectory()),
         mainLoop(chosen<MainLoop>(options.mainLoop, ownMainLoop)),
         ownHttp(mainLoop, httpOptions(options)),
         reachability(mainLoop),

@@ -80,7 +80,7 @@ TEST_F(LinkedHomeTest, EveryOperationGoesToTheSamePlaceBehindALink) {
 
 TEST_F(LinkedHomeTest, AHomeMayAppearLaterAndStaysWhereItWasFound) {
   EXPECT_EQ(files_.documentsDirectory(), root_ / "home/Documents");
-  EXPECT_EQ(files_.libraryDirectory(), root_ / "home/Library");
+  EXPECT_EQ(files_.outboxDirectory(), root_ / "home/Library/Outbox");
   fs::create_directories(root_ / "first/Documents");
   fs::create_directories(root_ / "second/Documents");
   link("home", root_ / "first");
@@ -89,7 +89,7 @@ TEST_F(LinkedHomeTest, AHomeMayAppearLaterAndStaysWhereItWasFound) {
   link("home", root_ / "second");
   EXPECT_TRUE(files_.writeAtomically(files_.preferencesDirectory() + "/file", "x").ok());
   EXPECT_EQ(root_.read("first/Library/Preferences/file"), "x") << "all directories lie below one home";
-  EXPECT_EQ(files_.libraryDirectory(), real("first/Library"));
+  EXPECT_EQ(files_.outboxDirectory(), real("first/Library") + "/Outbox");
   EXPECT_TRUE(fs::is_empty(root_ / "second/Documents"));
 }
 

@@ -219,8 +219,9 @@ std::string LinuxFiles::preferencesDirectory() {
   return folders_.path(HomeFolders::Folder::Preferences);
 }
 
-std::string LinuxFiles::libraryDirectory() {
-  return folders_.path(HomeFolders::Folder::Library);
+std::string LinuxFiles::outboxDirectory() {
+  const std::string library = folders_.path(HomeFolders::Folder::Library);
+  return library.empty() ? library : library + "/Outbox";
 }
 
 FileContent LinuxFiles::read(const std::string& path, std::size_t limit) {

@@ -40,8 +40,8 @@ class LinuxFiles final : public Files {
   std::string cachesDirectory() override;
   std::string preferencesDirectory() override;
 
-  /// Returns the directory above the last two, for what only services of Linux keep; empty when there is none.
-  std::string libraryDirectory();
+  /// Returns the directory of the append log, beside the last two; empty when there is none.
+  std::string outboxDirectory();
 
   FileContent read(const std::string& path, std::size_t limit) override;
   FileResult writeAtomically(const std::string& path, std::string_view bytes) override;
