@@ -64,9 +64,10 @@ TEST_F(InstanceTest, AProvisionalIdentityStaysWhereThereIsNoneOfThisKey) {
     Dictionary onDisk;
   };
   const std::string id(22, 'o');
-  const Row rows[] = {{"nothing", {}},
-                      {"half", {{"kesuSDKAPIKey", "key"}, {"localKaid", id}, {"alc", 8}}},
-                      {"another key's", {{"kesuSDKAPIKey", "other"}, {"localKaid", id}, {"localKaid2", id}, {"alc", 8}}}};
+  const Row rows[] = {
+      {"nothing", {}},
+      {"half", {{"kesuSDKAPIKey", "key"}, {"localKaid", id}, {"alc", 8}}},
+      {"another key's", {{"kesuSDKAPIKey", "other"}, {"localKaid", id}, {"localKaid2", id}, {"alc", 8}}}};
   for (const Row& row : rows) {
     SCOPED_TRACE(row.name);
     testing::FakeUserDefaults defaults(row.onDisk);

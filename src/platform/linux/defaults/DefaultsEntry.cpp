@@ -32,9 +32,12 @@ bool DefaultsEntry::equals(const Value& other) const {
 }
 
 void DefaultsEntry::empty() {
-  DefaultsEntry nothing;
-  nothing.unsaved = unsaved;
-  *this = std::move(nothing);
+  isPresent = isUnread = isText = false;
+  value = Value();
+  std::string().swap(text);  // With its room: a flow may have been long.
+  list.clear();
+  parts.clear();
+  savedSize = grownSize = 0;
 }
 
 void DefaultsEntry::fill(Value saved) {
@@ -59,8 +62,11 @@ void DefaultsEntry::moveOnto(DefaultsEntry saved) {
 void DefaultsEntry::put(Value changed, std::string changedList) {
   isPresent = true;
   isText = changed.text() != nullptr;
-  text = isText ? *changed.text() : std::string();
-  value = isText ? Value() : std::move(changed);
+  if (isText) {
+    text = *changed.text();
+  } else {
+    value = std::move(changed);
+  }
   list = std::move(changedList);
 }
 

@@ -71,8 +71,8 @@ class DefaultsFile {
   /// journal has grown enough.
   bool write(bool& wantsCheckpoint);
 
-  /// Begins a checkpoint, after another look for the file. `checkpointer` is closed when it is on a former file. Nothing
-  /// when there is no file.
+  /// Begins a checkpoint, after another look for the file. `checkpointer` is closed when it is on a former file.
+  /// Nothing when there is no file.
   std::optional<Checkpoint> beginCheckpoint(DefaultsCheckpointer& checkpointer);
 
   /// Takes note that the file was looked through, and replaces it if it is damaged. Returns false when it is another

@@ -319,11 +319,11 @@ TEST_P(UserDefaultsContractTest, AppliesChangesOfEachKind) {
   defaults().set("gone", 1);
   defaults().set("list", Array(100, 1));
   synchronizeAndRestart();
-  const DefaultsChange changes[] = {
-      {Kind::Append, "flow", Value("a")},   {Kind::Set, "number", Value(1)},     {Kind::Append, "flow", Value("b")},
-      {Kind::Remove, "gone", Value()},      {Kind::Set, "refused", Null{}},  {Kind::Append, "number", Value(5)},
-      {Kind::Set, "list", Array(100, 2)},   {Kind::Set, "short", Array{1, "x"}}, {Kind::Set, "bad", Array{Null{}}},
-      {Kind::Set, "map", Dictionary{{"a", 1}}}};
+  const DefaultsChange changes[] = {{Kind::Append, "flow", Value("a")}, {Kind::Set, "number", Value(1)},
+                                    {Kind::Append, "flow", Value("b")}, {Kind::Remove, "gone", Value()},
+                                    {Kind::Set, "refused", Null{}},     {Kind::Append, "number", Value(5)},
+                                    {Kind::Set, "list", Array(100, 2)}, {Kind::Set, "short", Array{1, "x"}},
+                                    {Kind::Set, "bad", Array{Null{}}},  {Kind::Set, "map", Dictionary{{"a", 1}}}};
   defaults().apply(changes);
   synchronizeAndRestart();
   EXPECT_EQ(sortedKeys(), (std::vector<std::string>{"flow", "list", "map", "number", "short"}));
