@@ -84,12 +84,13 @@ class RealPlatform {
   }
 
   /// Pumps until everything that was posted so far has had its reply, and what follows from it is done.
-  bool settle() {
-    return pumpUntil([this] {
+  bool settle(double seconds = 20.0) {
+    const auto isQuiet = [this] {
       Wiring* library = SharedInstance<Wiring>::existing();
       return background.drain(10.0) && http.pendingCount() == 0 && mainLoop.nextDue() != 0.0 &&
              (library == nullptr || library->outbox.pendingCount() == 0);
-    });
+    };
+    return pumpUntil(isQuiet, seconds);
   }
 
   LinuxClock clock;

@@ -137,7 +137,9 @@ class Child {
  private:
   /// Runs what is queued and returns the body of the last state change.
   std::string lastState() {
-    Platform::current().background.drain(10.0);
+    do {
+      Platform::current().background.drain(10.0);
+    } while (http_.answerAll(200) > 0);
     for (std::size_t i = http_.requestCount(); i-- > 0;) {
       const HttpRequest request = http_.request(i);
       if (request.headers.front().second == "s") {

@@ -66,6 +66,7 @@ TEST_F(MessagesOfAHostTest, GoFromHeaderToBodyAndSurviveARestart) {
   answer(R"({"metadatalist":[{"mid":"m","cid":"c"}]})");
   EXPECT_FALSE(Kesu::previousReadMessages()) << "not the text that stands for none";
   Kesu::getMessageBodyWithCampaignID("c", "m", listen());
+  platform.settle();
   const auto requests = platform.http.requests();
   EXPECT_TRUE(requests[requests.size() - 2].url.ends_with("/api/inapp/getmessage/"));
   EXPECT_EQ(text(lastBody(), "action"), "delivered") << "right behind the request";

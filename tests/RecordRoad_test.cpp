@@ -44,14 +44,40 @@ TEST_F(RecordRoadTest, KeepsTheOrderOfTheCalls) {
   EXPECT_EQ(platform.defaults.text("~ef"), "$$a~~0$$b~~0$$c~~0");
 }
 
-TEST_F(RecordRoadTest, RemembersOnceForABurstWhenItsDestinationWasWritten) {
+TEST_F(RecordRoadTest, LosesNothingAtAnyMomentAndWritesOnceForABurst) {
   for (const char* name : {"a", "b", "c"}) {
     KesuCustomEvent::postWithEventName(name);
   }
   const int before = platform.defaults.synchronizeCount();
   platform.settle();
+  EXPECT_EQ(platform.defaults.synchronizeCount(), before) << "the log has what is new";
+  platform.background.runDelayed();
   EXPECT_EQ(platform.defaults.synchronizeCount() - before, 1);
   EXPECT_TRUE(platform.defaults.keptOnDisk().contains("e-secondsSince1970"));
+  die();
+  forgetRequests();
+  launch();
+  EXPECT_EQ(destinations(), "eees") << "not answered in the last process";
+  EXPECT_EQ(text(body(0), "~e") + text(body(1), "~e") + text(body(2), "~e"), "abc");
+  EXPECT_EQ(platform.defaults.text("~ef"), "$$a~~0$$b~~0$$c~~0") << "once";
+}
+
+TEST_F(RecordRoadTest, AppliesWhatTheLogHasAndTheUserDefaultsHaveNot) {
+  const std::string identifier = platform.defaults.text("localKaid");
+  platform.background.runDelayed();
+  KesuCustomEvent::postWithEventName("a");
+  Application::shared().didEnterBackground();
+  KesuCustomEvent::postWithEventName("b");
+  platform.bundle.dictionary.set("CFBundleShortVersionString", "2.0");
+  platform.clock.advance(100.0);
+  die();
+  forgetRequests();
+  launch();
+  ASSERT_EQ(destinations().substr(0, 3), "ese");
+  EXPECT_EQ(text(body(1), "~ns") + text(body(1), "~ef"), "b$$a~~0") << "the flow is in the record that ended it";
+  EXPECT_EQ(text(body(2), "av") + " " + text(body(2), "ace"), "1.0 1489579320000") << "as it was taken";
+  EXPECT_EQ(text(body(2), "kaid"), identifier);
+  EXPECT_EQ(platform.defaults.text("~ef"), "$$b~~0$$Kesu.AppVersionChanged~~0");
 }
 
 TEST_F(RecordRoadTest, PostsExplicitActivationsAsTraits) {
@@ -91,16 +117,28 @@ TEST_F(RecordRoadTest, KeepsUndeliveredRecordsUntilTheCollectorIsBack) {
   EXPECT_EQ(destinations(), "eesee");
 }
 
-TEST_F(RecordRoadTest, LosesNothingWhenItEndsInOrder) {
+TEST_F(RecordRoadTest, LeavesToTheLogWhatIsNotAnsweredAtTheEnd) {
   for (int i = 0; i < 1000; ++i) {
     KesuCustomEvent::postWithEventName("event " + std::to_string(i), {{"i", i}});
   }
   Application::shared().willTerminate();
-  EXPECT_EQ(destinations(), "s" + std::string(1000, 'e'));
-  EXPECT_EQ(platform.defaults.integer("~numberOfFiles"), 1001);
+  EXPECT_EQ(platform.outbox.openCount(), 1001U);
   KesuCustomEvent::postWithEventName("late");
   Application::shared().willTerminate();
-  EXPECT_EQ(platform.defaults.integer("~numberOfFiles"), 1003) << "records posted after the end are kept, too";
+  EXPECT_EQ(platform.outbox.openCount(), 1003U) << "records posted after the end are kept, too";
+  EXPECT_TRUE(platform.files.paths().empty());
+}
+
+TEST_F(RecordRoadTest, StoresAtTheEndWhatTheLogDoesNotTake) {
+  platform.outbox.refuse(true);
+  for (int i = 0; i < 300; ++i) {
+    platform.clock.advance(0.001);
+    KesuCustomEvent::postWithEventName("event");
+  }
+  Application::shared().willTerminate();
+  platform.settle();
+  EXPECT_EQ(platform.defaults.integer("~numberOfFiles"), 301);
+  EXPECT_EQ(platform.defaults.keptOnDisk().findText("~ef"), nullptr) << "the end took the flow along";
 }
 
 TEST_F(RecordRoadTest, SurvivesHostileAttributes) {

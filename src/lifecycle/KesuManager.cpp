@@ -36,7 +36,7 @@ KesuManager::KesuManager(Platform& platform, DeploymentSettings& settings, KesuM
       stateChanges_(platform, metrics, instance_, sender_, reports_, std::move(topScreen)),
       collector_(platform.reachability, platform.notifications, settings, resendPass) {
   addPrimaryObservers();
-  sender_.start([this](char state) { stateChanges_.postReports(state); });
+  sender_.start();
 }
 
 KesuManager::~KesuManager() {

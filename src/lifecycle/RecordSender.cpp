@@ -1,6 +1,5 @@
 #include "lifecycle/RecordSender.h"
 
-#include <algorithm>
 #include <string>
 #include <utility>
 
@@ -11,8 +10,7 @@
 
 namespace kesu {
 
-void RecordSender::start(std::function<void(char state)> stateSent) {
-  stateSent_ = std::move(stateSent);
+void RecordSender::start() {
   outbox_.startDelivery([this](Outbox::Delivery delivery) { deliver(std::move(delivery)); });
 }
 
@@ -25,17 +23,25 @@ PendingRecord RecordSender::frame(RecordKind kind, std::string_view destination,
   return record;
 }
 
+// The time at which traits were posted last, which decides whether the next launch posts them.
+DefaultsChanges RecordSender::traitsSaved() const {
+  static const std::string key = std::string(k_TableTraits) + std::string(kSaveTimeSuffix);
+  return {{DefaultsChange::Kind::Set, key, platform_.clock.now()}};
+}
+
 void RecordSender::postToTable(const Dictionary& attributes, std::string_view destination,
                                const std::optional<Replacement>& replacement, DefaultsChanges changes) {
   outbox_.add(frame(RecordKind::Table, destination), attributes, replacement, std::move(changes));
 }
 
 void RecordSender::postAppTraits(const Dictionary& record, TraitType type) {
-  outbox_.add(frame(RecordKind::Traits, k_TableTraits, static_cast<char>(type)), record);
+  outbox_.add(frame(RecordKind::Traits, k_TableTraits, static_cast<char>(type)), record, std::nullopt,
+              traitsSaved());
 }
 
 void RecordSender::postBehindColumns(const Dictionary& entries, std::string_view destination) {
-  outbox_.add(frame(RecordKind::ColumnsInFront, destination), entries);
+  outbox_.add(frame(RecordKind::ColumnsInFront, destination), entries, std::nullopt,
+              destination == k_TableTraits ? traitsSaved() : DefaultsChanges());
 }
 
 void RecordSender::postStateChange(char state,
@@ -59,24 +65,15 @@ void RecordSender::addTraits(Dictionary& record, TraitType type) {
 void RecordSender::postActivation(const Dictionary& flags) {
   if (!flags.empty()) {
     // Behind the flags: their order in the record is part of the wire contract.
-    outbox_.add(frame(RecordKind::ColumnsBehind, k_TableTraits), flags);
+    outbox_.add(frame(RecordKind::ColumnsBehind, k_TableTraits), flags, std::nullopt, traitsSaved());
   }
 }
 
 void RecordSender::deliver(Outbox::Delivery delivery) {
-  const PendingRecord taken = {.kind = delivery.record.kind,
-                               .destination = delivery.record.destination,
-                               .detail = delivery.record.detail,
-                               .hasContext = delivery.record.hasContext,
-                               .moment = delivery.record.moment,
-                               .identifier = {},
-                               .entries = {}};
-  post_.send(completed(delivery), delivery.ticket);
-  saveTime(taken);
-  // What a state change of a former process entails happened there, or is counted with the launch of this one.
-  if (taken.kind == RecordKind::State && delivery.context == nullptr) {
-    stateSent_(taken.detail);
+  if (delivery.context == nullptr) {
+    saveTime(delivery.record);
   }
+  post_.send(completed(delivery), delivery.ticket);
 }
 
 Dictionary RecordSender::completed(Outbox::Delivery& delivery) {
@@ -120,13 +117,11 @@ Dictionary RecordSender::completed(Outbox::Delivery& delivery) {
   return record;
 }
 
-// In memory: the outbox writes it with what it hands over next.
+// In memory: the outbox writes it with what it hands over next. That of traits, on which the next launch depends, is
+// logged with the record.
 void RecordSender::saveTime(const PendingRecord& record) {
-  const bool isSaved = record.kind != RecordKind::Complete && record.kind != RecordKind::State &&
-                       record.destination != k_TableInstalls.front();
-  if (isSaved) {
-    const std::string key = std::string(1, record.destination).append(kSaveTimeSuffix);
-    platform_.defaults.set(key, std::max(record.moment, platform_.defaults.real(key)));
+  if (record.kind == RecordKind::Table) {
+    platform_.defaults.set(std::string(1, record.destination).append(kSaveTimeSuffix), record.moment);
   }
 }
 

@@ -31,9 +31,8 @@ class RecordSender {
         columns_(platform, metrics, instance, location),
         variants_(variants) {}
 
-  /// Starts completing and sending. `stateSent` is called behind each state change of this process that was sent, with
-  /// its state, on the background queue.
-  void start(std::function<void(char state)> stateSent);
+  /// Starts completing and sending.
+  void start();
 
   /// Tells the outbox what a later process needs to complete the records of this one.
   void noteContext() { outbox_.setContext(columns_.context()); }
@@ -62,6 +61,7 @@ class RecordSender {
 
  private:
   PendingRecord frame(RecordKind kind, std::string_view destination, char detail = '\0') const;
+  DefaultsChanges traitsSaved() const;
   void deliver(Outbox::Delivery delivery);
   Dictionary completed(Outbox::Delivery& delivery);
   void saveTime(const PendingRecord& record);
@@ -73,7 +73,6 @@ class RecordSender {
   const AppInstance& instance_;
   CommonColumns columns_;
   CalendarVariants& variants_;
-  std::function<void(char state)> stateSent_;
 };
 
 }  // namespace kesu

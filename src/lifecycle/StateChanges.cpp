@@ -30,6 +30,11 @@ ScreenKey StateChanges::screenFor(char state, const std::optional<std::string>& 
 
 void StateChanges::stateChangeEventAppLevel(char state, const std::optional<std::string>& detail) {
   stateChangeEvent(state, detail, screenFor(state, detail));
+  if (state == kStateTerminate) {  // The process is about to end.
+    postReports(state);
+  } else {
+    background_.post([this, state] { postReports(state); });
+  }
 }
 
 void StateChanges::screenChanged(char state, const ScreenKey& screen) {
@@ -50,9 +55,6 @@ void StateChanges::stateChangeEvent(char state, const std::optional<std::string>
 }
 
 void StateChanges::postReports(char state) {
-  if (state == kStateAppeared || state == kStateDisappeared) {
-    return;
-  }
   if (endsSession(state)) {
     Dictionary traits;
     reports_.usage.fillInTraitsForAggregateAndActivations(traits);

@@ -25,7 +25,8 @@ class StateChanges {
  public:
   StateChanges(Platform& platform, KesuMetrics& metrics, const AppInstance& instance, RecordSender& sender,
                CalendarReports& reports, TopScreen topScreen)
-      : instance_(instance),
+      : background_(platform.background),
+        instance_(instance),
         sender_(sender),
         reports_(reports),
         topScreen_(std::move(topScreen)),
@@ -33,19 +34,19 @@ class StateChanges {
 
   /// Reports a transition of the application. Main thread. The record, the flows that it carries and what follows for
   /// the stored flows are taken in one step: a screen that appears right after the call belongs to the session that the
-  /// call has begun, and a process that dies right after it loses nothing. [stateChangeEventAppLevel::]
+  /// call has begun, and a process that dies right after it loses nothing. The usage and the activations that are due
+  /// follow on the background queue, those of a termination in this call. [stateChangeEventAppLevel::]
   void stateChangeEventAppLevel(char state, const std::optional<std::string>& detail);
 
   /// Reports a screen that appeared or disappeared: one record, without activations. Main thread.
   void screenChanged(char state, const ScreenKey& screen);
 
-  /// Takes the usage and the activations that are due with a state change, behind it. Background queue.
-  void postReports(char state);
-
  private:
   ScreenKey screenFor(char state, const std::optional<std::string>& detail);
   void stateChangeEvent(char state, const std::optional<std::string>& detail, const ScreenKey& screen);
+  void postReports(char state);
 
+  BackgroundQueue& background_;
   const AppInstance& instance_;
   RecordSender& sender_;
   CalendarReports& reports_;

@@ -120,7 +120,7 @@ bool Outbox::take(const PendingRecord& frame, const Dictionary& entries, const s
   const bool hasChanges = !changes.empty();
   const auto entry = journal_.append(record, entries, replacement, std::move(changes));
   planHandOver();
-  if (entry && isEnding_ && deliverer_ != std::this_thread::get_id()) {
+  if (entry && isEnding_) {
     return true;
   }
   if (entry) {
@@ -147,17 +147,12 @@ void Outbox::planHandOver() {
 }
 
 void Outbox::deliverWaiting() {
-  {
-    const MutexLock lock(mutex_);
-    deliverer_ = std::this_thread::get_id();
-  }
   for (std::size_t count = 0; count < kMostPerTask && deliverNext(); ++count) {
     if (count % kRecordsPerPrepare == 0) {
       log_.prepare();
     }
   }
   const MutexLock lock(mutex_);
-  deliverer_ = {};
   isScheduled_ = false;
   scheduleDelivery();
 }

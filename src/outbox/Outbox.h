@@ -9,7 +9,6 @@
 #include <cstddef>
 #include <functional>
 #include <optional>
-#include <thread>
 
 #include "foundation/Mutex.h"
 #include "outbox/OutboxEntry.h"
@@ -73,8 +72,8 @@ class Outbox {
   void park(const Ticket& ticket);
   void retryParked();
 
-  /// From now on records are only logged, so that an end waits for nobody who goes on posting. What is not logged, and
-  /// what delivering records adds, is still handed out.
+  /// From now on records are only logged, so that an end waits for nobody who goes on posting. What is not logged is
+  /// still handed out.
   void beginEnd();
 
   /// Writes the changes to the user defaults and hands what is new to the disk, without waiting for it.
@@ -116,7 +115,6 @@ class Outbox {
   bool isScheduled_ KESU_GUARDED_BY(mutex_) = false;
   bool isHandOverPlanned_ KESU_GUARDED_BY(mutex_) = false;
   bool isEnding_ KESU_GUARDED_BY(mutex_) = false;
-  std::thread::id deliverer_ KESU_GUARDED_BY(mutex_);  // The thread that hands out records, if any.
 };
 
 }  // namespace kesu
