@@ -77,10 +77,9 @@ TEST_F(PostTest, RefusesWhatJsonCannotCarry) {
 TEST_F(PostTest, DatesTheRecordOfAnInterruptedRunByTheRun) {
   send({{"ace", "1"}, {"av", "2.0"}, {"~cfqt", "1489579200000"}});
   send({{"ace", "1"}, {"~cfqt", ""}});
-  EXPECT_EQ(body(0), (Dictionary{{"ace", "1489579200000"},
-                                 {"av", "2.0"},
-                                 {"~cfqt", "1489579200000"},
-                                 {"ase", "1489579320123"}}));
+  EXPECT_EQ(
+      body(0),
+      (Dictionary{{"ace", "1489579200000"}, {"av", "2.0"}, {"~cfqt", "1489579200000"}, {"ase", "1489579320123"}}));
   EXPECT_EQ(*body(1).find("ace"), Value("1"));
 }
 

@@ -54,11 +54,10 @@ void KesuManager::observe(std::string_view name, std::function<void()> handler) 
 // moves what takes time to the background queue.
 void KesuManager::addPrimaryObservers() {
   observe(kApplicationDidFinishLaunchingNotification, [this] { didFinishLaunching(); });
-  observe(kApplicationDidEnterBackgroundNotification,
-          [this] {
-            stateChanges_.stateChangeEventAppLevel(kStateBackground, std::nullopt);
-            outbox_.handOverSoon();  // A set in standby may be switched off.
-          });
+  observe(kApplicationDidEnterBackgroundNotification, [this] {
+    stateChanges_.stateChangeEventAppLevel(kStateBackground, std::nullopt);
+    outbox_.handOverSoon();  // A set in standby may be switched off.
+  });
   observe(kApplicationWillEnterForegroundNotification,
           [this] { stateChanges_.stateChangeEventAppLevel(kStateResume, std::nullopt); });
   observe(kCurrentLocaleDidChangeNotification, [this] { sender_.saveTraits(TraitType::LocaleChanged); });
@@ -92,8 +91,8 @@ void KesuManager::copyright(const std::string& key) {
   KESU_LOG(0, " ");
 }
 
-// The order in which the collector learns of a run: the installation, its traits, then what happens in it; the first two
-// come later only while the user defaults cannot be read.
+// The order in which the collector learns of a run: the installation, its traits, then what happens in it; the first
+// two come later only while the user defaults cannot be read.
 void KesuManager::didFinishLaunching() {
   instance_.whenSettled([this] { reportInstallation(); });
   stateChanges_.stateChangeEventAppLevel(kStateLaunch, kLaunchDetailText);

@@ -35,8 +35,7 @@ void RecordSender::postToTable(const Dictionary& attributes, std::string_view de
 }
 
 void RecordSender::postAppTraits(const Dictionary& record, TraitType type) {
-  outbox_.add(frame(RecordKind::Traits, k_TableTraits, static_cast<char>(type)), record, std::nullopt,
-              traitsSaved());
+  outbox_.add(frame(RecordKind::Traits, k_TableTraits, static_cast<char>(type)), record, std::nullopt, traitsSaved());
 }
 
 void RecordSender::postBehindColumns(const Dictionary& entries, std::string_view destination) {

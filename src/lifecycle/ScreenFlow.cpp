@@ -155,8 +155,7 @@ void ScreenFlow::rememberVersions(DefaultsChanges& changes) {
   }
 }
 
-void ScreenFlow::rememberIfNew(std::string_view key, const std::optional<std::string>& text,
-                               DefaultsChanges& changes) {
+void ScreenFlow::rememberIfNew(std::string_view key, const std::optional<std::string>& text, DefaultsChanges& changes) {
   if (text && defaults_.text(key) != *text) {
     changes.push_back(setting(key, *text));
   }

@@ -37,7 +37,12 @@ class Outbox {
   };
 
   Outbox(AppendLog& log, UserDefaults& defaults, BackgroundQueue& background, Clock& clock, Random& random)
-      : log_(log), defaults_(defaults), journal_(log, defaults), background_(background), clock_(clock), random_(random) {}
+      : log_(log),
+        defaults_(defaults),
+        journal_(log, defaults),
+        background_(background),
+        clock_(clock),
+        random_(random) {}
 
   /// Sets what sends a record that is handed out: called on the background queue, one at a time. Until then records
   /// wait. Once; main thread.

@@ -20,10 +20,10 @@ enum class RecordKind : std::uint8_t {
 /// A record as it was taken: what is known at that moment, and what the rest is made from later.
 struct PendingRecord {
   RecordKind kind = RecordKind::Complete;
-  char destination = '\0';    ///< Table of the collector; 0 when `entries` name it.
-  char detail = '\0';         ///< Traits: the type. State: the state code.
-  bool hasContext = true;     ///< Whether the library had its key: records from before carry no common columns.
-  double moment = 0.0;        ///< When it was taken, in seconds since 1970.
+  char destination = '\0';  ///< Table of the collector; 0 when `entries` name it.
+  char detail = '\0';       ///< Traits: the type. State: the state code.
+  bool hasContext = true;   ///< Whether the library had its key: records from before carry no common columns.
+  double moment = 0.0;      ///< When it was taken, in seconds since 1970.
   std::array<std::uint8_t, 16> identifier = {};
   Dictionary entries;
 };

@@ -111,9 +111,9 @@ TEST_F(OrderlyEnd, WaitsForRepliesOnlyAsLongAsThereIsTime) {
   for (const auto& [pending, spent, grace] : cases) {
     PatientHttp http(pending);
     Platform& all = platform_.platform;
-    Platform patient{all.clock,      all.random,       all.files,  all.defaults, all.outbox,    http,
-                     all.mainLoop,   all.background,   all.imageWorker, all.locale, all.bundle,
-                     all.reachability, all.device,     all.log,    all.urlOpener, all.notifications};
+    Platform patient{all.clock,    all.random,     all.files,       all.defaults,     all.outbox, http,
+                     all.mainLoop, all.background, all.imageWorker, all.locale,       all.bundle, all.reachability,
+                     all.device,   all.log,        all.urlOpener,   all.notifications};
     platform_.background.post([this, seconds = spent] { platform_.clock.advance(seconds); });
     endOrderly(patient);
     EXPECT_NEAR(http.grace, grace, 1e-9) << pending << " pending";

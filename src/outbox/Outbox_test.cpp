@@ -1,0 +1,167 @@
+#include "outbox/Outbox.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "testing/ScopedPlatform.h"
+
+namespace kesu {
+namespace {
+
+class OutboxTest : public ::testing::Test {
+ protected:
+  OutboxTest() { begin(); }
+
+  /// Starts a process on what the last one left.
+  void begin() {
+    outbox = std::make_unique<Outbox>(platform.outbox, platform.defaults, platform.background, platform.clock,
+                                      platform.random);
+    deliveries.clear();
+    outbox->startDelivery([this](Outbox::Delivery delivery) { deliveries.push_back(std::move(delivery)); });
+  }
+
+  /// Kills the process: what is queued, on its way or in memory only is gone.
+  void die() {
+    outbox.reset();
+    platform.background.discardAll();
+    platform.defaults.loseUnsynchronized();
+    platform.outbox.restart();
+  }
+
+  void dieAndBegin() {
+    die();
+    begin();
+    outbox->open();
+    platform.settle();
+  }
+
+  void add(int number, DefaultsChanges changes = {}) { outbox->add({}, {{"n", number}}, std::nullopt, changes); }
+  void append(const char* text) { outbox->change({{DefaultsChange::Kind::Append, "~ef", text}}); }
+
+  /// The numbers handed out since begin().
+  std::string handedOut() {
+    platform.settle();
+    std::string numbers;
+    for (const Outbox::Delivery& delivery : deliveries) {
+      const Value* number = delivery.record.entries.find("n");
+      numbers += number != nullptr ? std::to_string(number->integerValue()) : "?";
+    }
+    return numbers;
+  }
+
+  testing::ScopedPlatform platform;
+  std::vector<Outbox::Delivery> deliveries;
+  std::unique_ptr<Outbox> outbox;
+};
+
+TEST_F(OutboxTest, HandsOutAgainWhatWasNotDoneWith) {
+  outbox->setContext({{"kak", "first"}});
+  for (const int number : {1, 2, 3}) {
+    platform.clock.advance(1.0);
+    add(number);
+  }
+  EXPECT_EQ(handedOut(), "123");
+  const double moment = deliveries[0].record.moment;
+  const auto identifier = deliveries[0].record.identifier;
+  outbox->finish(deliveries[1].ticket);
+  dieAndBegin();
+  outbox->setContext({{"kak", "second"}});
+  add(4);
+  EXPECT_EQ(handedOut(), "134") << "the older ones first";
+  EXPECT_EQ(deliveries[0].record.moment, moment);
+  EXPECT_EQ(deliveries[0].record.identifier, identifier);
+  EXPECT_EQ(*deliveries[0].context, (Dictionary{{"kak", "first"}}));
+  EXPECT_EQ(deliveries[2].context, nullptr);
+  dieAndBegin();
+  EXPECT_EQ(handedOut(), "134");
+  EXPECT_EQ(*deliveries[1].context, (Dictionary{{"kak", "first"}}));
+  EXPECT_EQ(*deliveries[2].context, (Dictionary{{"kak", "second"}}));
+}
+
+TEST_F(OutboxTest, MakesEachChangeOnceWhereverTheProcessDies) {
+  // Whether what is new is written to the user defaults behind each of the changes.
+  for (unsigned writes = 0; writes < 16; ++writes) {
+    platform.defaults.set("~ef", "");
+    platform.defaults.synchronize();
+    for (unsigned step = 0; step < 4; ++step) {
+      append(std::to_string(step).c_str());
+      if ((writes & (1U << step)) != 0) {
+        platform.background.runDelayed();
+      }
+      if (step == 1) {
+        dieAndBegin();
+      }
+    }
+    dieAndBegin();
+    EXPECT_EQ(platform.defaults.text("~ef"), "0123") << writes;
+  }
+}
+
+TEST_F(OutboxTest, TakesARecordAndItsChangesInOneStep) {
+  append("flow");
+  outbox->addBuilt({}, [this](Dictionary& entries, DefaultsChanges& changes) {
+    entries.set("n", 7);
+    entries.set("~ef", platform.defaults.text("~ef"));
+    changes.push_back({DefaultsChange::Kind::Remove, "~ef", {}});
+  });
+  dieAndBegin();
+  EXPECT_EQ(handedOut(), "7");
+  EXPECT_EQ(*deliveries[0].record.entries.findText("~ef"), "flow");
+  EXPECT_FALSE(platform.defaults.contains("~ef"));
+}
+
+TEST_F(OutboxTest, KeepsInMemoryWhatTheLogDoesNotTake) {
+  platform.outbox.refuse(true);
+  add(1, {{DefaultsChange::Kind::Append, "~ef", "a"}});
+  EXPECT_EQ(*platform.defaults.keptOnDisk().findText("~ef"), "a") << "written at once";
+  EXPECT_EQ(handedOut(), "1");
+  EXPECT_FALSE(deliveries[0].ticket.isLogged);
+  outbox->park(deliveries[0].ticket);
+  outbox->retryParked();
+  EXPECT_EQ(handedOut(), "1") << "nothing has it any more";
+  EXPECT_EQ(outbox->pendingCount(), 0U);
+}
+
+TEST_F(OutboxTest, HasAWindowOfRecordsUnderWay) {
+  const int most = static_cast<int>(OutboxQueue::kMostInFlight);
+  for (int number = 0; number < most + 10; ++number) {
+    add(number);
+  }
+  platform.settle();
+  ASSERT_EQ(deliveries.size(), OutboxQueue::kMostInFlight);
+  outbox->finish(deliveries[0].ticket);
+  outbox->park(deliveries[1].ticket);
+  platform.settle();
+  EXPECT_EQ(deliveries.size(), OutboxQueue::kMostInFlight + 2) << "one for each that is done with or parked";
+  EXPECT_EQ(outbox->pendingCount(), OutboxQueue::kMostInFlight + 8);
+}
+
+TEST_F(OutboxTest, OnlyLogsOnceTheEndHasBegun) {
+  add(1);
+  outbox->beginEnd();
+  add(2);
+  EXPECT_EQ(handedOut(), "1");
+  outbox->leave();
+  platform.outbox.refuse(true);
+  add(3);
+  EXPECT_EQ(handedOut(), "13") << "the log does not have this one";
+  platform.outbox.refuse(false);
+  dieAndBegin();
+  EXPECT_EQ(handedOut(), "12");
+}
+
+TEST_F(OutboxTest, KeepsTheLogWhileTheUserDefaultsCannotBeWritten) {
+  platform.defaults.refuseWrites(true);
+  append("a");
+  platform.background.runDelayed();
+  platform.outbox.prepare();
+  platform.defaults.refuseWrites(false);
+  dieAndBegin();
+  EXPECT_EQ(platform.defaults.text("~ef"), "a");
+}
+
+}  // namespace
+}  // namespace kesu
