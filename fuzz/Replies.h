@@ -9,6 +9,7 @@
 #include "delivery/KesuPost.h"
 #include "delivery/KesuStore.h"
 #include "messaging/KesuInbox.h"
+#include "testing/DeliverAsTaken.h"
 #include "testing/ScopedPlatform.h"
 
 namespace kesu::fuzz {
@@ -23,6 +24,8 @@ struct Client {
   KesuInAppMessagesRequester requester{platform.http, platform.defaults, platform.clock, settings, post};
   KesuInbox inbox{platform.defaults, requester};
   int told = 0;
+
+  Client() { testing::deliverAsTaken(outbox, post); }
 
   /// Returns a handler that counts its calls and checks its argument.
   KesuInbox::ObjectHandler listen(const std::function<bool(const Value&)>& isDescribed) {

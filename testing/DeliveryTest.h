@@ -3,12 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <utility>
 
 #include "delivery/KesuPost.h"
 #include "foundation/Json.h"
 #include "outbox/Outbox.h"
 #include "support/KesuPriorityLogger.h"
+#include "testing/DeliverAsTaken.h"
 #include "testing/FaultyFiles.h"
 #include "testing/ScopedPlatform.h"
 
@@ -19,8 +19,7 @@ class DeliveryTest : public ::testing::Test {
  protected:
   DeliveryTest() {
     platform.clock.set(1489579320.1239);
-    outbox.startDelivery(
-        [this](Outbox::Delivery delivery) { post.send(std::move(delivery.record.entries), delivery.ticket); });
+    deliverAsTaken(outbox, post);
   }
   ~DeliveryTest() override { KesuPriorityLogger::sharedLogger().setLogLevel(0); }
 

@@ -16,6 +16,7 @@
 #include "messaging/KesuImageCache.h"
 #include "messaging/MessagingWiring.h"
 #include "records/DefaultsKeys.h"
+#include "testing/DeliverAsTaken.h"
 #include "testing/ScopedPlatform.h"
 #include "uikit/Animator.h"
 #include "uikit/WindowInput.h"
@@ -81,6 +82,7 @@ inline bool answerOldest(ScopedPlatform& platform, const std::string& path, cons
 struct MessageScreen : MessagingWiring {
   explicit MessageScreen(Platform& on) : MessagingWiring(on) {
     current_ = this;
+    deliverAsTaken(outbox, post);
     platform.defaults.set(kAppKeyDefault, "key");
     platform.defaults.set(kInstanceIdDefault, "kaid");
     platform.defaults.set(kInstanceId2Default, "kaid2");

@@ -24,6 +24,7 @@ class CallToActionTest : public testing::PresenterTest {
  protected:
   /// Bodies of records for the collector's table of notifications, receipts left out.
   std::vector<Dictionary> callsToAction() {
+    platform.settle();
     std::vector<Dictionary> found;
     for (const HttpRequest& request : platform.http.requests()) {
       const auto body = parseJson(request.body);
@@ -243,12 +244,11 @@ TEST_F(CallToActionTest, InformsOnlyTheCollectorInAnExitHandler) {
   EXPECT_TRUE(platform.urlOpener.urls.empty());
   EXPECT_TRUE(told.empty()) << "by the failed web hook neither";
   EXPECT_EQ(poster.posted.size(), 2U);
-  std::string recorded;  // The clock stands still: records of both buttons share a file.
-  for (const Dictionary& record : screen.store.dictionariesToRepost()) {
-    const std::string* name = record.findText("btnName");
-    recorded += name != nullptr ? *name : "";
+  std::string recorded;
+  for (const Dictionary& record : callsToAction()) {
+    recorded += *record.findText("btnName");
   }
-  EXPECT_EQ(recorded, "B");
+  EXPECT_EQ(recorded, "AB");
 }
 
 TEST_F(CallToActionTest, AttributesAPressToTheMessageThatWasPressed) {

@@ -202,9 +202,10 @@ class Chance {
   std::mt19937 random_;
   testing::ScopedPlatform fakes_;
   ThreadedQueue worker_;
-  Platform platform_{fakes_.clock,        fakes_.random,     fakes_.files, fakes_.defaults,  fakes_.http,
-                     fakes_.mainLoop,     fakes_.background, worker_,      fakes_.locale,    fakes_.bundle,
-                     fakes_.reachability, fakes_.device,     fakes_.log,   fakes_.urlOpener, fakes_.notifications};
+  Platform platform_{fakes_.clock,  fakes_.random, fakes_.files,     fakes_.defaults,
+                     fakes_.outbox, fakes_.http,   fakes_.mainLoop,  fakes_.background,
+                     worker_,       fakes_.locale, fakes_.bundle,    fakes_.reachability,
+                     fakes_.device, fakes_.log,    fakes_.urlOpener, fakes_.notifications};
   testing::RecordingPoster poster_;
   std::optional<testing::MessageScreen> screen_;
   std::vector<std::size_t> open_;

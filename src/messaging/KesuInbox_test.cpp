@@ -6,6 +6,7 @@
 #include "platform/OrderlyEnd.h"
 #include "records/DefaultsKeys.h"
 #include "support/KesuPriorityLogger.h"
+#include "testing/DeliverAsTaken.h"
 #include "testing/MutatedReplies.h"
 #include "testing/ScopedPlatform.h"
 
@@ -26,6 +27,7 @@ class InboxTest : public ::testing::Test {
     platform.defaults.set(kAppKeyDefault, "key");
     platform.defaults.set(kInstanceIdDefault, "id");
     platform.defaults.set(kInstanceId2Default, "id2");
+    testing::deliverAsTaken(wiring.outbox, wiring.post);
     KesuPriorityLogger::sharedLogger().setLogLevel(3);
   }
   ~InboxTest() override { KesuPriorityLogger::sharedLogger().setLogLevel(0); }
@@ -72,6 +74,7 @@ TEST_F(InboxTest, SendsEachQuestionToItsPath) {
   inbox.kesu_getMessagesForType(Type::Unread, {});
   platform.bundle.dictionary.set("devmode", "true");
   inbox.kesu_getMessageWithContentID("c", "m", {});
+  platform.settle();
   const Strings expected = {"PUT https://m.example:8443/api/inapp/count/",
                             "POST https://m.example:8443/api/inapp/newUnFetched/",
                             "POST https://m.example:8443/api/inapp/getInAppMessages/",
@@ -286,6 +289,7 @@ TEST_F(InboxTest, ServesNothingFromTheCacheWithoutBothIdentifiers) {
   inbox.kesu_getMessageWithContentID("", "m", listen());
   inbox.kesu_getMessageWithContentID("c", "", listen());
   inbox.kesu_getMessageWithContentID(nil, nil, listen());
+  platform.settle();
   EXPECT_TRUE(told.empty());
   EXPECT_EQ(platform.http.requestCount(), 6U);
   EXPECT_EQ(stored(kHeadersDefault), R"([{"mid":"m","contentRead":true}])");
@@ -309,6 +313,7 @@ TEST_F(InboxTest, StoresRepliesAtTheEndAndCallsNoHostInAnExitHandler) {
 TEST_F(InboxTest, KeepsNineteenBodies) {
   for (int i = 0; i < 25; ++i) {
     inbox.kesu_getMessageWithContentID("c", std::to_string(i), listen());
+    platform.settle();
     platform.http.answer(platform.http.requestCount() - 2, 200, "{}");
     platform.settle();
   }
