@@ -39,7 +39,7 @@ class FakeAppendLog final : public AppendLog {
 
   void setPreamble(std::string_view bytes) override {
     const MutexLock lock(mutex_);
-    preamble_ = bytes.size() > kLongestEntry ? std::string_view() : bytes;
+    preamble_ = bytes.size() > kLongestPreamble ? std::string_view() : bytes;
   }
 
   bool read(const Entry& entry, std::string& bytes) override {

@@ -21,7 +21,10 @@ class KESU_API AppendLog {
   using Sequence = std::uint64_t;  ///< The first entry has number 1; 0 is none.
 
   /// Longest entry in bytes.
-  static constexpr std::size_t kLongestEntry = std::size_t{256} * 1024;
+  static constexpr std::size_t kLongestEntry = 1'000'000;
+
+  /// Longest preamble in bytes.
+  static constexpr std::size_t kLongestPreamble = std::size_t{32} * 1024;
 
   /// Names one entry. Valid until the entry is released.
   struct Entry {
@@ -41,8 +44,9 @@ class KESU_API AppendLog {
   virtual ~AppendLog() = default;
 
   /// Opens the log: visits every whole entry that earlier processes left, in the order of their numbers, and makes room
-  /// for new ones. Numbers continue behind `last` and behind every entry found. Called once, before anything else; may
-  /// block for reading. `visit` may release(), and call nothing else.
+  /// for new ones. Numbers continue behind `last` and behind every entry found; released entries up to and including
+  /// `last` may be left out. Called once, before anything else; may block for the disk. `visit` may release(), and call
+  /// nothing else.
   virtual void recover(Sequence last, const std::function<void(const Found&)>& visit) = 0;
 
   /// Appends an entry. Costs a copy; touches the disk only where prepare() was late. Returns nothing when the entry is
@@ -51,7 +55,7 @@ class KESU_API AppendLog {
   virtual std::optional<Entry> append(std::string_view bytes, bool isReleased = false) = 0;
 
   /// Appends the context of the entries that follow, and repeats it wherever a start of reading needs it. One that is
-  /// longer than kLongestEntry counts as none.
+  /// longer than kLongestPreamble counts as none.
   virtual void setPreamble(std::string_view bytes) = 0;
 
   /// Replaces `bytes` by those of an entry that was not released. Returns false when they cannot be read any more.

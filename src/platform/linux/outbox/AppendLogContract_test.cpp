@@ -31,16 +31,25 @@ class FakeLogRig : public LogRig {
 
 class LinuxLogRig : public LogRig {
  public:
+  explicit LinuxLogRig(SegmentAccess access) : access_(access) { restart(); }
   AppendLog& log() override { return *log_; }
   void restart() override {
     log_.reset();
-    log_ = std::make_unique<LinuxAppendLog>(directory_ / "Library/Outbox");
+    log_ = std::make_unique<LinuxAppendLog>(directory_ / "Library/Outbox", access_);
   }
 
  private:
   testing::TemporaryDirectory directory_;
-  std::unique_ptr<LinuxAppendLog> log_ = std::make_unique<LinuxAppendLog>(directory_ / "Library/Outbox");
+  const SegmentAccess access_;
+  std::unique_ptr<LinuxAppendLog> log_;
 };
+
+std::unique_ptr<LogRig> makeRig(const std::string& name) {
+  if (name == "Fake") {
+    return std::make_unique<FakeLogRig>();
+  }
+  return std::make_unique<LinuxLogRig>(name == "Mapped" ? SegmentAccess::Mapped : SegmentAccess::SystemCalls);
+}
 
 class AppendLogContract : public ::testing::TestWithParam<std::string> {
  protected:
@@ -69,8 +78,7 @@ class AppendLogContract : public ::testing::TestWithParam<std::string> {
   }
 
  private:
-  std::unique_ptr<LogRig> rig_ = GetParam() == "Linux" ? std::unique_ptr<LogRig>(std::make_unique<LinuxLogRig>())
-                                                       : std::unique_ptr<LogRig>(std::make_unique<FakeLogRig>());
+  std::unique_ptr<LogRig> rig_ = makeRig(GetParam());
 };
 
 TEST_P(AppendLogContract, FindsEntriesOfAllEarlierProcessesInOrder) {
@@ -116,8 +124,15 @@ TEST_P(AppendLogContract, GivesEachEntryThePreambleInForce) {
   restart();
   EXPECT_EQ(recover(), (Texts{"1 a (first)", "2 b (second)", "3 c"}));
   log().append("d");
+  log().setPreamble(std::string(AppendLog::kLongestPreamble, 'p'));
+  log().append(std::string(AppendLog::kLongestEntry, 'e'));
+  log().setPreamble(std::string(AppendLog::kLongestPreamble + 1, 'p'));
+  log().append("f");
   restart();
-  EXPECT_EQ(recover(), (Texts{"1 a (first)", "2 b (second)", "3 c", "4 d"}));
+  EXPECT_EQ(recover(), (Texts{"1 a (first)", "2 b (second)", "3 c", "4 d",
+                              "5 " + std::string(AppendLog::kLongestEntry, 'e') + " (" +
+                                  std::string(AppendLog::kLongestPreamble, 'p') + ")",
+                              "6 f"}));
 }
 
 TEST_P(AppendLogContract, ReadsEntriesThatWaitAlsoThoseOfEarlierProcesses) {
@@ -163,7 +178,7 @@ TEST_P(AppendLogContract, KeepsNothingBeforeRecovery) {
   EXPECT_EQ(recover(), Texts());
 }
 
-INSTANTIATE_TEST_SUITE_P(Logs, AppendLogContract, ::testing::Values("Linux", "Fake"),
+INSTANTIATE_TEST_SUITE_P(Logs, AppendLogContract, ::testing::Values("Mapped", "SystemCalls", "Fake"),
                          [](const auto& instance) { return instance.param; });
 
 }  // namespace

@@ -10,8 +10,12 @@
 namespace kesu {
 namespace {
 
-// What prepare() keeps ready: the longest entry, or some 800 records. A segment with less room needs a successor.
-constexpr std::uint32_t kAheadBytes = AppendLog::kLongestEntry;
+// What prepare() keeps ready: some 800 records. A segment with less room needs a successor.
+constexpr std::uint32_t kAheadBytes = 256 * 1024;
+
+static_assert(kSegmentHeaderBytes + entryBytes(AppendLog::kLongestPreamble) + entryBytes(AppendLog::kLongestEntry) <=
+                  kSegmentBytes,
+              "an entry fits into a new segment whatever its preamble");
 
 }  // namespace
 
@@ -56,10 +60,8 @@ std::optional<AppendLog::Entry> LinuxAppendLog::append(std::string_view bytes, b
   int error = 0;
   {
     const MutexLock lock(mutex_);
-    if (next_ != 0 && (hasRoom(bytes.size()) || startSegment())) {
-      const Sequence sequence = next_++;
-      const EntryHeader header = makeEntryHeader(EntryKind::Entry, sequence, bytes, isReleased);
-      return Entry{sequence, current_.id, current_.file->append(header, bytes)};
+    if (const auto entry = appendLocked(bytes, isReleased)) {
+      return entry;
     }
     error = roomError_;
   }
@@ -67,40 +69,48 @@ std::optional<AppendLog::Entry> LinuxAppendLog::append(std::string_view bytes, b
   return std::nullopt;
 }
 
+std::optional<AppendLog::Entry> LinuxAppendLog::appendLocked(std::string_view bytes, bool isReleased) {
+  if (next_ == 0 || roomError_ != 0 || (!hasRoom(bytes.size()) && !startSegment())) {
+    return std::nullopt;
+  }
+  const auto offset = current_.file->append(makeEntryHeader(EntryKind::Entry, next_, bytes, isReleased), bytes);
+  if (!offset) {
+    roomError_ = errno;
+    return std::nullopt;
+  }
+  return Entry{next_++, current_.id, *offset};
+}
+
 void LinuxAppendLog::setPreamble(std::string_view bytes) {
   if (isInForkedChild()) {
     return;
   }
-  int error = 0;
-  {
-    const MutexLock lock(mutex_);
-    const std::string_view kept = bytes.size() > kLongestEntry ? std::string_view() : bytes;
-    if (preamble_ == kept) {
-      return;
-    }
-    preamble_ = kept;
-    if (hasRoom(kept.size())) {
-      current_.file->append(makeEntryHeader(EntryKind::Preamble, next_, kept, false), kept);
-    } else if (current_.file) {
-      // Nothing may be appended behind the old preamble: the next entry begins a segment.
-      current_.file.reset();
-      error = startSegment() ? 0 : roomError_;
-    }
+  const MutexLock lock(mutex_);
+  const std::string_view kept = bytes.size() > kLongestPreamble ? std::string_view() : bytes;
+  if (preamble_ == kept) {
+    return;
   }
-  warnings_.failed(OutboxWarnings::Kind::Room, error);
+  preamble_ = kept;
+  if (current_.file && !(hasRoom(kept.size()) && appendPreamble(*current_.file))) {
+    current_.file.reset();  // Nothing may be appended behind the old preamble: the next entry begins a segment.
+  }
+}
+
+bool LinuxAppendLog::appendPreamble(SegmentFile& file) {
+  return file.append(makeEntryHeader(EntryKind::Preamble, next_, preamble_, false), preamble_).has_value();
 }
 
 bool LinuxAppendLog::startSegment() {
-  if (!spare_.file && roomError_ == 0) {
+  if (!spare_.file) {
     roomError_ = createLate();
   }
-  if (!spare_.file) {
+  if (spare_.file && !preamble_.empty() && !appendPreamble(*spare_.file)) {
+    roomError_ = errno;
+  }
+  if (roomError_ != 0) {
     return false;
   }
   current_ = std::exchange(spare_, {});
-  if (!preamble_.empty()) {
-    current_.file->append(makeEntryHeader(EntryKind::Preamble, next_, preamble_, false), preamble_);
-  }
   warnings_.worked(OutboxWarnings::Kind::Room);
   return true;
 }
@@ -160,7 +170,11 @@ void LinuxAppendLog::prepare() {
   }
   const MutexLock background(background_);
   removeDone();
-  makeSpare();
+  const int error = makeSpare();
+  {
+    const MutexLock lock(mutex_);
+    roomError_ = current_.file || spare_.file ? 0 : error;
+  }
   touchAhead();
 }
 
@@ -169,8 +183,9 @@ void LinuxAppendLog::removeDone() {
   std::vector<HeldSegment> full;
   {
     const MutexLock lock(mutex_);
-    if (roomError_ != 0 && current_.file && current_.file->isDone(settled_)) {
-      current_.file.reset();  // There is no room for its successor: it makes some itself.
+    const bool isStuck = roomError_ != 0 || (!spare_.file && !hasRoom(kAheadBytes));
+    if (isStuck && current_.file && current_.file->isDone(settled_)) {
+      current_.file.reset();  // There may be no room for its successor: it makes some itself.
     }
     for (HeldSegment& segment : held_.all()) {
       if (segment.file != current_.file && segment.file != spare_.file) {
@@ -228,7 +243,6 @@ int LinuxAppendLog::makeSpare() {
     if (made.id > current_.id && !spare_.file) {
       spare_ = made;
       held_.add(made);
-      roomError_ = 0;
       return 0;
     }
   }

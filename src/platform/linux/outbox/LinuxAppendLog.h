@@ -18,11 +18,12 @@
 
 namespace kesu {
 
-/// An append log in files of a megabyte that are mapped into memory, so that an append is a copy (docs/outbox.md).
+/// An append log in files of a megabyte that are mapped into memory where that is safe, so that an append is a copy
+/// (docs/outbox.md).
 ///
 /// prepare() keeps the next quarter of a megabyte ready; call it after flush(), which makes pages slow again. When
-/// append() finds no room it makes some itself, once; if that fails, it returns nothing, without a system call, until a
-/// prepare() succeeds. Trouble with the disk is logged once until it is over.
+/// append() finds no room it makes some itself, once; if that or writing fails, it returns nothing, without a system
+/// call, until the next prepare(). Trouble with the disk is logged once until it is over.
 class LinuxAppendLog final : public AppendLog {
  public:
   /// Most segments that a process holds, those taken over included: 64 MB on disk.
@@ -30,7 +31,8 @@ class LinuxAppendLog final : public AppendLog {
 
   /// `directory` is that of all logs of a home, for example "<home>/Library/Outbox"; empty: there is no disk. Nothing
   /// is touched before recover().
-  explicit LinuxAppendLog(std::string directory) : directory_(std::move(directory)) {}
+  explicit LinuxAppendLog(std::string directory, SegmentAccess access = SegmentAccess::WhereSafe)
+      : directory_(std::move(directory), access) {}
 
   void recover(Sequence last, const std::function<void(const Found&)>& visit) override;
   std::optional<Entry> append(std::string_view bytes, bool isReleased = false) override;
@@ -49,8 +51,14 @@ class LinuxAppendLog final : public AppendLog {
     return current_.file && current_.file->hasRoom(length);
   }
 
+  /// Appends to the present segment, or to the next one. Nothing, with roomError_, when that cannot be.
+  std::optional<Entry> appendLocked(std::string_view bytes, bool isReleased) KESU_REQUIRES(mutex_);
+
   /// Goes on in the next segment. False, with roomError_, when there is none and none can be made.
   bool startSegment() KESU_REQUIRES(mutex_);
+
+  /// Appends the present preamble. Returns false, with errno, when the disk does not take it.
+  bool appendPreamble(SegmentFile& file) KESU_REQUIRES(mutex_);
 
   /// Creates the next segment for an append that prepare() did not foresee. Returns an error.
   int createLate() KESU_REQUIRES(mutex_);
@@ -74,7 +82,7 @@ class LinuxAppendLog final : public AppendLog {
   Sequence next_ KESU_GUARDED_BY(mutex_) = 0;  // 0 before recover().
   Sequence settled_ KESU_GUARDED_BY(mutex_) = 0;
   std::string preamble_ KESU_GUARDED_BY(mutex_);
-  int roomError_ KESU_GUARDED_BY(mutex_) = 0;  // Why append() makes no segment itself.
+  int roomError_ KESU_GUARDED_BY(mutex_) = 0;  // Why nothing is appended until the next prepare().
 };
 
 }  // namespace kesu

@@ -163,7 +163,7 @@ std::vector<SegmentName> LogDirectory::foundSegments() const {
   return names;
 }
 
-std::shared_ptr<SegmentFile> LogDirectory::openSegment(const SegmentName& name, SegmentHeader& header) const {
+std::shared_ptr<SegmentFile> LogDirectory::openSegment(const SegmentName& name, SegmentHeader& header) {
   UniqueFd fd(::openat(fd_.get(), segmentName(name).c_str(), kOpenFlags));
   struct stat facts {};
   if (!fd || ::fstat(fd.get(), &facts) != 0 || !S_ISREG(facts.st_mode)) {
@@ -212,7 +212,7 @@ std::shared_ptr<SegmentFile> LogDirectory::createSegment(std::uint32_t number, A
   if (!fd) {
     return nullptr;
   }
-  std::shared_ptr<SegmentFile> file = SegmentFile::create(std::move(fd), name, first);
+  std::shared_ptr<SegmentFile> file = SegmentFile::create(std::move(fd), name, first, access_);
   if (!file) {
     const int error = errno;
     removeSegment(name);
@@ -223,8 +223,9 @@ std::shared_ptr<SegmentFile> LogDirectory::createSegment(std::uint32_t number, A
   return file;
 }
 
-void LogDirectory::removeSegment(const SegmentName& name) const {
+void LogDirectory::removeSegment(const SegmentName& name) {
   ::unlinkat(fd_.get(), segmentName(name).c_str(), 0);
+  isDirty_.store(true, std::memory_order_release);
 }
 
 void LogDirectory::keepLogs(const std::set<std::uint64_t>& logs) {

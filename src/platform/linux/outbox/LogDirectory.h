@@ -6,6 +6,7 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/linux/base/UniqueFd.h"
@@ -20,8 +21,8 @@ namespace kesu {
 /// createSegment(), which any thread may call once beginLog() has succeeded, and flush().
 class LogDirectory {
  public:
-  /// Nothing is touched yet. With an empty path every operation fails.
-  explicit LogDirectory(std::string path) : path_(std::move(path)) {}
+  /// Nothing is touched yet. With an empty path every operation fails. `access` is for what createSegment() makes.
+  LogDirectory(std::string path, SegmentAccess access) : path_(std::move(path)), access_(access) {}
 
   /// Makes and opens the directory. Returns an error.
   int open();
@@ -34,7 +35,7 @@ class LogDirectory {
 
   /// Opens one of them. Null where it is none: a link, a FIFO, a file with another header. Removes a file that its
   /// owner had no time to begin.
-  std::shared_ptr<SegmentFile> openSegment(const SegmentName& name, SegmentHeader& header) const;
+  std::shared_ptr<SegmentFile> openSegment(const SegmentName& name, SegmentHeader& header);
 
   /// Gives this process a log of its own, unless it has one. Opens the directory where that failed before. Returns an
   /// error.
@@ -43,12 +44,15 @@ class LogDirectory {
   /// Creates a segment of the own log. Null with errno on failure.
   std::shared_ptr<SegmentFile> createSegment(std::uint32_t number, AppendLog::Sequence first);
 
-  void removeSegment(const SegmentName& name) const;
+  /// Counts the own log among those taken over; the next beginLog() begins another.
+  void leaveOwnLog() { taken_[ownId_] = std::move(ownLock_); }
+
+  void removeSegment(const SegmentName& name);
 
   /// Removes and unlocks the logs taken over that are not in `logs`.
   void keepLogs(const std::set<std::uint64_t>& logs);
 
-  /// Waits until the disk has the names of new segments; without a system call when it has. Returns an error.
+  /// Waits until the disk knows which segments there are; without a system call when it has. Returns an error.
   int flush();
 
  private:
@@ -60,6 +64,7 @@ class LogDirectory {
   UniqueFd lock(std::uint64_t logId, int flags) const;
 
   const std::string path_;
+  const SegmentAccess access_;
   UniqueFd fd_;
   std::uint64_t ownId_ = 0;
   UniqueFd ownLock_;

@@ -62,8 +62,7 @@ MappedSegment::~MappedSegment() {
   ::munmap(base_, kSegmentBytes);
 }
 
-std::uint32_t MappedSegment::append(const EntryHeader& header, std::string_view bytes) {
-  const std::uint32_t offset = position_;
+void MappedSegment::write(std::uint32_t offset, const EntryHeader& header, std::string_view bytes) {
   char* const at = base_ + offset;
   copyIn(at + sizeof(EntryHeader), bytes.data(), bytes.size());
   copyIn(at + offsetof(EntryHeader, sequence), reinterpret_cast<const char*>(&header.sequence),
@@ -71,8 +70,6 @@ std::uint32_t MappedSegment::append(const EntryHeader& header, std::string_view 
   atomicAt<std::uint32_t>(at + offsetof(EntryHeader, mark)).store(header.mark, std::memory_order_relaxed);
   // Last, so that a process killed on the way leaves nothing but an end.
   atomicAt<std::uint32_t>(at).store(header.kindAndLength, std::memory_order_release);
-  position_ += entryBytes(bytes.size());
-  return offset;
 }
 
 EntryHeader MappedSegment::read(std::uint32_t offset, std::string& bytes) const {

@@ -10,7 +10,7 @@
 namespace kesu {
 
 /// The memory of a segment that this process appends to. All accesses are atomic, so that readers, release marks and
-/// touching need no lock. Appends are serialised by the owner.
+/// touching need no lock. Writes are serialised by the owner. Offsets must be those of entries that fit.
 class MappedSegment {
  public:
   /// Maps a file of kSegmentBytes whose blocks are allocated: a store never raises SIGBUS. Null with errno on failure.
@@ -20,17 +20,11 @@ class MappedSegment {
   MappedSegment(const MappedSegment&) = delete;
   MappedSegment& operator=(const MappedSegment&) = delete;
 
-  /// Whether an entry of `length` bytes fits behind the last one.
-  bool hasRoom(std::size_t length) const { return entryBytes(length) <= kSegmentBytes - position_; }
+  /// Writes an entry behind the last one. Another process that reads the file sees it whole or not at all, whenever
+  /// this one dies.
+  void write(std::uint32_t offset, const EntryHeader& header, std::string_view bytes);
 
-  /// Where the next entry will lie.
-  std::uint32_t position() const { return position_; }
-
-  /// Appends an entry for which there is room; returns its offset. Another process that reads the file sees it whole or
-  /// not at all, whenever this one dies.
-  std::uint32_t append(const EntryHeader& header, std::string_view bytes);
-
-  /// Copies the entry at `offset`, which append() returned. Any thread.
+  /// Copies the entry at `offset`. Any thread.
   EntryHeader read(std::uint32_t offset, std::string& bytes) const;
 
   /// Sets the mark. Returns false when it was set before. Any thread.
@@ -44,7 +38,6 @@ class MappedSegment {
   explicit MappedSegment(char* base) : base_(base) {}
 
   char* const base_;
-  std::uint32_t position_ = kSegmentHeaderBytes;
 };
 
 }  // namespace kesu

@@ -1,6 +1,9 @@
 #include "platform/linux/outbox/SegmentFile.h"
 
 #include <fcntl.h>
+#include <linux/magic.h>
+#include <sys/uio.h>
+#include <sys/vfs.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -49,6 +52,32 @@ int writeAt(int fd, std::uint32_t offset, const char* bytes, std::size_t count) 
   return 0;
 }
 
+constexpr decltype(statfs::f_type) kXfsMagic = 0x58465342;  // Older headers lack it.
+
+// Whether blocks that are allocated are written in place for ever. File systems that write elsewhere may find the disk
+// full when a page is stored into that was flushed before, and raise SIGBUS. What an overlay lies on cannot be told.
+bool writesInPlace(int fd) {
+  struct statfs facts {};
+  return ::fstatfs(fd, &facts) == 0 &&
+         (facts.f_type == EXT4_SUPER_MAGIC || facts.f_type == kXfsMagic || facts.f_type == TMPFS_MAGIC);
+}
+
+// Writes an entry, or nothing at all. One call: it costs more than the copying.
+int writeEntryAt(int fd, std::uint32_t offset, const EntryHeader& header, std::string_view bytes) {
+  EntryHeader start = header;
+  const iovec parts[] = {{&start, sizeof(start)}, {const_cast<char*>(bytes.data()), bytes.size()}};
+  ssize_t written = -1;
+  do {
+    written = ::pwritev(fd, parts, 2, static_cast<off_t>(offset));
+  } while (written < 0 && errno == EINTR);
+  if (written == static_cast<ssize_t>(sizeof(start) + bytes.size())) {
+    return 0;
+  }
+  const int error = written < 0 ? errno : ENOSPC;
+  // A shorter entry must not be followed by the rest of this one.
+  return written > 0 && ::ftruncate(fd, static_cast<off_t>(offset)) != 0 ? errno : error;
+}
+
 // Allocates the blocks, so that neither a store into the mapping nor writing it back can find the disk full.
 int allocate(int fd) {
   int error = EINTR;
@@ -60,16 +89,19 @@ int allocate(int fd) {
 
 }  // namespace
 
-std::shared_ptr<SegmentFile> SegmentFile::create(UniqueFd fd, const SegmentName& name, AppendLog::Sequence first) {
+std::shared_ptr<SegmentFile> SegmentFile::create(UniqueFd fd, const SegmentName& name, AppendLog::Sequence first,
+                                                 SegmentAccess access) {
   const SegmentHeaderBytes header = encodeSegmentHeader({name.logId, name.number, first});
-  int error = allocate(fd.get());
+  const bool isMapped =
+      access == SegmentAccess::Mapped || (access == SegmentAccess::WhereSafe && writesInPlace(fd.get()));
+  int error = isMapped ? allocate(fd.get()) : 0;
   error = error != 0 ? error : writeAt(fd.get(), 0, header.data(), header.size());
   if (error != 0) {
     errno = error;
     return nullptr;
   }
-  std::unique_ptr<MappedSegment> mapping = MappedSegment::map(fd.get());
-  if (!mapping) {
+  std::unique_ptr<MappedSegment> mapping = isMapped ? MappedSegment::map(fd.get()) : nullptr;
+  if (isMapped && !mapping) {
     return nullptr;
   }
   auto file = std::make_shared<SegmentFile>(std::move(fd), name);
@@ -81,11 +113,18 @@ std::shared_ptr<SegmentFile> SegmentFile::create(UniqueFd fd, const SegmentName&
   return file;
 }
 
-std::uint32_t SegmentFile::append(const EntryHeader& header, std::string_view bytes) {
+std::optional<std::uint32_t> SegmentFile::append(const EntryHeader& header, std::string_view bytes) {
+  const std::uint32_t offset = position_;
+  if (writing_ != nullptr) {
+    writing_->write(offset, header, bytes);
+  } else if (const int error = writeEntryAt(fd_.get(), offset, header, bytes)) {
+    errno = error;
+    return std::nullopt;
+  }
+  position_ += entryBytes(bytes.size());
   if (header.kind() == EntryKind::Entry) {
     count(header.sequence, header.mark == kReleasedMark);
   }
-  const std::uint32_t offset = writing_->append(header, bytes);
   isDirty_.store(true, std::memory_order_release);
   return offset;
 }

@@ -4,6 +4,7 @@
 #include <compare>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -22,23 +23,32 @@ struct SegmentName {
   friend auto operator<=>(const SegmentName&, const SegmentName&) = default;
 };
 
-/// One open segment: mapped while this process appends to it, otherwise read and marked by system calls, so that a
-/// failing disk is an error and no signal. Results called "error" are 0 or an error number. Any thread, but for what
-/// says otherwise.
+/// How segments that this process appends to are written.
+enum class SegmentAccess {
+  WhereSafe,   ///< Mapped on file systems that keep allocated blocks where they are, else by system calls.
+  Mapped,      ///< Mapped.
+  SystemCalls  ///< By system calls.
+};
+
+/// One open segment: where that is safe mapped while this process appends to it, otherwise accessed by system calls, so
+/// that a failing disk is an error and no signal. Results called "error" are 0 or an error number. Any thread, but for
+/// what says otherwise.
 class SegmentFile {
  public:
   /// Opens a segment of an earlier process.
   SegmentFile(UniqueFd fd, const SegmentName& name) : name_(name), fd_(std::move(fd)) {}
 
   /// Makes `fd`, an empty file, a segment to append to. Null with errno on failure.
-  static std::shared_ptr<SegmentFile> create(UniqueFd fd, const SegmentName& name, AppendLog::Sequence first);
+  static std::shared_ptr<SegmentFile> create(UniqueFd fd, const SegmentName& name, AppendLog::Sequence first,
+                                             SegmentAccess access);
 
   const SegmentName& name() const { return name_; }
 
-  /// Appending; serialised by the owner, and only until unmap().
-  bool hasRoom(std::size_t length) const { return writing_->hasRoom(length); }
-  std::uint32_t position() const { return writing_->position(); }
-  std::uint32_t append(const EntryHeader& header, std::string_view bytes);
+  /// Appending; serialised by the owner, and only until unmap(). An entry for which there is room; returns its offset,
+  /// or nothing with errno when the disk does not take it.
+  bool hasRoom(std::size_t length) const { return entryBytes(length) <= kSegmentBytes - position_; }
+  std::uint32_t position() const { return position_; }
+  std::optional<std::uint32_t> append(const EntryHeader& header, std::string_view bytes);
 
   /// Counts an entry of an earlier process. Serialised by the owner.
   void count(AppendLog::Sequence sequence, bool isReleased);
@@ -81,6 +91,7 @@ class SegmentFile {
   mutable Mutex mutex_;
   std::shared_ptr<MappedSegment> mapping_ KESU_GUARDED_BY(mutex_);
   MappedSegment* writing_ = nullptr;  // The same, for appends: they take one mutex less.
+  std::uint32_t position_ = kSegmentHeaderBytes;
   AppendLog::Sequence last_ = 0;
   std::uint32_t prepared_ = 0;  // Up to here every page was touched once.
   std::atomic<std::uint32_t> waiting_{0};
