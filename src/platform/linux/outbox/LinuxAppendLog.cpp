@@ -5,6 +5,7 @@
 #include <set>
 #include <utility>
 
+#include "platform/linux/outbox/LogCompaction.h"
 #include "platform/linux/outbox/LogRecovery.h"
 
 namespace kesu {
@@ -27,6 +28,7 @@ void LinuxAppendLog::recover(Sequence last, const std::function<void(const Found
   LogRecovery recovery;
   if (directory_.open() == 0) {
     directory_.takeOver();
+    compactLogs(directory_, last);
     for (const SegmentName& name : directory_.foundSegments()) {
       SegmentHeader header;
       if (auto file = directory_.openSegment(name, header)) {

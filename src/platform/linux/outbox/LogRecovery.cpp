@@ -17,10 +17,9 @@ int LogRecovery::run(const Visit& visit) {
       return left.second.sequence() < right.second.sequence();
     });
     Log& log = next->second;
-    if (log.item) {
-      visitItem(log, visit);
-    }
-    const int error = advance(log);
+    int error = log.item ? visitItem(log, visit) : 0;
+    result = error != 0 ? error : result;
+    error = advance(log);
     result = error != 0 ? error : result;
     if (log.at == log.segments.size()) {
       logs_.erase(next);
@@ -51,12 +50,29 @@ int LogRecovery::advance(Log& log) {
   return error;
 }
 
-void LogRecovery::visitItem(Log& log, const Visit& visit) {
+bool LogRecovery::isCopy(const SegmentReader::Item& item) {
+  if (item.sequence != latest_) {
+    latest_ = item.sequence;
+    latestWaiting_.clear();
+  }
+  if (item.isReleased) {
+    return false;
+  }
+  const bool isKnown = std::find(latestWaiting_.begin(), latestWaiting_.end(), item.checksum) != latestWaiting_.end();
+  latestWaiting_.push_back(item.checksum);
+  return isKnown;
+}
+
+int LogRecovery::visitItem(const Log& log, const Visit& visit) {
   const SegmentReader::Item& item = *log.item;
   const Segment& segment = log.segments[log.at];
   highest_ = std::max(highest_, item.sequence);
   segment.file->count(item.sequence, item.isReleased);
+  if (isCopy(item)) {
+    return segment.file->release(item.offset);
+  }
   visit({{item.sequence, segment.id, item.offset}, item.isReleased, log.preamble, item.bytes});
+  return 0;
 }
 
 }  // namespace kesu

@@ -16,7 +16,8 @@
 namespace kesu {
 
 /// Reads the logs of earlier processes as one: entries in the order of their numbers, those of the older log first
-/// where numbers are equal. Reads one segment per log at a time. Confined to one thread.
+/// where numbers are equal. Of several copies of one entry, the first that was not released counts; the others are
+/// marked as released. Reads one segment per log at a time. Confined to one thread.
 class LogRecovery {
  public:
   using Visit = std::function<void(const AppendLog::Found&)>;
@@ -52,10 +53,15 @@ class LogRecovery {
 
   /// Goes on to the next entry of the present segment, or to the next segment. Returns an error.
   int advance(Log& log);
-  void visitItem(Log& log, const Visit& visit);
+  int visitItem(const Log& log, const Visit& visit);
+
+  /// Whether this entry was visited before and waits.
+  bool isCopy(const SegmentReader::Item& item);
 
   std::map<std::uint64_t, Log> logs_;
   AppendLog::Sequence highest_ = 0;
+  AppendLog::Sequence latest_ = 0;            // The number visited last.
+  std::vector<std::uint64_t> latestWaiting_;  // The checksums of the entries of that number that wait.
 };
 
 }  // namespace kesu

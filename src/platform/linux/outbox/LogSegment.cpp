@@ -121,15 +121,19 @@ std::optional<EntryHeader> SegmentReader::headerHere() const {
 
 std::optional<SegmentReader::Item> SegmentReader::next() {
   while (const auto header = headerHere()) {
-    const Item item{header->kind(), static_cast<std::uint32_t>(offset_), header->sequence,
-                    header->mark == kReleasedMark, segment_.substr(offset_ + sizeof(EntryHeader), header->length())};
+    const Item item{header->kind(),
+                    static_cast<std::uint32_t>(offset_),
+                    header->sequence,
+                    header->checksum,
+                    header->mark == kReleasedMark,
+                    segment_.substr(offset_ + sizeof(EntryHeader), header->length())};
     offset_ += entryBytes(header->length());
     const bool isGood = isWhole(*header, item.bytes) && item.sequence >= next_ && item.sequence <= kHighestSequence;
     if (item.kind == EntryKind::Preamble) {
       isPreambleLost_ = !isGood;
     }
     if (isGood && !isPreambleLost_) {
-      next_ = item.kind == EntryKind::Entry ? item.sequence + 1 : item.sequence;
+      next_ = item.sequence;
       return item;
     }
   }

@@ -71,6 +71,7 @@ class SegmentReader {
     EntryKind kind = EntryKind::Entry;
     std::uint32_t offset = 0;
     AppendLog::Sequence sequence = 0;
+    std::uint64_t checksum = 0;
     bool isReleased = false;
     std::string_view bytes;
   };

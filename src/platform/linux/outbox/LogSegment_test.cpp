@@ -117,17 +117,17 @@ TEST(LogSegment, ReadsUpToTheEndAndSkipsWhatIsDamaged) {
   }
 }
 
-TEST(LogSegment, NumbersRiseFromThatOfTheHeader) {
+TEST(LogSegment, NumbersNeverFallBelowThatOfTheHeaderOrTheEntryBefore) {
   SegmentText segment(5);
   segment.add(4, "a");
   segment.add(6, "b");
   segment.add(6, "c");
-  segment.add(6, "late", EntryKind::Preamble);
+  segment.add(5, "late", EntryKind::Preamble);
   segment.add(7, "d");
   segment.add(8, "e", EntryKind::Preamble);
   segment.add(9, "f");
   segment.add(~AppendLog::Sequence{0}, "g");
-  EXPECT_EQ(contentOf(segment.bytes()), "6b (e) 9f ");
+  EXPECT_EQ(contentOf(segment.bytes()), "6b 6c (e) 9f ");
 }
 
 }  // namespace
