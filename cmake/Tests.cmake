@@ -68,3 +68,22 @@ if(popup_sources AND NOT KESU_SANITIZE STREQUAL "thread")
   target_compile_definitions(popup_test PRIVATE KESU_EXAMPLE_MESSAGES="${CMAKE_SOURCE_DIR}/examples/messages"
     KESU_GOLDEN_PICTURES="${CMAKE_SOURCE_DIR}/tests/golden")
 endif()
+
+# What survives kills and failing disks: a host of its own, which tests start, kill and let fail.
+add_executable(kesu_test_host ${CMAKE_SOURCE_DIR}/tests/faults/host/main.cpp)
+target_link_libraries(kesu_test_host PRIVATE kesu_warnings kesu::static ${KESU_SYSTEM_LIBRARIES})
+file(GLOB fault_sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/faults/*.cpp)
+if(KESU_SANITIZE)  # Sanitizers want to be the first library that is loaded.
+  list(FILTER fault_sources EXCLUDE REGEX "FailingDisk_test\\.cpp$")
+else()
+  add_library(kesu_faulty_calls MODULE ${CMAKE_SOURCE_DIR}/tests/faults/preload/FaultyCalls.cpp)
+  target_link_libraries(kesu_faulty_calls PRIVATE kesu_warnings ${CMAKE_DL_LIBS})
+  set_target_properties(kesu_faulty_calls PROPERTIES CXX_VISIBILITY_PRESET default)
+endif()
+kesu_add_test(fault_test FOLDERS foundation LABELS concurrent SOURCES ${fault_sources})
+add_dependencies(fault_test kesu_test_host)
+target_compile_definitions(fault_test PRIVATE KESU_TEST_HOST="$<TARGET_FILE:kesu_test_host>")
+if(TARGET kesu_faulty_calls)
+  add_dependencies(fault_test kesu_faulty_calls)
+  target_compile_definitions(fault_test PRIVATE KESU_FAULTY_CALLS="$<TARGET_FILE:kesu_faulty_calls>")
+endif()
