@@ -39,7 +39,8 @@ HostClock::time_point after(double seconds) {
 }  // namespace
 
 HostProcess::HostProcess(const std::string& home, const std::string& collectorUrl,
-                         const std::vector<std::string>& commands, const std::vector<std::string>& environment) {
+                         const std::vector<std::string>& commands, const std::vector<std::string>& environment)
+    : home_(home) {
   std::vector<std::string> arguments = {KESU_TEST_HOST, home, collectorUrl};
   arguments.insert(arguments.end(), commands.begin(), commands.end());
   std::vector<std::string> variables = environment;
@@ -84,6 +85,11 @@ bool HostProcess::waitForLine(const std::string& line, double seconds) {
     if (!readSome(secondsUntil(end))) {
       return false;
     }
+  }
+}
+
+void HostProcess::readLines() {
+  while (readSome(0)) {
   }
 }
 

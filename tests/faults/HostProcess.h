@@ -23,6 +23,9 @@ class HostProcess {
   /// Reads until the host has written that line; false when it ended before, or after `seconds`.
   bool waitForLine(const std::string& line, double seconds = 60);
 
+  /// Reads what it has written by now.
+  void readLines();
+
   /// Ends the command "serve".
   void closeInput();
 
@@ -34,6 +37,7 @@ class HostProcess {
   int wait(double seconds = 60);
 
   pid_t id() const { return process_; }
+  const std::string& home() const { return home_; }
 
   /// The lines read so far.
   const std::vector<std::string>& lines() const { return lines_; }
@@ -45,6 +49,7 @@ class HostProcess {
   bool readSome(double seconds);
   void reap();
 
+  const std::string home_;
   pid_t process_ = -1;
   int input_ = -1;
   int output_ = -1;

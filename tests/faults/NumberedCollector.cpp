@@ -79,7 +79,11 @@ void NumberedCollector::accept(const std::string& body) {
     others_.emplace_back();
     return;
   }
-  ++byIdentifier_[textOf(*record, "msg_id")];
+  const std::string identifier = textOf(*record, "msg_id");
+  const bool isFirstOfRound = ofThisRound_.insert(identifier).second;
+  round_.repeats += isFirstOfRound ? 0U : 1U;
+  round_.copies += isFirstOfRound && byIdentifier_.contains(identifier) ? 1U : 0U;
+  ++byIdentifier_[identifier];
   const Value* number = record->find("n");
   if (number != nullptr && number->integer() != nullptr) {
     ++byNumber_[*number->integer()];
@@ -120,13 +124,19 @@ std::vector<Dictionary> NumberedCollector::others(std::size_t count, double seco
   return others_;
 }
 
-std::set<std::string> NumberedCollector::identities(std::int64_t first) {
-  std::set<std::string> found;
+std::map<std::int64_t, std::string> NumberedCollector::identities() {
   const MutexLock lock(mutex_);
-  for (auto record = identities_.lower_bound(first); record != identities_.end(); ++record) {
-    found.insert(record->second);
+  return identities_;
+}
+
+NumberedCollector::Round NumberedCollector::endRound() {
+  constexpr std::chrono::seconds kPatience(60);
+  if (!server_.waitForConnections(0, kPatience)) {
+    throw std::runtime_error("NumberedCollector: a sender is still there");
   }
-  return found;
+  const MutexLock lock(mutex_);
+  ofThisRound_.clear();
+  return std::exchange(round_, {});
 }
 
 }  // namespace kesu::testing

@@ -47,8 +47,17 @@ class NumberedCollector {
   /// The accepted records that have none, in the order of their arrival. Waits for `count` of them at most `seconds`.
   std::vector<Dictionary> others(std::size_t count = 0, double seconds = 0);
 
-  /// The identities of the installation in the accepted records with numbers from `first` on.
-  std::set<std::string> identities(std::int64_t first = 0);
+  /// The identity of the installation in each record with a number.
+  std::map<std::int64_t, std::string> identities();
+
+  /// What was accepted since the last round.
+  struct Round {
+    std::size_t copies = 0;   ///< Records that an earlier round had accepted.
+    std::size_t repeats = 0;  ///< Records accepted more than once in this round.
+  };
+
+  /// Ends a round, once every connection has ended: its senders must be gone.
+  Round endRound();
 
  private:
   loopback::Reply handle(loopback::Request& request);
@@ -61,6 +70,8 @@ class NumberedCollector {
   std::map<std::string, int> byIdentifier_ KESU_GUARDED_BY(mutex_);
   std::vector<Dictionary> others_ KESU_GUARDED_BY(mutex_);
   std::map<std::int64_t, std::string> identities_ KESU_GUARDED_BY(mutex_);
+  std::set<std::string> ofThisRound_ KESU_GUARDED_BY(mutex_);
+  Round round_ KESU_GUARDED_BY(mutex_);
   loopback::Server server_;
 };
 

@@ -4,9 +4,12 @@
 //   launch, background, foreground, end (willTerminate), crash
 //   post=FIRST,COUNT     posts numbered events
 //   flood=FIRST[,quiet]  posts numbered events until it is killed; quiet: without a turn of the main loop
+//   steady=FIRST,COUNT   posts that many numbered events a second until standard input is closed; now and then in the
+//                        background
 //   threads=FIRST,COUNT  posts from that many threads until the host ends
 //   screen=NAME, gone=NAME, event=NAME
 //   forks=COUNT          forks that many children, one after the other, which post; each must end in time
+//   stored=COUNT         gives the main loop its turns until so many records are stored
 //   turns=MILLISECONDS   gives the main loop its turns for that long
 //   serve                gives the main loop its turns until standard input is closed
 // It writes a line for each command that is done, "ack NUMBER" for each numbered event once the call has returned, and
@@ -20,9 +23,11 @@
 #include <atomic>
 #include <chrono>
 #include <cstdlib>
-#include <optional>
+#include <filesystem>
 #include <string>
+#include <system_error>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -44,6 +49,8 @@ void post(std::int64_t number) {
 
 class Host {
  public:
+  explicit Host(std::string home) : home_(std::move(home)) {}
+
   void run(const std::string& command) {
     const std::size_t equals = command.find('=');
     const std::string name = command.substr(0, equals);
@@ -90,6 +97,8 @@ class Host {
       }
     } else if (name == "flood") {
       flood(first, second == "quiet");
+    } else if (name == "steady") {
+      postSteadily(first, count);
     } else if (name == "threads") {
       startThreads(first, count);
     } else if (name == "screen") {
@@ -101,9 +110,12 @@ class Host {
     } else if (name == "forks") {
       fork(first);
     } else if (name == "turns") {
-      serve(std::chrono::milliseconds(first));
+      const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(first);
+      giveTurnsUntil([end] { return std::chrono::steady_clock::now() > end; }, false);
+    } else if (name == "stored") {
+      giveTurnsUntil([this, first] { return storedCount() >= first; });
     } else if (name == "serve") {
-      serve();
+      giveTurnsUntil([] { return false; });
     } else if (name == "crash") {
       ::raise(SIGKILL);
     } else {
@@ -149,20 +161,46 @@ class Host {
     }
   }
 
-  static void serve(std::optional<std::chrono::milliseconds> length = std::nullopt) {
+  static void postSteadily(std::int64_t first, std::int64_t perSecond) {
+    constexpr std::int64_t kSecondsOfSession = 10;
     const auto start = std::chrono::steady_clock::now();
-    kesu::MainLoop& mainLoop = kesu::MainLoop::shared();
-    for (;;) {
-      pollfd sources[] = {{.fd = STDIN_FILENO, .events = POLLIN, .revents = 0},
-                          {.fd = mainLoop.fd(), .events = POLLIN, .revents = 0}};
-      ::poll(sources, std::size(sources), 20);
-      mainLoop.pump();
-      if (length ? std::chrono::steady_clock::now() - start > *length : sources[0].revents != 0) {
-        return;
+    std::int64_t number = first;
+    giveTurnsUntil([&] {
+      const std::chrono::duration<double> passed = std::chrono::steady_clock::now() - start;
+      const auto due = first + static_cast<std::int64_t>(passed.count() * static_cast<double>(perSecond));
+      for (; number < due; ++number) {
+        post(number);
+        if (number % (kSecondsOfSession * perSecond) == 0) {
+          callApplication("background");
+          callApplication("foreground");
+        }
       }
+      return false;
+    });
+  }
+
+  std::int64_t storedCount() const {
+    std::int64_t count = 0;
+    std::error_code error;
+    for (const auto& entry : std::filesystem::directory_iterator(home_ + "/Documents", error)) {
+      count += entry.path().extension() == ".kesuCache" ? 1 : 0;
+    }
+    return count;
+  }
+
+  template <typename IsDone>
+  static void giveTurnsUntil(const IsDone& isDone, bool endsWithInput = true) {
+    constexpr int kMostMilliseconds = 10;
+    kesu::MainLoop& mainLoop = kesu::MainLoop::shared();
+    pollfd sources[] = {{.fd = mainLoop.fd(), .events = POLLIN, .revents = 0},
+                        {.fd = endsWithInput ? STDIN_FILENO : -1, .events = POLLIN, .revents = 0}};
+    while (!isDone() && sources[1].revents == 0) {
+      ::poll(sources, std::size(sources), kMostMilliseconds);
+      mainLoop.pump();
     }
   }
 
+  const std::string home_;
   std::atomic<bool> isEnding_{false};
   std::vector<std::thread> threads_;
 };
@@ -176,13 +214,16 @@ int main(int argc, char** argv) {
   kesu::PlatformOptions options;
   options.homeDirectory = argv[1];
   options.collectorUrl = argv[2];
+  if (const char* bundle = std::getenv("KESU_TEST_BUNDLE")) {  // A directory with Info.plist.
+    options.bundlePath = bundle;
+  }
   options.logSink = [](int level, std::string_view text) {
     writeLine("log " + std::to_string(level) + " " + std::string(text));
   };
   kesu::installLinuxPlatform(options);
   kesu::Kesu::initialize("key");
   writeLine("initialised");
-  Host host;
+  Host host(argv[1]);
   for (int argument = 3; argument < argc; ++argument) {
     host.run(argv[argument]);
   }

@@ -269,6 +269,10 @@ extern "C" int flock(int descriptor, int operation) noexcept {
 
 extern "C" int mkdir(const char* path, mode_t mode) noexcept {
   static auto* const real = next<int(const char*, mode_t)>("mkdir");
+  // What exists is noticed before anything else.
+  if (::syscall(SYS_faccessat, AT_FDCWD, path, F_OK) == 0) {
+    return real(path, mode);
+  }
   return checked(faultOf("mkdir", path, {ENOSPC, EIO, EROFS, EACCES}), [&] { return real(path, mode); });
 }
 
