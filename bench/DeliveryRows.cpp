@@ -15,7 +15,6 @@
 #include "Stopwatch.h"
 #include "delivery/CollectorRequest.h"
 #include "facade/Wiring.h"
-#include "foundation/Json.h"
 #include "platform/linux/http/LinuxHttpClient.h"
 #include "tools/loopback/Certificate.h"
 #include "tools/loopback/Server.h"
@@ -173,8 +172,7 @@ void measureDelivery(Figures& figures) {
 void measureDeliveryOverTls(Figures& figures) {
   const Scratch directory;
   const Scratch home;
-  std::string body;
-  writeJson(collectorBody(usualRecord(1), secondsNow()), body);
+  const std::string body = collectorRequest(usualRecord(1), secondsNow(), {})->body;
   const loopback::Certificate certificate = loopback::Certificate::selfSigned("localhost");
   const std::string caFile = directory / "trusted.pem";
   certificate.save(caFile);

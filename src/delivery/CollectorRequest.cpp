@@ -1,9 +1,13 @@
 #include "delivery/CollectorRequest.h"
 
+#include <algorithm>
+#include <forward_list>
 #include <utility>
+#include <vector>
 
 #include "foundation/Describe.h"
 #include "foundation/NumberText.h"
+#include "records/Destinations.h"
 #include "records/RecordKeys.h"
 #include "records/Versions.h"
 #include "services/ServiceRequest.h"
@@ -11,6 +15,8 @@
 
 namespace kesu {
 namespace {
+
+constexpr std::size_t kHeaders = 5;  // Of a request, with those of jsonRequest().
 
 bool isSendable(const Value& value) {
   switch (value.kind()) {
@@ -29,13 +35,21 @@ bool isSendable(const Value& value) {
   return false;
 }
 
-Value describedUnlessSendable(const Value& value) {
-  if (isSendable(value)) {
-    return value;
-  }
+Value described(const Value& value) {
   std::string description = describe(value);
   KESU_LOG(0, "Unsupported class being passed to NSDictionary, and which is %s", description.c_str());
   return description;
+}
+
+// As Dictionary::set(): an existing field keeps its place.
+void setField(std::vector<JsonField>& fields, std::string_view key, const Value& value) {
+  const auto found =
+      std::find_if(fields.begin(), fields.end(), [&](const JsonField& field) { return field.key == key; });
+  if (found == fields.end()) {
+    fields.push_back({key, &value});
+  } else {
+    found->value = &value;
+  }
 }
 
 }  // namespace
@@ -44,31 +58,31 @@ void optimizeDictionary(Dictionary& record) {
   record.removeIf([](const Dictionary::Entry& entry) { return entry.value.isNull(); });
 }
 
-Dictionary collectorBody(const Dictionary& record, double sentAt) {
-  Dictionary body;
-  body.reserve(record.size() + 1);
+std::optional<HttpRequest> collectorRequest(const Dictionary& record, double sentAt, std::string url) {
+  std::vector<JsonField> body;  // Refers to the record: a copy would cost as much as writing it.
+  std::forward_list<Value> descriptions;
+  body.reserve(record.size() + 2);
   for (const auto& [key, value] : record) {
     if (key != k_destinationKeyInDictionary && key != k_keyFilename) {
-      body.set(key, describedUnlessSendable(value));
+      body.push_back({key, isSendable(value) ? &value : &descriptions.emplace_front(described(value))});
     }
   }
-  body.set(k_AgentSentEpoch, milliseconds(sentAt));
-  const std::string* interruptedAt = record.findText(k_CrashedOrForcedQuitTimestamp);
-  if (interruptedAt != nullptr && !interruptedAt->empty()) {
-    body.set(k_AgentCollectionEpoch, *interruptedAt);
+  const Value sent = milliseconds(sentAt);
+  setField(body, k_AgentSentEpoch, sent);
+  const Value* interruptedAt = record.find(k_CrashedOrForcedQuitTimestamp);
+  if (interruptedAt != nullptr && interruptedAt->text() != nullptr && !interruptedAt->text()->empty()) {
+    setField(body, k_AgentCollectionEpoch, *interruptedAt);
   }
-  return body;
-}
-
-std::optional<HttpRequest> collectorRequest(const Dictionary& body, const std::string& destination,
-                                            const std::string& url) {
-  auto request = jsonRequest(body, "POST", url);
-  if (request) {  // In front of those of jsonRequest, as the collector has always received them.
-    request->headers.insert(request->headers.begin(), {{std::string(k_TableName), destination},
-                                                       {std::string(k_FullVersionKeyForHeader), fullVersionText()}});
-    request->ignoresBody = true;  // A collector that answers at length has the record all the same.
-  }
-  return request;
+  const std::string* destination = record.findText(k_destinationKeyInDictionary);
+  HttpRequest request;
+  request.method = "POST";
+  request.url = std::move(url);
+  request.headers.reserve(kHeaders);
+  request.headers.emplace_back(k_TableName,
+                               destination != nullptr ? std::string_view(*destination) : kUnknownDestination);
+  request.headers.emplace_back(k_FullVersionKeyForHeader, fullVersionText());
+  request.ignoresBody = true;  // A collector that answers at length has the record all the same.
+  return jsonRequest(body, std::move(request));
 }
 
 }  // namespace kesu

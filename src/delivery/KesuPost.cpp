@@ -4,7 +4,6 @@
 
 #include "delivery/CollectorRequest.h"
 #include "foundation/Describe.h"
-#include "records/Destinations.h"
 #include "records/RecordKeys.h"
 #include "records/Versions.h"
 #include "support/KesuPriorityLogger.h"
@@ -33,10 +32,7 @@ std::string KesuPost::postURL(const std::string& /*destination*/) {
 
 std::optional<HttpRequest> KesuPost::requestFromDictionary(Dictionary& record) {
   optimizeDictionary(record);
-  const Dictionary body = collectorBody(record, clock_.now());
-  const std::string* named = record.findText(k_destinationKeyInDictionary);
-  const std::string destination = named != nullptr ? *named : std::string(kUnknownDestination);
-  return collectorRequest(body, destination, postURL(destination));
+  return collectorRequest(record, clock_.now(), postURL({}));
 }
 
 void KesuPost::send(Dictionary record, const Outbox::Ticket& ticket) {

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -30,6 +31,15 @@ enum class JsonStatus {
 /// records keeps one string. The status doubles as the test "is this a valid JSON object?". A real without fraction is
 /// written as the integer it equals ("4"), therefore it is read back as one. Any thread.
 JsonStatus writeJson(const Dictionary& dictionary, std::string& out);
+
+/// One entry of an object whose entries are not in one dictionary. Refers to its key and its value.
+struct JsonField {
+  std::string_view key;
+  const Value* value = nullptr;  ///< Never null.
+};
+
+/// The same for such entries; their keys differ.
+JsonStatus writeJson(std::span<const JsonField> fields, std::string& out);
 
 /// The same for any value; a text or a number alone is a JSON text too.
 JsonStatus writeJson(const Value& value, std::string& out);

@@ -50,6 +50,36 @@ TEST(WriteJsonTest, EscapesWhatJsonReservesAndNothingElse) {
   EXPECT_EQ(written(Dictionary{{"a\"b", 1}}), R"({"a\"b":1})");
 }
 
+TEST(WriteJsonTest, FindsWhatToEscapeAtAnyPlace) {
+  for (std::size_t place = 0; place < 20; ++place) {
+    for (int byte = 0; byte < 0x80; ++byte) {
+      std::string text(20, 'a');
+      text[place] = static_cast<char>(byte);
+      const bool isEscaped = byte < 0x20 || byte == '"' || byte == '\\';
+      const std::string wanted = '"' + text + '"';
+      ASSERT_EQ(written(text) != wanted, isEscaped) << place << "/" << byte;
+      ASSERT_EQ(parseJson(written(text)), Value(text)) << place << "/" << byte;
+    }
+    std::string text(20, '"');
+    text[place] = '\xE4';
+    std::string out;
+    ASSERT_EQ(writeJson(Value(text), out), JsonStatus::BadText) << place;
+  }
+}
+
+TEST(WriteJsonTest, WritesFieldsAsTheDictionaryTheyWouldMake) {
+  const Dictionary record{{"b", std::string(500, '\n')}, {"a", Array{1, Dictionary{{"z", ""}}}}, {"", 1e300}};
+  std::vector<JsonField> fields;
+  for (const auto& [key, value] : record) {
+    fields.push_back({key, &value});
+  }
+  std::string out = "left over";
+  EXPECT_EQ(writeJson(fields, out), JsonStatus::Ok);
+  EXPECT_EQ(out, written(record));
+  EXPECT_EQ(writeJson(std::span<const JsonField>(), out), JsonStatus::Ok);
+  EXPECT_EQ(out, "{}");
+}
+
 TEST(WriteJsonTest, RefusesWhatJsonCannotCarry) {
   const std::vector<std::pair<Value, JsonStatus>> rows = {
       {Date{0}, JsonStatus::NotValid},         {Data{1}, JsonStatus::NotValid},

@@ -156,6 +156,9 @@ std::size_t Dictionary::position(std::string_view key) const {
 }
 
 void Dictionary::addToIndex(std::size_t position) {
+  if (entries_.size() <= kEntriesWithoutIndex) {
+    return;
+  }
   if (entries_.size() * 2 > index_.size()) {
     rebuildIndex();
     return;

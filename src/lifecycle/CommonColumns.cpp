@@ -1,6 +1,6 @@
 #include "lifecycle/CommonColumns.h"
 
-#include <string>
+#include <utility>
 
 #include "foundation/NumberText.h"
 #include "records/DefaultsKeys.h"
@@ -24,22 +24,46 @@ std::optional<Value> userIdentifier(UserDefaults& defaults) {
 
 }  // namespace
 
-void setOrRemove(Dictionary& record, std::string_view key, const std::optional<std::string>& text) {
+void setOrRemove(Dictionary& record, std::string_view key, std::optional<std::string> text) {
   if (text) {
-    record.set(key, *text);
+    record.set(key, std::move(*text));
   } else {
     record.remove(key);
   }
 }
 
+CommonColumns::Origin CommonColumns::ownOrigin() {
+  AppInstance::Identity identity = instance_.identity();
+  return {.appKey = std::move(identity.appKey),
+          .id = std::move(identity.id),
+          .id2 = std::move(identity.id2),
+          .bundleVersion = platform_.bundle.infoText("CFBundleVersion"),
+          .shortVersion = platform_.bundle.infoText("CFBundleShortVersionString"),
+          .systemVersion = metrics_.systemVersion()};
+}
+
+CommonColumns::Origin CommonColumns::originIn(const Dictionary& context) {
+  const auto text = [&context](std::string_view key) {
+    const std::string* found = context.findText(key);
+    return found != nullptr ? std::optional(*found) : std::nullopt;
+  };
+  return {.appKey = text(k_KesuAppKey),
+          .id = text(k_KesuAppInstanceId),
+          .id2 = text(k_KesuAppInstanceId2),
+          .bundleVersion = text(k_CFBundleVersion),
+          .shortVersion = text(k_CFBundleShortVersionString),
+          .systemVersion = text(k_OsVersion)};
+}
+
 Dictionary CommonColumns::context() {
-  const AppInstance::Identity identity = instance_.identity();
-  Dictionary context = {{std::string(k_KesuAppKey), identity.appKey},
-                        {std::string(k_KesuAppInstanceId), identity.id},
-                        {std::string(k_KesuAppInstanceId2), identity.id2}};
-  setOrRemove(context, k_CFBundleVersion, platform_.bundle.infoText("CFBundleVersion"));
-  setOrRemove(context, k_CFBundleShortVersionString, platform_.bundle.infoText("CFBundleShortVersionString"));
-  setOrRemove(context, k_OsVersion, metrics_.systemVersion());
+  Origin own = ownOrigin();
+  Dictionary context;
+  setOrRemove(context, k_KesuAppKey, std::move(own.appKey));
+  setOrRemove(context, k_KesuAppInstanceId, std::move(own.id));
+  setOrRemove(context, k_KesuAppInstanceId2, std::move(own.id2));
+  setOrRemove(context, k_CFBundleVersion, std::move(own.bundleVersion));
+  setOrRemove(context, k_CFBundleShortVersionString, std::move(own.shortVersion));
+  setOrRemove(context, k_OsVersion, std::move(own.systemVersion));
   return context;
 }
 
@@ -48,21 +72,12 @@ void CommonColumns::addCommonColumnsToDictionary(Dictionary& record, const Pendi
   if (!pending.hasContext) {
     return;
   }
-  const Dictionary own = context == nullptr ? this->context() : Dictionary();
-  const Dictionary& origin = context == nullptr ? own : *context;
-  const auto copy = [&](std::string_view key) {
-    const Value* value = origin.find(key);
-    if (value != nullptr) {
-      record.set(key, *value);
-    } else {
-      record.remove(key);
-    }
-  };
+  Origin origin = context == nullptr ? ownOrigin() : originIn(*context);
   record.reserve(record.size() + kMostColumns);
   record.set(k_destinationKeyInDictionary, std::string(1, pending.destination));
-  copy(k_KesuAppKey);
+  setOrRemove(record, k_KesuAppKey, std::move(origin.appKey));
   record.set(k_FullVersionKeyForBody, fullVersionText());
-  copy(k_KesuAppInstanceId);
+  setOrRemove(record, k_KesuAppInstanceId, std::move(origin.id));
   record.set(k_AgentCollectionEpoch, milliseconds(pending.moment));
   record.set(k_AgentSentEpoch, "");  // Keeps its place; the poster sets it when it sends.
   record.set(k_CommonMsgId, base64Uuid(pending.identifier));
@@ -73,9 +88,9 @@ void CommonColumns::addCommonColumnsToDictionary(Dictionary& record, const Pendi
     record.set(kUserIdentifierKey, std::move(*identifier));
   }
   record.set(k_LocalDeviceTime, metrics_.formattedDate(pending.moment));
-  copy(k_CFBundleVersion);
-  copy(k_CFBundleShortVersionString);
-  copy(k_OsVersion);
+  setOrRemove(record, k_CFBundleVersion, std::move(origin.bundleVersion));
+  setOrRemove(record, k_CFBundleShortVersionString, std::move(origin.shortVersion));
+  setOrRemove(record, k_OsVersion, std::move(origin.systemVersion));
   addPosition(record);
 }
 

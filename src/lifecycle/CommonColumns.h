@@ -3,6 +3,8 @@
 #include <kesu/foundation/Value.h>
 #include <kesu/platform/Platform.h>
 
+#include <optional>
+#include <string>
 #include <string_view>
 
 #include "device/KesuMetrics.h"
@@ -28,6 +30,18 @@ class CommonColumns {
   Dictionary context();
 
  private:
+  /// Where a record was taken; its texts are moved into the record.
+  struct Origin {
+    std::optional<std::string> appKey;
+    std::optional<std::string> id;
+    std::optional<std::string> id2;
+    std::optional<std::string> bundleVersion;
+    std::optional<std::string> shortVersion;
+    std::optional<std::string> systemVersion;
+  };
+
+  Origin ownOrigin();
+  static Origin originIn(const Dictionary& context);
   void addPosition(Dictionary& record);
 
   Platform& platform_;
@@ -37,6 +51,6 @@ class CommonColumns {
 };
 
 /// Sets a text that may be missing; a missing one removes the key.
-void setOrRemove(Dictionary& record, std::string_view key, const std::optional<std::string>& text);
+void setOrRemove(Dictionary& record, std::string_view key, std::optional<std::string> text);
 
 }  // namespace kesu

@@ -2,7 +2,6 @@
 
 #include <utility>
 
-#include "foundation/Json.h"
 #include "services/HttpStatusText.h"
 #include "support/KesuPriorityLogger.h"
 
@@ -13,10 +12,10 @@ void logRefusal(const char* reason) {
   KESU_LOG(0, "JSON serialization exception: %s and the reason %s", "NSInvalidArgumentException", reason);
 }
 
-bool serialise(const Dictionary& body, std::string& text) {
+bool serialise(std::span<const JsonField> body, std::string& text) {
   switch (writeJson(body, text)) {
     case JsonStatus::Ok:
-      return !text.empty();
+      return true;
     case JsonStatus::NotValid:
       return false;
     case JsonStatus::TooDeep:
@@ -43,15 +42,25 @@ void logFailure(const HttpReply& reply, const LogPlace& place) {
 }  // namespace
 
 std::optional<HttpRequest> jsonRequest(const Dictionary& body, std::string method, std::string url) {
+  std::vector<JsonField> fields;
+  fields.reserve(body.size());
+  for (const auto& [key, value] : body) {
+    fields.push_back({key, &value});
+  }
   HttpRequest request;
+  request.method = std::move(method);
+  request.url = std::move(url);
+  return jsonRequest(fields, std::move(request));
+}
+
+std::optional<HttpRequest> jsonRequest(std::span<const JsonField> body, HttpRequest request) {
   if (!serialise(body, request.body)) {
     return std::nullopt;
   }
-  request.method = std::move(method);
-  request.url = std::move(url);
-  request.headers = {{"Content-Type", "application/json"},
-                     {"Accept-Encoding", "gzip"},
-                     {"Content-Length", std::to_string(request.body.size())}};
+  request.headers.reserve(request.headers.size() + 3);
+  request.headers.emplace_back("Content-Type", "application/json");
+  request.headers.emplace_back("Accept-Encoding", "gzip");
+  request.headers.emplace_back("Content-Length", std::to_string(request.body.size()));
   return request;
 }
 

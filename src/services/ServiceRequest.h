@@ -5,7 +5,10 @@
 
 #include <functional>
 #include <optional>
+#include <span>
 #include <string>
+
+#include "foundation/Json.h"
 
 namespace kesu {
 
@@ -16,6 +19,9 @@ using ServiceReplyHandler = std::function<void(const Object& reply)>;
 /// "Content-Length"). Nothing when the body cannot be JSON: silently for numbers and kinds that JSON does not know;
 /// with one level-0 log line for texts that are not UTF-8 and for too deep nesting. Any thread.
 std::optional<HttpRequest> jsonRequest(const Dictionary& body, std::string method, std::string url);
+
+/// The same for a body that is not one dictionary; the headers are added behind those that `request` has.
+std::optional<HttpRequest> jsonRequest(std::span<const JsonField> body, HttpRequest request);
 
 /// Names a log line: the source and line that people search for. They do not follow the code when it moves.
 struct LogPlace {
