@@ -12,7 +12,7 @@ std::optional<OutboxQueue::Item> OutboxQueue::takeNext() {
   if (!hasNext()) {
     return std::nullopt;
   }
-  ++inFlight_;
+  isFull_ = ++inFlight_ >= kMostInFlight;
   Item item = std::move(waiting_.front());
   waiting_.pop_front();
   return item;
@@ -34,7 +34,7 @@ void OutboxQueue::retry() {
 
 bool OutboxQueue::hasNext() const {
   // What is not logged would be lost with the process, so it never waits for its turn at the end.
-  return !waiting_.empty() && (isStopped_ || inFlight_ < kMostInFlight);
+  return !waiting_.empty() && (isStopped_ || !isFull_);
 }
 
 }  // namespace kesu

@@ -21,6 +21,10 @@ class OutboxQueue {
   /// client; fewer would leave its connections idle between two turns.
   static constexpr std::size_t kMostInFlight = 256;
 
+  /// Once there are that many, none is handed out until only these are left: one at a time would wake the worker for
+  /// each reply.
+  static constexpr std::size_t kFewInFlight = kMostInFlight / 2;
+
   /// Names a record that was handed out.
   struct Ticket {
     AppendLog::Entry entry;
@@ -40,7 +44,10 @@ class OutboxQueue {
   std::optional<Item> takeNext();
 
   /// Notes that a record that was handed out is done with.
-  void finish() { --inFlight_; }
+  void finish() {
+    --inFlight_;
+    isFull_ = isFull_ && inFlight_ > kFewInFlight;
+  }
 
   /// The same for one that waits for retry(); lost when it is not logged.
   void park(const Ticket& ticket);
@@ -61,6 +68,7 @@ class OutboxQueue {
   std::deque<Item> waiting_;
   std::vector<Ticket> parked_;
   std::size_t inFlight_ = 0;
+  bool isFull_ = false;
   bool isStopped_ = false;
 };
 

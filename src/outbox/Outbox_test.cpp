@@ -126,17 +126,23 @@ TEST_F(OutboxTest, KeepsInMemoryWhatTheLogDoesNotTake) {
 }
 
 TEST_F(OutboxTest, HasAWindowOfRecordsUnderWay) {
-  const int most = static_cast<int>(OutboxQueue::kMostInFlight);
-  for (int number = 0; number < most + 10; ++number) {
+  constexpr std::size_t kMost = OutboxQueue::kMostInFlight;
+  constexpr std::size_t kDone = kMost - OutboxQueue::kFewInFlight;
+  for (int number = 0; number < static_cast<int>(2 * kMost); ++number) {
     add(number);
   }
   platform.settle();
-  ASSERT_EQ(deliveries.size(), OutboxQueue::kMostInFlight);
-  outbox->finish(deliveries[0].ticket);
-  outbox->park(deliveries[1].ticket);
+  ASSERT_EQ(deliveries.size(), kMost);
+  for (std::size_t done = 0; done + 1 < kDone; ++done) {
+    outbox->finish(deliveries[done].ticket);
+  }
   platform.settle();
-  EXPECT_EQ(deliveries.size(), OutboxQueue::kMostInFlight + 2) << "one for each that is done with or parked";
-  EXPECT_EQ(outbox->pendingCount(), OutboxQueue::kMostInFlight + 8);
+  EXPECT_EQ(deliveries.size(), kMost) << "no record for a single reply";
+  outbox->park(deliveries[kDone - 1].ticket);
+  add(-1);
+  platform.settle();
+  EXPECT_EQ(deliveries.size(), kMost + kDone) << "one for each that is done with or parked";
+  EXPECT_EQ(outbox->pendingCount(), 2 * kMost + 1 - kDone);
 }
 
 TEST_F(OutboxTest, OnlyLogsOnceTheEndHasBegun) {
