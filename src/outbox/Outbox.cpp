@@ -158,24 +158,28 @@ void Outbox::deliverWaiting() {
 }
 
 bool Outbox::deliverNext() {
-  Delivery delivery;
+  std::optional<OutboxQueue::Item> item;
   {
     const MutexLock lock(mutex_);
-    auto item = queue_.takeNext();
-    if (!item) {
-      return false;
-    }
-    delivery.ticket = item->ticket;
-    delivery.context = item->ticket.context;
-    auto record = item->unlogged ? std::optional(std::move(*item->unlogged)) : journal_.read(item->ticket.entry);
-    if (!record) {  // The disk that has it cannot be read: a later process may have more luck.
-      queue_.finish();
-      return true;
-    }
-    delivery.record = std::move(*record);
+    item = queue_.takeNext();
   }
-  deliver_(std::move(delivery));
+  if (!item) {
+    return false;
+  }
+  // Without the lock, which everybody who posts and every reply needs.
+  auto record = item->unlogged ? std::optional(std::move(*item->unlogged)) : readLogged(item->ticket.entry);
+  if (record) {
+    deliver_({std::move(*record), item->ticket, item->ticket.context});
+  } else {  // The disk that has it cannot be read: a later process may have more luck.
+    const MutexLock lock(mutex_);
+    queue_.finish();
+  }
   return true;
+}
+
+std::optional<PendingRecord> Outbox::readLogged(const AppendLog::Entry& entry) {
+  auto read = log_.read(entry, readBytes_) ? readEntry(readBytes_) : std::nullopt;
+  return read ? std::move(read->record) : std::nullopt;
 }
 
 void Outbox::finish(const Ticket& ticket) {

@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <functional>
 #include <optional>
+#include <string>
 
 #include "foundation/Mutex.h"
 #include "outbox/OutboxEntry.h"
@@ -104,6 +105,7 @@ class Outbox {
   void planHandOver() KESU_REQUIRES(mutex_);
   void deliverWaiting();
   bool deliverNext();
+  std::optional<PendingRecord> readLogged(const AppendLog::Entry& entry);
   void writeChanges();
   void handOver();
 
@@ -116,6 +118,7 @@ class Outbox {
   Clock& clock_;
   Random& random_;
   std::function<void(Delivery)> deliver_;  // Set before anything is scheduled.
+  std::string readBytes_;                  // Of the task that hands out records; keeps its room.
   bool isOpen_ KESU_GUARDED_BY(mutex_) = false;
   bool isScheduled_ KESU_GUARDED_BY(mutex_) = false;
   bool isHandOverPlanned_ KESU_GUARDED_BY(mutex_) = false;

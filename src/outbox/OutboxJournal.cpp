@@ -79,9 +79,4 @@ void OutboxJournal::apply(DefaultsChanges& changes, const std::optional<AppendLo
   defaults_.apply(changes);
 }
 
-std::optional<PendingRecord> OutboxJournal::read(const AppendLog::Entry& entry) {
-  auto read = log_.read(entry, bytes_) ? readEntry(bytes_) : std::nullopt;
-  return read ? std::move(read->record) : std::nullopt;
-}
-
 }  // namespace kesu

@@ -46,9 +46,6 @@ class OutboxJournal {
   /// The number of the newest entry.
   AppendLog::Sequence newest() const { return newest_; }
 
-  /// Reads a record back; nothing when the log has lost it.
-  std::optional<PendingRecord> read(const AppendLog::Entry& entry);
-
  private:
   void recoverEntry(const AppendLog::Found& found, const Recovered& recovered);
   const Dictionary& contextOf(std::string_view preamble);
