@@ -59,6 +59,7 @@ void HttpTransfer::setUp(const LinuxHttpClientOptions& options, HttpTrust& trust
   curl_easy_setopt(handle, CURLOPT_PROTOCOLS_STR, "http,https");
   curl_easy_setopt(handle, CURLOPT_FOLLOWLOCATION, 0L);  // HttpRedirect decides.
   curl_easy_setopt(handle, CURLOPT_PROXY, "");           // The environment must not redirect records to another host.
+  curl_easy_setopt(handle, CURLOPT_NOPROXY, "");         // Else it is asked for exceptions, once per request.
   curl_easy_setopt(handle, CURLOPT_NETRC, static_cast<long>(CURL_NETRC_IGNORED));
   curl_easy_setopt(handle, CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_2TLS));
   curl_easy_setopt(handle, CURLOPT_NOSIGNAL, 1L);
