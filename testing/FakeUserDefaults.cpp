@@ -154,9 +154,10 @@ void FakeUserDefaults::showDisk() {
   }
 }
 
-void FakeUserDefaults::checkpoint() {
+bool FakeUserDefaults::checkpoint() {
   const MutexLock lock(mutex_);
   ++checkpointCount_;
+  return !refusesWrites_;
 }
 
 Dictionary FakeUserDefaults::keptOnDisk() {

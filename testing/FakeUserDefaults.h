@@ -31,7 +31,7 @@ class FakeUserDefaults final : public UserDefaults {
   std::optional<std::string> takeString(std::string_view key) override;
   std::vector<std::string> keys() override;
   bool synchronize() override;
-  void checkpoint() override;
+  bool checkpoint() override;
   bool isLoaded() override;
   void whenLoaded(std::function<void()> done) override;
 

@@ -51,6 +51,8 @@ class FaultyFiles final : public Files {
     return fault.ok() ? inner_.writeAtomically(path, bytes) : fault;
   }
 
+  void flush(const std::string& directory) override { inner_.flush(directory); }
+
   FileResult remove(const std::string& path) override {
     const FileResult fault = failed(removes_);
     return fault.ok() ? inner_.remove(path) : fault;

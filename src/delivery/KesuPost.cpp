@@ -54,7 +54,7 @@ void KesuPost::finish(Dictionary record, const Outbox::Ticket& ticket, const Htt
     if (isDelivered(reply)) {
       observe(FirstAttempt::Delivered);
     }
-  } else if (ticket.isLogged && reply.error == HttpError::Cancelled) {
+  } else if (ticket.isLogged && reply.error == HttpError::Cancelled && outbox_.isEnding()) {
     outbox_.leave();
   } else {
     background_.post([this, record = std::move(record), ticket] { store(record, ticket); });
@@ -69,7 +69,7 @@ void KesuPost::store(const Dictionary& record, const Outbox::Ticket& ticket) {
   if (store_.add(record)) {
     isStoreFailing_ = false;
     outbox_.finish(ticket);
-    observe(FirstAttempt::Stored);
+    observe(FirstAttempt::Kept);
     return;
   }
   KESU_LOG_AT(3, kPostSource, 177, "Error writing dictionary to disk %s", describe(record).c_str());
@@ -77,6 +77,7 @@ void KesuPost::store(const Dictionary& record, const Outbox::Ticket& ticket) {
     KESU_LOG(0, "Undelivered records cannot be stored at the moment; they are tried again later");
   }
   outbox_.park(ticket);
+  observe(FirstAttempt::Kept);
 }
 
 void KesuPost::observe(FirstAttempt end) {

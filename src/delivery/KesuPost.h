@@ -27,12 +27,14 @@ class KesuPost {
   /// The end of a first attempt.
   enum class FirstAttempt {
     Delivered,  ///< The collector has the record.
-    Stored      ///< It is in the store, for a later pass.
+    Kept        ///< It is in the store or in the outbox, for a later pass.
   };
 
   KesuPost(HttpClient& http, Outbox& outbox, BackgroundQueue& background, Clock& clock, DeploymentSettings& settings,
            KesuStore& store)
-      : http_(http), outbox_(outbox), background_(background), clock_(clock), settings_(settings), store_(store) {}
+      : http_(http), outbox_(outbox), background_(background), clock_(clock), settings_(settings), store_(store) {
+    outbox.setBeforeHandOver([&store] { store.flush(); });
+  }
 
   /// Takes a complete record; it is sent in its turn. Any thread. [KesuPost post:]
   void post(const Dictionary& record) { outbox_.add({}, record); }

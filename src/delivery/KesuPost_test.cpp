@@ -126,7 +126,7 @@ TEST_F(PostTest, EndsALoggedRecordByItsOutcome) {
               {testing::FakeHttpClient::reply(400), 0, 0},
               {testing::FakeHttpClient::reply(500), 0, 1},
               {testing::FakeHttpClient::failure(HttpError::TimedOut), 0, 2},
-              {testing::FakeHttpClient::failure(HttpError::Cancelled), 1, 2}};
+              {testing::FakeHttpClient::failure(HttpError::Cancelled), 0, 3}};  // By a host's own client.
   for (const auto& row : rows) {
     platform.clock.advance(0.001);
     send({{"dest", "e"}});
@@ -143,7 +143,8 @@ TEST_F(PostTest, WritesNoFileOfALoggedRecordWhileTheProcessEnds) {
   platform.outbox.refuse(true);
   send({{"dest", "e"}, {"n", 2}});
   outbox.beginEnd();
-  platform.http.failAll(HttpError::CannotConnect);
+  platform.http.fail(0, HttpError::CannotConnect);
+  platform.http.failAll(HttpError::Cancelled);
   platform.settle();
   EXPECT_EQ(platform.outbox.openCount(), 1U);
   ASSERT_EQ(store.dictionariesToRepost().size(), 1U) << "the log did not take this one";

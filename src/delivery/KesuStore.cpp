@@ -1,6 +1,7 @@
 #include "delivery/KesuStore.h"
 
 #include <cinttypes>
+#include <utility>
 
 #include "delivery/StoreFileName.h"
 #include "foundation/PropertyList.h"
@@ -36,9 +37,16 @@ bool KesuStore::add(const Dictionary& record) {
     KESU_LOG(0, "A record of more than %zu bytes cannot be stored and is lost.", kLargestFile);
   }
   const bool written = bytes && fits && files_.writeAtomically(newFileName(), *bytes).ok();
+  hasNewFiles_ = hasNewFiles_ || written;
   defaults_.set(kNumberOfFilesDefault, count + 1);
   defaults_.synchronize();
   return written;
+}
+
+void KesuStore::flush() {
+  if (std::exchange(hasNewFiles_, false)) {
+    files_.flush(documentsDirectory());
+  }
 }
 
 std::vector<std::string> KesuStore::storedFiles() {

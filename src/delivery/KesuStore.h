@@ -15,7 +15,7 @@
 namespace kesu {
 
 /// Stores records that could not be delivered: one XML property list per record, in the user's documents directory,
-/// beside the host's own documents. Main thread; keeps nothing in memory.
+/// beside the host's own documents. Confined to the background queue.
 ///
 /// Files are known by their extension alone, before anything is opened, so that a host's documents are never read.
 class KesuStore {
@@ -28,6 +28,9 @@ class KesuStore {
   /// Kept: the counter of files grows with every call, failed ones too, nothing but that one clean-up lowers it, and
   /// the limit is tested for equality, so that it acts once. [KesuStore add:]
   bool add(const Dictionary& record);
+
+  /// Waits until the files written since the last call are on the disk.
+  void flush();
 
   /// Returns the paths of all store files below the documents directory, in the order in which the system lists them.
   std::vector<std::string> storedFiles();
@@ -67,6 +70,7 @@ class KesuStore {
   Files& files_;
   UserDefaults& defaults_;
   Clock& clock_;
+  bool hasNewFiles_ = false;  // Not yet on the disk for certain.
 };
 
 }  // namespace kesu

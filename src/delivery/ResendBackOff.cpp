@@ -15,13 +15,13 @@ void ResendBackOff::passEnded(bool isAllDelivered, double now) {
     return;
   }
   // What is left behind waits for the next delivery, too.
-  hasNewlyStored_ = true;
+  hasNewlyKept_ = true;
   pauseSeconds_ = std::clamp(pauseSeconds_ * 2.0, kFirstPauseSeconds, kLongestPauseSeconds);
   notBefore_ = now + pauseSeconds_;
 }
 
 bool ResendBackOff::recordDelivered() {
-  return std::exchange(hasNewlyStored_, false);
+  return std::exchange(hasNewlyKept_, false);
 }
 
 }  // namespace kesu

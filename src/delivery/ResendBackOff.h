@@ -21,14 +21,14 @@ class ResendBackOff {
   /// Notes the end of a pass: whether every record that it sent was delivered.
   void passEnded(bool isAllDelivered, double now);
 
-  /// Notes that a first attempt failed and its record is stored.
-  void recordStored() { hasNewlyStored_ = true; }
+  /// Notes that a first attempt failed and its record is kept.
+  void recordKept() { hasNewlyKept_ = true; }
 
   /// Notes that a first attempt was delivered. Returns whether it is the news that a pass is worth while.
   bool recordDelivered();
 
  private:
-  bool hasNewlyStored_ = false;
+  bool hasNewlyKept_ = false;
   double pauseSeconds_ = 0.0;
   double notBefore_ = 0.0;
 };

@@ -25,7 +25,7 @@ TEST(ResendBackOff, DoublesThePauseAfterEachPassThatLeavesRecordsBehind) {
 TEST(ResendBackOff, TakesOneDeliveryAfterAFailureAsNews) {
   ResendBackOff backOff;
   EXPECT_FALSE(backOff.recordDelivered());
-  backOff.recordStored();
+  backOff.recordKept();
   EXPECT_TRUE(backOff.recordDelivered());
   EXPECT_FALSE(backOff.recordDelivered());
   backOff.passEnded(false, 0.0);

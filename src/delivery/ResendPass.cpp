@@ -46,8 +46,8 @@ void ResendPass::start(NetworkStatus status) {
 void ResendPass::observe(KesuPost::FirstAttempt end) {
   {
     const MutexLock lock(mutex_);
-    if (end == KesuPost::FirstAttempt::Stored) {
-      backOff_.recordStored();
+    if (end == KesuPost::FirstAttempt::Kept) {
+      backOff_.recordKept();
       return;
     }
     if (!backOff_.recordDelivered()) {
@@ -80,9 +80,15 @@ void ResendPass::request() {
 }
 
 void ResendPass::run() {
-  outbox_.retryParked();
+  const bool isRetrying = outbox_.retryParked();
   std::vector<std::string> paths = store_.storedFiles();
   std::shared_ptr<FileLock> lock = paths.empty() ? nullptr : lockAmongProcesses();
+  if (!lock && (isRetrying || !paths.empty())) {
+    // How first attempts end is not known yet, and what another process sends may fail: both need the next sign of
+    // life, after a pause.
+    const MutexLock guard(mutex_);
+    backOff_.passEnded(false, clock_.monotonic());
+  }
   if (lock) {
     auto pass = std::make_shared<Pass>();
     pass->paths = std::move(paths);

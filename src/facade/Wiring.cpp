@@ -15,10 +15,9 @@ void writeServiceLine(int level, const std::string& text) {
   KESU_LOG(level, "%s", text.c_str());
 }
 
-void beginEnd() {
-  if (Wiring* all = SharedInstance<Wiring>::existing()) {
-    all->outbox.beginEnd();
-  }
+bool beginEnd() {
+  Wiring* all = SharedInstance<Wiring>::existing();
+  return all == nullptr || all->outbox.beginEnd();
 }
 
 void finishEnd() {
@@ -26,6 +25,8 @@ void finishEnd() {
     all->outbox.finishEnd();
   }
 }
+
+constexpr EndSteps kEndSteps = {&beginEnd, &finishEnd};
 
 /// Before main() starts: a host may use any service, post, or show a screen before its first call of Kesu. Only
 /// function pointers are set here, as other constructors of the process may not have run yet.
@@ -35,7 +36,7 @@ void finishEnd() {
   PersonalizationTags::setProvider([]() -> PersonalizationTags& { return wiring().tags; });
   ScreenTracker::trackScreens([]() -> StateChanges& { return wiring().manager.stateChanges(); });
   setServiceLogHandler(&writeServiceLine);
-  setEndSteps(&beginEnd, &finishEnd);
+  setEndSteps(&kEndSteps);
   return true;
 }();
 

@@ -46,8 +46,12 @@ KesuManager::~KesuManager() {
 }
 
 void KesuManager::observe(std::string_view name, std::function<void()> handler) {
-  observers_.push_back(platform_.notifications.addObserver(
-      name, nullptr, [handler = std::move(handler)](const Notification&) { handler(); }));
+  observers_.push_back(
+      platform_.notifications.addObserver(name, nullptr, [this, handler = std::move(handler)](const Notification&) {
+        if (!outbox_.isInForkedChild()) {  // Which may hang at the first mutex.
+          handler();
+        }
+      }));
 }
 
 // All handlers run on the main thread, where hosts announce these, so that they may look at the screens. StateChanges

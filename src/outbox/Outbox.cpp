@@ -15,6 +15,10 @@ constexpr std::size_t kMostPerTask = 64;
 // Records between two looks at the room ahead: a host that posts without pause fills a segment in some 3 ms.
 constexpr std::size_t kRecordsPerPrepare = 8;
 
+// A checkpoint waits for the disk several times; without one the log keeps its segments.
+constexpr int kHandOversPerCheckpoint = 30;
+constexpr AppendLog::Sequence kMostUnsettled = 10'000;  // Some four segments.
+
 Dictionary replaced(const Dictionary& entries, const std::optional<Replacement>& replacement) {
   Dictionary made = entries;
   if (replacement && replacement->value != nullptr) {
@@ -28,35 +32,59 @@ Dictionary replaced(const Dictionary& entries, const std::optional<Replacement>&
 }  // namespace
 
 void Outbox::startDelivery(std::function<void(Delivery)> deliver) {
-  const MutexLock lock(mutex_);
-  deliver_ = std::move(deliver);
-  scheduleDelivery();
+  Consequences then;
+  {
+    const MutexLock lock(mutex_);
+    deliver_ = std::move(deliver);
+    planDelivery(then);
+  }
+  carryOut(then);
 }
 
 void Outbox::open() {
-  if (!isInForkedChild()) {
-    const MutexLock lock(mutex_);
-    openLocked();
+  if (isInForkedChild()) {
+    return;
   }
+  Consequences then;
+  {
+    const MutexLock lock(mutex_);
+    openLocked(then);
+  }
+  carryOut(then);
 }
 
-void Outbox::openLocked() {
+void Outbox::openLocked(Consequences& then) {
   if (std::exchange(isOpen_, true)) {
     return;
   }
-  journal_.recover([this](const AppendLog::Entry& entry, const Dictionary& context) {
+  const auto recovered = [this](const AppendLog::Entry& entry, const Dictionary& context) {
     queue_.add({{entry, true, &context}, nullptr});
-  });
-  scheduleDelivery();
+  };
+  if (!journal_.recover(recovered, clock_.now())) {
+    // On the background queue: the thread that reads the file may be in here.
+    defaults_.whenLoaded([this] { background_.post([this] { applyLate(); }); });
+  }
+  planDelivery(then);
+  planHandOver();
+}
+
+void Outbox::applyLate() {
+  const MutexLock lock(mutex_);
+  journal_.applyLate();
   planHandOver();
 }
 
 void Outbox::setContext(const Dictionary& context) {
-  if (!isInForkedChild()) {
+  if (isInForkedChild()) {
+    return;
+  }
+  Consequences then;
+  {
     const MutexLock lock(mutex_);
-    openLocked();
+    openLocked(then);
     journal_.setContext(context);
   }
+  carryOut(then);
 }
 
 void Outbox::add(const PendingRecord& frame, const Dictionary& entries, const std::optional<Replacement>& replacement,
@@ -64,13 +92,13 @@ void Outbox::add(const PendingRecord& frame, const Dictionary& entries, const st
   if (isInForkedChild()) {
     return;
   }
-  bool isSafe = true;
+  Consequences then;
   {
     const MutexLock lock(mutex_);
-    openLocked();
-    isSafe = take(frame, entries, replacement, std::move(changes));
+    openLocked(then);
+    take(frame, entries, replacement, std::move(changes), then);
   }
-  synchronizeUnless(isSafe);
+  carryOut(then);
 }
 
 void Outbox::addBuilt(const PendingRecord& frame,
@@ -78,42 +106,34 @@ void Outbox::addBuilt(const PendingRecord& frame,
   if (isInForkedChild()) {
     return;
   }
-  bool isSafe = true;
+  Consequences then;
   {
     Dictionary entries;
     DefaultsChanges changes;
     const MutexLock lock(mutex_);
-    openLocked();
+    openLocked(then);
     build(entries, changes);
-    isSafe = take(frame, entries, std::nullopt, std::move(changes));
+    take(frame, entries, std::nullopt, std::move(changes), then);
   }
-  synchronizeUnless(isSafe);
+  carryOut(then);
 }
 
 void Outbox::change(DefaultsChanges changes) {
   if (isInForkedChild()) {
     return;
   }
-  bool isSafe = true;
+  Consequences then;
   {
     const MutexLock lock(mutex_);
-    openLocked();
-    isSafe = journal_.append(std::move(changes));
+    openLocked(then);
+    then.synchronizes = !journal_.append(std::move(changes));
     planHandOver();
   }
-  synchronizeUnless(isSafe);
+  carryOut(then);
 }
 
-// No log: changes are safe at the price of a transaction.
-void Outbox::synchronizeUnless(bool isSafe) {
-  if (!isSafe) {
-    defaults_.synchronize();
-  }
-}
-
-// Returns false when changes were made that are in memory only.
-bool Outbox::take(const PendingRecord& frame, const Dictionary& entries, const std::optional<Replacement>& replacement,
-                  DefaultsChanges changes) {
+void Outbox::take(const PendingRecord& frame, const Dictionary& entries, const std::optional<Replacement>& replacement,
+                  DefaultsChanges changes, Consequences& then) {
   PendingRecord record = frame;
   record.moment = clock_.now();
   record.identifier = random_.uuid();
@@ -121,40 +141,54 @@ bool Outbox::take(const PendingRecord& frame, const Dictionary& entries, const s
   const auto entry = journal_.append(record, entries, replacement, std::move(changes));
   planHandOver();
   if (entry && isEnding_) {
-    return true;
+    return;
   }
   if (entry) {
     queue_.add({{*entry, true, nullptr}, nullptr});
   } else {
     record.entries = replaced(entries, replacement);
     queue_.add({{}, std::make_unique<PendingRecord>(std::move(record))});
+    then.synchronizes = hasChanges;
   }
-  scheduleDelivery();
-  return entry || !hasChanges;
+  planDelivery(then);
 }
 
-void Outbox::scheduleDelivery() {
+void Outbox::planDelivery(Consequences& then) {
   if (!isScheduled_ && deliver_ && queue_.hasNext()) {
     isScheduled_ = true;
+    then.delivers = true;
+  }
+}
+
+// Without the lock: while the process ends, the queue runs its tasks inside post().
+void Outbox::carryOut(const Consequences& then) {
+  if (then.delivers) {
     background_.post([this] { deliverWaiting(); });
+  }
+  if (then.synchronizes) {  // No log: changes are safe at the price of a transaction.
+    defaults_.synchronize();
   }
 }
 
 void Outbox::planHandOver() {
   if (!std::exchange(isHandOverPlanned_, true)) {
-    background_.postAfter(kHandOverSeconds, [this] { handOver(); });
+    background_.postAfter(kHandOverSeconds, [this] { handOver(false); });
   }
 }
 
 void Outbox::deliverWaiting() {
   for (std::size_t count = 0; count < kMostPerTask && deliverNext(); ++count) {
-    if (count % kRecordsPerPrepare == 0) {
+    if (count % kRecordsPerPrepare == 0 && !isEnding()) {  // It may wait for the disk.
       log_.prepare();
     }
   }
-  const MutexLock lock(mutex_);
-  isScheduled_ = false;
-  scheduleDelivery();
+  Consequences then;
+  {
+    const MutexLock lock(mutex_);
+    isScheduled_ = false;
+    planDelivery(then);
+  }
+  carryOut(then);
 }
 
 bool Outbox::deliverNext() {
@@ -186,32 +220,56 @@ void Outbox::finish(const Ticket& ticket) {
   if (ticket.isLogged) {
     log_.release(ticket.entry);
   }
-  const MutexLock lock(mutex_);
-  queue_.finish();
-  planHandOver();
-  scheduleDelivery();
+  Consequences then;
+  {
+    const MutexLock lock(mutex_);
+    queue_.finish();
+    planHandOver();
+    planDelivery(then);
+  }
+  carryOut(then);
 }
 
 void Outbox::leave() {
-  const MutexLock lock(mutex_);
-  queue_.stop();
-  queue_.finish();
+  Consequences then;
+  {
+    const MutexLock lock(mutex_);
+    queue_.stop();
+    queue_.finish();
+    planDelivery(then);
+  }
+  carryOut(then);
 }
 
 void Outbox::park(const Ticket& ticket) {
-  const MutexLock lock(mutex_);
-  queue_.park(ticket);
+  Consequences then;
+  {
+    const MutexLock lock(mutex_);
+    queue_.park(ticket);
+    planDelivery(then);
+  }
+  carryOut(then);
 }
 
-void Outbox::retryParked() {
-  const MutexLock lock(mutex_);
-  queue_.retry();
-  scheduleDelivery();
+bool Outbox::retryParked() {
+  Consequences then;
+  bool isAny = false;
+  {
+    const MutexLock lock(mutex_);
+    isAny = queue_.retry();
+    planDelivery(then);
+  }
+  carryOut(then);
+  return isAny;
 }
 
-void Outbox::beginEnd() {
+bool Outbox::beginEnd() {
+  if (isInForkedChild()) {
+    return true;
+  }
   const MutexLock lock(mutex_);
   isEnding_ = true;
+  return !queue_.hasUnlogged();
 }
 
 std::size_t Outbox::pendingCount() {
@@ -225,34 +283,40 @@ bool Outbox::isEnding() {
 }
 
 void Outbox::finishEnd() {
-  writeChanges();
-  log_.startFlush();
+  if (!isInForkedChild()) {
+    defaults_.synchronize();
+    log_.startFlush();
+  }
 }
 
 void Outbox::handOverSoon() {
-  background_.post([this] { handOver(); });
+  background_.post([this] { handOver(true); });
 }
 
-void Outbox::handOver() {
-  {
-    const MutexLock lock(mutex_);
-    isHandOverPlanned_ = false;
-  }
-  writeChanges();
-  log_.flush();
-  log_.prepare();
-}
-
-// A change is made in the step that logs it: what is newest now is in the user defaults now.
-void Outbox::writeChanges() {
+void Outbox::handOver(bool isThorough) {
   AppendLog::Sequence newest = 0;
   {
     const MutexLock lock(mutex_);
+    isHandOverPlanned_ = false;
     newest = journal_.newest();
+    if (isEnding_) {  // finishEnd() does what there is time for.
+      return;
+    }
   }
-  if (defaults_.synchronize()) {
+  if (beforeHandOver_) {
+    beforeHandOver_();
+  }
+  // A change is made in the step that logs it: what is newest now is in the user defaults now. Those are on the disk
+  // after a checkpoint only, and until then the log is needed.
+  const bool isCheckpointDue =
+      isThorough || ++handOvers_ >= kHandOversPerCheckpoint || newest - settled_ >= kMostUnsettled;
+  if (defaults_.synchronize() && isCheckpointDue && defaults_.checkpoint()) {
     log_.settle(newest);
+    settled_ = newest;
+    handOvers_ = 0;
   }
+  log_.flush();
+  log_.prepare();
 }
 
 }  // namespace kesu

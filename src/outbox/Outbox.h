@@ -40,10 +40,10 @@ class Outbox {
   Outbox(AppendLog& log, UserDefaults& defaults, BackgroundQueue& background, Clock& clock, Random& random)
       : log_(log),
         defaults_(defaults),
-        journal_(log, defaults),
         background_(background),
         clock_(clock),
-        random_(random) {}
+        random_(random),
+        journal_(log, defaults) {}
 
   /// Sets what sends a record that is handed out: called on the background queue, one at a time. Until then records
   /// wait. Once; main thread.
@@ -76,17 +76,22 @@ class Outbox {
   /// Keeps a record that could be neither delivered nor stored: it is handed out again after retryParked(), or by the
   /// next process. One that is not logged is lost.
   void park(const Ticket& ticket);
-  void retryParked();
+
+  /// Lets parked records wait for delivery again. Returns whether there was any.
+  bool retryParked();
 
   /// From now on records are only logged, so that an end waits for nobody who goes on posting. What is not logged is
-  /// still handed out.
-  void beginEnd();
+  /// still handed out. Returns whether everything is logged: an end then need not wait for the background queue.
+  bool beginEnd();
 
   /// Writes the changes to the user defaults and hands what is new to the disk, without waiting for it.
   void finishEnd();
 
   /// Hands everything taken so far to the disk, on the background queue.
   void handOverSoon();
+
+  /// Sets what must be on the disk before the log is: called on the background queue. Once, before anything else.
+  void setBeforeHandOver(std::function<void()> step) { beforeHandOver_ = std::move(step); }
 
   /// Counts the records that wait for delivery or are under way, without those that are parked.
   std::size_t pendingCount();
@@ -97,32 +102,44 @@ class Outbox {
   bool isInForkedChild() const { return log_.isInForkedChild(); }
 
  private:
-  void openLocked() KESU_REQUIRES(mutex_);
-  bool take(const PendingRecord& frame, const Dictionary& entries, const std::optional<Replacement>& replacement,
-            DefaultsChanges changes) KESU_REQUIRES(mutex_);
-  void synchronizeUnless(bool isSafe);
-  void scheduleDelivery() KESU_REQUIRES(mutex_);
+  /// What follows from a step once the lock is released.
+  struct Consequences {
+    bool delivers = false;
+    bool synchronizes = false;
+  };
+
+  void openLocked(Consequences& then) KESU_REQUIRES(mutex_);
+  void take(const PendingRecord& frame, const Dictionary& entries, const std::optional<Replacement>& replacement,
+            DefaultsChanges changes, Consequences& then) KESU_REQUIRES(mutex_);
+  void planDelivery(Consequences& then) KESU_REQUIRES(mutex_);
   void planHandOver() KESU_REQUIRES(mutex_);
+  void carryOut(const Consequences& then);
+  void applyLate();
   void deliverWaiting();
   bool deliverNext();
   std::optional<PendingRecord> readLogged(const AppendLog::Entry& entry);
-  void writeChanges();
-  void handOver();
+  void handOver(bool isThorough);
 
   AppendLog& log_;
   UserDefaults& defaults_;
-  Mutex mutex_;  // Locked before those of the log and of the user defaults; not while these are synchronized.
-  OutboxJournal journal_ KESU_GUARDED_BY(mutex_);
-  OutboxQueue queue_ KESU_GUARDED_BY(mutex_);
   BackgroundQueue& background_;
   Clock& clock_;
   Random& random_;
+  std::function<void()> beforeHandOver_;
   std::function<void(Delivery)> deliver_;  // Set before anything is scheduled.
-  std::string readBytes_;                  // Of the task that hands out records; keeps its room.
+
+  Mutex mutex_;  // Locked before those of the log and of the user defaults; not while these are synchronized.
+  OutboxJournal journal_ KESU_GUARDED_BY(mutex_);
+  OutboxQueue queue_ KESU_GUARDED_BY(mutex_);
   bool isOpen_ KESU_GUARDED_BY(mutex_) = false;
   bool isScheduled_ KESU_GUARDED_BY(mutex_) = false;
   bool isHandOverPlanned_ KESU_GUARDED_BY(mutex_) = false;
   bool isEnding_ KESU_GUARDED_BY(mutex_) = false;
+
+  // Background queue only.
+  std::string readBytes_;  // Keeps its room: no allocation per record.
+  AppendLog::Sequence settled_ = 0;
+  int handOvers_ = 0;  // Since the last checkpoint.
 };
 
 }  // namespace kesu

@@ -7,9 +7,19 @@
 
 namespace kesu {
 
-void OutboxJournal::recover(const Recovered& recovered) {
-  newest_ = static_cast<AppendLog::Sequence>(std::max<std::int64_t>(defaults_.integer(kLastLoggedChangeDefault), 0));
+bool OutboxJournal::recover(const Recovered& recovered, double now) {
+  constexpr double kNumbersPerSecond = 1e6;  // More than anybody appends: a later start is ahead of every earlier one.
+  const bool isKnown = defaults_.isLoaded();
+  newest_ = isKnown ? lastMade() : static_cast<AppendLog::Sequence>(std::max(now, 0.0) * kNumbersPerSecond);
   log_.recover(newest_, [&](const AppendLog::Found& found) { recoverEntry(found, recovered); });
+  if (isKnown) {
+    applyLate();
+  }
+  return isKnown;
+}
+
+AppendLog::Sequence OutboxJournal::lastMade() {
+  return static_cast<AppendLog::Sequence>(std::max<std::int64_t>(defaults_.integer(kLastLoggedChangeDefault), 0));
 }
 
 void OutboxJournal::recoverEntry(const AppendLog::Found& found, const Recovered& recovered) {
@@ -18,17 +28,32 @@ void OutboxJournal::recoverEntry(const AppendLog::Found& found, const Recovered&
     log_.release(found.entry);  // Of a version that writes entries this one cannot read, or damaged.
     return;
   }
-  // Entries come in the order of their numbers, so what is newer than the last change made was not made.
-  if (!entry->changes.empty() && found.entry.sequence > newest_) {
-    DefaultsChanges changes;
-    for (OutboxEntry::Change& change : entry->changes) {
-      changes.push_back({change.kind, change.key, std::move(change.value)});
-    }
-    apply(changes, found.entry);
+  if (!entry->changes.empty()) {
+    unapplied_.push_back({found.entry, std::move(entry->changes)});
   }
   newest_ = std::max(newest_, found.entry.sequence);
   if (entry->record && !found.isReleased) {
     recovered(found.entry, contextOf(found.preamble));
+  }
+}
+
+void OutboxJournal::applyLate() {
+  const AppendLog::Sequence made = lastMade();
+  const AppendLog::Sequence newest = newest_;
+  for (Unapplied& entry : unapplied_) {
+    if (entry.entry.sequence > made) {
+      DefaultsChanges changes;
+      for (OutboxEntry::Change& change : entry.changes) {
+        changes.push_back({change.kind, change.key, std::move(change.value)});
+      }
+      apply(changes, entry.entry);
+    }
+  }
+  unapplied_.clear();
+  newest_ = newest;
+  // What this process has logged meanwhile is made already.
+  if (newest > made) {
+    defaults_.set(kLastLoggedChangeDefault, static_cast<std::int64_t>(newest));
   }
 }
 

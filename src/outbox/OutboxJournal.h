@@ -29,8 +29,13 @@ class OutboxJournal {
 
   OutboxJournal(AppendLog& log, UserDefaults& defaults) : log_(log), defaults_(defaults) {}
 
-  /// Applies the changes of former processes, and passes on their records, oldest first.
-  void recover(const Recovered& recovered);
+  /// Applies the changes of former processes, and passes on their records, oldest first. Returns false when the user
+  /// defaults were not read yet, which say what is applied already: applyLate() follows then. `now` is in seconds since
+  /// 1970; numbers begin there when the last one is not known.
+  bool recover(const Recovered& recovered, double now);
+
+  /// Applies the changes of former processes that the user defaults do not contain.
+  void applyLate();
 
   /// Sets what a later process needs to complete the records of this one.
   void setContext(const Dictionary& context);
@@ -47,13 +52,21 @@ class OutboxJournal {
   AppendLog::Sequence newest() const { return newest_; }
 
  private:
+  /// Changes of a former process.
+  struct Unapplied {
+    AppendLog::Entry entry;
+    std::vector<OutboxEntry::Change> changes;
+  };
+
   void recoverEntry(const AppendLog::Found& found, const Recovered& recovered);
   const Dictionary& contextOf(std::string_view preamble);
+  AppendLog::Sequence lastMade();
   void apply(DefaultsChanges& changes, const std::optional<AppendLog::Entry>& entry);
 
   AppendLog& log_;
   UserDefaults& defaults_;
   AppendLog::Sequence newest_ = 0;
+  std::vector<Unapplied> unapplied_;
   std::string preamble_;             // Of the entries that are being recovered.
   std::deque<Dictionary> contexts_;  // Each is referred to by records.
   std::string bytes_;                // Keeps its room: no allocation per entry.

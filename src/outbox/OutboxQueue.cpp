@@ -25,11 +25,17 @@ void OutboxQueue::park(const Ticket& ticket) {
   }
 }
 
-void OutboxQueue::retry() {
+bool OutboxQueue::retry() {
+  const bool isAny = !parked_.empty();
   for (const Ticket& ticket : parked_) {
     waiting_.push_back({ticket, nullptr});
   }
   parked_.clear();
+  return isAny;
+}
+
+bool OutboxQueue::hasUnlogged() const {
+  return std::ranges::any_of(waiting_, [](const Item& item) { return !item.ticket.isLogged; });
 }
 
 bool OutboxQueue::hasNext() const {

@@ -52,14 +52,17 @@ class OutboxQueue {
   /// The same for one that waits for retry(); lost when it is not logged.
   void park(const Ticket& ticket);
 
-  /// Lets parked records wait for delivery again, behind the others.
-  void retry();
+  /// Lets parked records wait for delivery again, behind the others. Returns whether there was any.
+  bool retry();
 
   /// From now on only what is not logged is handed out: the rest is left to the next process.
   void stop() { isStopped_ = true; }
 
   /// Counts the records that wait or are under way.
   std::size_t pendingCount() const { return waiting_.size() + inFlight_; }
+
+  /// Whether a record waits that is not logged.
+  bool hasUnlogged() const;
 
   /// Whether takeNext() would return a record.
   bool hasNext() const;

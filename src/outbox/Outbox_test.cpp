@@ -159,6 +159,50 @@ TEST_F(OutboxTest, OnlyLogsOnceTheEndHasBegun) {
   EXPECT_EQ(handedOut(), "12");
 }
 
+TEST_F(OutboxTest, HandsOutOnThePostingThreadOnceTheWorkerIsGone) {
+  platform.background.shutdown(0.0);
+  add(1);
+  EXPECT_EQ(handedOut(), "1");
+  outbox->finish(deliveries[0].ticket);
+  outbox->retryParked();
+  EXPECT_EQ(outbox->pendingCount(), 0U);
+}
+
+TEST_F(OutboxTest, HandsOutAtTheEndWhatIsNotLoggedEvenBehindAFullWindow) {
+  for (std::size_t number = 0; number <= OutboxQueue::kMostInFlight; ++number) {
+    add(0);
+  }
+  platform.outbox.refuse(true);
+  add(7);
+  platform.settle();
+  EXPECT_FALSE(outbox->beginEnd()) << "the end has to wait for it";
+  ASSERT_EQ(deliveries.size(), OutboxQueue::kMostInFlight);
+  outbox->leave();
+  platform.settle();
+  ASSERT_EQ(deliveries.size(), OutboxQueue::kMostInFlight + 1);
+  EXPECT_EQ(*deliveries.back().record.entries.find("n"), Value(7));
+  EXPECT_TRUE(outbox->beginEnd());
+}
+
+TEST_F(OutboxTest, AppliesOnceWhatWasLoggedWhenTheUserDefaultsAreReadLate) {
+  append("a");
+  platform.background.runDelayed();
+  append("b");
+  die();
+  platform.defaults.hideDisk();
+  begin();
+  outbox->open();
+  append("c");
+  EXPECT_EQ(platform.defaults.text("~ef"), "c");
+  platform.defaults.showDisk();
+  platform.settle();
+  EXPECT_EQ(platform.defaults.text("~ef"), "acb") << "all of it, each once";
+  platform.background.runDelayed();
+  append("d");
+  dieAndBegin();
+  EXPECT_EQ(platform.defaults.text("~ef"), "acbd");
+}
+
 TEST_F(OutboxTest, KeepsTheLogWhileTheUserDefaultsCannotBeWritten) {
   platform.defaults.refuseWrites(true);
   append("a");

@@ -22,55 +22,59 @@ constexpr int kMostRounds = 16;
 // Per thread: while one ends the process, another may still pump for a living host.
 constinit thread_local bool endingAtExit = false;
 
-std::atomic<EndStep> beginStep{nullptr};
-std::atomic<EndStep> finishStep{nullptr};
+std::atomic<const EndSteps*> endSteps{nullptr};
 
-void take(const std::atomic<EndStep>& step) {
-  if (const EndStep taken = step.load()) {
-    taken();
-  }
+// Returns how long the background queue may take.
+double beginEnd(double totalSeconds) {
+  const EndSteps* steps = endSteps.load();
+  const bool isSafe = steps != nullptr && steps->begin();
+  return isSafe ? totalSeconds : kPatienceSeconds;
 }
 
 // Every round runs at least all that is queued at its beginning, so that no completion is dropped for lack of time.
-void runCompletions(Platform& platform, double end) {
+void runCompletions(Platform& platform, double end, double patience) {
   for (int round = 0; round < kMostRounds; ++round) {
     platform.mainLoop.drain(end - platform.clock.monotonic());
-    platform.background.drain(kPatienceSeconds);
+    platform.background.drain(patience);
     if (platform.mainLoop.nextDue() != 0.0) {
       return;
     }
   }
 }
 
-void endNetwork(Platform& platform, double end) {
+void endNetwork(Platform& platform, double end, double patience) {
   const double secondsLeft = end - platform.clock.monotonic();
   const bool isWorthWaiting = platform.http.pendingCount() > 0;
   platform.http.shutdown(isWorthWaiting ? std::clamp(secondsLeft, 0.0, kLongestGraceSeconds) : 0.0);
-  runCompletions(platform, end);
+  runCompletions(platform, end, patience);
   platform.defaults.synchronize();
-  take(finishStep);
+  if (const EndSteps* steps = endSteps.load()) {
+    steps->finish();
+  }
 }
 
 }  // namespace
 
-void setEndSteps(EndStep begin, EndStep finish) {
-  beginStep.store(begin);
-  finishStep.store(finish);
+void setEndSteps(const EndSteps* steps) {
+  endSteps.store(steps);
 }
 
 void endOrderly(Platform& platform, double totalSeconds) {
+  if (platform.outbox.isInForkedChild()) {
+    return;
+  }
   const double end = platform.clock.monotonic() + totalSeconds;
-  take(beginStep);
-  platform.background.drain(kPatienceSeconds);
-  endNetwork(platform, end);
+  const double patience = beginEnd(totalSeconds);
+  platform.background.drain(patience);
+  endNetwork(platform, end, patience);
 }
 
 void endAtExit(Platform& platform, double totalSeconds) {
   const bool wasEnding = std::exchange(endingAtExit, true);
   const double end = platform.clock.monotonic() + totalSeconds;
-  take(beginStep);
-  platform.background.shutdown(kPatienceSeconds);
-  endNetwork(platform, end);
+  const double patience = beginEnd(totalSeconds);
+  platform.background.shutdown(patience);
+  endNetwork(platform, end, patience);
   endingAtExit = wasEnding;
 }
 

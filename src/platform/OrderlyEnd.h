@@ -4,15 +4,20 @@
 
 namespace kesu {
 
-/// What else takes part in an end, called on the ending thread.
-using EndStep = void (*)();
+/// What else takes part in an end, called on the ending thread: `begin` first, `finish` last. `begin` returns whether
+/// everything taken so far is safe, so that nothing has to be waited for.
+struct EndSteps {
+  bool (*begin)();
+  void (*finish)();
+};
 
-/// Sets what is called first and last in an end; the facade calls this once, while the library is loaded.
-void setEndSteps(EndStep begin, EndStep finish);
+/// Sets the steps; the facade calls this once, while the library is loaded. `steps` must live for ever.
+void setEndSteps(const EndSteps* steps);
 
 /// Ends all work. Any thread, any number of times.
 ///
-/// In this order: background tasks run, which send records; the HTTP client waits for outstanding replies, then fails
+/// In this order: background tasks run, which send records (for `totalSeconds` if everything is safe, else until they
+/// are done); the HTTP client waits for outstanding replies, then fails
 /// the rest, whose records stay in the outbox; completions and the tasks that they post run on the main loop; the user
 /// defaults are synchronized. The wait for replies is at most 40 ms, less when `totalSeconds` are over before.
 ///

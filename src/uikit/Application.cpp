@@ -27,9 +27,6 @@ void Application::didFinishLaunching() {
 
 void Application::didEnterBackground() {
   post(kApplicationDidEnterBackgroundNotification);
-  Platform& platform = Platform::current();
-  // Not on this thread: a checkpoint writes and syncs files.
-  platform.background.post([&platform] { platform.defaults.checkpoint(); });
 }
 
 void Application::willEnterForeground() {

@@ -76,6 +76,9 @@ class KESU_API Files {
   /// content or the new, never a part. Makes missing directories on the way.
   virtual FileResult writeAtomically(const std::string& path, std::string_view bytes) = 0;
 
+  /// Waits until what was written in the file system of a directory is on the disk. For the background queue.
+  virtual void flush(const std::string& directory) = 0;
+
   /// Removes one file. A missing one is NotFound.
   virtual FileResult remove(const std::string& path) = 0;
 

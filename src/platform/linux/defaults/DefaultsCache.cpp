@@ -209,7 +209,7 @@ void DefaultsCache::markAllUnsaved() {
 
 bool DefaultsCache::hasUnsaved() {
   const MutexLock lock(mutex_);
-  return !unsaved_.empty();
+  return !unsaved_.empty() || isBeingSaved_;
 }
 
 void DefaultsCache::collect(Batch& batch) {
@@ -221,6 +221,7 @@ void DefaultsCache::collect(Batch& batch) {
     batch.changes.push_back(entry.takeChange(slot->first));
   }
   unsaved_.clear();
+  isBeingSaved_ = true;
 }
 
 void DefaultsCache::finish(Batch& batch, bool isSaved) {
@@ -232,6 +233,7 @@ void DefaultsCache::finish(Batch& batch, bool isSaved) {
   }
   batch.origins.clear();
   batch.changes.clear();
+  isBeingSaved_ = false;
 }
 
 // Entries may have changed further since they were collected.

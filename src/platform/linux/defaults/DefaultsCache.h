@@ -116,6 +116,7 @@ class DefaultsCache {
   Mutex mutex_;
   Entries entries_ KESU_GUARDED_BY(mutex_);
   std::vector<Entries::iterator> unsaved_ KESU_GUARDED_BY(mutex_);
+  bool isBeingSaved_ KESU_GUARDED_BY(mutex_) = false;  // A batch is on its way to the file, and may come back.
 };
 
 }  // namespace kesu

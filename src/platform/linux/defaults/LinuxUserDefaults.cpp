@@ -105,20 +105,23 @@ bool LinuxUserDefaults::synchronize() {
   return isWritten;
 }
 
-void LinuxUserDefaults::checkpoint() {
+bool LinuxUserDefaults::checkpoint() {
   if (!file_.openOnce()) {
-    return;
+    return false;
   }
+  bool isMoved = false;
   {
     const MutexLock lock(checkpointMutex_);
-    for (int pass = 0; pass < kCheckpointPasses && !checkpointOnce(); ++pass) {
+    for (int pass = 0; pass < kCheckpointPasses && !checkpointOnce(isMoved); ++pass) {
     }
   }
   file_.report();
+  return isMoved;
 }
 
 // Returns true when nothing is left to do. The slow parts, which wait for the disk, lock nothing that others need.
-bool LinuxUserDefaults::checkpointOnce() {
+bool LinuxUserDefaults::checkpointOnce(bool& isMoved) {
+  isMoved = false;
   const auto checkpoint = file_.beginCheckpoint(checkpointer_);
   if (!checkpoint) {
     return true;
@@ -126,7 +129,7 @@ bool LinuxUserDefaults::checkpointOnce() {
   if (checkpoint->isUnchecked && !file_.noteChecked(*checkpoint, checkpointer_.findsDamage(checkpoint->path))) {
     return false;
   }
-  const bool isMoved = checkpointer_.moveJournal(checkpoint->path);
+  isMoved = checkpointer_.moveJournal(checkpoint->path);
   return file_.finishCheckpoint(*checkpoint, isMoved, checkpointer_);
 }
 

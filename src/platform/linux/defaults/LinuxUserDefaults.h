@@ -68,12 +68,12 @@ class LinuxUserDefaults final : public UserDefaults {
   std::optional<std::string> takeString(std::string_view key) override;
   std::vector<std::string> keys() override;
   bool synchronize() override;
-  void checkpoint() override;
+  bool checkpoint() override;
   bool isLoaded() override;
   void whenLoaded(std::function<void()> done) override;
 
  private:
-  bool checkpointOnce() KESU_REQUIRES(checkpointMutex_);
+  bool checkpointOnce(bool& isMoved) KESU_REQUIRES(checkpointMutex_);
 
   std::function<void()> askForCheckpoint_;
   DefaultsCache cache_;

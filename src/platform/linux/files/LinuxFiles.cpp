@@ -319,6 +319,16 @@ int LinuxFiles::openTemporary(int directory, std::string& name) {
   return -1;
 }
 
+void LinuxFiles::flush(const std::string& directory) {
+  if (hasNul(directory) || forkGuard_.isForkedChild()) {
+    return;
+  }
+  const UniqueFd opened(::open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+  if (opened) {
+    ::syncfs(opened.get());  // One call for any number of files, instead of one wait for each.
+  }
+}
+
 FileResult LinuxFiles::remove(const std::string& path) {
   if (forkGuard_.isForkedChild()) {
     return forkedChild();
