@@ -85,12 +85,14 @@ target_link_libraries(kesu_soak PRIVATE kesu_build kesu_loopback)
 kesu_link_folders(kesu_soak foundation)
 kesu_use_test_host(kesu_soak)
 
-if(KESU_SANITIZE)  # Sanitizers want to be the first library that is loaded.
-  list(FILTER fault_sources EXCLUDE REGEX "FailingDisk_test\\.cpp$")
+set(kill_rounds 50)
+if(KESU_SANITIZE)
+  list(FILTER fault_sources EXCLUDE REGEX "FailingDisk_test\\.cpp$")  # Sanitizers want to be the first library loaded.
+  set(kill_rounds 8)  # Starts are slow.
 endif()
 kesu_add_test(fault_test FOLDERS foundation LABELS concurrent SOURCES ${fault_sources})
 kesu_use_test_host(fault_test)
-target_compile_definitions(fault_test PRIVATE KESU_KILL_ROUNDS=$<IF:$<BOOL:${KESU_SANITIZE}>,8,50>)  # Starts are slow there.
+target_compile_definitions(fault_test PRIVATE KESU_KILL_ROUNDS=${kill_rounds})
 if(NOT KESU_SANITIZE)
   add_library(kesu_faulty_calls MODULE ${CMAKE_SOURCE_DIR}/tests/faults/preload/FaultyCalls.cpp)
   target_link_libraries(kesu_faulty_calls PRIVATE kesu_warnings ${CMAKE_DL_LIBS})
