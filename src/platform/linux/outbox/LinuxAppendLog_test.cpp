@@ -73,7 +73,7 @@ TEST_F(LinuxAppendLogTest, TouchesNothingBeforeRecoveryAndThenOnlyForThisUser) {
   }
 }
 
-TEST_F(LinuxAppendLogTest, KeepsTwoSegmentsMappedHoweverMuchWaits) {
+TEST_F(LinuxAppendLogTest, KeepsFewSegmentsMappedHoweverMuchWaits) {
   const auto log = open(SegmentAccess::Mapped);
   recoverAll(*log);
   std::vector<AppendLog::Entry> entries;
@@ -90,7 +90,7 @@ TEST_F(LinuxAppendLogTest, KeepsTwoSegmentsMappedHoweverMuchWaits) {
     mapped += line.find(path()) != std::string::npos ? 1 : 0;
   }
   EXPECT_GE(mapped, 1);
-  EXPECT_LE(mapped, 2);
+  EXPECT_LE(mapped, 6) << "two to append to, four that are full";
   std::string bytes;
   for (unsigned i = 0; i < 5000; i += 7) {
     ASSERT_TRUE(log->read(entries[i], bytes)) << i;
