@@ -9,6 +9,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cstdlib>
 #include <cstring>
@@ -16,6 +17,8 @@
 #include <stdexcept>
 #include <string_view>
 #include <thread>
+
+#include "Stopwatch.h"
 
 namespace kesu::bench {
 namespace {
@@ -87,14 +90,18 @@ class Client {
   }
 
   void note(const std::string& body) {
+    ++shared_.requests;
     const std::size_t number = numberAfter(body, "\"n\":\"", Collector::kMostNumbers);
-    if (behaviour_ == Behaviour::Accept && number < Collector::kMostNumbers) {
-      shared_.accepted[number] = 1;
+    if (number >= Collector::kMostNumbers) {
+      return;
+    }
+    if (behaviour_ == Behaviour::Accept) {
+      ++shared_.accepted[number];
+      shared_.lastAcceptedAt = secondsNow();
     }
     const std::size_t size = std::min(body.size(), shared_.lastBody.size());
     std::memcpy(shared_.lastBody.data(), body.data(), size);
     shared_.lastBodySize = size;
-    ++shared_.requests;
   }
 
   const int socket_;
@@ -152,6 +159,11 @@ void Collector::bindPort() {
     throw std::runtime_error("The collector cannot have a port");
   }
   port_ = ntohs(address.sin_port);
+}
+
+std::size_t Collector::countRepeated(std::size_t count) const {
+  return static_cast<std::size_t>(std::count_if(shared_->accepted.begin(), shared_->accepted.begin() + count,
+                                                [](const auto& times) { return times.load() > 1; }));
 }
 
 std::string Collector::lastBody() const {

@@ -39,13 +39,20 @@ class Collector {
   /// Whether a record with this number was answered with 200.
   bool hasAccepted(std::size_t number) const { return number < kMostNumbers && shared_->accepted[number].load() != 0; }
 
-  /// Returns the body of the latest request; not while one is on its way.
+  /// How many records with these numbers, 0 to `count`, were answered with 200 more than once.
+  std::size_t countRepeated(std::size_t count) const;
+
+  /// When the latest record was answered with 200, by secondsNow().
+  double lastAcceptedAt() const { return shared_->lastAcceptedAt.load(); }
+
+  /// Returns the body of the latest request with a number; not while one is on its way.
   std::string lastBody() const;
 
   /// What both processes see.
   struct Shared {
     std::atomic<std::size_t> requests;
     std::array<std::atomic<std::uint8_t>, kMostNumbers> accepted;
+    std::atomic<double> lastAcceptedAt;
     std::atomic<std::size_t> lastBodySize;
     std::array<char, 65536> lastBody;
   };

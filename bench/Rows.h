@@ -27,9 +27,11 @@ void measureDeliveryOverTls(Figures& figures);
 void measureStoreWrite(Figures& figures);
 void measureReadBack(Figures& figures);
 void measureResend(Figures& figures);
-void measureFailures(Figures& figures);
-void measureStart(Figures& figures);
+void measureKill(Figures& figures);
 void measureExit(Figures& figures);
+void measureAway(Figures& figures);
+void measureRestart(Figures& figures);
+void measureStart(Figures& figures);
 void measureIdle(Figures& figures);
 void measureLogging(Figures& figures);
 void measureSize(Figures& figures);
@@ -38,7 +40,10 @@ void measurePopup(Figures& figures);
 void measureMessage(Figures& figures);
 
 // The programs.
-int fillStore(const std::vector<std::string>& arguments);   ///< HOME COUNT: stores that many records.
-int postAndEnd(const std::vector<std::string>& arguments);  ///< HOME URL COUNT WAY: posts, then ends that way.
+int fillStore(const std::vector<std::string>& arguments);    ///< HOME COUNT: stores that many records.
+int postAndEnd(const std::vector<std::string>& arguments);   ///< HOME URL COUNT WAY: posts, then ends that way.
+int postAndWait(const std::vector<std::string>& arguments);  ///< HOME URL COUNT: prints how much memory they take.
+int deliverAll(const std::vector<std::string>& arguments);   ///< HOME URL: delivers what waits.
+int sendBare(const std::vector<std::string>& arguments);     ///< URL FILE COUNT: sends the file that often.
 
 }  // namespace kesu::bench

@@ -2,6 +2,7 @@
 
 #include <kesu.h>
 #include <poll.h>
+#include <sys/resource.h>
 #include <time.h>
 
 #include <atomic>
@@ -9,6 +10,7 @@
 #include <future>
 
 #include "Stopwatch.h"
+#include "facade/Wiring.h"
 #include "records/Destinations.h"
 
 namespace kesu::bench {
@@ -73,13 +75,35 @@ void Session::settle(std::size_t mostPending) {
   platform_.background.post([&isWorkerDone] { isWorkerDone = true; });
   do {
     turn(1);
-  } while (!isWorkerDone || platform_.http.pendingCount() > mostPending || platform_.mainLoop.nextDue() == 0.0);
+  } while (!isWorkerDone || wiring().outbox.pendingCount() > mostPending ||
+           platform_.http.pendingCount() > mostPending || platform_.mainLoop.nextDue() == 0.0);
+}
+
+void Session::deliverAll() {
+  constexpr double kMostSeconds = 10.0;
+  const double end = secondsNow() + kMostSeconds;
+  do {
+    settle();
+  } while (secondsNow() < end && !wiring().store.storedFiles().empty());
+}
+
+void Session::idle(double seconds) {
+  for (const double end = secondsNow() + seconds; secondsNow() < end;) {
+    turn(50);
+  }
 }
 
 double Session::turn(int mostMilliseconds) {
   pollfd work{platform_.mainLoop.fd(), POLLIN, 0};
   ::poll(&work, 1, mostMilliseconds);
   return secondsOf([this] { platform_.mainLoop.pump(); });
+}
+
+double processorSeconds() {
+  rusage usage{};
+  ::getrusage(RUSAGE_SELF, &usage);
+  return static_cast<double>(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) +
+         static_cast<double>(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) * 1e-6;
 }
 
 double workerSeconds(Platform& platform) {

@@ -9,7 +9,7 @@
 namespace kesu::bench {
 
 /// The name under which the benchmarks post.
-inline constexpr const char* kEventName = "level reached";
+inline const std::string kEventName = "level reached";
 
 /// Five attributes of a usual size; "n" holds the number.
 Attributes fiveAttributes(std::size_t number);
@@ -30,8 +30,14 @@ class Session {
 
   Session(const std::string& homeDirectory, const std::string& collectorUrl, Launch launch, std::string caFile = {});
 
-  /// Pumps until the background queue is empty and at most `mostPending` requests are under way.
+  /// Pumps until the background queue is empty and at most `mostPending` records and requests wait or are under way.
   void settle(std::size_t mostPending = 0);
+
+  /// The same until the store is empty as well; for ten seconds at most.
+  void deliverAll();
+
+  /// Does what a host without anything to do does, for a while.
+  void idle(double seconds);
 
   /// One turn of a host's loop that has nothing else to do: sleeps until there is work, pumps, and returns how long
   /// pump() took in seconds.
@@ -42,6 +48,9 @@ class Session {
  private:
   Platform& platform_;
 };
+
+/// Returns the processor time of all threads so far, in seconds.
+double processorSeconds();
 
 /// Returns the processor time of the background worker so far, in seconds. Waits for its queue.
 double workerSeconds(Platform& platform);

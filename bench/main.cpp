@@ -18,15 +18,22 @@ namespace {
 
 // Rows that remove many files come after those that make many (Scratch.h).
 const std::vector<Row> kRows = {
-    {"post", &measurePosting},    {"worker", &measureRecordRoad}, {"screens", &measureScreens},
-    {"log", &measureLogging},     {"start", &measureStart},       {"store", &measureStoreWrite},
-    {"exit", &measureExit},       {"failures", &measureFailures}, {"read", &measureReadBack},
-    {"resend", &measureResend},   {"delivery", &measureDelivery}, {"delivery-tls", &measureDeliveryOverTls},
-    {"idle", &measureIdle},       {"size", &measureSize},         {"popup", &measurePopup},
-    {"message", &measureMessage},
+    {"post", &measurePosting},      {"worker", &measureRecordRoad},
+    {"screens", &measureScreens},   {"log", &measureLogging},
+    {"start", &measureStart},       {"store", &measureStoreWrite},
+    {"exit", &measureExit},         {"kill", &measureKill},
+    {"read", &measureReadBack},     {"away", &measureAway},
+    {"restart", &measureRestart},   {"resend", &measureResend},
+    {"delivery", &measureDelivery}, {"delivery-tls", &measureDeliveryOverTls},
+    {"idle", &measureIdle},         {"size", &measureSize},
+    {"popup", &measurePopup},       {"message", &measureMessage},
 };
 
-const std::vector<Program> kPrograms = {{"fill-store", &fillStore}, {"post-and-end", &postAndEnd}};
+const std::vector<Program> kPrograms = {{"fill-store", &fillStore},
+                                        {"post-and-end", &postAndEnd},
+                                        {"post-and-wait", &postAndWait},
+                                        {"deliver-all", &deliverAll},
+                                        {"send-bare", &sendBare}};
 
 struct Options {
   std::vector<std::string> rows;

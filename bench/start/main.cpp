@@ -1,9 +1,11 @@
 // The smallest program that starts: with the library, without it, and with nothing but what the library stands on.
-// Prints the microseconds that Kesu::initialize took and the memory in kB that the process holds afterwards. Argument:
-// the home directory.
+// Prints the microseconds that Kesu::initialize took and the memory in kB that the process holds afterwards, then the
+// same with the launch and that many milliseconds later. Arguments: the home directory, milliseconds.
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <thread>
 
 #ifdef KESU_BENCH_WITH_LIBRARY
 #include <kesu.h>
@@ -20,8 +22,12 @@ void initialize(const char* home) {
   kesu::installLinuxPlatform(options);
   kesu::Kesu::initialize("benchmark key");
 }
+void launch() {
+  kesu::Application::shared().didFinishLaunching();
+}
 #else
 void initialize(const char* /*home*/) {}
+void launch() {}
 #endif
 
 long memoryKilobytes() {
@@ -42,9 +48,16 @@ long memoryKilobytes() {
 }  // namespace
 
 int main(int argc, char** argv) {
+  using Microseconds = std::chrono::duration<double, std::micro>;
   const auto start = std::chrono::steady_clock::now();
   initialize(argc > 1 ? argv[1] : "");
-  const std::chrono::duration<double, std::micro> taken = std::chrono::steady_clock::now() - start;
-  std::printf("%.1f %ld\n", taken.count(), memoryKilobytes());
+  const Microseconds initializing = std::chrono::steady_clock::now() - start;
+  const long initialized = memoryKilobytes();
+  const auto again = std::chrono::steady_clock::now();
+  launch();
+  const Microseconds launching = std::chrono::steady_clock::now() - again;
+  std::this_thread::sleep_for(std::chrono::milliseconds(argc > 2 ? std::atoi(argv[2]) : 0));
+  std::printf("%.1f %ld %.1f %ld\n", initializing.count(), initialized, (initializing + launching).count(),
+              memoryKilobytes());
   return 0;
 }
