@@ -60,6 +60,15 @@ std::uint64_t checksumOf(std::uint64_t seed, std::uint64_t secondSeed, std::stri
   return sum ^ (sum >> 32U);
 }
 
+// The header at `offset`, where there must be one or the end; nothing at the end.
+std::optional<EntryHeader> headerAt(std::string_view segment, std::size_t offset) {
+  EntryHeader header;
+  std::memcpy(&header, segment.data() + offset, sizeof(header));
+  const bool isPlausible = (header.kind() == EntryKind::Entry || header.kind() == EntryKind::Preamble) &&
+                           header.length() <= AppendLog::kLongestEntry;
+  return isPlausible ? std::optional(header) : std::nullopt;
+}
+
 std::uint64_t headerChecksum(const HeaderLayout& layout) {
   return checksumOf(kVersion, 0, {reinterpret_cast<const char*>(&layout), offsetof(HeaderLayout, checksum)});
 }
@@ -94,6 +103,17 @@ EntryHeader makeEntryHeader(EntryKind kind, AppendLog::Sequence sequence, std::s
   return {kindAndLength, isReleased ? kReleasedMark : 0, sequence, checksumOf(kindAndLength, sequence, bytes)};
 }
 
+bool goesOn(std::string_view read, std::size_t& offset) {
+  while (offset + sizeof(EntryHeader) <= read.size()) {
+    const auto header = headerAt(read, offset);
+    if (!header) {
+      return false;
+    }
+    offset += entryBytes(header->length());
+  }
+  return true;
+}
+
 bool isWhole(const EntryHeader& header, std::string_view bytes) {
   return header.length() == bytes.size() && header.checksum == checksumOf(header.kindAndLength, header.sequence, bytes);
 }
@@ -107,20 +127,12 @@ SegmentReader::SegmentReader(std::string_view segment) : segment_(segment) {
   }
 }
 
-std::optional<EntryHeader> SegmentReader::headerHere() const {
-  if (offset_ + sizeof(EntryHeader) > segment_.size()) {
-    return std::nullopt;
-  }
-  EntryHeader header;
-  std::memcpy(&header, segment_.data() + offset_, sizeof(header));
-  const bool isPlausible = (header.kind() == EntryKind::Entry || header.kind() == EntryKind::Preamble) &&
-                           header.length() <= AppendLog::kLongestEntry &&
-                           offset_ + sizeof(EntryHeader) + header.length() <= segment_.size();
-  return isPlausible ? std::optional(header) : std::nullopt;
-}
-
 std::optional<SegmentReader::Item> SegmentReader::next() {
-  while (const auto header = headerHere()) {
+  while (offset_ + sizeof(EntryHeader) <= segment_.size()) {
+    const auto header = headerAt(segment_, offset_);
+    if (!header || offset_ + sizeof(EntryHeader) + header->length() > segment_.size()) {
+      break;
+    }
     const Item item{header->kind(),
                     static_cast<std::uint32_t>(offset_),
                     header->sequence,

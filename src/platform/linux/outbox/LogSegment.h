@@ -59,6 +59,10 @@ constexpr std::uint32_t entryBytes(std::size_t length) {
 
 EntryHeader makeEntryHeader(EntryKind kind, AppendLog::Sequence sequence, std::string_view bytes, bool isReleased);
 
+/// Whether a segment goes on behind what was read of it: it has no end there. `offset` is where an entry begins, at
+/// first kSegmentHeaderBytes, and is moved on.
+bool goesOn(std::string_view read, std::size_t& offset);
+
 /// Whether the checksum is that of these bytes.
 bool isWhole(const EntryHeader& header, std::string_view bytes);
 
@@ -82,9 +86,6 @@ class SegmentReader {
   std::optional<Item> next();
 
  private:
-  /// The header at the read position; nothing at the end.
-  std::optional<EntryHeader> headerHere() const;
-
   std::string_view segment_;
   std::size_t offset_ = kSegmentHeaderBytes;
   AppendLog::Sequence next_ = 0;

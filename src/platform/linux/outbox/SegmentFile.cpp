@@ -17,6 +17,9 @@ namespace {
 // As many pages as a burst of records fills between two flushes.
 constexpr std::uint32_t kRenewedBytes = 16 * 1024;
 
+// What is read of a segment at once: most of those that a start finds have few entries.
+constexpr std::size_t kReadBytes = 64 * 1024;
+
 // Reads up to `count` bytes, fewer only at the end of the file.
 int readAt(int fd, std::uint32_t offset, char* into, std::size_t count, std::size_t& got) {
   got = 0;
@@ -142,10 +145,15 @@ std::shared_ptr<MappedSegment> SegmentFile::mapping() const {
 }
 
 int SegmentFile::readAll(std::string& bytes) const {
-  bytes.resize(kSegmentBytes);
-  std::size_t got = 0;
-  const int error = readAt(fd_.get(), 0, bytes.data(), bytes.size(), got);
-  bytes.resize(got);
+  int error = 0;
+  std::size_t got = kReadBytes;
+  std::size_t end = kSegmentHeaderBytes;
+  for (bytes.clear(); error == 0 && got == kReadBytes && bytes.size() < kSegmentBytes && goesOn(bytes, end);) {
+    const std::size_t had = bytes.size();
+    bytes.resize(had + kReadBytes);
+    error = readAt(fd_.get(), static_cast<std::uint32_t>(had), bytes.data() + had, kReadBytes, got);
+    bytes.resize(had + got);
+  }
   return error;
 }
 

@@ -61,7 +61,7 @@ class SegmentFile {
     return waiting_.load(std::memory_order_acquire) == 0 && last_ <= settled;
   }
 
-  /// Reads the whole file, at most kSegmentBytes. Returns an error.
+  /// Reads the file up to the end of its entries, perhaps some bytes more. Returns an error.
   int readAll(std::string& bytes) const;
 
   /// Reads one entry. Returns an error; EBADMSG for an entry that is damaged.
