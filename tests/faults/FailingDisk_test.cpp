@@ -72,7 +72,8 @@ void addFaults(const std::string& line, std::vector<DiskFault>& faults) {
   fault.name += " " + path.substr(path.find_last_of('/') + 1);
   while (words >> fault.error) {
     for (const bool lasts : {false, true}) {
-      if (!lasts || fault.error != "EINTR") {  // Who repeats an interrupted call would do so for ever.
+      // Who repeats an interrupted call would do so for ever; SQLite tries for 10 s at each access to get a lock.
+      if (!lasts || (fault.error != "EINTR" && fault.name.rfind("fcntl", 0) != 0)) {
         fault.lasts = lasts;
         faults.push_back(fault);
       }

@@ -229,16 +229,17 @@ mode_t modeArgument(int flags, std::va_list arguments) {
     }                                                                                                            \
     return reinterpret_cast<void*>(::syscall(SYS_mmap, address, length, protection, flags, descriptor, offset)); \
   }
-// The locks that SQLite takes; every other command passes.
-#define KESU_CONTROL(name)                                                           \
-  extern "C" int name(int descriptor, int command, ...) {                            \
-    std::va_list arguments;                                                          \
-    va_start(arguments, command);                                                    \
-    void* const argument = va_arg(arguments, void*);                                 \
-    va_end(arguments);                                                               \
-    static auto* const real = next<int(int, int, ...)>(#name);                       \
-    const int fault = command == F_SETLK ? faultOf(#name, descriptor, {ENOLCK}) : 0; \
-    return checked(fault, [&] { return real(descriptor, command, argument); });      \
+// Taking a lock, as SQLite does; every other command passes, and so does giving one back.
+#define KESU_CONTROL(name)                                                                                  \
+  extern "C" int name(int descriptor, int command, ...) {                                                   \
+    std::va_list arguments;                                                                                 \
+    va_start(arguments, command);                                                                           \
+    void* const argument = va_arg(arguments, void*);                                                        \
+    va_end(arguments);                                                                                      \
+    static auto* const real = next<int(int, int, ...)>(#name);                                              \
+    const bool takes = command == F_SETLK && static_cast<const struct flock*>(argument)->l_type != F_UNLCK; \
+    const int fault = takes ? faultOf(#name, descriptor, {ENOLCK}) : 0;                                     \
+    return checked(fault, [&] { return real(descriptor, command, argument); });                             \
   }
 
 KESU_OPEN(open)

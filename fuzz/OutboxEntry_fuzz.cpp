@@ -1,0 +1,53 @@
+// Fuzzes: outbox
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "outbox/OutboxEntry.h"
+
+namespace {
+
+// What was read is written and read again, to the same bytes: compared as bytes, since no NaN equals itself.
+std::string written(const kesu::OutboxEntry& entry) {
+  std::vector<kesu::DefaultsChange> changes;
+  for (const kesu::OutboxEntry::Change& change : entry.changes) {
+    changes.push_back({change.kind, change.key, change.value});
+  }
+  std::string bytes;
+  if (!kesu::appendChanges(bytes, changes) ||
+      (entry.record && !kesu::appendRecord(bytes, *entry.record, entry.record->entries))) {
+    std::abort();
+  }
+  return bytes;
+}
+
+std::string written(const kesu::Dictionary& dictionary) {
+  std::string bytes;
+  if (!kesu::appendDictionary(bytes, dictionary)) {
+    std::abort();
+  }
+  return bytes;
+}
+
+template <typename Read>
+void readAndWrite(std::string_view bytes, const Read& read) {
+  if (const auto first = read(bytes)) {
+    const std::string once = written(*first);
+    const auto second = read(once);
+    if (!second || written(*second) != once) {
+      std::abort();
+    }
+  }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const std::string_view bytes(reinterpret_cast<const char*>(data), size);
+  readAndWrite(bytes, kesu::readEntry);
+  readAndWrite(bytes, kesu::readDictionary);
+  return 0;
+}
