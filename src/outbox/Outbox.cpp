@@ -57,7 +57,7 @@ void Outbox::openLocked(Consequences& then) {
   if (std::exchange(isOpen_, true)) {
     return;
   }
-  const auto recovered = [this](const AppendLog::Entry& entry, const Dictionary& context) {
+  const auto recovered = [this](const AppendLog::Entry& entry, const Dictionary& context) KESU_REQUIRES(mutex_) {
     queue_.add({{entry, true, &context}, nullptr});
   };
   if (!journal_.recover(recovered, clock_.now())) {
