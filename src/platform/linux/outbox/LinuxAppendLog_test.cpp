@@ -227,8 +227,9 @@ TEST_F(LinuxAppendLogTest, AFullDiskRefusesEntriesUntilThereIsRoom) {
   std::filesystem::create_directory(path());
   // Without a mapping nothing is allocated ahead: the second segment takes two more.
   const std::pair<SegmentAccess, std::size_t> table[] = {{SegmentAccess::Mapped, 3}, {SegmentAccess::SystemCalls, 5}};
-  for (const auto& [access, fitting] : table) {
-    const auto verdict = testing::runInChild([&] {
+  for (const auto& row : table) {
+    const std::size_t fitting = row.second;
+    const auto verdict = testing::runInChild([&, access = row.first] {
       if (!testing::mountSmallDisk(path().c_str(), "1500k")) {
         return kMountRefusedHere;
       }
