@@ -92,6 +92,7 @@ if(KESU_SANITIZE)
 endif()
 kesu_add_test(fault_test FOLDERS foundation LABELS concurrent SOURCES ${fault_sources})
 kesu_use_test_host(fault_test)
+set_tests_properties(fault_test PROPERTIES TIMEOUT 3600)  # With KESU_LONG_TESTS it takes some 20 minutes.
 target_compile_definitions(fault_test PRIVATE KESU_KILL_ROUNDS=${kill_rounds})
 if(NOT KESU_SANITIZE)
   add_library(kesu_faulty_calls MODULE ${CMAKE_SOURCE_DIR}/tests/faults/preload/FaultyCalls.cpp)

@@ -24,7 +24,7 @@ using testing::NumberedCollector;
 // Nobody listens there.
 constexpr const char* kNobody = "http://127.0.0.1:1/";
 
-constexpr std::size_t kSelectedFaults = 80;
+constexpr std::size_t kSelectedFaults = 50;
 constexpr double kSecondsUntilDelivered = 20;
 constexpr const char* kNotKept = "log 0 Records are not kept on disk until they are delivered";
 
