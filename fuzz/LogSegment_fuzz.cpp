@@ -22,9 +22,9 @@ void readSegment(std::string_view segment) {
   kesu::AppendLog::Sequence last = 0;
   while (const auto item = reader.next()) {
     require(item->offset >= end && item->bytes.data() + item->bytes.size() <= segment.data() + segment.size());
-    require(item->sequence > last || (item->kind == kesu::EntryKind::Preamble && item->sequence >= last));
+    require(item->sequence >= last);
     end = item->offset + kesu::entryBytes(item->bytes.size());
-    last = item->kind == kesu::EntryKind::Entry ? item->sequence : last;
+    last = item->sequence;
   }
 }
 
