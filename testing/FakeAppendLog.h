@@ -63,6 +63,8 @@ class FakeAppendLog final : public AppendLog {
     settled_ = std::max(settled_, sequence);
   }
 
+  bool isRunningLow() const override { return false; }
+
   void prepare() override {
     const MutexLock lock(mutex_);
     std::erase_if(entries_, [settled = settled_](const Stored& stored) {

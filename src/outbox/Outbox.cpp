@@ -12,9 +12,6 @@ constexpr double kHandOverSeconds = 1.0;
 // Records that one task of the background queue hands out, so that other tasks have their turn.
 constexpr std::size_t kMostPerTask = 64;
 
-// Records between two looks at the room ahead: a host that posts without pause fills a segment in some 3 ms.
-constexpr std::size_t kRecordsPerPrepare = 8;
-
 // A checkpoint waits for the disk several times; without one the log keeps its segments.
 constexpr int kHandOversPerCheckpoint = 30;
 constexpr AppendLog::Sequence kMostUnsettled = 10'000;  // Some four segments.
@@ -143,6 +140,9 @@ void Outbox::take(const PendingRecord& frame, const Dictionary& entries, const s
   if (entry && isEnding_) {
     return;
   }
+  if (log_.isRunningLow() && !std::exchange(isPreparing_, true)) {
+    then.prepares = true;
+  }
   if (entry) {
     queue_.add({{*entry, true, nullptr}, nullptr});
   } else {
@@ -162,6 +162,9 @@ void Outbox::planDelivery(Consequences& then) {
 
 // Without the lock: while the process ends, the queue runs its tasks inside post().
 void Outbox::carryOut(const Consequences& then) {
+  if (then.prepares) {
+    background_.post([this] { prepare(); });
+  }
   if (then.delivers) {
     background_.post([this] { deliverWaiting(); });
   }
@@ -176,11 +179,16 @@ void Outbox::planHandOver() {
   }
 }
 
+void Outbox::prepare() {
+  if (!isEnding()) {  // It may wait for the disk.
+    log_.prepare();
+  }
+  const MutexLock lock(mutex_);
+  isPreparing_ = false;
+}
+
 void Outbox::deliverWaiting() {
   for (std::size_t count = 0; count < kMostPerTask && deliverNext(); ++count) {
-    if (count % kRecordsPerPrepare == 0 && !isEnding()) {  // It may wait for the disk.
-      log_.prepare();
-    }
   }
   Consequences then;
   {

@@ -105,6 +105,7 @@ class Outbox {
   /// What follows from a step once the lock is released.
   struct Consequences {
     bool delivers = false;
+    bool prepares = false;
     bool synchronizes = false;
   };
 
@@ -115,6 +116,7 @@ class Outbox {
   void planHandOver() KESU_REQUIRES(mutex_);
   void carryOut(const Consequences& then);
   void applyLate();
+  void prepare();
   void deliverWaiting();
   bool deliverNext();
   std::optional<PendingRecord> readLogged(const AppendLog::Entry& entry);
@@ -134,6 +136,7 @@ class Outbox {
   bool isOpen_ KESU_GUARDED_BY(mutex_) = false;
   bool isScheduled_ KESU_GUARDED_BY(mutex_) = false;
   bool isHandOverPlanned_ KESU_GUARDED_BY(mutex_) = false;
+  bool isPreparing_ KESU_GUARDED_BY(mutex_) = false;
   bool isEnding_ KESU_GUARDED_BY(mutex_) = false;
 
   // Background queue only.

@@ -67,6 +67,9 @@ class KESU_API AppendLog {
   /// Notes that no start needs released entries up to and including `sequence` any more: their room may be used again.
   virtual void settle(Sequence sequence) = 0;
 
+  /// Whether appends will soon outrun the room that prepare() has made. Costs one atomic load.
+  virtual bool isRunningLow() const = 0;
+
   /// Makes room ready ahead of the appends, and gives back room that is no longer needed. After append() returned
   /// nothing, this is what tries again. May wait for the disk: for the background queue, after flush().
   virtual void prepare() = 0;

@@ -34,8 +34,8 @@ class Lines {
 
   void add(const std::string& rawName, const std::string& rawValue) {
     const std::string name = withoutLineBreaks(rawName);
-    // "Host: x" as a name would be a second header.
-    if (name.empty() || name.find_first_of(" \t:") != std::string::npos || belongsToTransport(name)) {
+    // "Host: x" or "Host;x" as a name would replace that header.
+    if (name.empty() || name.find_first_of(" \t:;") != std::string::npos || belongsToTransport(name)) {
       return;
     }
     if (equalsIgnoringCase(name, "Content-Length")) {

@@ -83,6 +83,9 @@ std::optional<AppendLog::Entry> LinuxAppendLog::appendLocked(std::string_view by
     roomError_ = errno;
     return std::nullopt;
   }
+  if (*offset >= lowMark_) {
+    isRunningLow_.store(true, std::memory_order_relaxed);
+  }
   return Entry{next_++, current_.id, *offset};
 }
 
@@ -227,7 +230,7 @@ int LinuxAppendLog::makeSpare() {
   Sequence first = 0;
   {
     const MutexLock lock(mutex_);
-    if (next_ == 0 || spare_.file || hasRoom(kAheadBytes)) {
+    if (next_ == 0 || spare_.file || hasRoom(kSegmentBytes / 2)) {
       return 0;
     }
     if (held_.size() >= kMostSegments) {
@@ -265,6 +268,8 @@ void LinuxAppendLog::touchAhead() {
     current = current_;
     spare = spare_;
     from = current.file ? current.file->position() : kSegmentBytes;
+    lowMark_ = from + kAheadBytes / 2;
+    isRunningLow_.store(false, std::memory_order_relaxed);
   }
   const std::uint32_t end = from + kAheadBytes;
   if (current.file) {

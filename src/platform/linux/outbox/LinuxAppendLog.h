@@ -2,6 +2,7 @@
 
 #include <kesu/platform/AppendLog.h>
 
+#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -40,6 +41,7 @@ class LinuxAppendLog final : public AppendLog {
   bool read(const Entry& entry, std::string& bytes) override;
   void release(const Entry& entry) override;
   void settle(Sequence sequence) override;
+  bool isRunningLow() const override { return isRunningLow_.load(std::memory_order_relaxed); }
   void prepare() override;
   void flush() override;
   void startFlush() override;
@@ -81,6 +83,8 @@ class LinuxAppendLog final : public AppendLog {
   HeldSegment spare_ KESU_GUARDED_BY(mutex_);
   Sequence next_ KESU_GUARDED_BY(mutex_) = 0;  // 0 before recover().
   Sequence settled_ KESU_GUARDED_BY(mutex_) = 0;
+  std::uint32_t lowMark_ KESU_GUARDED_BY(mutex_) = 0;  // Position in the present segment from which room is low.
+  std::atomic<bool> isRunningLow_{false};
   std::string preamble_ KESU_GUARDED_BY(mutex_);
   int roomError_ KESU_GUARDED_BY(mutex_) = 0;  // Why nothing is appended until the next prepare().
 };
