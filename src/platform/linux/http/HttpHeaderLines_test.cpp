@@ -35,7 +35,7 @@ TEST(HttpHeaderLines, CannotBeUsedToInjectHeaders) {
       {"a", "\r\n", "a;"},
       {"a", "", "a;"},
       {"a", "  \t", "a;"},
-      {"a;", "1", "a;: 1"},
+      {"Host;x", "1", "Expect:"},  // Left out: libcurl would take it for that header.
   };
   for (const Case& c : cases) {
     EXPECT_EQ(httpHeaderLines(requestWith({{c.name, c.value}})).front(), c.line);
