@@ -11,9 +11,8 @@ namespace kesu {
 ///
 /// A short-lived value of one thread: make it, fill it, post it once. Posting costs the caller a copy of the
 /// attributes into a log on disk, where the event survives the death of the process from then on; the background queue
-/// delivers. Posting before
-/// Kesu::initialize throws InternalInconsistencyException and records nothing. An event whose name is missing, empty or
-/// blank is ignored.
+/// delivers. Posting before Kesu::initialize throws InternalInconsistencyException and records nothing. An event whose
+/// name is missing, empty or blank is ignored.
 class KESU_API KesuEvent {
  public:
   KesuEvent() = default;

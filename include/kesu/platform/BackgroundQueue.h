@@ -22,9 +22,8 @@ class KESU_API BackgroundQueue {
   virtual void postAfter(double seconds, Task task) = 0;
 
   /// Waits until every task posted so far has run, but for those that are not due, at most `seconds`. Returns whether
-  /// they have. The calling thread may
-  /// run tasks itself meanwhile, one at a time as always, and finishes a task that it has begun. Inside a task it
-  /// returns false at once.
+  /// they have. The calling thread may run tasks itself meanwhile, one at a time as always, and finishes a task that it
+  /// has begun. Inside a task it returns false at once.
   virtual bool drain(double seconds) = 0;
 
   /// Drains the queue, then stops and joins the worker. Tasks posted afterwards run synchronously on the posting

@@ -67,8 +67,8 @@ class KESU_API HttpClient {
   virtual void send(HttpRequest request, Completion completion) = 0;
 
   /// Sends a request whose completion does not wait for the main loop: it runs on a thread of the client as soon as the
-  /// outcome is known. It must be short, must not throw, and must not call the client but
-  /// for send() and sendInBackground(). The one exception: when shutdown() has begun, or no thread can be started, the
+  /// outcome is known. It must be short, must not throw, and must not call the client but for send() and
+  /// sendInBackground(). The one exception: when shutdown() has begun, or no thread can be started, the
   /// request is completed with HttpError::Cancelled on the main loop, because the caller may hold locks here.
   virtual void sendInBackground(HttpRequest request, Completion completion) = 0;
 

@@ -6,7 +6,8 @@
 
 namespace kesu {
 
-/// The destination of log lines. Called from any thread; must not call back into the library.
+/// The destination of log lines. Called from any thread, sometimes with a mutex of the library locked: must not call
+/// back into the library, which may hang, and must not post a record.
 class KESU_API LogSink {
  public:
   virtual ~LogSink() = default;

@@ -67,8 +67,9 @@ struct PlatformOptions {
   std::string collectorUrl;      ///< Whole collector URL. Else: "KesuOverrideServer".
   std::string messagingHost;     ///< host[:port]. Else: "KesuMessagingHost".
   std::string reachabilityHost;  ///< host[:port]. Else: "KesuReachabilityHost", else the collector's host.
-  std::function<void(int level, std::string_view text)> logSink;  ///< Any thread. Else: standard error.
-  std::function<bool(const std::string& url)> urlOpener;          ///< Main thread. Else: xdg-open.
+  /// Any thread, also inside a call of the library: must not call the library. Else: standard error.
+  std::function<void(int level, std::string_view text)> logSink;
+  std::function<bool(const std::string& url)> urlOpener;  ///< Main thread. Else: xdg-open.
 
   // Whole services, not owned. The library's exit handler is the last to use them: give them static lifetime and make
   // them before the platform is installed, or never destroy them.

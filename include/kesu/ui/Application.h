@@ -19,15 +19,17 @@ class KESU_API Application {
   /// first launch, the traits that are due and the launch itself, and starts to watch the network.
   void didFinishLaunching();
 
-  /// Reports that the application is no longer visible. Moves stored values to their final place on disk.
+  /// Reports that the application is no longer visible. Everything taken so far is handed to the disk, on the
+  /// background queue: a set in standby may be switched off.
   void didEnterBackground();
 
   /// Reports that the application is about to be visible again.
   void willEnterForeground();
 
-  /// Reports that the process is about to end. Returns within 50 ms whatever the network does, with every record
-  /// delivered or on disk; writing thousands of pending ones takes longer. Called at exit for hosts that return from
-  /// main().
+  /// Reports that the process is about to end. Returns within 50 ms whatever the network does and however many records
+  /// wait: what is not answered by then is left on disk for the next start. It takes longer only while there are
+  /// records that the disk has refused. An exit handler does the same, without the record of the termination, for hosts
+  /// that return from main().
   void willTerminate();
 
   /// Reports that locale, languages or time zone of the device have changed.

@@ -7,7 +7,7 @@ namespace kesu {
 
 /// What is logged about the disk below an append log: each kind of trouble once until it is over, so that a disk that
 /// stays full does not fill the log as well. Any thread; never with the mutex of append() locked, because the host's
-/// log sink may come back with a record.
+/// log sink may take its time.
 class OutboxWarnings {
  public:
   enum class Kind {
