@@ -125,7 +125,7 @@ void postRecord(KesuPost& post, UserDefaults& defaults, const ButtonPress& press
   record.set(k_destinationKeyInDictionary, kTableNotifications);
   record.set(kButtonIdKey, decimal(press.tag));
   record.set(kButtonNameKey, press.title);
-  post.post(std::move(record));
+  post.post(record);
 }
 
 void postEvent(const ButtonPress& press, std::int64_t status) {

@@ -57,7 +57,7 @@ void KesuInAppMessagesRequester::messageWithMid(const Object& mid, const Object&
   setUnlessNil(receipt, k_KesuAppInstanceId, who.kaid);
   receipt.set(kActionKey, kActionDelivered);
   receipt.set(k_destinationKeyInDictionary, kTableNotifications);
-  post_.post(std::move(receipt));
+  post_.post(receipt);
 }
 
 std::optional<HttpRequest> KesuInAppMessagesRequester::requestFromDictionary(Dictionary& dictionary) {

@@ -70,7 +70,8 @@ class KESU_API UserDefaults {
   virtual bool synchronize() = 0;
 
   /// Moves what synchronize() has written from the journal into the store. May wait for the disk: call it on a
-  /// background thread, or when the application enters the background or ends. Returns whether all of it is on the disk.
+  /// background thread, or when the application enters the background or ends. Returns whether all of it is on the
+  /// disk.
   virtual bool checkpoint() = 0;
 
   /// Whether the values of earlier runs were read, or there is proof that there are none. Never returns to false. True

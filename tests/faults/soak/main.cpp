@@ -106,7 +106,7 @@ int report(int seconds, HostProcess& host, NumberedCollector& collector, const s
 }  // namespace
 
 int main(int argc, char** argv) {
-  const int seconds = std::max(argc > 1 ? std::atoi(argv[1]) : 0, kShortestRun);
+  const int seconds = std::max(argc > 1 ? static_cast<int>(std::strtol(argv[1], nullptr, 10)) : 0, kShortestRun);
   const kesu::loopback::TemporaryDirectory home;
   NumberedCollector collector;
   HostProcess host(home.path(), collector.url(), {"launch", "steady=1," + std::to_string(kRecordsPerSecond)});

@@ -18,7 +18,7 @@ namespace {
 constexpr std::uint32_t kRenewedBytes = 16 * 1024;
 
 // What is read of a segment at once: most of those that a start finds have few entries.
-constexpr std::size_t kReadBytes = 64 * 1024;
+constexpr std::size_t kReadBytes = std::size_t{64} * 1024;
 
 // Reads up to `count` bytes, fewer only at the end of the file.
 int readAt(int fd, std::uint32_t offset, char* into, std::size_t count, std::size_t& got) {
