@@ -74,7 +74,9 @@ void KesuPost::store(const Dictionary& record, const Outbox::Ticket& ticket) {
   }
   KESU_LOG_AT(3, kPostSource, 177, "Error writing dictionary to disk %s", describe(record).c_str());
   if (!std::exchange(isStoreFailing_, true)) {
-    KESU_LOG(0, "Undelivered records cannot be stored at the moment; they are tried again later");
+    KESU_LOG(0, "%s",
+             ticket.isLogged ? "Undelivered records cannot be stored at the moment; they are tried again later"
+                             : "Undelivered records can neither be logged nor stored, and are lost");
   }
   outbox_.park(ticket);
   observe(FirstAttempt::Kept);

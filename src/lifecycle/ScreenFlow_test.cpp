@@ -71,6 +71,7 @@ TEST_F(FlowTest, ReportsTheFlowOfAnInterruptedRunOnce) {
   platform.defaults.synchronize();
   restart();
   platform.clock.advance(3600.0);
+  platform.defaults.set("~sfappbundleShortVersion", "");  // An empty version counts as one.
   platform.bundle.dictionary = {{"CFBundleVersion", "43"}};
   EXPECT_EQ(change('l', kMain),
             (Dictionary{{"~uf", "$$Main~~1.0"}, {"~cfqt", "1489579400999"}, {"ov", "12"}, {"av", "1.0"}, {"rv", "42"}}))
