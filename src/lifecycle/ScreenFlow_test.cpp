@@ -74,7 +74,7 @@ TEST_F(FlowTest, ReportsTheFlowOfAnInterruptedRunOnce) {
   platform.defaults.set("~sfappbundleShortVersion", "");  // An empty version counts as one.
   platform.bundle.dictionary = {{"CFBundleVersion", "43"}};
   EXPECT_EQ(change('l', kMain),
-            (Dictionary{{"~uf", "$$Main~~1.0"}, {"~cfqt", "1489579400999"}, {"ov", "12"}, {"av", "1.0"}, {"rv", "42"}}))
+            (Dictionary{{"~uf", "$$Main~~1.0"}, {"~cfqt", "1489579400999"}, {"ov", "12"}, {"av", ""}, {"rv", "42"}}))
       << "with the versions of that run";
   EXPECT_EQ(onDisk("~cfqt") + onDisk("~sfosVersion") + onDisk("~sfappbundleVersion"), "") << "they are reported once";
   restart();
