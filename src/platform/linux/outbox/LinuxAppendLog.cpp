@@ -177,6 +177,7 @@ void LinuxAppendLog::prepare() {
     return;
   }
   const MutexLock background(background_);
+  followHome();
   removeDone();
   const int error = makeSpare();
   {
@@ -184,6 +185,17 @@ void LinuxAppendLog::prepare() {
     roomError_ = current_.file || spare_.file ? 0 : error;
   }
   touchAhead();
+}
+
+// What is appended from now on must be where the next start looks for it.
+void LinuxAppendLog::followHome() {
+  if (next_ == 0 || !directory_.isElsewhere()) {
+    return;
+  }
+  const MutexLock lock(mutex_);  // An append may want to make a segment.
+  current_ = {};
+  spare_ = {};
+  roomError_ = directory_.beginLogElsewhere();
 }
 
 void LinuxAppendLog::removeDone() {

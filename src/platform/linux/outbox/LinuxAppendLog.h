@@ -69,6 +69,7 @@ class LinuxAppendLog final : public AppendLog {
   std::shared_ptr<SegmentFile> find(const Entry& entry);
 
   /// The steps of prepare().
+  void followHome() KESU_REQUIRES(background_);
   void removeDone() KESU_REQUIRES(background_);
   int makeSpare() KESU_REQUIRES(background_);
   void touchAhead() KESU_REQUIRES(background_);

@@ -58,6 +58,23 @@ class LinuxAppendLogTest : public ::testing::Test {
   testing::TemporaryDirectory directory_;
 };
 
+TEST_F(LinuxAppendLogTest, FollowsAHomeThatIsMountedOverIt) {
+  const auto log = open();
+  recoverAll(*log);
+  const auto before = log->append("before");
+  std::filesystem::rename(path(), path() + " below the mount");
+  std::filesystem::create_directory(path());
+  log->prepare();
+  ASSERT_TRUE(log->append("behind"));
+  std::string bytes;
+  EXPECT_TRUE(log->read(*before, bytes) && bytes == "before") << "it is still open";
+  log->release(*before);
+  log->prepare();
+  const auto next = open();
+  EXPECT_TRUE(recoverAll(*next).empty()) << "a living process holds it";
+  EXPECT_EQ(outboxNames(path()).size(), 4U) << "two logs with a lock and a segment each";
+}
+
 TEST_F(LinuxAppendLogTest, TouchesNothingBeforeRecoveryAndThenOnlyForThisUser) {
   const auto log = open();
   log->prepare();

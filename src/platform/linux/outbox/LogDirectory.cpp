@@ -15,10 +15,11 @@
 #include <string_view>
 #include <utility>
 
+#include "platform/linux/base/PrivateDirectory.h"
+
 namespace kesu {
 namespace {
 
-constexpr mode_t kLogDirectoryMode = 0700;
 constexpr mode_t kLogFileMode = 0600;
 constexpr int kOpenFlags = O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY;
 
@@ -65,18 +66,6 @@ std::optional<SegmentName> parseName(std::string_view file) {
              : std::nullopt;
 }
 
-int makeLogDirectory(const std::string& path) {
-  for (std::size_t slash = path.find('/', 1);; slash = path.find('/', slash + 1)) {
-    const std::string parent = path.substr(0, slash);
-    if (::mkdir(parent.c_str(), kLogDirectoryMode) != 0 && errno != EEXIST && slash == std::string::npos) {
-      return errno;
-    }
-    if (slash == std::string::npos) {
-      return 0;
-    }
-  }
-}
-
 // Distinct for each process and start; one that is taken already is noticed by its lock file.
 std::uint64_t newLogId() {
   timespec now{};
@@ -100,11 +89,24 @@ int LogDirectory::open() {
   if (path_.empty()) {
     return ENOENT;
   }
-  if (const int error = makeLogDirectory(path_)) {
+  if (const int error = makePrivateDirectory(path_)) {
     return error;
   }
   fd_ = UniqueFd(::open(path_.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
   return fd_ ? 0 : errno;
+}
+
+bool LogDirectory::isElsewhere() const {
+  struct stat opened {};
+  struct stat present {};
+  return fd_ && ::fstat(fd_.get(), &opened) == 0 && ::stat(path_.c_str(), &present) == 0 &&
+         (opened.st_dev != present.st_dev || opened.st_ino != present.st_ino);
+}
+
+int LogDirectory::beginLogElsewhere() {
+  leaveOwnLog();
+  fd_ = UniqueFd();
+  return beginLog();
 }
 
 template <typename Visit>

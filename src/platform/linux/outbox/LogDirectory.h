@@ -41,6 +41,12 @@ class LogDirectory {
   /// error.
   int beginLog();
 
+  /// Whether the path leads to another directory now: a file system was mounted over the home.
+  bool isElsewhere() const;
+
+  /// Begins a log in that one. The segments of the former log stay open; its names are left behind. Returns an error.
+  int beginLogElsewhere();
+
   /// Creates a segment of the own log. Null with errno on failure.
   std::shared_ptr<SegmentFile> createSegment(std::uint32_t number, AppendLog::Sequence first);
 
