@@ -68,6 +68,11 @@ FileResult FakeFiles::writeAtomically(const std::string& path, std::string_view 
   return put(path, Kind::File, bytes);
 }
 
+FileResult FakeFiles::writeNew(const std::string& path, std::string_view bytes) {
+  const MutexLock lock(mutex_);
+  return find(path) != nodes_.end() ? failure(FileStatus::Exists, "File exists") : put(path, Kind::File, bytes);
+}
+
 FileResult FakeFiles::remove(const std::string& path) {
   const MutexLock lock(mutex_);
   const auto node = find(path);

@@ -22,6 +22,7 @@ class FakeFiles final : public Files {
 
   FileContent read(const std::string& path, std::size_t limit) override;
   FileResult writeAtomically(const std::string& path, std::string_view bytes) override;
+  FileResult writeNew(const std::string& path, std::string_view bytes) override;
   void flush(const std::string& /*directory*/) override {}
   FileResult remove(const std::string& path) override;
   FileResult createDirectories(const std::string& path) override;

@@ -51,6 +51,11 @@ class FaultyFiles final : public Files {
     return fault.ok() ? inner_.writeAtomically(path, bytes) : fault;
   }
 
+  FileResult writeNew(const std::string& path, std::string_view bytes) override {
+    const FileResult fault = failed(writes_);
+    return fault.ok() ? inner_.writeNew(path, bytes) : fault;
+  }
+
   void flush(const std::string& directory) override { inner_.flush(directory); }
 
   FileResult remove(const std::string& path) override {

@@ -18,6 +18,8 @@ constexpr std::int64_t kMostFiles = 5000;  // Some 20 MB on a disk with blocks o
 /// Records have a few hundred bytes; a larger file is neither written nor read.
 constexpr std::size_t kLargestFile = std::size_t{16} * 1024 * 1024;
 
+constexpr int kNameAttempts = 100;
+
 constexpr const char* kStoreSource = "KesuStore";
 
 }  // namespace
@@ -36,11 +38,23 @@ bool KesuStore::add(const Dictionary& record) {
   if (!fits) {
     KESU_LOG(0, "A record of more than %zu bytes cannot be stored and is lost.", kLargestFile);
   }
-  const bool written = bytes && fits && files_.writeAtomically(newFileName(), *bytes).ok();
+  const bool written = bytes && fits && write(*bytes);
   hasNewFiles_ = hasNewFiles_ || written;
   defaults_.set(kNumberOfFilesDefault, count + 1);
   defaults_.synchronize();
   return written;
+}
+
+// Another process with the same home may store a record in the same microsecond.
+// Kept: while the clock stands still, the later record replaces the earlier one.
+bool KesuStore::write(const std::string& bytes) {
+  for (int attempt = 0; attempt < kNameAttempts; ++attempt) {
+    const FileResult result = files_.writeNew(newFileName(), bytes);
+    if (result.status != FileStatus::Exists) {
+      return result.ok();
+    }
+  }
+  return files_.writeAtomically(newFileName(), bytes).ok();
 }
 
 void KesuStore::flush() {

@@ -67,6 +67,8 @@ class KesuStore {
   void ls();
 
  private:
+  bool write(const std::string& bytes);
+
   Files& files_;
   UserDefaults& defaults_;
   Clock& clock_;

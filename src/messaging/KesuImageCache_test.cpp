@@ -102,6 +102,7 @@ class HomelessFiles final : public Files {
   std::string preferencesDirectory() override { return ""; }
   FileContent read(const std::string& path, std::size_t) override { return {touch(path), {}}; }
   FileResult writeAtomically(const std::string& path, std::string_view) override { return {touch(path), ""}; }
+  FileResult writeNew(const std::string& path, std::string_view) override { return {touch(path), ""}; }
   void flush(const std::string& path) override { touch(path); }
   FileResult remove(const std::string& path) override { return {touch(path), ""}; }
   FileResult createDirectories(const std::string& path) override { return {touch(path), ""}; }

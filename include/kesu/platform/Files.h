@@ -17,6 +17,7 @@ enum class FileStatus {
   NotAllowed,   ///< Permission denied or read-only file system.
   NoSpace,      ///< The disk or the quota is full.
   TooLarge,     ///< The file is larger than the caller's limit; nothing was read.
+  Exists,       ///< There is a file of that name already; it was not touched.
   NotRegular,   ///< A link, FIFO, device or directory where a regular file was expected; it was not touched.
   OtherFailure  ///< Anything else.
 };
@@ -75,6 +76,9 @@ class KESU_API Files {
   /// Replaces the file at `path` by `bytes`, all or nothing: a reader (or the next run after a crash) sees the old
   /// content or the new, never a part. Makes missing directories on the way.
   virtual FileResult writeAtomically(const std::string& path, std::string_view bytes) = 0;
+
+  /// The same for a file that does not exist yet: one of that name is left alone, whoever makes it meanwhile.
+  virtual FileResult writeNew(const std::string& path, std::string_view bytes) = 0;
 
   /// Waits until what was written in the file system of a directory is on the disk. For the background queue.
   virtual void flush(const std::string& directory) = 0;

@@ -167,6 +167,12 @@ TEST_P(FilesContractTest, DirectoriesCanBeMadeTwice) {
   EXPECT_EQ(listed(), (std::vector<std::string>{"a/", "a/b/"}));
 }
 
+TEST_P(FilesContractTest, ANewFileReplacesNone) {
+  EXPECT_TRUE(files().writeNew(path("deep/file"), "first").ok());
+  EXPECT_EQ(files().writeNew(path("deep/file"), "second").status, FileStatus::Exists);
+  EXPECT_EQ(files().read(path("deep/file"), 100).bytes, "first");
+}
+
 TEST_P(FilesContractTest, ALockHasOneHolderPerDirectory) {
   write("deep/file");
   auto lock = files().tryLock(path("deep"));

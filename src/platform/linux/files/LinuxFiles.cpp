@@ -43,6 +43,8 @@ FileStatus statusOf(int error) {
     case ENOSPC:
     case EDQUOT:
       return FileStatus::NoSpace;
+    case EEXIST:
+      return FileStatus::Exists;
     case EISDIR:
     case ELOOP:
     case ENXIO:
@@ -170,7 +172,7 @@ bool walk(DIR* directory, const std::string& path, int depth, const Visitor& vis
 
 // A file that has no name until it is whole: cheaper than a temporary name, and nothing is left of it when the process
 // dies. Nothing when the file is there already, or where this cannot be done (some file systems; no /proc).
-std::optional<FileResult> writeNew(int directory, const char* name, std::string_view bytes) {
+std::optional<FileResult> writeUnnamed(int directory, const char* name, std::string_view bytes) {
   const UniqueFd fd(::openat(directory, ".", O_WRONLY | O_TMPFILE | O_CLOEXEC, kFileMode));
   if (!fd) {
     return std::nullopt;
@@ -202,6 +204,18 @@ class LinuxFileLock final : public FileLock {
   const ForkGuard forkGuard_;
   const UniqueFd file_;
 };
+
+// 0, or the error number. Where the file system cannot keep a file from being replaced, a moment is left in which one
+// may be.
+int rename(int directory, const char* from, const char* to, bool mayReplace) {
+  if (!mayReplace && ::renameat2(directory, from, directory, to, RENAME_NOREPLACE) == 0) {
+    return 0;
+  }
+  if (!mayReplace && errno != EINVAL && errno != ENOSYS) {
+    return errno;
+  }
+  return ::renameat(directory, from, directory, to) == 0 ? 0 : errno;
+}
 
 }  // namespace
 
@@ -270,7 +284,7 @@ UniqueFd LinuxFiles::openForWriting(const std::string& directory, int& error) {
   return fd;
 }
 
-FileResult LinuxFiles::writeAtomically(const std::string& path, std::string_view bytes) {
+FileResult LinuxFiles::write(const std::string& path, std::string_view bytes, bool mayReplace) {
   if (forkGuard_.isForkedChild()) {
     return forkedChild();
   }
@@ -284,8 +298,11 @@ FileResult LinuxFiles::writeAtomically(const std::string& path, std::string_view
   if (!directory) {
     return failure(error);
   }
-  if (auto result = writeNew(directory.get(), nameIn(path), bytes)) {
+  if (auto result = writeUnnamed(directory.get(), nameIn(path), bytes)) {
     return *result;
+  }
+  if (!mayReplace && ::faccessat(directory.get(), nameIn(path), F_OK, AT_SYMLINK_NOFOLLOW) == 0) {
+    return failure(EEXIST);
   }
   std::string temporary;
   const int fd = openTemporary(directory.get(), temporary);
@@ -296,8 +313,8 @@ FileResult LinuxFiles::writeAtomically(const std::string& path, std::string_view
   if (::close(fd) != 0 && error == 0) {
     error = errno;
   }
-  if (error == 0 && ::renameat(directory.get(), temporary.c_str(), directory.get(), nameIn(path)) != 0) {
-    error = errno;
+  if (error == 0) {
+    error = rename(directory.get(), temporary.c_str(), nameIn(path), mayReplace);
   }
   if (error != 0) {
     ::unlinkat(directory.get(), temporary.c_str(), 0);

@@ -44,7 +44,10 @@ class LinuxFiles final : public Files {
   std::string outboxDirectory();
 
   FileContent read(const std::string& path, std::size_t limit) override;
-  FileResult writeAtomically(const std::string& path, std::string_view bytes) override;
+  FileResult writeAtomically(const std::string& path, std::string_view bytes) override {
+    return write(path, bytes, true);
+  }
+  FileResult writeNew(const std::string& path, std::string_view bytes) override { return write(path, bytes, false); }
   void flush(const std::string& directory) override;
   FileResult remove(const std::string& path) override;
   FileResult createDirectories(const std::string& path) override;
@@ -52,6 +55,8 @@ class LinuxFiles final : public Files {
   std::unique_ptr<FileLock> tryLock(const std::string& path) override;
 
  private:
+  FileResult write(const std::string& path, std::string_view bytes, bool mayReplace);
+
   /// Opens a directory; makes it when it is missing. Sets the error number, 0 on success.
   UniqueFd openForWriting(const std::string& directory, int& error);
 
