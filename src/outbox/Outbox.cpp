@@ -292,6 +292,9 @@ bool Outbox::isEnding() {
 
 void Outbox::finishEnd() {
   if (!isInForkedChild()) {
+    if (!defaults_.isLoaded()) {  // The last chance to keep who this installation is: it looks for the file again.
+      defaults_.checkpoint();
+    }
     defaults_.synchronize();
     log_.startFlush();
   }

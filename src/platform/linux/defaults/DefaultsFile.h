@@ -32,7 +32,7 @@ class DefaultsFile {
 
   /// How long write() leaves a file alone that could not be opened, or a directory that was looked at: an attempt may
   /// cost the caller DefaultsConnection::kBusyTimeoutMs.
-  static constexpr std::chrono::milliseconds kRetryPause{2000};
+  static constexpr std::chrono::milliseconds kRetryPause{100};
 
   /// What a checkpoint needs to know of the file while others write it.
   struct Checkpoint {
