@@ -55,6 +55,7 @@ class DeliveryTest : public ::testing::Test {
   /// delivers to another one.
   std::set<std::string> leftAtTheEnd(const std::string& collectorUrl) {
     testing::TemporaryDirectory ownHome;
+    std::size_t stored = 0;
     {
       RealPlatform platform(ownHome.path(), collectorUrl);
       Kesu::initialize("key");
@@ -62,12 +63,13 @@ class DeliveryTest : public ::testing::Test {
         KesuCustomEvent::postWithEventName("event");
       }
       Application::shared().willTerminate();
-      EXPECT_TRUE(platform.storedFiles().empty()) << "an end has no time for files";
+      stored = platform.storedFiles().size();  // Before the end; the end itself has no time for files.
     }
     LoopbackServer next;
     RealPlatform platform(ownHome.path(), next.url());
-    Kesu::initialize("key");
+    platform.launch();
     EXPECT_TRUE(platform.settle());
+    EXPECT_TRUE(stored == 0 || platform.pumpUntil([&platform] { return platform.storedFiles().empty(); }));
     std::set<std::string> identifiers;
     for (const auto& request : next.requests()) {
       identifiers.insert(messageIdentifier(request.body));
