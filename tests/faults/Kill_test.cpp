@@ -94,14 +94,13 @@ class Kill : public ::testing::Test {
 
   /// Waits for `count` state changes without copies.
   static std::vector<Dictionary> statesAt(NumberedCollector& collector, std::size_t count) {
-    std::vector<Dictionary> states;
-    for (std::size_t records = count; (states = statesIn(collector.others())).size() < count;) {
-      const std::size_t before = collector.others().size();
-      if (collector.others(std::max(before + 1, records), 20).size() == before) {
-        break;
+    for (std::size_t records = count;; ++records) {
+      const std::size_t before = collector.others().size();  // First: what arrives from here on is waited for.
+      std::vector<Dictionary> states = statesIn(collector.others());
+      if (states.size() >= count || collector.others(std::max(before + 1, records), 20).size() == before) {
+        return states;
       }
     }
-    return states;
   }
 
   std::mt19937 random{20170315};
