@@ -189,7 +189,7 @@ void LinuxAppendLog::prepare() {
 
 // What is appended from now on must be where the next start looks for it.
 void LinuxAppendLog::followHome() {
-  if (next_ == 0 || !directory_.isElsewhere()) {
+  if (!directory_.isElsewhere()) {  // Nor is it before recover(), which opens it.
     return;
   }
   const MutexLock lock(mutex_);  // An append may want to make a segment.
