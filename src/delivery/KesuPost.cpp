@@ -15,7 +15,7 @@ constexpr const char* kPostSource = "KesuPost";
 
 }  // namespace
 
-const std::string& KesuPost::FullVersionHeader() {
+std::string KesuPost::FullVersionHeader() {
   return fullVersionText();
 }
 

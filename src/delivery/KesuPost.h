@@ -53,7 +53,7 @@ class KesuPost {
   void setObserver(std::function<void(FirstAttempt)> observer) { observer_ = std::move(observer); }
 
   /// Returns "10-i-3.2.3", the value of header "v". [KesuPost FullVersionHeader]
-  static const std::string& FullVersionHeader();
+  static std::string FullVersionHeader();
 
   // Owed to hosts and to the agreed interface; no caller inside the library but this class.
 

@@ -9,6 +9,11 @@
 #include "records/RecordKeys.h"
 
 namespace kesu {
+namespace {
+
+constexpr std::string_view kTraitsSaveTimeKey = "t-secondsSince1970";  // k_TableTraits with kSaveTimeSuffix.
+
+}  // namespace
 
 void RecordSender::start() {
   outbox_.startDelivery([this](Outbox::Delivery delivery) { deliver(std::move(delivery)); });
@@ -25,8 +30,7 @@ PendingRecord RecordSender::frame(RecordKind kind, std::string_view destination,
 
 // The time at which traits were posted last, which decides whether the next launch posts them.
 DefaultsChanges RecordSender::traitsSaved() const {
-  static const std::string key = std::string(k_TableTraits) + std::string(kSaveTimeSuffix);
-  return {{DefaultsChange::Kind::Set, key, platform_.clock.now()}};
+  return {{DefaultsChange::Kind::Set, kTraitsSaveTimeKey, platform_.clock.now()}};
 }
 
 void RecordSender::postToTable(const Dictionary& attributes, std::string_view destination,

@@ -283,7 +283,7 @@ TEST_F(PresenterTest, LaysTheTitleOverThePictureOnlyWhenThereIsOne) {
   EXPECT_FALSE(presenter().textOverlapsImage());
   show({"b"}, bodyReply("A", "Text", {}, "p_temp_1"));
   EXPECT_TRUE(presenter().textOverlapsImage()) << "what the template says";
-  const double titleHeight = heightForText("A", kTitleFont, kCardTextWidth);
+  const double titleHeight = heightForText("A", titleFont(), kCardTextWidth);
   EXPECT_EQ(presenter().contentHeight(), withPicture - 290.0 - 24.0 + titleHeight + 8.0 + 8.0) << "room of its own";
 }
 

@@ -80,7 +80,7 @@ MessageBars::MessageBars(Pressed actionPressed, Pressed arrowPressed)
   bottomBar_->addSubview(buttonBar_);
   bottomBar_->addSubview(pagingBar_);
   pagingBar_->addSubview(counter_);
-  counter_->setFont(kCounterFont);
+  counter_->setFont(counterFont());
   counter_->setAlignment(TextAlignment::Left);
   counter_->setMinimumScaleFactor(kCounterScale);
 }
@@ -141,7 +141,7 @@ void MessageBars::showButtons(const BarContent& content) {
   for (const Rect& frame : actionButtonFrames(count, kCardWidth)) {
     const std::size_t index = buttons_.size();
     auto button = std::make_shared<ActionButton>(frame);
-    dressButton(*button, kActionFont, border);
+    dressButton(*button, actionFont(), border);
     button->setTitle(content.data->buttonTitleAtIndex(index).value_or(""));
     dressFace(*button, content, index);
     button->setTag(static_cast<std::int64_t>(index));
@@ -189,7 +189,7 @@ void MessageBars::showArrow(std::shared_ptr<KesuCustomBtn>& arrow, bool isShown,
   const bool isNext = tag == kNextTag;
   const PagingFrames frames = pagingFrames(kCardWidth);
   arrow = std::make_shared<ArrowButton>(isNext ? frames.next : frames.previous, mixed(bar, color, kArrowFace));
-  dressButton(*arrow, kArrowFont, Color::clear());
+  dressButton(*arrow, arrowFont(), Color::clear());
   arrow->setTitle(isNext ? "\u276F" : "\u276E");
   arrow->setTitleColor(color);
   arrow->setBackgroundImage(imageWithColor(Color::clear()));

@@ -156,8 +156,8 @@ void MessageCell::showImage(ImagePtr image, bool fades) {
 
 ViewPtr makeEmptyCell(double height) {
   auto cell = std::make_shared<View>(Rect{0.0, 0.0, kCardWidth, height});
-  auto label = makeLabel(cell->bounds(), kNoMessagesText, kEmptyFont, Color::black());
-  const double textHeight = heightForText(kNoMessagesText, kEmptyFont, kCardTextWidth);
+  auto label = makeLabel(cell->bounds(), kNoMessagesText, emptyFont(), Color::black());
+  const double textHeight = heightForText(kNoMessagesText, emptyFont(), kCardTextWidth);
   label->setFrame({0.0, (height - textHeight) / 2.0, kCardWidth, textHeight});
   label->setAlignment(TextAlignment::Center);
   label->setAccessibility({AccessibilityInfo::Role::Text, kNoMessagesText, ""});

@@ -11,8 +11,8 @@ namespace kesu {
 
 /// The fonts of a message's texts.
 struct MessageFonts {
-  Font title = kTitleFont;
-  Font message = kMessageFont;
+  Font title = titleFont();
+  Font message = messageFont();
 };
 
 /// The table's row for a message: picture, title and text, in the message's colours as far as they are legible. Main

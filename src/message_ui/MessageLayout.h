@@ -21,12 +21,24 @@ inline constexpr double kCardGap = 8.0;
 inline constexpr double kCardButtonRadius = 6.0;
 inline constexpr double kBarHeight = 80.0;  ///< Of the row of action buttons, and of the paging bar.
 
-inline const Font kTitleFont{"HelveticaNeue-Light", 34.0};
-inline const Font kMessageFont{"HelveticaNeue-Light", 24.0};
-inline const Font kActionFont{"HelveticaNeue-Light", 30.0};
-inline const Font kEmptyFont{"HelveticaNeue-Light", 18.0};
-inline const Font kCounterFont{"HelveticaNeue-Regular", 18.0};
-inline const Font kArrowFont = Font::system(36.0);
+inline Font titleFont() {
+  return {"HelveticaNeue-Light", 34.0};
+}
+inline Font messageFont() {
+  return {"HelveticaNeue-Light", 24.0};
+}
+inline Font actionFont() {
+  return {"HelveticaNeue-Light", 30.0};
+}
+inline Font emptyFont() {
+  return {"HelveticaNeue-Light", 18.0};
+}
+inline Font counterFont() {
+  return {"HelveticaNeue-Regular", 18.0};
+}
+inline Font arrowFont() {
+  return Font::system(36.0);
+}
 
 /// A longer title ends in an ellipsis: the message must remain visible below it.
 inline constexpr int kTitleLines = 5;

@@ -101,17 +101,17 @@ TEST(MessageLayout, KnowsWhatTheCardCutsOffAButton) {
 }
 
 TEST(MessageLayout, MeasuresTexts) {
-  EXPECT_EQ(heightForText({}, kMessageFont, 557.0), 0.0);
+  EXPECT_EQ(heightForText({}, messageFont(), 557.0), 0.0);
   EXPECT_EQ(heightForText("text", {}, 557.0), 0.0);
-  const double one = heightForText("text", kMessageFont, 557.0);
-  EXPECT_EQ(one, std::ceil(heightOfText("text", kMessageFont, 557.0)) + 1.0);
-  EXPECT_GT(heightForText("text\ntext", kMessageFont, 557.0), one);
-  EXPECT_EQ(titleHeight("A title", kTitleFont), heightForText("A title", kTitleFont, 557.0));
+  const double one = heightForText("text", messageFont(), 557.0);
+  EXPECT_EQ(one, std::ceil(heightOfText("text", messageFont(), 557.0)) + 1.0);
+  EXPECT_GT(heightForText("text\ntext", messageFont(), 557.0), one);
+  EXPECT_EQ(titleHeight("A title", titleFont()), heightForText("A title", titleFont(), 557.0));
   std::string endless;
   for (int word = 0; word < 200; ++word) {
     endless += "endless ";
   }
-  EXPECT_LT(titleHeight(endless, kTitleFont), 6.0 * titleHeight("A title", kTitleFont));
+  EXPECT_LT(titleHeight(endless, titleFont()), 6.0 * titleHeight("A title", titleFont()));
 }
 
 TEST(MessageLayout, KeepsTextsLegible) {

@@ -27,8 +27,7 @@ std::string element(const Array& button, std::size_t index) {
 }
 
 void logButton(const Value& entryOfButton) {
-  static const Array kNone;
-  const Array& button = entryOfButton.array() != nullptr ? *entryOfButton.array() : kNone;
+  const Array button = entryOfButton.array() != nullptr ? *entryOfButton.array() : Array();
   KESU_LOG(kLevel, "Button title = %s, deep-link URL = %s, buttonBgColor = %s, buttonTextColor = %s",
            element(button, 0).c_str(), element(button, 1).c_str(), element(button, 2).c_str(),
            (button.empty() ? "(null)" : describe(button.back())).c_str());
@@ -52,14 +51,13 @@ void logMessageContent(const Dictionary& body) {
   if (!KesuPriorityLogger::sharedLogger().shows(kLevel)) {
     return;
   }
-  static const Dictionary kNone;
   const Value* value = body.find(kPayloadKey);
-  const Dictionary& payload = value != nullptr && value->dictionary() != nullptr ? *value->dictionary() : kNone;
+  const Dictionary payload = value != nullptr && value->dictionary() != nullptr ? *value->dictionary() : Dictionary();
   KESU_LOG(kLevel, "title = %s , message = %s, template-id = %s", entry(payload, kMessageTitleKey).c_str(),
            entry(payload, kMessageTextKey).c_str(), entry(payload, kTemplateIdKey).c_str());
   const std::string* json = payload.findText(kTemplateDataKey);
   const auto data = json != nullptr ? parseJson(*json) : std::nullopt;
-  logTemplate(data && data->dictionary() != nullptr ? *data->dictionary() : kNone);
+  logTemplate(data && data->dictionary() != nullptr ? *data->dictionary() : Dictionary());
 }
 
 }  // namespace kesu

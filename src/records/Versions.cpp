@@ -2,10 +2,8 @@
 
 namespace kesu {
 
-const std::string& fullVersionText() {
-  static const std::string text =
-      std::to_string(k_KesuDataVersionNumber) + "-" + std::string(k_osNameId) + "-" + std::string(k_SDKVersion);
-  return text;
+std::string fullVersionText() {
+  return std::to_string(k_KesuDataVersionNumber) + "-" + std::string(k_osNameId) + "-" + std::string(k_SDKVersion);
 }
 
 }  // namespace kesu

@@ -17,6 +17,6 @@ inline constexpr const char* kBuildDate = "Mar 15 2017";
 inline constexpr const char* kBuildTime = "12:02:00";
 
 /// Returns "10-i-3.2.3": header "v" and column "~v" of every record.
-const std::string& fullVersionText();
+std::string fullVersionText();
 
 }  // namespace kesu

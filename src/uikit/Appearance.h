@@ -7,9 +7,11 @@ namespace kesu {
 /// Called for every screen that appears or disappears. Main thread.
 class AppearanceObserver {
  public:
-  virtual ~AppearanceObserver() = default;
   virtual void didAppear(ViewController& controller) = 0;
   virtual void didDisappear(ViewController& controller) = 0;
+
+ protected:
+  ~AppearanceObserver() = default;
 };
 
 /// Sets the one appearance observer; null for none. Not owned. Main thread.

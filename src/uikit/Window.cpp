@@ -11,31 +11,38 @@ namespace {
 
 constexpr Rect kScreen{0.0, 0.0, 1920.0, 1080.0};  // In points, whatever the host's pixels.
 
-// Main thread.
-Window* currentKeyWindow = nullptr;
-std::uint64_t currentNumber = 1;
-std::function<void()> keyWindowCallback;
+// Main thread. Never destroyed: a window that a host destroys while the process ends still uses it.
+struct KeyWindowState {
+  Window* window = nullptr;
+  std::uint64_t number = 1;
+  std::function<void()> callback;
+};
+
+KeyWindowState& state() {
+  static KeyWindowState& made = *new KeyWindowState;
+  return made;
+}
 
 void setCurrentKeyWindow(Window* window) {
-  currentKeyWindow = window;
-  ++currentNumber;
-  if (keyWindowCallback) {
-    keyWindowCallback();
+  state().window = window;
+  ++state().number;
+  if (state().callback) {
+    state().callback();
   }
 }
 
 }  // namespace
 
 Window* keyWindow() {
-  return currentKeyWindow;
+  return state().window;
 }
 
 std::uint64_t keyWindowNumber() {
-  return currentNumber;
+  return state().number;
 }
 
 void setKeyWindowCallback(std::function<void()> callback) {
-  keyWindowCallback = std::move(callback);
+  state().callback = std::move(callback);
 }
 
 Window::Window() : View(kScreen), input_(std::make_shared<WindowInput>(*this)) {
@@ -43,7 +50,7 @@ Window::Window() : View(kScreen), input_(std::make_shared<WindowInput>(*this)) {
 }
 
 Window::~Window() {
-  if (currentKeyWindow == this) {
+  if (state().window == this) {
     setCurrentKeyWindow(nullptr);
   }
   changeCallback_ = nullptr;
@@ -60,13 +67,13 @@ void Window::setFocusedView(View* view) {
 
 void Window::setRootViewController(ViewController* root) {
   ViewController* before = std::exchange(root_, root);
-  if (currentKeyWindow == this && before != root) {
+  if (state().window == this && before != root) {
     exchangeScreens(before, root, false);
   }
 }
 
 void Window::makeKeyAndVisible() {
-  Window* before = currentKeyWindow;
+  Window* before = state().window;
   if (before != this) {
     setCurrentKeyWindow(this);
     exchangeScreens(before != nullptr ? before->root_ : nullptr, root_, false);

@@ -33,7 +33,7 @@ void report(char state, const ScreenKey& screen) {
 }
 
 /// Outlives the tracker, which tests replace.
-class Forwarder : public AppearanceObserver {
+class Forwarder final : public AppearanceObserver {
  public:
   void didAppear(ViewController& controller) override { sharedScreenTracker().didAppear(controller); }
   void didDisappear(ViewController& controller) override { sharedScreenTracker().didDisappear(controller); }

@@ -176,11 +176,11 @@ void Overlay::setNeedsFrameCallback(std::function<void()> callback) {
 }
 
 const std::vector<FrameLayer>& Overlay::layers(double nowSeconds) {
-  static const std::vector<FrameLayer> kNone;
+  static const auto& none = *new std::vector<FrameLayer>;  // Never destroyed: hosts may draw until the process ends.
   const std::shared_ptr<State> state = state_;
   state->beginFrame(nowSeconds);
   if (state->isOrphan) {
-    return kNone;
+    return none;
   }
   const std::vector<FrameLayer>& layers = state->renderer.layers(state->window(), state->width, state->height);
   state->endFrame();
@@ -188,11 +188,11 @@ const std::vector<FrameLayer>& Overlay::layers(double nowSeconds) {
 }
 
 const FlatFrame& Overlay::flatten(double nowSeconds) {
-  static const FlatFrame kNone;
+  static const auto& none = *new FlatFrame;
   const std::shared_ptr<State> state = state_;
   state->beginFrame(nowSeconds);
   if (state->isOrphan) {
-    return kNone;
+    return none;
   }
   const FlatFrame& frame = state->renderer.flatten(state->window(), state->width, state->height);
   state->endFrame();
