@@ -56,11 +56,6 @@ void FakeUserDefaults::erase(std::string_view key) {
   values_.erase(std::string(key));
 }
 
-void FakeUserDefaults::appendString(std::string_view key, std::string_view suffix) {
-  const MutexLock lock(mutex_);
-  grow(key, suffix);
-}
-
 void FakeUserDefaults::apply(std::span<const DefaultsChange> changes) {
   const MutexLock lock(mutex_);
   for (const DefaultsChange& change : changes) {
@@ -81,17 +76,6 @@ void FakeUserDefaults::grow(std::string_view key, std::string_view suffix) {
   Value& value = values_[std::string(key)];
   std::string grown = value.text() != nullptr ? *value.text() : std::string();
   value = Value(grown.append(suffix));
-}
-
-std::optional<std::string> FakeUserDefaults::takeString(std::string_view key) {
-  const MutexLock lock(mutex_);
-  const auto found = values_.find(key);
-  if (found == values_.end() || found->second.text() == nullptr) {
-    return std::nullopt;
-  }
-  std::string text = *found->second.text();
-  erase(key);
-  return text;
 }
 
 std::vector<std::string> FakeUserDefaults::keys() {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "testing/AppendText.h"
 #include "testing/LifecycleTest.h"
 
 namespace kesu {
@@ -53,8 +54,8 @@ TEST_F(FlowTest, GivesTheVisibleScreenOfATerminationNoEntry) {
 
 TEST_F(FlowTest, SendsTheThreeFlowsInTheirOrder) {
   visit(kMain, 1.0);
-  platform.defaults.appendString("~uf", "$$Ice~~2.0");
-  platform.defaults.appendString("~ef", "$$Started~~0");
+  testing::appendText(platform.defaults, "~uf", "$$Ice~~2.0");
+  testing::appendText(platform.defaults, "~ef", "$$Started~~0");
   const Dictionary record = change('b', kMenu);
   EXPECT_EQ(keysOf(record), "~sf ~ef ~uf");
   EXPECT_EQ(record, (Dictionary{{"~sf", "$$Main~~1.0"}, {"~ef", "$$Started~~0"}, {"~uf", "$$Ice~~2.0"}}));
@@ -67,7 +68,7 @@ TEST_F(FlowTest, ReportsTheFlowOfAnInterruptedRunOnce) {
   visit(kMain, 1.0);
   platform.clock.set(1489579400.9996);
   change('a', kMenu);
-  platform.defaults.appendString("~ef", "$$Started~~0");
+  testing::appendText(platform.defaults, "~ef", "$$Started~~0");
   platform.defaults.synchronize();
   restart();
   platform.clock.advance(3600.0);

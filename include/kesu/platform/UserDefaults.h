@@ -16,8 +16,9 @@ namespace kesu {
 struct DefaultsChange {
   enum class Kind {
     Set,     ///< As set().
-    Append,  ///< As appendString(); the value is a text.
-    Remove   ///< As remove().
+    Append,  ///< Appends the value, a text, to the text under the key, which starts empty and replaces a value of
+             ///< another kind. The cost does not depend on the length of the text.
+    Remove  ///< As remove().
   };
 
   Kind kind = Kind::Set;
@@ -39,7 +40,7 @@ class KESU_API UserDefaults {
  public:
   virtual ~UserDefaults() = default;
 
-  /// Copies the value under `key`; nothing when there is none. A text that grew by appendString() is returned whole.
+  /// Copies the value under `key`; nothing when there is none. A text that was appended to is returned whole.
   virtual std::optional<Value> get(std::string_view key) = 0;
 
   /// Whether there is a value under `key`. Does not copy it.
@@ -51,17 +52,10 @@ class KESU_API UserDefaults {
   /// Removes a key with all that was appended to it.
   virtual void remove(std::string_view key) = 0;
 
-  /// Appends to the text under `key`, which starts empty and replaces a value of another kind. The cost does not depend
-  /// on the length of the text. As durable as set().
-  virtual void appendString(std::string_view key, std::string_view suffix) = 0;
-
   /// Makes several changes in one step: no synchronize() of another thread writes some of them without the others.
   /// A change that set() would refuse is left out. Touches no file, unless the store was not opened before or has an
   /// array or dictionary that was not read yet.
   virtual void apply(std::span<const DefaultsChange> changes) = 0;
-
-  /// Returns and removes the text under `key` in one step; nothing when there is none.
-  virtual std::optional<std::string> takeString(std::string_view key) = 0;
 
   /// Returns all keys that have a value, in no particular order.
   virtual std::vector<std::string> keys() = 0;

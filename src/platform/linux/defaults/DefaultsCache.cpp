@@ -123,11 +123,6 @@ void DefaultsCache::erase(std::string_view key) {
   }
 }
 
-void DefaultsCache::append(std::string_view key, std::string_view suffix) {
-  const MutexLock lock(mutex_);
-  grow(key, suffix);
-}
-
 void DefaultsCache::grow(std::string_view key, std::string_view suffix) {
   auto entry = findText(key);
   if (entry == entries_.end()) {
@@ -139,17 +134,6 @@ void DefaultsCache::grow(std::string_view key, std::string_view suffix) {
     entry->second.grownSize += suffix.size();
     mark(entry, Unsaved::Suffix);
   }
-}
-
-std::optional<std::string> DefaultsCache::takeText(std::string_view key) {
-  const MutexLock lock(mutex_);
-  const auto entry = findText(key);
-  if (entry == entries_.end()) {
-    return std::nullopt;
-  }
-  std::string text = std::move(entry->second.text);
-  clear(key, entry);
-  return text;
 }
 
 std::vector<std::string> DefaultsCache::keys() {

@@ -65,14 +65,8 @@ class DefaultsCache {
 
   void remove(std::string_view key);
 
-  /// Appends to the text under `key`, which replaces a value of another kind.
-  void append(std::string_view key, std::string_view suffix);
-
-  /// Makes changes in one step, as set(), append() and remove() do.
+  /// Makes changes in one step. A text that is appended to replaces a value of another kind.
   void apply(std::span<const DefaultsChange> changes);
-
-  /// Removes and returns the text under `key`; nothing when there is none.
-  std::optional<std::string> takeText(std::string_view key);
 
   std::vector<std::string> keys();
   std::vector<std::string> unreadKeys();

@@ -26,26 +26,31 @@ class DefaultsCacheTest : public ::testing::Test {
     return written;
   }
 
+  void append(std::string_view key, std::string_view suffix) {
+    const DefaultsChange change{DefaultsChange::Kind::Append, key, suffix};
+    cache_.apply({&change, 1});
+  }
+
   DefaultsCache cache_;
   DefaultsCache::Batch batch_;
 };
 
 TEST_F(DefaultsCacheTest, CollectsOnlyWhatTheFileDoesNotHave) {
   cache_.set("a", 1);
-  cache_.append("flow", "x");
+  append("flow", "x");
   EXPECT_EQ(write(true), (std::map<std::string, Kind>{{"a", Kind::Put}, {"flow", Kind::Put}}));
   EXPECT_FALSE(cache_.hasUnsaved());
   cache_.set("a", 1);
-  cache_.append("flow", "y");
+  append("flow", "y");
   EXPECT_EQ(write(true), (std::map<std::string, Kind>{{"flow", Kind::Append}}));
 }
 
 TEST_F(DefaultsCacheTest, GivesBackWhatCouldNotBeWritten) {
-  cache_.append("flow", "a");
+  append("flow", "a");
   write(true);
-  cache_.append("flow", "b");
+  append("flow", "b");
   cache_.collect(batch_);
-  cache_.append("flow", "c");  // While the file was being written.
+  append("flow", "c");  // While the file was being written.
   cache_.finish(batch_, false);
   cache_.collect(batch_);
   ASSERT_EQ(batch_.changes.size(), 1U);

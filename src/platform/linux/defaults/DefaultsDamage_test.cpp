@@ -11,6 +11,7 @@
 
 #include "platform/ServiceLog.h"
 #include "platform/linux/defaults/LinuxUserDefaults.h"
+#include "testing/AppendText.h"
 #include "testing/ChildProcess.h"
 #include "testing/FaultySqlite.h"
 #include "testing/TemporaryDirectory.h"
@@ -31,7 +32,7 @@ class DefaultsDamageTest : public ::testing::Test {
     EXPECT_TRUE(defaults.synchronize());
     defaults.checkpoint();
     defaults.set(kIdentity, "first");
-    defaults.appendString("flow", "old,");
+    testing::appendText(defaults, "flow", "old,");
     EXPECT_TRUE(defaults.synchronize());
     plant();
   }
@@ -52,7 +53,7 @@ class DefaultsDamageTest : public ::testing::Test {
     if (!defaults.isLoaded() || !defaults.contains(kIdentity)) {
       defaults.set(kIdentity, "second");
     }
-    defaults.appendString("flow", "new,");
+    testing::appendText(defaults, "flow", "new,");
     defaults.get("list");
     defaults.synchronize();
     defaults.checkpoint();

@@ -54,12 +54,6 @@ void LinuxUserDefaults::remove(std::string_view key) {
   }
 }
 
-void LinuxUserDefaults::appendString(std::string_view key, std::string_view suffix) {
-  if (file_.openOnce()) {
-    cache_.append(key, suffix);
-  }
-}
-
 void LinuxUserDefaults::apply(std::span<const DefaultsChange> changes) {
   if (!file_.openOnce()) {
     return;
@@ -70,10 +64,6 @@ void LinuxUserDefaults::apply(std::span<const DefaultsChange> changes) {
     }
   }
   cache_.apply(changes);
-}
-
-std::optional<std::string> LinuxUserDefaults::takeString(std::string_view key) {
-  return file_.openOnce() ? cache_.takeText(key) : std::nullopt;
 }
 
 std::vector<std::string> LinuxUserDefaults::keys() {

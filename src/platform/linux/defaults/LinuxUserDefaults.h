@@ -63,9 +63,7 @@ class LinuxUserDefaults final : public UserDefaults {
   bool contains(std::string_view key) override;
   bool set(std::string_view key, Value value) override;
   void remove(std::string_view key) override;
-  void appendString(std::string_view key, std::string_view suffix) override;
   void apply(std::span<const DefaultsChange> changes) override;
-  std::optional<std::string> takeString(std::string_view key) override;
   std::vector<std::string> keys() override;
   bool synchronize() override;
   bool checkpoint() override;

@@ -12,6 +12,7 @@
 #include <thread>
 
 #include "platform/ServiceLog.h"
+#include "testing/AppendText.h"
 #include "testing/ChildProcess.h"
 #include "testing/TemporaryDirectory.h"
 
@@ -70,7 +71,7 @@ class LinuxUserDefaultsTest : public ::testing::Test {
       defaults->set("key" + std::to_string(i), i % 2 == 0 ? Value(i) : Value(std::string(std::size_t(i) * 20, 'v')));
     }
     for (int i = 0; i < 200; ++i) {
-      defaults->appendString("flow", std::to_string(i) + ",");
+      testing::appendText(*defaults, "flow", std::to_string(i) + ",");
       EXPECT_TRUE(defaults->synchronize());
     }
     defaults->checkpoint();
@@ -92,7 +93,7 @@ class LinuxUserDefaultsTest : public ::testing::Test {
         EXPECT_TRUE(defaults->get(key).has_value());
       }
       defaults->set("new", 1);
-      defaults->appendString("flow", "end");
+      testing::appendText(*defaults, "flow", "end");
       EXPECT_TRUE(defaults->synchronize());
       defaults->checkpoint();
     }
@@ -183,7 +184,7 @@ TEST_F(LinuxUserDefaultsTest, AsksForACheckpointWhenTheJournalGrowsAndEmptiesIt)
   EXPECT_EQ(asked, 1);
   std::string flow;
   for (int i = 0; i < 2000 && asked < 3; ++i) {
-    defaults->appendString("flow", "event,");
+    testing::appendText(*defaults, "flow", "event,");
     flow += "event,";
     EXPECT_TRUE(defaults->synchronize());
   }
@@ -191,7 +192,7 @@ TEST_F(LinuxUserDefaultsTest, AsksForACheckpointWhenTheJournalGrowsAndEmptiesIt)
   EXPECT_GT(sizeOf(directory_ / (kName + "-wal")), DefaultsFile::kJournalLimitBytes);
   defaults->checkpoint();
   EXPECT_EQ(sizeOf(directory_ / (kName + "-wal")), 0);
-  defaults->appendString("flow", "end");
+  testing::appendText(*defaults, "flow", "end");
   EXPECT_TRUE(defaults->synchronize());
   EXPECT_EQ(open()->text("flow"), flow + "end");
 }
@@ -247,7 +248,7 @@ TEST_F(LinuxUserDefaultsTest, DamageFoundLaterLosesNothing) {
   defaults->checkpoint();
   directory_.write(kName, std::string(20'000, 'x'));
   defaults->set("after", "kept too");
-  defaults->appendString("flow", "end");
+  testing::appendText(*defaults, "flow", "end");
   EXPECT_TRUE(defaults->synchronize());
   EXPECT_EQ(warnings().size(), 1U);
   EXPECT_TRUE(exists(directory_ / (kName + ".corrupt")));
@@ -294,12 +295,12 @@ TEST_F(LinuxUserDefaultsTest, WithoutAPlaceOnDiskTheValuesStayInMemory) {
     warnings().clear();
     LinuxUserDefaults defaults(place);
     defaults.set("key", 1);
-    defaults.appendString("flow", "a");
+    testing::appendText(defaults, "flow", "a");
     EXPECT_FALSE(defaults.synchronize());
     EXPECT_FALSE(defaults.synchronize());
     defaults.checkpoint();
     EXPECT_EQ(defaults.integer("key"), 1);
-    EXPECT_EQ(defaults.takeString("flow"), "a");
+    EXPECT_EQ(defaults.text("flow"), "a");
     EXPECT_EQ(warnings().size(), 1U);
   }
 }
@@ -357,12 +358,12 @@ TEST_F(LinuxUserDefaultsTest, AFullDiskIsWaitedOut) {
       failed = !defaults->synchronize();
       directory_.write("filler", std::string(1 << 20, 'f'));
       for (int i = 0; i < 300; ++i) {
-        defaults->appendString("flow", "event,");
+        testing::appendText(*defaults, "flow", "event,");
         failed = !defaults->synchronize() || failed;
       }
       failed = !failed || warnings().size() != 1;
       std::filesystem::remove(directory_ / "filler");
-      defaults->appendString("flow", "end");
+      testing::appendText(*defaults, "flow", "end");
       failed = !defaults->synchronize() || failed;
     }
     const std::string flow = open()->text("flow");
@@ -376,7 +377,7 @@ TEST_F(LinuxUserDefaultsTest, AFullDiskIsWaitedOut) {
 
 TEST_F(LinuxUserDefaultsTest, ALockedFileIsWrittenOnceItIsFree) {
   const auto defaults = open();
-  defaults->appendString("flow", "a");
+  testing::appendText(*defaults, "flow", "a");
   Array list(200, "x");
   defaults->set("list", list);
   EXPECT_TRUE(defaults->synchronize());
@@ -384,12 +385,12 @@ TEST_F(LinuxUserDefaultsTest, ALockedFileIsWrittenOnceItIsFree) {
   ASSERT_TRUE(other.run("BEGIN IMMEDIATE"));
   list[0] = 0;
   defaults->set("list", list);
-  defaults->appendString("flow", "b");
+  testing::appendText(*defaults, "flow", "b");
   defaults->set("key", 1);
   EXPECT_FALSE(defaults->synchronize());
   list[100] = 1;
   defaults->set("list", list);
-  defaults->appendString("flow", "c");
+  testing::appendText(*defaults, "flow", "c");
   defaults->remove("key");
   EXPECT_FALSE(defaults->synchronize());
   ASSERT_TRUE(other.run("ROLLBACK"));
@@ -421,10 +422,10 @@ TEST_F(LinuxUserDefaultsTest, TwoProcessesShareTheFile) {
   const auto second = open();
   for (int i = 0; i < 20; ++i) {
     first->set("first", i);
-    first->appendString("firstFlow", "x");
+    testing::appendText(*first, "firstFlow", "x");
     EXPECT_TRUE(first->synchronize());
     second->set("second", i);
-    second->appendString("secondFlow", "y");
+    testing::appendText(*second, "secondFlow", "y");
     EXPECT_TRUE(second->synchronize());
     (i % 2 == 0 ? first : second)->checkpoint();
   }
@@ -446,7 +447,7 @@ TEST_F(LinuxUserDefaultsTest, AForkedChildWritesNothing) {
     return (written ? 1 : 0) + (isSet ? 2 : 0) + (isRead ? 4 : 0);
   });
   EXPECT_EQ(verdict, 0);
-  defaults->appendString("flow", "x");
+  testing::appendText(*defaults, "flow", "x");
   EXPECT_TRUE(defaults->synchronize());
   EXPECT_EQ(open()->text("key"), "parent");
   EXPECT_EQ(open()->text("flow"), "x");
@@ -467,7 +468,7 @@ Array lastNumbers(int number) {
 int writeForEver(const std::string& directory, int acknowledgements) {
   LinuxUserDefaults defaults(directory);
   int number = static_cast<int>(defaults.integer("number"));
-  defaults.takeString("flow");
+  defaults.remove("flow");
   defaults.set("first", number + 1);
   Array numbers = defaults.get("numbers").value_or(Array(kNumbers, 0)).array()[0];
   while (true) {
@@ -476,7 +477,7 @@ int writeForEver(const std::string& directory, int acknowledgements) {
     numbers[static_cast<std::size_t>(number) % kNumbers] = number;
     defaults.set("numbers", numbers);
     defaults.set("list", Array{number, "text " + std::to_string(number)});
-    defaults.appendString("flow", std::to_string(number) + ",");
+    testing::appendText(defaults, "flow", std::to_string(number) + ",");
     if (!defaults.synchronize() || ::write(acknowledgements, &number, sizeof(number)) != sizeof(number)) {
       return 1;
     }
@@ -538,12 +539,12 @@ TEST_F(LinuxUserDefaultsTest, ThreadsLoseNoneOfEachOthersChanges) {
     const std::string own = "own" + std::to_string(thread);
     for (int i = 0; i < kRounds; ++i) {
       defaults->set("number" + std::to_string(thread), i);
-      defaults->appendString(own, std::to_string(i) + ",");
-      defaults->appendString("shared", "x");
+      testing::appendText(*defaults, own, std::to_string(i) + ",");
+      testing::appendText(*defaults, "shared", "x");
       EXPECT_TRUE(defaults->synchronize());
       EXPECT_EQ(defaults->integer("number" + std::to_string(thread)), i);
-      defaults->takeString("taken");
-      defaults->appendString("taken", own);
+      defaults->remove("taken");
+      testing::appendText(*defaults, "taken", own);
     }
     --writers;
   };

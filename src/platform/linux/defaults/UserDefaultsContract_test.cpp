@@ -11,6 +11,7 @@
 #include <thread>
 
 #include "platform/linux/defaults/LinuxUserDefaults.h"
+#include "testing/AppendText.h"
 #include "testing/FakeUserDefaults.h"
 #include "testing/TemporaryDirectory.h"
 
@@ -81,20 +82,17 @@ class UserDefaultsContractTest : public ::testing::TestWithParam<DefaultsImpleme
   void restart() { subject_->restart(); }
   DefaultsSubject& subject() { return *subject_; }
 
-  // "=text" sets, "+text" appends, "-" removes, "t" takes, "i" sets a number, "s" synchronizes.
+  // "=text" sets, "+text" appends, "-" removes, "i" sets a number, "s" synchronizes.
   void apply(const std::string& key, const std::string& step) {
     switch (step.front()) {
       case '=':
         defaults().set(key, step.substr(1));
         break;
       case '+':
-        defaults().appendString(key, step.substr(1));
+        testing::appendText(defaults(), key, step.substr(1));
         break;
       case '-':
         defaults().remove(key);
-        break;
-      case 't':
-        defaults().takeString(key);
         break;
       case 'i':
         defaults().set(key, 5);
@@ -209,7 +207,7 @@ TEST_P(UserDefaultsContractTest, ALongArrayIsReadBackWhateverChangesInIt) {
       ASSERT_EQ(defaults().get("list"), Value(array));
     }
     if (random() % 20 == 0) {
-      defaults().appendString("list", "text");
+      testing::appendText(defaults(), "list", "text");
     }
   }
   array.resize(200, 1);
@@ -223,7 +221,7 @@ TEST_P(UserDefaultsContractTest, ALongArrayIsReadBackWhateverChangesInIt) {
   EXPECT_EQ(defaults().get("list"), Value(array));
 }
 
-// Each row is a history of one key: "=x" sets, "+x" appends, "-" removes, "t" takes, "i" sets an integer, "s" writes.
+// Each row is a history of one key: "=x" sets, "+x" appends, "-" removes, "i" sets an integer, "s" writes.
 TEST_P(UserDefaultsContractTest, HistoriesOfATextEndEquallyAfterARestart) {
   struct Row {
     std::vector<std::string> steps;
@@ -239,13 +237,11 @@ TEST_P(UserDefaultsContractTest, HistoriesOfATextEndEquallyAfterARestart) {
       {{"+a", "s", "-"}, nil},
       {{"+a", "s", "-", "s", "+b"}, Value("b")},
       {{"+a", "s", "-", "+b"}, Value("b")},
-      {{"+a", "s", "t", "+b", "s", "+c"}, Value("bc")},
-      {{"+a", "s", "t", "s"}, nil},
+      {{"+a", "s", "-", "+b", "s", "+c"}, Value("bc")},
       {{"+a", "s", "i"}, Value(5)},
       {{"+a", "s", "i", "s", "+b"}, Value("b")},
-      {{"i", "t"}, Value(5)},
       {{"+"}, Value("")},
-      {{"-", "t"}, nil},
+      {{"-"}, nil},
       {{"=" + std::string(300, 'x'), "s", "+a", "s", "+" + std::string(600, 'y'), "s", "+b"},
        Value(std::string(300, 'x') + "a" + std::string(600, 'y') + "b")},
   };
@@ -275,7 +271,7 @@ TEST_P(UserDefaultsContractTest, WhatWasWrittenBeforeTheFileWasReadIsJoinedWithI
       {Value("old"), {"=new", "+a"}, Value("olda")},
       {Value("old"), {"+a", "=new"}, Value("old")},
       {Value("old"), {"+a", "-"}, Value("old")},
-      {Value("old"), {"+a", "t", "+b"}, Value("oldb")},
+      {Value("old"), {"+a", "-", "+b"}, Value("oldb")},
       {Value("old"), {"+"}, Value("old")},
       {Value(7), {"i"}, Value(7)},
       {Value(7), {"+a"}, Value("a")},
@@ -363,19 +359,9 @@ TEST_P(UserDefaultsContractTest, ASynchronizeOfAnotherThreadWritesChangesTogethe
   }
 }
 
-TEST_P(UserDefaultsContractTest, TakesATextOnce) {
-  defaults().appendString("flow", "a,");
-  defaults().appendString("flow", "b,");
-  EXPECT_EQ(defaults().takeString("flow"), "a,b,");
-  EXPECT_EQ(defaults().takeString("flow"), std::nullopt);
-  defaults().set("number", 3);
-  EXPECT_EQ(defaults().takeString("number"), std::nullopt);
-  EXPECT_EQ(defaults().integer("number"), 3);
-}
-
 TEST_P(UserDefaultsContractTest, ListsTheKeysThatHaveAValue) {
   defaults().set("b", 1);
-  defaults().appendString("a", "x");
+  testing::appendText(defaults(), "a", "x");
   defaults().set("gone", 1);
   defaults().remove("gone");
   EXPECT_EQ(sortedKeys(), (std::vector<std::string>{"a", "b"}));
@@ -387,7 +373,7 @@ TEST_P(UserDefaultsContractTest, WhatWasNotSynchronizedIsLostAtRestart) {
   defaults().set("kept", 1);
   EXPECT_TRUE(defaults().synchronize());
   defaults().set("kept", 2);
-  defaults().appendString("lost", "x");
+  testing::appendText(defaults(), "lost", "x");
   defaults().checkpoint();
   restart();
   EXPECT_EQ(defaults().integer("kept"), 1);
@@ -399,7 +385,7 @@ TEST_P(UserDefaultsContractTest, ALongTextGrownInManyStepsIsWholeAfterRestart) {
   for (int i = 0; i < 3000; ++i) {
     const std::string step = std::to_string(i) + ",";
     whole += step;
-    defaults().appendString("flow", step);
+    testing::appendText(defaults(), "flow", step);
     if (i % 3 == 0) {
       EXPECT_TRUE(defaults().synchronize());
     }
@@ -409,7 +395,7 @@ TEST_P(UserDefaultsContractTest, ALongTextGrownInManyStepsIsWholeAfterRestart) {
   }
   synchronizeAndRestart();
   EXPECT_EQ(defaults().text("flow"), whole);
-  defaults().appendString("flow", "end");
+  testing::appendText(defaults(), "flow", "end");
   synchronizeAndRestart();
   EXPECT_EQ(defaults().text("flow"), whole + "end");
 }
