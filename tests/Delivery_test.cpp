@@ -44,6 +44,7 @@ class DeliveryTest : public ::testing::Test {
     testing::TemporaryDirectory ownHome;
     LoopbackServer collector;
     collector.setDefault(std::move(fault));
+    collector.onPath("/moved", Fault::reply(200));
     RealPlatform platform(ownHome.path(), collector.url(), quickToGiveUp());
     Kesu::initialize("key");
     KesuCustomEvent::postWithEventName("event");
@@ -89,6 +90,10 @@ TEST_F(DeliveryTest, StoresWhatTheCollectorDidNotTake) {
   const std::vector<std::tuple<const char*, Fault, std::size_t>> rows = {
       {"200", Fault::reply(200, "ok"), 0},
       {"204", Fault::reply(204), 0},
+      {"301, where a GET succeeds", Fault::redirect(301, "/moved"), 1},
+      {"302, where a GET succeeds", Fault::redirect(302, "/moved"), 1},
+      {"303, where a GET succeeds", Fault::redirect(303, "/moved"), 1},
+      {"307 with its body", Fault::redirect(307, "/moved"), 0},
       {"301 to another host", Fault::redirect(301, other.url()), 1},
       {"307 to another host", Fault::redirect(307, other.url()), 1},
       {"308 in a circle", Fault::redirect(308, "/"), 1},

@@ -81,7 +81,8 @@ std::optional<HttpRequest> collectorRequest(const Dictionary& record, double sen
   request.headers.emplace_back(k_TableName,
                                destination != nullptr ? std::string_view(*destination) : kUnknownDestination);
   request.headers.emplace_back(k_FullVersionKeyForHeader, fullVersionText());
-  request.ignoresBody = true;  // A collector that answers at length has the record all the same.
+  request.isFutileWithoutBody = true;  // The success of a GET would pass for the delivery of the record.
+  request.ignoresBody = true;          // A collector that answers at length has the record all the same.
   return jsonRequest(body, std::move(request));
 }
 

@@ -22,6 +22,9 @@ struct HttpRequest {
   /// Only the status counts. A body of more than a few kilobytes is no error then: it is cut, and the connection
   /// closed. A redirect's is read as usual.
   bool ignoresBody = false;
+  /// The body is what the request is for: a redirect that would continue without it (301 and 302 after a POST, 303) is
+  /// not followed, and its own reply is the outcome.
+  bool isFutileWithoutBody = false;
   /// Ends the request with HttpError::TimedOut, however much still comes in. Counts from the moment it gets its turn,
   /// through connecting, interim replies and redirects: not while it waits behind others to the same host.
   double deadlineSeconds = 120;

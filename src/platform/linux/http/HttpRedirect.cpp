@@ -33,7 +33,8 @@ bool isRedirect(int status) {
 }
 
 HttpRedirectVerdict applyRedirect(HttpJob& job, int status, const std::string& location) {
-  if (!isRedirect(status) || location.empty()) {
+  const bool dropsBody = becomesGet(status, job.request.method);
+  if (!isRedirect(status) || location.empty() || (dropsBody && job.request.isFutileWithoutBody)) {
     return HttpRedirectVerdict::Final;
   }
   const auto target = parseHttpUrl(location);
@@ -41,7 +42,7 @@ HttpRedirectVerdict applyRedirect(HttpJob& job, int status, const std::string& l
   if (!target || job.redirects >= kMaxRedirects || (leaves && !job.mayLeaveOrigin)) {
     return HttpRedirectVerdict::Refuse;
   }
-  if (becomesGet(status, job.request.method)) {
+  if (dropsBody) {
     dropBody(job.request);
   }
   if (leaves) {

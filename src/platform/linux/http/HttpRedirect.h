@@ -8,7 +8,7 @@ namespace kesu {
 
 /// What to do with a reply.
 enum class HttpRedirectVerdict {
-  Final,   ///< Complete the request: no redirect, or one without a target.
+  Final,   ///< Complete the request: no redirect, one without a target, or one that makes it futile.
   Follow,  ///< Send the job again: it was changed into the next request.
   Refuse   ///< HttpError::BadRedirect.
 };

@@ -45,6 +45,19 @@ TEST(HttpRedirect, OtherRepliesAreFinal) {
   EXPECT_EQ(applyRedirect(subject, 302, ""), HttpRedirectVerdict::Final);
 }
 
+TEST(HttpRedirect, IsFinalWhereTheBodyWouldBeDropped) {
+  for (const auto& [status, verdict] : {std::pair{301, HttpRedirectVerdict::Final},
+                                        {302, HttpRedirectVerdict::Final},
+                                        {303, HttpRedirectVerdict::Final},
+                                        {307, HttpRedirectVerdict::Follow},
+                                        {308, HttpRedirectVerdict::Follow}}) {
+    HttpJob subject = job("POST", "body");
+    subject.request.isFutileWithoutBody = true;
+    EXPECT_EQ(applyRedirect(subject, status, "https://a.example/y"), verdict) << status;
+    EXPECT_EQ(subject.request.body, "body");
+  }
+}
+
 TEST(HttpRedirect, NothingOfTheCallerLeavesTheNamedOrigin) {
   for (const char* const elsewhere : {"https://b.example/", "http://a.example/", "https://a.example:444/"}) {
     for (const int status : {301, 302, 303, 307, 308}) {
