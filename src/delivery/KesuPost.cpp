@@ -57,6 +57,7 @@ void KesuPost::finish(Dictionary record, const Outbox::Ticket& ticket, const Htt
   } else if (ticket.isLogged && reply.error == HttpError::Cancelled && outbox_.isEnding()) {
     outbox_.leave();
   } else {
+    record.remove(k_AgentSentEpoch);  // Of this attempt only.
     background_.post([this, record = std::move(record), ticket] { store(record, ticket); });
   }
 }

@@ -84,7 +84,7 @@ TEST_F(PostTest, DatesTheRecordOfAnInterruptedRunByTheRun) {
 }
 
 TEST_F(PostTest, StoresAFailedFirstAttempt) {
-  send({{"dest", "e"}, {"n", 1}, {"null", Null{}}});
+  send({{"dest", "e"}, {"ase", ""}, {"n", 1}, {"null", Null{}}});
   answer(0, 500);
   ASSERT_EQ(store.dictionariesToRepost().size(), 1U);
   const Dictionary stored = store.dictionariesToRepost()[0];
