@@ -137,6 +137,10 @@ std::string describe(const Value& value) {
   return text;
 }
 
+std::string describe(const Value* value) {
+  return value != nullptr ? describe(*value) : kDescriptionOfNothing;
+}
+
 std::string describe(const Dictionary& dictionary) {
   std::string text;
   appendDictionary(text, dictionary, 0);

@@ -14,8 +14,7 @@ namespace {
 constexpr int kLevel = 3;
 
 std::string entry(const Dictionary& dictionary, std::string_view key) {
-  const Value* value = dictionary.find(key);
-  return value != nullptr ? describe(*value) : "(null)";
+  return describe(dictionary.find(key));
 }
 
 int integerEntry(const Dictionary& dictionary, std::string_view key) {
@@ -23,14 +22,14 @@ int integerEntry(const Dictionary& dictionary, std::string_view key) {
 }
 
 std::string element(const Array& button, std::size_t index) {
-  return index < button.size() ? describe(button[index]) : "(null)";
+  return describe(index < button.size() ? &button[index] : nullptr);
 }
 
 void logButton(const Value& entryOfButton) {
   const Array button = entryOfButton.array() != nullptr ? *entryOfButton.array() : Array();
   KESU_LOG(kLevel, "Button title = %s, deep-link URL = %s, buttonBgColor = %s, buttonTextColor = %s",
            element(button, 0).c_str(), element(button, 1).c_str(), element(button, 2).c_str(),
-           (button.empty() ? "(null)" : describe(button.back())).c_str());
+           describe(button.empty() ? nullptr : &button.back()).c_str());
 }
 
 void logTemplate(const Dictionary& data) {

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "foundation/Describe.h"
 #include "services/HttpStatusText.h"
 #include "support/KesuPriorityLogger.h"
 
@@ -33,7 +34,7 @@ bool isSuccess(const HttpReply& reply) {
 }
 
 void logFailure(const HttpReply& reply, const LogPlace& place) {
-  const char* error = reply.error == HttpError::None ? "(null)" : reply.errorText.c_str();
+  const char* error = reply.error == HttpError::None ? kDescriptionOfNothing : reply.errorText.c_str();
   const std::string meaning(httpStatusText(reply.status));
   KESU_LOG_AT(3, place.source, place.line, "Error: Status Code %ld, %s - %s", static_cast<long>(reply.status), error,
               meaning.c_str());
