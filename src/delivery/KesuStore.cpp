@@ -1,9 +1,11 @@
 #include "delivery/KesuStore.h"
 
+#include <algorithm>
 #include <cinttypes>
 #include <utility>
 
 #include "delivery/StoreFileName.h"
+#include "foundation/Describe.h"
 #include "foundation/PropertyList.h"
 #include "foundation/Text.h"
 #include "records/DefaultsKeys.h"
@@ -22,7 +24,24 @@ constexpr int kNameAttempts = 100;
 
 constexpr const char* kStoreSource = "KesuStore";
 
+// Opening a pipe of that name would block, and a directory or a link of that name is the work of somebody else.
+bool isOurs(const DirectoryEntry& entry) {
+  return entry.isRegularFile && isStoreFile(entry.name);
+}
+
 }  // namespace
+
+void UnreadableFiles::add(const std::string& path) {
+  if (++count_ == 1) {
+    first_ = path;
+  }
+}
+
+void UnreadableFiles::log() const {
+  if (count_ > 0) {
+    KESU_LOG(2, "No record can be read from %s, the first of %zu such files", first_.c_str(), count_);
+  }
+}
 
 std::string KesuStore::newFileName() {
   return documentsDirectory() + "/" + storeFileName(clock_.now());
@@ -66,7 +85,7 @@ void KesuStore::flush() {
 std::vector<std::string> KesuStore::storedFiles() {
   std::vector<std::string> paths;
   files_.enumerate(documentsDirectory(), [&paths](const DirectoryEntry& entry) {
-    if (entry.isRegularFile && isStoreFile(entry.name)) {  // Opening a pipe of that name would block.
+    if (isOurs(entry)) {
       paths.push_back(entry.path);
     }
     return true;
@@ -74,12 +93,14 @@ std::vector<std::string> KesuStore::storedFiles() {
   return paths;
 }
 
-std::optional<Dictionary> KesuStore::recordToRepost(const std::string& path) {
+std::optional<Dictionary> KesuStore::recordToRepost(const std::string& path, UnreadableFiles& unreadable) {
   const FileContent content = files_.read(path, kLargestFile);
   auto value = content.ok() ? parsePropertyList(content.bytes, PropertyListForm::Escaped) : std::nullopt;
   Dictionary* record = value ? value->dictionary() : nullptr;
   if (record == nullptr) {
-    KESU_LOG(2, "No record can be read from %s", path.c_str());
+    if (content.status != FileStatus::NotFound) {  // What is gone was delivered meanwhile.
+      unreadable.add(path);
+    }
     return std::nullopt;
   }
   record->set(k_keyFilename, std::string(lastPathComponent(path)));
@@ -88,12 +109,19 @@ std::optional<Dictionary> KesuStore::recordToRepost(const std::string& path) {
 
 std::vector<Dictionary> KesuStore::dictionariesToRepost() {
   std::vector<Dictionary> records;
+  UnreadableFiles unreadable;
   for (const std::string& path : storedFiles()) {
-    if (auto record = recordToRepost(path)) {
+    if (auto record = recordToRepost(path, unreadable)) {
       records.push_back(std::move(*record));
     }
   }
+  unreadable.log();
   return records;
+}
+
+// "" for "".
+std::string KesuStore::nameBelowDocuments(const std::string& path) {
+  return path.substr(std::min(path.size(), documentsDirectory().size() + 1));
 }
 
 bool KesuStore::deleteFile(const std::string& name) {
@@ -115,13 +143,12 @@ bool KesuStore::deleteFile(const std::string& name) {
 
 void KesuStore::deleteFirstFile() {
   const std::int64_t count = defaults_.integer(kNumberOfFilesDefault);
-  std::string name;
-  files_.enumerate(documentsDirectory(), [&name](const DirectoryEntry& entry) {
-    if (isStoreFile(entry.name)) {
-      name = entry.name;
-    }
-    return name.empty();
+  std::string path;
+  files_.enumerate(documentsDirectory(), [&path](const DirectoryEntry& entry) {
+    path = isOurs(entry) ? entry.path : std::string();
+    return path.empty();
   });
+  const std::string name = nameBelowDocuments(path);
   long deleted = 0;
   if (!name.empty()) {
     deleted = deleteFile(name) ? 1 : 0;
@@ -129,14 +156,15 @@ void KesuStore::deleteFirstFile() {
     defaults_.synchronize();
   }
   // Kept: the number printed counts the deleted files, whatever the words say.
-  KESU_LOG_AT(3, kStoreSource, 193, "Deleted %s successfully and %ld unsuccessfully", name.c_str(), deleted);
+  KESU_LOG_AT(3, kStoreSource, 193, "Deleted %s successfully and %ld unsuccessfully",
+              name.empty() ? kDescriptionOfNothing : name.c_str(), deleted);
 }
 
 void KesuStore::deleteAllFiles() {
   long deleted = 0;
   long failed = 0;
   for (const std::string& path : storedFiles()) {
-    ++(deleteFile(std::string(lastPathComponent(path))) ? deleted : failed);
+    ++(deleteFile(nameBelowDocuments(path)) ? deleted : failed);
   }
   KESU_LOG_AT(3, kStoreSource, 169, "Deleted %ld successfully and %ld unsuccessfully", deleted, failed);
 }

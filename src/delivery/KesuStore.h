@@ -14,6 +14,19 @@
 
 namespace kesu {
 
+/// Store files in which no record was found, for one log line about all of them.
+class UnreadableFiles {
+ public:
+  void add(const std::string& path);
+
+  /// Logs them at level 2, if there are any.
+  void log() const;
+
+ private:
+  std::size_t count_ = 0;
+  std::string first_;
+};
+
 /// Stores records that could not be delivered: one XML property list per record, in the user's documents directory,
 /// beside the host's own documents. Confined to the background queue.
 ///
@@ -35,13 +48,13 @@ class KesuStore {
   /// Returns the paths of all store files below the documents directory, in the order in which the system lists them.
   std::vector<std::string> storedFiles();
 
-  /// Returns the record in one store file, with its file name under "fnk"; nothing (and a level-2 log line) when there
-  /// is none in it.
-  std::optional<Dictionary> recordToRepost(const std::string& path);
+  /// Returns the record in one store file, with its file name under "fnk"; nothing when there is none in it. Adds a
+  /// file that is there and cannot be read to `unreadable`.
+  std::optional<Dictionary> recordToRepost(const std::string& path, UnreadableFiles& unreadable);
 
-  /// Deletes one store file, named by its last path component. Returns false when that is no store file or cannot be
-  /// deleted. Kept: a file in a subdirectory is looked for in the documents directory, and not found.
-  /// [KesuStore deleteFile:]
+  /// Deletes one store file, named by its path below the documents directory. Returns false when that is no store file
+  /// or cannot be deleted. Kept: records that are sent again carry the last path component only, so that their file in
+  /// a subdirectory is looked for in the documents directory, and not found. [KesuStore deleteFile:]
   bool deleteFile(const std::string& name);
 
   // Owed to hosts and to the agreed interface; no caller inside the library but this class. The re-send pass reads one
@@ -67,6 +80,7 @@ class KesuStore {
   void ls();
 
  private:
+  std::string nameBelowDocuments(const std::string& path);
   bool write(const std::string& bytes);
 
   Files& files_;

@@ -18,6 +18,7 @@ struct ResendPass::Pass {
   std::vector<std::string> paths;
   std::shared_ptr<FileLock> lock;
   std::size_t next = 0;
+  UnreadableFiles unreadable;  ///< Background queue only, as all above.
   std::atomic<std::size_t> open{1};  ///< Requests without outcome, and one for the pass itself until all are sent.
   std::atomic<bool> isAllDelivered{true};
 };
@@ -109,7 +110,7 @@ std::shared_ptr<FileLock> ResendPass::lockAmongProcesses() {
 void ResendPass::sendSlice(const std::shared_ptr<Pass>& pass) {
   const double end = clock_.monotonic() + kSliceSeconds;
   while (pass->next < pass->paths.size() && !outbox_.isEnding()) {
-    if (auto record = store_.recordToRepost(pass->paths[pass->next++])) {
+    if (auto record = store_.recordToRepost(pass->paths[pass->next++], pass->unreadable)) {
       ++pass->open;
       post_.repost(std::move(*record), [this, pass](bool isDelivered) { endOne(*pass, isDelivered); });
     }
@@ -118,6 +119,7 @@ void ResendPass::sendSlice(const std::shared_ptr<Pass>& pass) {
       return;
     }
   }
+  pass->unreadable.log();
   endOne(*pass, true);
 }
 

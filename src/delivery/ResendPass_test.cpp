@@ -42,6 +42,20 @@ TEST_F(ResendPassTest, SendsEveryStoredRecordAgainInOnePass) {
   EXPECT_TRUE(platform.log.contains("[KesuStore:129]FAILED removing "));
 }
 
+TEST_F(ResendPassTest, WarnsOncePerPassOfFilesThatCannotBeRead) {
+  for (const char* name : {"a", "b", "c", "d"}) {
+    files.writeAtomically(files.documentsDirectory() + "/" + name + ".kesuCache", "no property list");
+  }
+  KesuPriorityLogger::sharedLogger().setLogLevel(2);
+  files.failReads(FileStatus::NotFound, 1);  // Deleted by an earlier pass whose replies come meanwhile.
+  resendPass.start(NetworkStatus::Reachable);
+  platform.settle();
+  const auto lines = platform.log.takeLines();
+  ASSERT_EQ(lines.size(), 1U);
+  EXPECT_EQ(lines[0].text, "No record can be read from /home/Documents/b.kesuCache, the first of 3 such files");
+  EXPECT_EQ(lines[0].level, 2);
+}
+
 TEST_F(ResendPassTest, TakesTheFirstDeliveryAfterAFailureAsNews) {
   postOne(500);
   postOne(500);
