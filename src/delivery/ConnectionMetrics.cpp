@@ -5,11 +5,13 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <string_view>
 #include <utility>
 
 #include "foundation/Mutex.h"
 #include "foundation/NumberText.h"
 #include "foundation/SharedInstance.h"
+#include "foundation/Url.h"
 #include "support/KesuPriorityLogger.h"
 
 namespace kesu {
@@ -31,8 +33,8 @@ void Metric::updateRequest(const HttpRequest& request) {
     ConnectionMetrics::sharedMetrics().addObject(std::move(self));
   }
   url = request.url;
-  const std::size_t schemeEnd = request.url.find(':');
-  method = schemeEnd != std::string::npos ? OptionalText(request.url.substr(0, schemeEnd)) : std::nullopt;
+  const std::string_view scheme = urlScheme(request.url);
+  method = scheme.empty() ? std::nullopt : OptionalText(scheme);
   bytesSent = static_cast<std::int64_t>(request.body.size());
   latency = Platform::current().clock.now();
 }

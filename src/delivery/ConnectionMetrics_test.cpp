@@ -57,12 +57,12 @@ TEST_F(MetricTest, TakesTheFirstFigureForAStartTheSecondTime) {
 
 TEST_F(MetricTest, ListsEveryRegisteredMetricForEver) {
   const auto first = started("http://host.example/1");
-  started("no scheme");
+  started("/relative?at=12:00");
   first->updateFinish();
   const auto listed = ConnectionMetrics::sharedMetrics().metricArray();
   ASSERT_EQ(listed.size(), 2U);
   EXPECT_EQ(listed[0], first);
-  EXPECT_EQ(listed[1]->description(), "no scheme | ");
+  EXPECT_EQ(listed[1]->description(), "/relative?at=12:00 | ");
   EXPECT_EQ(Metric().description(), "");
 }
 
