@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include "lifecycle/CommonColumns.h"
 #include "lifecycle/Provisioning.h"
 #include "records/DefaultsKeys.h"
 #include "records/RecordKeys.h"
@@ -93,7 +94,7 @@ void addTraitData(Dictionary& record, TraitType type, const std::string& instanc
   copyDefault(record, kMessageIdKey, platform.defaults, k_PushMidKey);
   copyDefault(record, kCampaignIdKey, platform.defaults, k_PushCidKey);
   copyDefault(record, kPushIdentifierDefault, platform.defaults, kPushIdentifierDefault);
-  record.set(k_KesuAppInstanceId2, instanceId2);
+  setOrRemove(record, k_KesuAppInstanceId2, instanceId2.empty() ? std::nullopt : std::optional(instanceId2));
   if (blocks.repair) {
     record.set(k_RepairProcessing, "1");
   }

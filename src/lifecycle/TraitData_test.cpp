@@ -17,9 +17,9 @@ class TraitDataTest : public ::testing::Test {
     platform.defaults.set("deviceToken", "abcd");
   }
 
-  Dictionary traits(TraitType type) {
+  Dictionary traits(TraitType type, const std::string& id2 = "id2") {
     Dictionary record;
-    addTraitData(record, type, "id2", platform.platform, metrics);
+    addTraitData(record, type, id2, platform.platform, metrics);
     return record;
   }
 
@@ -40,6 +40,7 @@ TEST_F(TraitDataTest, HasTheBlocksOfEachType) {
   for (const auto& [type, keys] : rows) {
     EXPECT_EQ(testing::keysOf(traits(type)), keys) << static_cast<int>(type);
   }
+  EXPECT_EQ(testing::keysOf(traits(TraitType::ExplicitActivation, "")), "mid") << "before the initialisation";
 }
 
 TEST_F(TraitDataTest, DescribesTheLocale) {
