@@ -19,7 +19,7 @@
 ///                    missing or none of these
 ///   decimal          the decimal text of an integer
 ///   integer          the decimal text of an integer's low 32 bits, read as a signed number
-///   seconds          whole seconds, truncated toward zero and clamped to a signed 32-bit number; 0 for not-a-number
+///   seconds          whole seconds, truncated toward zero, as an integer: dates past 2038 wrap; 0 for not-a-number
 ///   degrees          latitude ("lat") or longitude ("long") of a point, six decimals
 ///   flag             "1" for true, "0" for false
 ///   "1" when true    "1" for true; false writes nothing, and a host attribute of that name stays

@@ -43,7 +43,7 @@ TEST_F(CatalogueTest, PostsTheOddRecords) {
   EXPECT_EQ(onlyRecord(), (Dictionary{{"k", "v"}, {"~e", "WeatherUVIndex"}}));
 }
 
-TEST_F(CatalogueTest, TruncatesAndClampsSeconds) {
+TEST_F(CatalogueTest, WritesTheLowBitsOfWholeSeconds) {
   constexpr double kInfinity = std::numeric_limits<double>::infinity();
   const struct {
     double seconds;
@@ -52,9 +52,10 @@ TEST_F(CatalogueTest, TruncatesAndClampsSeconds) {
               {-1.9, "-1"},
               {-0.5, "0"},
               {1489579320.5, "1489579320"},
-              {4e9, "2147483647"},
-              {-1e300, "-2147483648"},
-              {kInfinity, "2147483647"},
+              {2147483648.0, "-2147483648"},
+              {4102444800.9, "-192522496"},
+              {4294967297.0, "1"},
+              {kInfinity, "-1"},
               {std::numeric_limits<double>::quiet_NaN(), "0"}};
   for (const auto& row : rows) {
     KesuWeatherAndForecast::postWeatherHistoricalRequest(row.seconds, 0.0);

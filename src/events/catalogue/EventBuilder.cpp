@@ -1,8 +1,6 @@
 #include "events/catalogue/EventBuilder.h"
 
-#include <algorithm>
-#include <cmath>
-#include <limits>
+#include <cstdint>
 #include <string>
 #include <utility>
 
@@ -33,13 +31,10 @@ std::string numberText(const Value& number) {
   return {};
 }
 
-std::string wholeSeconds(double seconds) {
-  // A double outside the range of the integer that it is cast to would be undefined.
-  using Limits = std::numeric_limits<std::int32_t>;
-  if (std::isnan(seconds)) {
-    return "0";
-  }
-  return kesu::decimal(static_cast<std::int64_t>(std::clamp<double>(seconds, Limits::min(), Limits::max())));
+// Kept: a format for plain ints prints the low 32 bits of a longer number, so that dates past 2038 wrap. A collector
+// can undo that, but not a clamped number.
+std::string lowBitsText(std::int64_t number) {
+  return kesu::decimal(static_cast<std::int32_t>(number));
 }
 
 }  // namespace
@@ -74,13 +69,12 @@ EventBuilder&& EventBuilder::write(Feed<std::int64_t, KeyKind::Decimal> feed, st
   return set(feed.keys[0], kesu::decimal(argument));
 }
 
-// As a format for plain ints shows a longer number.
 EventBuilder&& EventBuilder::write(Feed<std::int64_t, KeyKind::Integer> feed, std::int64_t argument) && {
-  return set(feed.keys[0], kesu::decimal(static_cast<std::int32_t>(argument)));
+  return set(feed.keys[0], lowBitsText(argument));
 }
 
 EventBuilder&& EventBuilder::write(Feed<double, KeyKind::Seconds> feed, double argument) && {
-  return set(feed.keys[0], wholeSeconds(argument));
+  return set(feed.keys[0], lowBitsText(Value(argument).integerValue()));
 }
 
 EventBuilder&& EventBuilder::write(const Feed<const KesuGeoPoint*, KeyKind::Latitude, KeyKind::Longitude>& feed,
