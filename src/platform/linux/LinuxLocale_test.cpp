@@ -117,6 +117,7 @@ TEST_F(LinuxLocaleTest, WritesDaysByTheWeekYearOfTheLocale) {
     use("LANG", locale);
     EXPECT_EQ(locale_.formatWeekYearDay(seconds), text) << locale;
   }
+  EXPECT_EQ(locale_.formatTimestamp(1489579320), "2017-03-15 12:02:00 +0000") << "the same in every locale";
   use("LANG", "en_US.UTF-8");
   use("TZ", "Europe/Berlin");
   EXPECT_EQ(locale_.formatWeekYearDay(1490482800.0 + 82799.0), "20170326") << "a day of 23 hours";
