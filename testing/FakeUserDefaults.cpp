@@ -9,7 +9,7 @@ namespace {
 
 bool isPropertyListValue(const Value& value) {
   const bool isContainer = value.array() != nullptr || value.dictionary() != nullptr;
-  return isContainer ? writePropertyList(value).has_value() : !value.isNull();
+  return isContainer ? writePropertyList(value, PropertyListForm::Escaped).has_value() : !value.isNull();
 }
 
 }  // namespace

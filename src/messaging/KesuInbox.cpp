@@ -63,7 +63,8 @@ std::string identifierText(const Object& identifier) {
   return identifier ? describe(*identifier) : std::string();
 }
 
-// Kept: null becomes "" at this level only, and not in arrays; hosts test for "" where the service sends null.
+// Kept: null becomes "" at this level only, and not in arrays; hosts test for "" where the service sends null. Deeper
+// ones are left out when the body is kept.
 Dictionary withoutNulls(const Dictionary& dictionary) {
   Dictionary copy;
   copy.reserve(dictionary.size());
@@ -249,9 +250,10 @@ void KesuInbox::kesu_getMessageWithContentID(const Object& contentID, const Obje
                                 call(handler, Object());
                                 return;
                               }
-                              Dictionary copy = bodyWithoutNulls(*body);
-                              keepBody(key, copy);
-                              call(handler, Object(Value(std::move(copy))));
+                              // The form that the next call finds.
+                              Value kept = keepableCopy(bodyWithoutNulls(*body));
+                              keepBody(key, kept);
+                              call(handler, Object(std::move(kept)));
                             });
 }
 
@@ -275,10 +277,10 @@ void KesuInbox::updateDefaultsForReadMessage(const Object& messageID) {
   defaults_.synchronize();
 }
 
-void KesuInbox::keepBody(const std::string& key, const Dictionary& body) {
+void KesuInbox::keepBody(const std::string& key, const Value& body) {
   Array bodies = storedArray(kBodiesDefault);
   // Newest first: the last one is dropped, and the first with a key is found.
-  bodies.insert(bodies.begin(), keepableCopy(Dictionary{{key, body}}));
+  bodies.insert(bodies.begin(), Dictionary{{key, body}});
   if (bodies.size() >= kBodiesLimit) {
     bodies.pop_back();
   }

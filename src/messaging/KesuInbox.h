@@ -78,7 +78,7 @@ class KesuInbox {
   void getAllMessagesTypeAll(ObjectHandler handler);
   void keepAsRead(const Value& payloadList);
   void updateDefaultsForReadMessage(const Object& messageID);
-  void keepBody(const std::string& key, const Dictionary& body);
+  void keepBody(const std::string& key, const Value& body);
   Array storedArray(std::string_view key);
   void store(std::string_view key, Value value);
   void warnWhenLarge(std::string_view key, const Value& written);

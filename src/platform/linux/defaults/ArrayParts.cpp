@@ -35,7 +35,8 @@ std::optional<ArrayParts> changedParts(const Array& array, const Array* former) 
     if (former != nullptr && std::ranges::equal(elements, part(*former, place))) {
       continue;
     }
-    std::optional<std::string> list = writePropertyList(Array(elements.begin(), elements.end()));
+    std::optional<std::string> list =
+        writePropertyList(Value(Array(elements.begin(), elements.end())), PropertyListForm::Escaped);
     if (!list) {
       return std::nullopt;
     }

@@ -84,7 +84,7 @@ StoreStatus DefaultsReader::readParts(StoredEntry& entry) {
   std::int64_t place = firstSuffix(entry.number);
   bool isInPlace = true;
   const StoreStatus status = eachSuffix(entry.number, [&](std::int64_t id, std::string_view text) {
-    std::optional<Value> part = parsePropertyList(text);
+    std::optional<Value> part = parsePropertyList(text, PropertyListForm::Escaped);
     Array* elements = part ? part->array() : nullptr;
     isInPlace = isInPlace && elements != nullptr && id == place++ && array.size() % kPartElements == 0;
     if (elements == nullptr) {

@@ -109,7 +109,8 @@ StoreStatus DefaultsWriter::apply(const StoreChange& change) {
 
 StoreStatus DefaultsWriter::put(std::string_view key, const Value& value, const std::string& listText) {
   const bool needsList = listText.empty() && isContainer(value);
-  const std::string list = needsList ? writePropertyList(value).value_or(std::string()) : std::string();
+  const std::string list =
+      needsList ? writePropertyList(value, PropertyListForm::Escaped).value_or(std::string()) : std::string();
   const auto known = rows_.find(key);
   if (known != rows_.end() && !known->second.hasSuffixes) {
     bindText(statements_.update.get(), 1, key);

@@ -119,7 +119,7 @@ std::optional<Value> columnValue(sqlite3_stmt* row, int kindColumn) {
     case StoredKind::Date:
       return Value(Date{columnReal(row, column)});
     case StoredKind::PropertyList:
-      return parsePropertyList(columnBytes(row, column));
+      return parsePropertyList(columnBytes(row, column), PropertyListForm::Escaped);
     case StoredKind::ArrayInParts:
       return Value(Array());
   }
