@@ -1,12 +1,16 @@
 #include <kesu/events/KesuIdentity.h>
 #include <kesu/platform/Platform.h>
 
+#include <string>
 #include <string_view>
 #include <utility>
 
 #include "events/EventPoster.h"
+#include "foundation/Json.h"
+#include "foundation/Keepable.h"
 #include "records/DefaultsKeys.h"
 #include "records/RecordKeys.h"
+#include "support/KesuPriorityLogger.h"
 
 namespace kesu {
 namespace {
@@ -25,16 +29,7 @@ void setObjectToUserDefaults(Value value, std::string_view key) {
   store(std::move(identity));
 }
 
-}  // namespace
-
-void KesuIdentity::setUserIdentifer(const Object& identifier) {
-  setObjectToUserDefaults(identifier.value_or(""), kAppSpecificUserId);
-  if (identifier) {
-    EventPoster::shared().postAppEventToTableU({{std::string(kUserIdentifierKey), *identifier}});
-  }
-}
-
-void KesuIdentity::resetUserIdentifer() {
+void removeIdentifier() {
   const auto stored = Platform::current().defaults.get(kIdentityKey);
   const Dictionary* entries = stored ? stored->dictionary() : nullptr;
   if (entries != nullptr && entries->contains(kAppSpecificUserId)) {
@@ -42,6 +37,36 @@ void KesuIdentity::resetUserIdentifer() {
     identity.remove(kAppSpecificUserId);
     store(std::move(identity));
   }
+}
+
+/// Whether the identifier can be kept, which a null at any depth cannot, and sent in a record. Dates and bytes are sent
+/// as their description.
+bool fitsInRecord(const Value& identifier) {
+  std::string json;
+  const bool isDescribed = identifier.date() != nullptr || identifier.data() != nullptr;
+  const bool isJson = writeJson(Dictionary{{std::string(kUserIdentifierKey), identifier}}, json) == JsonStatus::Ok;
+  return isDescribed || (isJson && keepableCopy(identifier) == identifier);
+}
+
+}  // namespace
+
+void KesuIdentity::setUserIdentifer(const Object& identifier) {
+  if (identifier && !fitsInRecord(*identifier)) {
+    // The former one would report what this user does as another's.
+    removeIdentifier();
+    KESU_LOG(0, "The user identifier cannot be sent and is refused; records carry none until another one is set");
+    return;
+  }
+  setObjectToUserDefaults(identifier.value_or(""), kAppSpecificUserId);
+  if (!identifier) {
+    KESU_LOG(2, "A missing user identifier is stored as \"\" and not reported; resetUserIdentifer() removes it");
+    return;
+  }
+  EventPoster::shared().postAppEventToTableU({{std::string(kUserIdentifierKey), *identifier}});
+}
+
+void KesuIdentity::resetUserIdentifer() {
+  removeIdentifier();
   EventPoster::shared().postAppEventToTableU({{std::string(kUserIdentifierKey), ""}});
 }
 

@@ -1,7 +1,10 @@
 #include <gtest/gtest.h>
 #include <kesu/events/KesuIdentity.h>
 
+#include <limits>
+
 #include "events/KesuVersionChangeEvent.h"
+#include "support/KesuPriorityLogger.h"
 #include "testing/RecordingPoster.h"
 #include "testing/ScopedPlatform.h"
 
@@ -28,9 +31,33 @@ TEST_F(IdentityTest, KeepsAndReportsTheLatestIdentifier) {
 }
 
 TEST_F(IdentityTest, CannotReportAMissingIdentifier) {
+  KesuPriorityLogger::sharedLogger().setLogLevel(2);
   KesuIdentity::setUserIdentifer(nil);
+  KesuPriorityLogger::sharedLogger().setLogLevel(0);
   EXPECT_EQ(onDisk(), (Dictionary{{"appSpecificUserId", ""}, {"kesuIdentityChanged", "1"}}));
   EXPECT_TRUE(poster.posted.empty());
+  const auto lines = platform.log.takeLines();
+  EXPECT_TRUE(lines.size() == 1 && lines[0].level == 2);
+}
+
+TEST_F(IdentityTest, RefusesWhatNoRecordCanCarryAndForgetsTheUserBefore) {
+  const Value kept[] = {"bob\x01", std::string("b\0b", 3), Array{"b", 1}, Date{1e12}, Data{1}};
+  for (const Value& identifier : kept) {
+    KesuIdentity::setUserIdentifer(identifier);
+    EXPECT_EQ(onDisk(), (Dictionary{{"appSpecificUserId", identifier}, {"kesuIdentityChanged", "1"}}));
+    EXPECT_EQ(poster.posted.back().second, (Dictionary{{"~uid", identifier}}));
+  }
+  EXPECT_TRUE(platform.log.takeLines().empty());
+  const Value refused[] = {"bob\xff", Null{}, std::numeric_limits<double>::quiet_NaN(), Array{Null{}}, Array{Date{}}};
+  for (const Value& identifier : refused) {
+    KesuIdentity::setUserIdentifer("ann");
+    poster.posted.clear();
+    KesuIdentity::setUserIdentifer(identifier);
+    EXPECT_EQ(onDisk(), (Dictionary{{"kesuIdentityChanged", "1"}}));
+    EXPECT_TRUE(poster.posted.empty());
+    const auto lines = platform.log.takeLines();
+    EXPECT_TRUE(lines.size() == 1 && lines[0].level == 0);
+  }
 }
 
 TEST_F(IdentityTest, RemovesTheIdentifierAndKeepsTheRest) {

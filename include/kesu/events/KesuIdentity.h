@@ -11,8 +11,10 @@ class KESU_API KesuIdentity {
  public:
   KesuIdentity() = delete;
 
-  /// Stores and reports the identifier. A missing identifier is stored as "" and not reported; resetUserIdentifer()
-  /// clears it. Kept: spelled so. [KesuIdentity setUserIdentifer:]
+  /// Stores and reports the identifier. A missing identifier is stored as "" and not reported (level-2 log line);
+  /// resetUserIdentifer() clears it. One that no record can carry, such as a text that is not UTF-8 or the null object,
+  /// is refused with a level-0 line: nothing is reported, and later records carry no identifier. Kept: spelled so.
+  /// [KesuIdentity setUserIdentifer:]
   static void setUserIdentifer(const Object& identifier);
 
   /// Removes the identifier and reports an empty one, also when there was none. [KesuIdentity resetUserIdentifer]
