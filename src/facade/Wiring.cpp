@@ -15,6 +15,12 @@ void writeServiceLine(int level, const std::string& text) {
   KESU_LOG(level, "%s", text.c_str());
 }
 
+void terminate() {
+  if (Wiring* all = SharedInstance<Wiring>::existing()) {
+    all->manager.stateChanges().terminateUnlessDone();
+  }
+}
+
 bool beginEnd() {
   Wiring* all = SharedInstance<Wiring>::existing();
   return all == nullptr || all->outbox.beginEnd();
@@ -26,7 +32,7 @@ void finishEnd() {
   }
 }
 
-constexpr EndSteps kEndSteps = {&beginEnd, &finishEnd};
+constexpr EndSteps kEndSteps = {&terminate, &beginEnd, &finishEnd};
 
 /// Before main() starts: a host may use any service, post, or show a screen before its first call of Kesu. Only
 /// function pointers are set here, as other constructors of the process may not have run yet.

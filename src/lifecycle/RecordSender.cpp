@@ -1,6 +1,7 @@
 #include "lifecycle/RecordSender.h"
 
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "lifecycle/DeviceState.h"
@@ -11,7 +12,8 @@
 namespace kesu {
 namespace {
 
-constexpr std::string_view kTraitsSaveTimeKey = "t-secondsSince1970";  // k_TableTraits with kSaveTimeSuffix.
+constexpr std::string_view kTraitsSaveTime = "t-secondsSince1970";
+static_assert(kTraitsSaveTime.starts_with(k_TableTraits) && kTraitsSaveTime.ends_with(kSaveTimeSuffix));
 
 }  // namespace
 
@@ -30,7 +32,7 @@ PendingRecord RecordSender::frame(RecordKind kind, std::string_view destination,
 
 // The time at which traits were posted last, which decides whether the next launch posts them.
 DefaultsChanges RecordSender::traitsSaved() const {
-  return {{DefaultsChange::Kind::Set, kTraitsSaveTimeKey, platform_.clock.now()}};
+  return {{DefaultsChange::Kind::Set, kTraitsSaveTime, platform_.clock.now()}};
 }
 
 void RecordSender::postToTable(const Dictionary& attributes, std::string_view destination,

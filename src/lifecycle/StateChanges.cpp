@@ -29,11 +29,18 @@ ScreenKey StateChanges::screenFor(char state, const std::optional<std::string>& 
 }
 
 void StateChanges::stateChangeEventAppLevel(char state, const std::optional<std::string>& detail) {
+  isRunning_.store(state != kStateTerminate);
   stateChangeEvent(state, detail, screenFor(state, detail));
   if (state == kStateTerminate) {  // The process is about to end.
     postReports(state);
   } else {
     background_.post([this, state] { postReports(state); });
+  }
+}
+
+void StateChanges::terminateUnlessDone() {
+  if (isRunning_.load()) {
+    stateChangeEventAppLevel(kStateTerminate, kTerminateDetailText);
   }
 }
 

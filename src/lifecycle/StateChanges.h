@@ -3,6 +3,7 @@
 #include <kesu/foundation/Value.h>
 #include <kesu/platform/Platform.h>
 
+#include <atomic>
 #include <functional>
 #include <optional>
 #include <string>
@@ -38,6 +39,10 @@ class StateChanges {
   /// follow on the background queue, those of a termination in this call. [stateChangeEventAppLevel::]
   void stateChangeEventAppLevel(char state, const std::optional<std::string>& detail);
 
+  /// Reports the termination of a host that ends without having announced it; nothing for one that never launched. Any
+  /// thread.
+  void terminateUnlessDone();
+
   /// Reports a screen that appeared or disappeared: one record, without activations. Main thread.
   void screenChanged(char state, const ScreenKey& screen);
 
@@ -51,7 +56,8 @@ class StateChanges {
   RecordSender& sender_;
   CalendarReports& reports_;
   TopScreen topScreen_;
-  ScreenFlow flow_;  // Changed by one state change at a time: while the outbox takes it.
+  std::atomic<bool> isRunning_{false};  // From the first transition of the application to its termination.
+  ScreenFlow flow_;                     // Changed by one state change at a time: while the outbox takes it.
 };
 
 }  // namespace kesu

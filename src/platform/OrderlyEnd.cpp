@@ -72,6 +72,9 @@ void endOrderly(Platform& platform, double totalSeconds) {
 void endAtExit(Platform& platform, double totalSeconds) {
   const bool wasEnding = std::exchange(endingAtExit, true);
   const double end = platform.clock.monotonic() + totalSeconds;
+  if (const EndSteps* steps = endSteps.load()) {
+    steps->terminate();
+  }
   const double patience = beginEnd(totalSeconds);
   platform.background.shutdown(patience);
   endNetwork(platform, end, patience);

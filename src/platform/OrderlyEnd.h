@@ -5,8 +5,10 @@
 namespace kesu {
 
 /// What else takes part in an end, called on the ending thread: `begin` first, `finish` last. `begin` returns whether
-/// everything taken so far is safe, so that nothing has to be waited for.
+/// everything taken so far is safe, so that nothing has to be waited for. `terminate` is called before them at exit; it
+/// reports the termination of a host that has not announced it.
 struct EndSteps {
+  void (*terminate)();
   bool (*begin)();
   void (*finish)();
 };

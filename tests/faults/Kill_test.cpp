@@ -183,6 +183,40 @@ TEST_F(Kill, ReportsTheFlowsOfASessionOnceWhenKilledInTheBackground) {
   }
 }
 
+TEST_F(Kill, ReportsATerminationOnceForEachHostThatEndsInOrder) {
+  using Texts = std::multiset<std::string>;
+  const struct {
+    std::vector<std::string> ending;  // After a launch, three changes of screens and an event.
+    Texts states;                     // Those of the application, the next launch included, with their event flow.
+  } cases[] = {{{}, {"l", "t$$Play~~0", "l"}},  // It returns from main().
+               {{"exit"}, {"l", "t$$Play~~0", "l"}},
+               {{"forks=3"}, {"l", "t$$Play~~0", "l"}},
+               {{"end"}, {"l", "t$$Play~~0", "l"}},
+               {{"background"}, {"l", "b$$Play~~0", "t", "l"}},
+               {{"end", "foreground"}, {"l", "t$$Play~~0", "r", "t", "l"}},
+               {{"_exit"}, {"l", "l interrupted"}},
+               {{"crash"}, {"l", "l interrupted"}}};
+  for (const auto& [ending, expected] : cases) {
+    SCOPED_TRACE(ending.empty() ? "return" : ending.front());
+    const testing::TemporaryDirectory home;
+    NumberedCollector collector;
+    std::vector<std::string> commands = {"launch", "screen=Home", "gone=Home", "event=Play", "screen=Menu"};
+    commands.insert(commands.end(), ending.begin(), ending.end());
+    HostProcess(home.path(), collector.url(), commands).wait();
+    HostProcess next(home.path(), collector.url(), {"launch", "post=1,1", "serve"});
+    // The last one to be sent: a state too many is under way before.
+    EXPECT_EQ(collector.missingAfter({1}, kSecondsUntilAllArrive), std::set<std::int64_t>());
+    Texts seen;
+    for (const Dictionary& state : statesAt(collector, 3 + expected.size())) {
+      const std::string code = textOf(state, "~ns");
+      if (code != "a" && code != "d") {
+        seen.insert(code + textOf(state, "~ef") + (textOf(state, "~cfqt").empty() ? "" : " interrupted"));
+      }
+    }
+    EXPECT_EQ(seen, expected);
+  }
+}
+
 TEST_F(Kill, ReportsEachInterruptedRunUnderItsVersionsAndTime) {
   const testing::TemporaryDirectory home;
   NumberedCollector collector;

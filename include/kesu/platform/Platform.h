@@ -67,7 +67,8 @@ struct PlatformOptions {
   std::string collectorUrl;      ///< Whole collector URL. Else: "KesuOverrideServer".
   std::string messagingHost;     ///< host[:port]. Else: "KesuMessagingHost".
   std::string reachabilityHost;  ///< host[:port]. Else: "KesuReachabilityHost", else the collector's host.
-  /// Any thread, also inside a call of the library: must not call the library. Else: standard error.
+  /// Any thread, also inside a call of the library: must not call the library nor exit(). Lines of the exit handler are
+  /// written to standard error. Else: standard error.
   std::function<void(int level, std::string_view text)> logSink;
   std::function<bool(const std::string& url)> urlOpener;  ///< Main thread. Else: xdg-open.
 

@@ -28,8 +28,9 @@ class KESU_API Application {
 
   /// Reports that the process is about to end. Returns within 50 ms whatever the network does and however many records
   /// wait: what is not answered by then is left on disk for the next start. It takes longer only while there are
-  /// records that the disk has refused. An exit handler does the same, without the record of the termination, for hosts
-  /// that return from main().
+  /// records that the disk has refused. An exit handler does the same for hosts that return from main() or call exit(),
+  /// but calls no function of theirs. A process that ends otherwise (_exit, abort, a signal) loses no record; the next
+  /// launch reports that it was interrupted.
   void willTerminate();
 
   /// Reports that locale, languages or time zone of the device have changed.

@@ -72,7 +72,7 @@ std::string prefix() {
 LinuxLogSink::LinuxLogSink(Function function, int fd) : function_(std::move(function)), fd_(fd) {}
 
 void LinuxLogSink::write(int level, std::string_view text) {
-  if (function_) {
+  if (function_ && forwards_.load()) {
     function_(level, text);
     return;
   }

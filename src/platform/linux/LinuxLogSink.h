@@ -23,10 +23,14 @@ class LinuxLogSink final : public LogSink {
 
   void write(int level, std::string_view text) override;
 
+  /// Writes every later line here. At exit: what the host's function refers to may be destroyed.
+  void stopForwarding() { forwards_.store(false); }
+
  private:
   bool put(std::string_view line) const;
 
   Function function_;
+  std::atomic<bool> forwards_{true};
   int fd_;
   std::atomic<unsigned> lost_{0};
 };

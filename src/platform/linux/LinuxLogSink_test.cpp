@@ -77,6 +77,10 @@ TEST_F(LogSinkTest, ForwardsLinesToTheHost) {
   sink.write(2, "text");
   EXPECT_EQ(got, "2text");
   EXPECT_EQ(read(), "");
+  sink.stopForwarding();
+  sink.write(2, "at exit");
+  EXPECT_EQ(got, "2text");
+  EXPECT_TRUE(read().ends_with("at exit\n"));
 }
 
 }  // namespace

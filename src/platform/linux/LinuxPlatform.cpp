@@ -137,6 +137,7 @@ void endProcess() {
   LinuxServices* all = services.load();
   if (all != nullptr && !all->forkGuard.isForkedChild()) {
     all->isEnding.store(true);
+    all->log.stopForwarding();
     endAtExit(all->platform);
   }
 }
