@@ -95,15 +95,22 @@ void NumberedCollector::accept(const std::string& body) {
 }
 
 std::set<std::int64_t> NumberedCollector::missingAfter(const std::set<std::int64_t>& numbers, double seconds) {
-  const auto deadline = deadlineAfter(seconds);
   std::set<std::int64_t> missing = numbers;
   const MutexLock lock(mutex_);
-  for (;;) {
-    std::erase_if(missing, [this](std::int64_t number) KESU_REQUIRES(mutex_) { return byNumber_.contains(number); });
-    if (missing.empty() || changed_.wait_until(mutex_, deadline) == std::cv_status::timeout) {
+  const auto isHere = [this](std::int64_t number) KESU_REQUIRES(mutex_) { return byNumber_.contains(number); };
+  std::cv_status wait = std::cv_status::no_timeout;
+  for (auto deadline = deadlineAfter(seconds); wait == std::cv_status::no_timeout;) {
+    while (!missing.empty() && isHere(*missing.begin())) {  // The first only: each arrival would cost a look at all.
+      missing.erase(missing.begin());
+      deadline = deadlineAfter(seconds);
+    }
+    if (missing.empty()) {
       return missing;
     }
+    wait = changed_.wait_until(mutex_, deadline);
   }
+  std::erase_if(missing, isHere);
+  return missing;
 }
 
 std::map<std::int64_t, int> NumberedCollector::byNumber() {

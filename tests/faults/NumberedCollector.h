@@ -37,7 +37,8 @@ class NumberedCollector {
 
   std::string url() const { return "http://127.0.0.1:" + std::to_string(server_.port()) + "/"; }
 
-  /// Waits until each of the numbers was accepted; returns those that were not after `seconds`.
+  /// Waits until each of the numbers was accepted; returns those that were not, once the smallest of them has been
+  /// waited for during `seconds`.
   std::set<std::int64_t> missingAfter(const std::set<std::int64_t>& numbers, double seconds);
 
   /// How often each number was accepted, and each record by its "msg_id".
