@@ -55,8 +55,7 @@ std::int64_t secondsOf(const Dictionary& usage, const std::string& day) {
 }  // namespace
 
 void UsageStatistics::addForegroundSeconds(double seconds) {
-  const MutexLock lock(mutex_);
-  secondsPartFromScreenFlow_ += seconds;
+  secondsPartFromScreenFlow_.fetch_add(seconds);
 }
 
 bool UsageStatistics::raiseOnce(Dictionary& traits, const std::string& flag) {
@@ -71,12 +70,13 @@ bool UsageStatistics::raiseOnce(Dictionary& traits, const std::string& flag) {
 void UsageStatistics::fillInTraitsForAggregateAndActivations(Dictionary& traits) {
   const MutexLock lock(mutex_);
   const double now = clock_.now();
+  const double pending = secondsPartFromScreenFlow_.load();
   const bool allExceeded =
       std::ranges::all_of(kWindows, [this](int days) { return defaults_.boolean(exceedsFlag(days)); });
   if (!allExceeded) {
     const std::string today = calendar_.dayStringFromToday(0, now);
     for (const int days : kWindows) {
-      appUsageStat(today, traits, days, now);
+      appUsageStat(today, traits, days, now, pending);
     }
     clearPastWeeksUsageFromToday(now);
   }
@@ -85,7 +85,7 @@ void UsageStatistics::fillInTraitsForAggregateAndActivations(Dictionary& traits)
   if (allTotals) {
     return;
   }
-  const double total = defaults_.real(kAggregateSecondsDefault) + secondsPartFromScreenFlow_;
+  const double total = defaults_.real(kAggregateSecondsDefault) + pending;
   for (const Threshold& threshold : kTotalThresholds) {
     if (total >= static_cast<double>(threshold.seconds)) {
       raiseOnce(traits, totalFlag(threshold.minutes));
@@ -93,10 +93,10 @@ void UsageStatistics::fillInTraitsForAggregateAndActivations(Dictionary& traits)
   }
   defaults_.set(kAggregateSecondsDefault, wholeSeconds(total));  // Kept: the fraction is lost each time.
   defaults_.synchronize();
-  secondsPartFromScreenFlow_ = 0.0;
+  secondsPartFromScreenFlow_.fetch_sub(pending);
 }
 
-void UsageStatistics::appUsageStat(const std::string& today, Dictionary& traits, int days, double now) {
+void UsageStatistics::appUsageStat(const std::string& today, Dictionary& traits, int days, double now, double pending) {
   const bool allSent = std::ranges::all_of(kWindowThresholds, [this, days](const Threshold& threshold) {
     return defaults_.boolean(windowFlag(threshold.minutes, days));
   });
@@ -105,7 +105,7 @@ void UsageStatistics::appUsageStat(const std::string& today, Dictionary& traits,
   }
   Dictionary usage = usageByDay(defaults_);
   // Kept: each of the three windows adds the pending seconds to today's entry, which may so count them threefold.
-  std::int64_t sum = wholeSeconds(static_cast<double>(secondsOf(usage, today)) + secondsPartFromScreenFlow_);
+  std::int64_t sum = wholeSeconds(static_cast<double>(secondsOf(usage, today)) + pending);
   usage.set(today, sum);
   for (int day = days - 1; day >= 1; --day) {
     sum += secondsOf(usage, calendar_.dayStringFromToday(day, now));

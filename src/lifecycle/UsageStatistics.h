@@ -4,6 +4,7 @@
 #include <kesu/platform/Clock.h>
 #include <kesu/platform/UserDefaults.h>
 
+#include <atomic>
 #include <string>
 
 #include "foundation/Mutex.h"
@@ -27,7 +28,8 @@ class UsageStatistics {
   void fillInTraitsForAggregateAndActivations(Dictionary& traits);
 
  private:
-  void appUsageStat(const std::string& today, Dictionary& traits, int days, double now) KESU_REQUIRES(mutex_);
+  void appUsageStat(const std::string& today, Dictionary& traits, int days, double now, double pending)
+      KESU_REQUIRES(mutex_);
   void clearPastWeeksUsageFromToday(double now);
   bool raiseOnce(Dictionary& traits, const std::string& flag);
 
@@ -35,8 +37,10 @@ class UsageStatistics {
   Clock& clock_;
   WeekCalendar& calendar_;
 
-  Mutex mutex_;
-  double secondsPartFromScreenFlow_ KESU_GUARDED_BY(mutex_) = 0.0;
+  Mutex mutex_;  // One report at a time; locked while user defaults are written.
+
+  // Not behind the mutex: a screen that closes, and whoever posts meanwhile, would wait for the disk.
+  std::atomic<double> secondsPartFromScreenFlow_{0.0};
 };
 
 }  // namespace kesu
