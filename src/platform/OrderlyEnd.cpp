@@ -24,29 +24,43 @@ constinit thread_local bool endingAtExit = false;
 
 std::atomic<const EndSteps*> endSteps{nullptr};
 
-// Returns how long the background queue may take.
-double beginEnd(double totalSeconds) {
-  const EndSteps* steps = endSteps.load();
-  const bool isSafe = steps != nullptr && steps->begin();
-  return isSafe ? totalSeconds : kPatienceSeconds;
-}
+/// The time that an end has.
+class EndTime {
+ public:
+  EndTime(Clock& clock, double totalSeconds) : clock_(clock), end_(clock.monotonic() + totalSeconds) {}
+
+  /// Begins the end; from here on queueSeconds() knows whether records depend on it.
+  void begin() {
+    const EndSteps* steps = endSteps.load();
+    isSafe_ = steps != nullptr && steps->begin();
+  }
+
+  double secondsLeft() { return std::max(0.0, end_ - clock_.monotonic()); }
+
+  /// How long the background queue may take.
+  double queueSeconds() { return isSafe_ ? secondsLeft() : kPatienceSeconds; }
+
+ private:
+  Clock& clock_;
+  double end_;
+  bool isSafe_ = false;
+};
 
 // Every round runs at least all that is queued at its beginning, so that no completion is dropped for lack of time.
-void runCompletions(Platform& platform, double end, double patience) {
+void runCompletions(Platform& platform, EndTime& time) {
   for (int round = 0; round < kMostRounds; ++round) {
-    platform.mainLoop.drain(end - platform.clock.monotonic());
-    platform.background.drain(patience);
+    platform.mainLoop.drain(time.secondsLeft());
+    platform.background.drain(time.queueSeconds());
     if (platform.mainLoop.nextDue() != 0.0) {
       return;
     }
   }
 }
 
-void endNetwork(Platform& platform, double end, double patience) {
-  const double secondsLeft = end - platform.clock.monotonic();
+void endNetwork(Platform& platform, EndTime& time) {
   const bool isWorthWaiting = platform.http.pendingCount() > 0;
-  platform.http.shutdown(isWorthWaiting ? std::clamp(secondsLeft, 0.0, kLongestGraceSeconds) : 0.0);
-  runCompletions(platform, end, patience);
+  platform.http.shutdown(isWorthWaiting ? std::min(time.secondsLeft(), kLongestGraceSeconds) : 0.0);
+  runCompletions(platform, time);
   platform.defaults.synchronize();
   if (const EndSteps* steps = endSteps.load()) {
     steps->finish();
@@ -63,21 +77,21 @@ void endOrderly(Platform& platform, double totalSeconds) {
   if (platform.outbox.isInForkedChild()) {
     return;
   }
-  const double end = platform.clock.monotonic() + totalSeconds;
-  const double patience = beginEnd(totalSeconds);
-  platform.background.drain(patience);
-  endNetwork(platform, end, patience);
+  EndTime time(platform.clock, totalSeconds);
+  time.begin();
+  platform.background.drain(time.queueSeconds());
+  endNetwork(platform, time);
 }
 
 void endAtExit(Platform& platform, double totalSeconds) {
   const bool wasEnding = std::exchange(endingAtExit, true);
-  const double end = platform.clock.monotonic() + totalSeconds;
+  EndTime time(platform.clock, totalSeconds);
   if (const EndSteps* steps = endSteps.load()) {
     steps->terminate();
   }
-  const double patience = beginEnd(totalSeconds);
-  platform.background.shutdown(patience);
-  endNetwork(platform, end, patience);
+  time.begin();
+  platform.background.shutdown(time.queueSeconds());
+  endNetwork(platform, time);
   endingAtExit = wasEnding;
 }
 

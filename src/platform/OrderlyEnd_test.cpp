@@ -120,5 +120,36 @@ TEST_F(OrderlyEnd, WaitsForRepliesOnlyAsLongAsThereIsTime) {
   }
 }
 
+/// A queue whose worker hangs: whoever waits for it waits as long as is allowed.
+class HangingQueue final : public testing::ManualBackgroundQueue {
+ public:
+  explicit HangingQueue(testing::ManualClock& clock) : clock_(clock) {}
+  bool drain(double seconds) override {
+    clock_.advance(seconds);
+    return false;
+  }
+  void shutdown(double seconds) override { clock_.advance(seconds); }
+
+ private:
+  testing::ManualClock& clock_;
+};
+
+TEST_F(OrderlyEnd, SpendsItsTimeOnceWhereNoRecordDependsOnTheQueue) {
+  constexpr EndSteps kSafe = {[] {}, [] { return true; }, [] {}};
+  setEndSteps(&kSafe);
+  for (const auto& end : {&endOrderly, &endAtExit}) {
+    PatientHttp http(1);
+    HangingQueue queue(platform_.clock);
+    Platform& all = platform_.platform;
+    Platform hanging{all.clock,    all.random, all.files,       all.defaults,     all.outbox, http,
+                     all.mainLoop, queue,      all.imageWorker, all.locale,       all.bundle, all.reachability,
+                     all.device,   all.log,    all.urlOpener,   all.notifications};
+    const double begin = platform_.clock.monotonic();
+    end(hanging, 0.045);
+    EXPECT_NEAR(platform_.clock.monotonic() - begin, 0.045, 1e-9);
+  }
+  setEndSteps(nullptr);
+}
+
 }  // namespace
 }  // namespace kesu
