@@ -43,7 +43,7 @@ int makeDirectories(const std::string& path) {
 int makePrivateDirectory(const std::string& path) {
   const int error = makeDirectories(path);
   if (error == 0) {
-    if (const UniqueFd directory(::open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC)); directory) {
+    if (const UniqueFd directory(::open(path.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC)); directory) {
       makePrivate(directory.get());
     }
   }

@@ -38,6 +38,14 @@ TEST_F(PrivateDirectoryTest, TightensTheLastDirectoryOnlyAndNeverWidens) {
   EXPECT_EQ(mode("open/open"), 0500U);
 }
 
+TEST_F(PrivateDirectoryTest, TightensNothingBehindALink) {
+  std::filesystem::create_directories(root_ / "photos");
+  ASSERT_EQ(::chmod((root_ / "photos").c_str(), 0755), 0);
+  ASSERT_EQ(::symlink("photos", (root_ / "link").c_str()), 0);
+  EXPECT_EQ(makePrivateDirectory(root_ / "link"), 0);
+  EXPECT_EQ(mode("photos"), 0755U);
+}
+
 TEST_F(PrivateDirectoryTest, LeavesTheDirectoriesOfOthersAsTheyAre) {
   ASSERT_EQ(::chmod(root_.path().c_str(), 0755), 0);
   if (::geteuid() == 0) {
