@@ -3,6 +3,7 @@
 #include <kesu/platform/AppendLog.h>
 
 #include <algorithm>
+#include <atomic>
 #include <string>
 #include <vector>
 
@@ -72,8 +73,8 @@ class FakeAppendLog final : public AppendLog {
     });
   }
 
-  void flush() override {}
-  void startFlush() override {}
+  void flush() override { ++flushCount_; }
+  void startFlush() override { ++flushCount_; }
   bool isInForkedChild() const override { return false; }
 
   /// Has the process die and another one start: recover() comes next.
@@ -84,6 +85,9 @@ class FakeAppendLog final : public AppendLog {
     preamble_.clear();
     isRefusing_ = false;
   }
+
+  /// Counts the times at which what is new was handed to the disk.
+  int flushCount() const { return flushCount_; }
 
   /// Counts the entries that were not released.
   std::size_t openCount() {
@@ -112,6 +116,7 @@ class FakeAppendLog final : public AppendLog {
     return found != entries_.end() ? &*found : nullptr;
   }
 
+  std::atomic<int> flushCount_{0};
   Mutex mutex_;
   std::vector<Stored> entries_ KESU_GUARDED_BY(mutex_);
   std::string preamble_ KESU_GUARDED_BY(mutex_);

@@ -23,7 +23,7 @@ class FakeFiles final : public Files {
   FileContent read(const std::string& path, std::size_t limit) override;
   FileResult writeAtomically(const std::string& path, std::string_view bytes) override;
   FileResult writeNew(const std::string& path, std::string_view bytes) override;
-  void flush(const std::string& /*directory*/) override {}
+  FileResult flush(const std::string& /*directory*/) override { return {}; }
   FileResult remove(const std::string& path) override;
   FileResult createDirectories(const std::string& path) override;
   void enumerate(const std::string& directory, const std::function<bool(const DirectoryEntry&)>& visit) override;

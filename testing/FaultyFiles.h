@@ -21,6 +21,7 @@ class FaultyFiles final : public Files {
   /// Makes the next `count` calls of an operation fail with `status`. FileStatus::Ok removes the fault.
   void failReads(FileStatus status, int count = kForever) { arm(reads_, status, count); }
   void failWrites(FileStatus status, int count = kForever) { arm(writes_, status, count); }
+  void failFlushes(FileStatus status, int count = kForever) { arm(flushes_, status, count); }
   void failRemoves(FileStatus status, int count = kForever) { arm(removes_, status, count); }
   void failCreateDirectories(FileStatus status, int count = kForever) { arm(creates_, status, count); }
 
@@ -56,7 +57,10 @@ class FaultyFiles final : public Files {
     return fault.ok() ? inner_.writeNew(path, bytes) : fault;
   }
 
-  void flush(const std::string& directory) override { inner_.flush(directory); }
+  FileResult flush(const std::string& directory) override {
+    const FileResult fault = failed(flushes_);
+    return fault.ok() ? inner_.flush(directory) : fault;
+  }
 
   FileResult remove(const std::string& path) override {
     const FileResult fault = failed(removes_);
@@ -100,9 +104,10 @@ class FaultyFiles final : public Files {
   }
 
   Files& inner_;
-  Mutex mutex_;  // Also guards the four faults, which arm() and next() reach by reference.
+  Mutex mutex_;  // Also guards the faults, which arm() and next() reach by reference.
   Fault reads_;
   Fault writes_;
+  Fault flushes_;
   Fault removes_;
   Fault creates_;
   std::optional<std::string> garbage_ KESU_GUARDED_BY(mutex_);

@@ -33,7 +33,7 @@ class KesuPost {
   KesuPost(HttpClient& http, Outbox& outbox, BackgroundQueue& background, Clock& clock, DeploymentSettings& settings,
            KesuStore& store)
       : http_(http), outbox_(outbox), background_(background), clock_(clock), settings_(settings), store_(store) {
-    outbox.setBeforeHandOver([&store] { store.flush(); });
+    outbox.setEntryFiles(store);
   }
 
   /// Takes a complete record; it is sent in its turn. Any thread. [KesuPost post:]

@@ -58,7 +58,9 @@ bool KesuStore::add(const Dictionary& record) {
     KESU_LOG(0, "A record of more than %zu bytes cannot be stored and is lost.", kLargestFile);
   }
   const bool written = bytes && fits && write(*bytes);
-  hasNewFiles_ = hasNewFiles_ || written;
+  if (written) {
+    hasNewFiles_.store(true);
+  }
   defaults_.set(kNumberOfFilesDefault, count + 1);
   defaults_.synchronize();
   return written;
@@ -76,10 +78,13 @@ bool KesuStore::write(const std::string& bytes) {
   return files_.writeAtomically(newFileName(), bytes).ok();
 }
 
-void KesuStore::flush() {
-  if (std::exchange(hasNewFiles_, false)) {
-    files_.flush(documentsDirectory());
+bool KesuStore::flush() {
+  if (!hasNewFiles_.load()) {
+    return true;
   }
+  const FileResult result = files_.flush(documentsDirectory());
+  hasNewFiles_.store(!result.ok());
+  return result.ok();
 }
 
 std::vector<std::string> KesuStore::storedFiles() {

@@ -5,12 +5,15 @@
 #include <kesu/platform/Files.h>
 #include <kesu/platform/UserDefaults.h>
 
+#include <atomic>
 #include <cstddef>
 #include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "outbox/EntryFiles.h"
 
 namespace kesu {
 
@@ -31,7 +34,7 @@ class UnreadableFiles {
 /// beside the host's own documents. Confined to the background queue.
 ///
 /// Files are known by their extension alone, before anything is opened, so that a host's documents are never read.
-class KesuStore {
+class KesuStore final : public EntryFiles {
  public:
   KesuStore(Files& files, UserDefaults& defaults, Clock& clock) : files_(files), defaults_(defaults), clock_(clock) {}
 
@@ -42,8 +45,12 @@ class KesuStore {
   /// the limit is tested for equality, so that it acts once. [KesuStore add:]
   bool add(const Dictionary& record);
 
-  /// Waits until the files written since the last call are on the disk.
-  void flush();
+  /// Waits until the files written since the last call are on the disk. Returns false, and tries them again next time,
+  /// when that fails.
+  bool flush() override;
+
+  /// Any thread.
+  bool areFlushed() const override { return !hasNewFiles_.load(); }
 
   /// Returns the paths of all store files below the documents directory, in the order in which the system lists them.
   std::vector<std::string> storedFiles();
@@ -86,7 +93,7 @@ class KesuStore {
   Files& files_;
   UserDefaults& defaults_;
   Clock& clock_;
-  bool hasNewFiles_ = false;  // Not yet on the disk for certain.
+  std::atomic<bool> hasNewFiles_{false};  // Not yet on the disk for certain.
 };
 
 }  // namespace kesu

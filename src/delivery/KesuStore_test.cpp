@@ -50,6 +50,20 @@ TEST_F(StoreTest, GivesBackWhatItStored) {
   EXPECT_EQ(counter(), 1);
 }
 
+TEST_F(StoreTest, TriesAgainToBringItsFilesToTheDisk) {
+  testing::FaultyFiles files(platform.files);
+  KesuStore faulty(files, platform.defaults, platform.clock);
+  files.failFlushes(FileStatus::OtherFailure);
+  EXPECT_TRUE(faulty.areFlushed());
+  EXPECT_TRUE(faulty.flush()) << "there is nothing to flush";
+  EXPECT_TRUE(faulty.add({{"dest", "e"}}));
+  EXPECT_FALSE(faulty.flush());
+  EXPECT_FALSE(faulty.areFlushed());
+  files.failFlushes(FileStatus::Ok);
+  EXPECT_TRUE(faulty.flush());
+  EXPECT_TRUE(faulty.areFlushed());
+}
+
 TEST_F(StoreTest, KeepsTextsThatXmlCannotRepresent) {
   const std::string text("\0\x1b[0m\xEF\xBF\xBF\xEE\x80\x9B", 11);
   EXPECT_TRUE(store.add({{"dest", "e"}, {text, text}, {"when", Date{1e12}}}));

@@ -103,7 +103,7 @@ class HomelessFiles final : public Files {
   FileContent read(const std::string& path, std::size_t) override { return {touch(path), {}}; }
   FileResult writeAtomically(const std::string& path, std::string_view) override { return {touch(path), ""}; }
   FileResult writeNew(const std::string& path, std::string_view) override { return {touch(path), ""}; }
-  void flush(const std::string& path) override { touch(path); }
+  FileResult flush(const std::string& path) override { return {touch(path), ""}; }
   FileResult remove(const std::string& path) override { return {touch(path), ""}; }
   FileResult createDirectories(const std::string& path) override { return {touch(path), ""}; }
   void enumerate(const std::string& path, const std::function<bool(const DirectoryEntry&)>&) override { touch(path); }

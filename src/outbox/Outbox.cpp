@@ -296,7 +296,9 @@ void Outbox::finishEnd() {
       defaults_.checkpoint();
     }
     defaults_.synchronize();
-    log_.startFlush();
+    if (entryFiles_ == nullptr || entryFiles_->areFlushed()) {  // There is no time to wait for them.
+      log_.startFlush();
+    }
   }
 }
 
@@ -314,9 +316,7 @@ void Outbox::handOver(bool isThorough) {
       return;
     }
   }
-  if (beforeHandOver_) {
-    beforeHandOver_();
-  }
+  const bool isFlushable = entryFiles_ == nullptr || entryFiles_->flush();
   // A change is made in the step that logs it: what is newest now is in the user defaults now. Those are on the disk
   // after a checkpoint only, and until then the log is needed.
   const bool isCheckpointDue =
@@ -326,7 +326,9 @@ void Outbox::handOver(bool isThorough) {
     settled_ = newest;
     handOvers_ = 0;
   }
-  log_.flush();
+  if (isFlushable) {
+    log_.flush();
+  }
   log_.prepare();
 }
 

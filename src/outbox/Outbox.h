@@ -12,6 +12,7 @@
 #include <string>
 
 #include "foundation/Mutex.h"
+#include "outbox/EntryFiles.h"
 #include "outbox/OutboxEntry.h"
 #include "outbox/OutboxJournal.h"
 #include "outbox/OutboxQueue.h"
@@ -90,8 +91,8 @@ class Outbox {
   /// Hands everything taken so far to the disk, on the background queue.
   void handOverSoon();
 
-  /// Sets what must be on the disk before the log is: called on the background queue. Once, before anything else.
-  void setBeforeHandOver(std::function<void()> step) { beforeHandOver_ = std::move(step); }
+  /// Sets the files that must be on the disk before the log is. Not owned. Once, before anything else.
+  void setEntryFiles(EntryFiles& files) { entryFiles_ = &files; }
 
   /// Counts the records that wait for delivery or are under way, without those that are parked.
   std::size_t pendingCount();
@@ -127,7 +128,7 @@ class Outbox {
   BackgroundQueue& background_;
   Clock& clock_;
   Random& random_;
-  std::function<void()> beforeHandOver_;
+  EntryFiles* entryFiles_ = nullptr;
   std::function<void(Delivery)> deliver_;  // Set before anything is scheduled.
 
   Mutex mutex_;  // Locked before those of the log and of the user defaults; not while these are synchronized.

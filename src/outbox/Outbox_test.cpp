@@ -213,5 +213,27 @@ TEST_F(OutboxTest, KeepsTheLogWhileTheUserDefaultsCannotBeWritten) {
   EXPECT_EQ(platform.defaults.text("~ef"), "a");
 }
 
+/// Files that never get to the disk.
+class StuckFiles final : public EntryFiles {
+ public:
+  bool flush() override { return false; }
+  bool areFlushed() const override { return false; }
+};
+
+TEST_F(OutboxTest, HandsNoReleaseToTheDiskBeforeTheFilesItReliesOn) {
+  add(1);
+  outbox->handOverSoon();
+  platform.settle();
+  outbox->finishEnd();
+  EXPECT_EQ(platform.outbox.flushCount(), 2);
+  StuckFiles stuck;
+  outbox->setEntryFiles(stuck);
+  add(2);
+  outbox->handOverSoon();
+  platform.settle();
+  outbox->finishEnd();
+  EXPECT_EQ(platform.outbox.flushCount(), 2);
+}
+
 }  // namespace
 }  // namespace kesu

@@ -80,8 +80,9 @@ class KESU_API Files {
   /// The same for a file that does not exist yet: one of that name is left alone, whoever makes it meanwhile.
   virtual FileResult writeNew(const std::string& path, std::string_view bytes) = 0;
 
-  /// Waits until what was written in the file system of a directory is on the disk. For the background queue.
-  virtual void flush(const std::string& directory) = 0;
+  /// Waits until what was written in the file system of a directory is on the disk. Fails when some of it could not be
+  /// written. For the background queue.
+  virtual FileResult flush(const std::string& directory) = 0;
 
   /// Removes one file. A missing one is NotFound.
   virtual FileResult remove(const std::string& path) = 0;

@@ -336,14 +336,16 @@ int LinuxFiles::openTemporary(int directory, std::string& name) {
   return -1;
 }
 
-void LinuxFiles::flush(const std::string& directory) {
-  if (hasNul(directory) || forkGuard_.isForkedChild()) {
-    return;
+FileResult LinuxFiles::flush(const std::string& directory) {
+  if (forkGuard_.isForkedChild()) {
+    return forkedChild();
+  }
+  if (hasNul(directory)) {
+    return failure(EINVAL);
   }
   const UniqueFd opened(::open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-  if (opened) {
-    ::syncfs(opened.get());  // One call for any number of files, instead of one wait for each.
-  }
+  // One call for any number of files, instead of one wait for each.
+  return opened && ::syncfs(opened.get()) == 0 ? FileResult{} : failure(errno);
 }
 
 FileResult LinuxFiles::remove(const std::string& path) {

@@ -48,7 +48,7 @@ class LinuxFiles final : public Files {
     return write(path, bytes, true);
   }
   FileResult writeNew(const std::string& path, std::string_view bytes) override { return write(path, bytes, false); }
-  void flush(const std::string& directory) override;
+  FileResult flush(const std::string& directory) override;
   FileResult remove(const std::string& path) override;
   FileResult createDirectories(const std::string& path) override;
   void enumerate(const std::string& directory, const std::function<bool(const DirectoryEntry&)>& visit) override;
