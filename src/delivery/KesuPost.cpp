@@ -4,7 +4,6 @@
 
 #include "delivery/CollectorRequest.h"
 #include "foundation/Describe.h"
-#include "records/RecordKeys.h"
 #include "records/Versions.h"
 #include "support/KesuPriorityLogger.h"
 
@@ -95,17 +94,8 @@ void KesuPost::repost(Dictionary record, std::function<void(bool isDelivered)> e
     ended(false);
     return;
   }
-  const std::string* file = record.findText(k_keyFilename);
-  http_.sendInBackground(std::move(*request), [this, file = file != nullptr ? *file : std::string(),
-                                               ended = std::move(ended)](const HttpReply& reply) {
-    if (actionAfter(PostKind::Resend, reply) != PostAction::DeleteFile) {
-      ended(false);
-      return;
-    }
-    background_.post([this, file, ended] {
-      store_.deleteFile(file);
-      ended(true);
-    });
+  http_.sendInBackground(std::move(*request), [ended = std::move(ended)](const HttpReply& reply) {
+    ended(actionAfter(PostKind::Resend, reply) == PostAction::DeleteFile);
   });
 }
 

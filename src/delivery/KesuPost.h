@@ -44,9 +44,8 @@ class KesuPost {
   /// can be neither delivered nor stored waits in the outbox. Background queue.
   void send(Dictionary record, const Outbox::Ticket& ticket);
 
-  /// Sends a stored record again, which carries its file name under "fnk". A 2xx reply deletes the file, any other
-  /// outcome leaves it for the next pass. `ended` is called once, with whether it was delivered, on any thread.
-  /// Background queue. [KesuPost repost:]
+  /// Sends a stored record again. `ended` is called once, on any thread, with whether it was delivered (2xx): the
+  /// caller then deletes its file; else it stays for the next pass. Background queue. [KesuPost repost:]
   void repost(Dictionary record, std::function<void(bool isDelivered)> ended);
 
   /// Sets the one observer of first attempts, called on any thread. Before the first record is sent.

@@ -93,20 +93,6 @@ TEST_F(PostTest, StoresAFailedFirstAttempt) {
   EXPECT_EQ(*stored.find("dest"), Value("e"));
 }
 
-TEST_F(PostTest, DeletesTheFileOfADeliveredRecordOnly) {
-  store.add({{"dest", "e"}, {"n", 1}});
-  const Dictionary stored = store.dictionariesToRepost().at(0);
-  std::vector<bool> ends;
-  const auto ended = [&ends](bool isDelivered) { ends.push_back(isDelivered); };
-  post.repost(stored, ended);
-  answer(0, 403);
-  EXPECT_EQ(store.storedFiles().size(), 1U);
-  post.repost(stored, ended);
-  answer(1, 200);
-  EXPECT_TRUE(store.storedFiles().empty());
-  EXPECT_EQ(ends, (std::vector<bool>{false, true}));
-}
-
 TEST_F(PostTest, LogsWhatCannotBeStored) {
   KesuPriorityLogger::sharedLogger().setLogLevel(3);
   send({{"list", Array{Null{}}}});

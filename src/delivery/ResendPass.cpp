@@ -1,26 +1,40 @@
 #include "delivery/ResendPass.h"
 
-#include <atomic>
+#include <optional>
 #include <utility>
 
+#include "foundation/Text.h"
 #include "support/KesuPriorityLogger.h"
 
 namespace kesu {
 namespace {
 
 constexpr double kSliceSeconds = 0.002;  // What a record posted meanwhile waits at most.
+
+// So many requests keep the network busy for longer than a slice, which leaves time to delete files. With fewer,
+// sending comes first: a disk that others use may take a millisecond to delete one.
+constexpr std::size_t kEnoughUnanswered = 256;
+
+// Delivered records whose files are still there: what a process that is killed sends again.
+constexpr std::size_t kMostUndeleted = 256;
+
 constexpr const char* kManagerSource = "KesuManager";
 
 }  // namespace
 
 /// One pass. Shared by its slices and its requests.
 struct ResendPass::Pass {
+  // Background queue only.
   std::vector<std::string> paths;
   std::shared_ptr<FileLock> lock;
   std::size_t next = 0;
-  UnreadableFiles unreadable;  ///< Background queue only, as all above.
-  std::atomic<std::size_t> open{1};  ///< Requests without outcome, and one for the pass itself until all are sent.
-  std::atomic<bool> isAllDelivered{true};
+  UnreadableFiles unreadable;
+
+  Mutex mutex;
+  std::vector<std::string> delivered KESU_GUARDED_BY(mutex);  ///< Names of files to delete.
+  std::size_t unanswered KESU_GUARDED_BY(mutex) = 0;
+  bool isAllDelivered KESU_GUARDED_BY(mutex) = true;
+  bool isPlanned KESU_GUARDED_BY(mutex) = true;  ///< A slice is queued or runs.
 };
 
 ResendPass::ResendPass(KesuStore& store, KesuPost& post, Outbox& outbox, Files& files, BackgroundQueue& background,
@@ -94,7 +108,7 @@ void ResendPass::run() {
     auto pass = std::make_shared<Pass>();
     pass->paths = std::move(paths);
     pass->lock = std::move(lock);
-    sendSlice(pass);
+    runSlice(pass);
   }
 }
 
@@ -107,31 +121,78 @@ std::shared_ptr<FileLock> ResendPass::lockAmongProcesses() {
   return lock;
 }
 
-void ResendPass::sendSlice(const std::shared_ptr<Pass>& pass) {
+void ResendPass::runSlice(const std::shared_ptr<Pass>& pass) {
   const double end = clock_.monotonic() + kSliceSeconds;
-  while (pass->next < pass->paths.size() && !outbox_.isEnding()) {
-    if (auto record = store_.recordToRepost(pass->paths[pass->next++], pass->unreadable)) {
-      ++pass->open;
-      post_.repost(std::move(*record), [this, pass](bool isDelivered) { endOne(*pass, isDelivered); });
-    }
-    if (clock_.monotonic() >= end && pass->next < pass->paths.size()) {
-      background_.post([this, pass] { sendSlice(pass); });
+  while (runStep(pass)) {
+    if (clock_.monotonic() >= end) {
+      background_.post([this, pass] { runSlice(pass); });
       return;
     }
   }
-  pass->unreadable.log();
-  endOne(*pass, true);
 }
 
-void ResendPass::endOne(Pass& pass, bool isDelivered) {
-  if (!isDelivered) {
-    pass.isAllDelivered = false;
+// Sends one record or deletes one file. Returns false when there is nothing to do before the next reply.
+bool ResendPass::runStep(const std::shared_ptr<Pass>& pass) {
+  const bool hasNext = pass->next < pass->paths.size() && !outbox_.isEnding();
+  std::string delivered;
+  {
+    const MutexLock lock(pass->mutex);
+    if (!hasNext && pass->delivered.empty()) {
+      pass->isPlanned = false;
+      if (pass->unanswered == 0) {
+        finish(*pass, pass->isAllDelivered);
+      }
+      return false;
+    }
+    const bool isEnough = pass->unanswered >= kEnoughUnanswered || pass->delivered.size() >= kMostUndeleted;
+    if (!pass->delivered.empty() && (!hasNext || isEnough)) {
+      delivered = std::move(pass->delivered.back());
+      pass->delivered.pop_back();
+    }
   }
-  if (--pass.open == 0) {
-    pass.lock.reset();  // Now: the last copy of the completion may live longer.
-    const MutexLock lock(mutex_);
-    backOff_.passEnded(pass.isAllDelivered, clock_.monotonic());
+  if (delivered.empty()) {
+    sendNext(pass);
+  } else {
+    store_.deleteFile(delivered);
   }
+  return true;
+}
+
+void ResendPass::sendNext(const std::shared_ptr<Pass>& pass) {
+  const std::string& path = pass->paths[pass->next++];
+  auto record = store_.recordToRepost(path, pass->unreadable);
+  if (!record) {
+    return;
+  }
+  {
+    const MutexLock lock(pass->mutex);
+    ++pass->unanswered;
+  }
+  post_.repost(std::move(*record), [this, pass, &path](bool isDelivered) { noteReply(pass, path, isDelivered); });
+}
+
+void ResendPass::noteReply(const std::shared_ptr<Pass>& pass, const std::string& path, bool isDelivered) {
+  {
+    const MutexLock lock(pass->mutex);
+    --pass->unanswered;
+    if (isDelivered) {
+      pass->delivered.emplace_back(lastPathComponent(path));
+    } else {
+      pass->isAllDelivered = false;
+    }
+    const bool isNews = !pass->delivered.empty() || pass->unanswered == 0;
+    if (!isNews || std::exchange(pass->isPlanned, true)) {
+      return;
+    }
+  }
+  background_.post([this, pass] { runSlice(pass); });
+}
+
+void ResendPass::finish(Pass& pass, bool isAllDelivered) {
+  pass.unreadable.log();
+  pass.lock.reset();  // Now: the last copy of a completion may live longer.
+  const MutexLock lock(mutex_);
+  backOff_.passEnded(isAllDelivered, clock_.monotonic());
 }
 
 }  // namespace kesu

@@ -18,8 +18,8 @@
 
 namespace kesu {
 
-/// Sends every stored record again, on the background queue: when the reachability of the collector changes, and when
-/// it takes a record after others had to be stored.
+/// Sends every stored record again and deletes the files of those that were delivered, on the background queue: when
+/// the reachability of the collector changes, and when it takes a record after others had to be stored.
 ///
 /// Kept: a pass waits for no reply, has no limit, and does not look whether an earlier one is still running: records
 /// that are still stored are sent again. Two things hold one back: a pass of another process with the same home, and,
@@ -39,8 +39,11 @@ class ResendPass {
   void observe(KesuPost::FirstAttempt end);
   void request();
   void run();
-  void sendSlice(const std::shared_ptr<Pass>& pass);
-  void endOne(Pass& pass, bool isDelivered);
+  void runSlice(const std::shared_ptr<Pass>& pass);
+  bool runStep(const std::shared_ptr<Pass>& pass);
+  void sendNext(const std::shared_ptr<Pass>& pass);
+  void noteReply(const std::shared_ptr<Pass>& pass, const std::string& path, bool isDelivered);
+  void finish(Pass& pass, bool isAllDelivered);
   std::shared_ptr<FileLock> lockAmongProcesses();
 
   KesuStore& store_;

@@ -56,6 +56,21 @@ TEST_F(ResendPassTest, WarnsOncePerPassOfFilesThatCannotBeRead) {
   EXPECT_EQ(lines[0].level, 2);
 }
 
+TEST_F(ResendPassTest, DeletesTheFileOfADeliveredRecordOnly) {
+  for (int i = 0; i < 3; ++i) {
+    platform.clock.advance(0.001);
+    store.add({{"dest", "e"}, {"n", i}});
+  }
+  resendPass.start(NetworkStatus::Reachable);
+  platform.settle();
+  answer(1, 200);
+  EXPECT_EQ(store.storedFiles().size(), 2U) << "it waits for no other reply";
+  answer(0, 403);
+  outbox.beginEnd();
+  answer(2, 204);
+  EXPECT_EQ(store.storedFiles().size(), 1U);
+}
+
 TEST_F(ResendPassTest, TakesTheFirstDeliveryAfterAFailureAsNews) {
   postOne(500);
   postOne(500);
