@@ -8,7 +8,7 @@
 namespace kesu {
 
 TabBarController::~TabBarController() {
-  disappear();  // The destructor of the base class would no longer reach viewDidDisappear() below.
+  disappear();  // The destructor of the base class would no longer know the child.
 }
 
 void TabBarController::setViewControllers(std::vector<ViewController*> controllers) {
@@ -33,14 +33,6 @@ void TabBarController::setSelectedIndex(std::size_t index, bool animated) {
 
 ViewController* TabBarController::selectedViewController() const {
   return selected_ < controllers_.size() ? controllers_[selected_] : nullptr;
-}
-
-void TabBarController::viewDidAppear(bool animated) {
-  exchangeScreens(nullptr, selectedViewController(), animated);
-}
-
-void TabBarController::viewDidDisappear(bool animated) {
-  exchangeScreens(selectedViewController(), nullptr, animated);
 }
 
 NavigationController::~NavigationController() {
@@ -73,14 +65,6 @@ ViewController* NavigationController::visibleViewController() const {
     return presentedViewController();
   }
   return last->presentedViewController() != nullptr ? last->presentedViewController() : last;
-}
-
-void NavigationController::viewDidAppear(bool animated) {
-  exchangeScreens(nullptr, lastOfStack(), animated);
-}
-
-void NavigationController::viewDidDisappear(bool animated) {
-  exchangeScreens(lastOfStack(), nullptr, animated);
 }
 
 }  // namespace kesu

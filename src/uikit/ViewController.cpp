@@ -59,6 +59,9 @@ void ViewController::appear(bool animated) {
   isVisible_ = true;
   className();  // Cached now: disappear() may run in a destructor, which no longer knows the class.
   viewDidAppear(animated);
+  if (isVisible_) {
+    exchangeScreens(nullptr, visibleChild(), animated);
+  }
   if (appearanceObserver != nullptr) {
     appearanceObserver->didAppear(*this);
   }
@@ -69,6 +72,7 @@ void ViewController::disappear(bool animated) {
     return;
   }
   isVisible_ = false;  // First: the hook may show the screen again.
+  exchangeScreens(visibleChild(), nullptr, animated);
   viewDidDisappear(animated);
   if (appearanceObserver != nullptr) {
     appearanceObserver->didDisappear(*this);
@@ -121,14 +125,11 @@ void ViewController::dismissPresented(bool animated) {
 }
 
 ViewController* topViewControllerWithRootViewController(ViewController* root) {
-  ViewController* top = root;
-  while (top != nullptr) {
-    ViewController* child = top->visibleChild();
-    ViewController* next = child != nullptr ? child : top->presentedViewController();
-    if (next == nullptr) {
-      break;
-    }
+  ViewController* top = nullptr;
+  for (ViewController* next = root; next != nullptr;) {
     top = next;
+    // A container covers its children with what it presents itself.
+    next = top->presentedViewController() != nullptr ? top->presentedViewController() : top->visibleChild();
   }
   return top;
 }

@@ -26,6 +26,12 @@ class Home : public ViewController {
 class Menu : public ViewController {};
 class Help : public ViewController {};
 class Tabs : public TabBarController {};
+/// Calls no hook of its base class.
+class OwnTabs : public TabBarController {
+ protected:
+  void viewDidAppear(bool /*animated*/) override { setSelectedIndex(1); }
+  void viewDidDisappear(bool /*animated*/) override { setSelectedIndex(0); }
+};
 
 /// Notes the classes without their namespaces.
 class ViewControllerTest : public ::testing::Test, private AppearanceObserver {
@@ -90,6 +96,16 @@ TEST_F(ViewControllerTest, ShowsTheSelectedTabOnly) {
   EXPECT_EQ(tabs.selectedViewController(), nullptr);
   tabs.disappear();
   EXPECT_EQ(take(), "-TabBarController");
+}
+
+TEST_F(ViewControllerTest, ShowsTheSelectedTabWhateverTheHooksDo) {
+  OwnTabs tabs;
+  tabs.setViewControllers({&menu, &help});
+  tabs.appear();
+  EXPECT_EQ(take(), "+Help +OwnTabs");
+  tabs.disappear();
+  EXPECT_EQ(take(), "-Help -OwnTabs");
+  EXPECT_FALSE(menu.isVisible() || help.isVisible());
 }
 
 TEST_F(ViewControllerTest, ShowsTheLastOfAStack) {
@@ -173,6 +189,9 @@ TEST_F(ViewControllerTest, FindsTheTopThroughContainers) {
   stack.present(other);
   EXPECT_EQ(stack.visibleViewController(), &other) << "what is shown over the stack hides the stack";
   EXPECT_EQ(topViewControllerWithRootViewController(&tabs), &other);
+  Help ofTheTabs;
+  tabs.present(ofTheTabs);
+  EXPECT_EQ(topViewControllerWithRootViewController(&tabs), &ofTheTabs);
 }
 
 TEST_F(ViewControllerTest, CoversAStackWithWhatItPresents) {

@@ -20,11 +20,7 @@ class KESU_API NavigationController : public ViewController {
 
   /// Returns what is presented over the container, else over its last screen, else that screen, else null.
   ViewController* visibleViewController() const;
-  ViewController* visibleChild() override { return visibleViewController(); }
-
- protected:
-  void viewDidAppear(bool animated) override;
-  void viewDidDisappear(bool animated) override;
+  ViewController* visibleChild() override { return lastOfStack(); }
 
  private:
   ViewController* lastOfStack() const { return stack_.empty() ? nullptr : stack_.back(); }

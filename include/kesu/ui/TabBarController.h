@@ -24,10 +24,6 @@ class KESU_API TabBarController : public ViewController {
   ViewController* selectedViewController() const;
   ViewController* visibleChild() override { return selectedViewController(); }
 
- protected:
-  void viewDidAppear(bool animated) override;
-  void viewDidDisappear(bool animated) override;
-
  private:
   std::vector<ViewController*> controllers_;
   std::size_t selected_ = 0;

@@ -8,7 +8,7 @@
 namespace kesu {
 
 /// One screen of the host. Derive from it, and call appear() and disappear() (or let a container or Window do it): the
-/// library then records which screens the user saw and for how long. Main thread. Not copyable: its address is its
+/// library then records which screens the user saw and for how long; no Window is needed for that. Main thread. Not copyable: its address is its
 /// identity.
 class KESU_API ViewController {
  public:
@@ -18,10 +18,12 @@ class KESU_API ViewController {
   ViewController(const ViewController&) = delete;
   ViewController& operator=(const ViewController&) = delete;
 
-  /// Makes the screen visible: runs viewDidAppear(), then reports it. Ignored while it is visible.
+  /// Makes the screen visible: runs viewDidAppear(), makes the visible child of a container visible, then reports the
+  /// screen. Ignored while it is visible.
   void appear(bool animated = false);
 
-  /// Makes the screen invisible: runs viewDidDisappear(), then reports it. Ignored while it is invisible.
+  /// Makes the screen invisible: the visible child of a container first, then runs viewDidDisappear() and reports the
+  /// screen. Ignored while it is invisible.
   void disappear(bool animated = false);
 
   bool isVisible() const { return isVisible_; }
@@ -46,7 +48,8 @@ class KESU_API ViewController {
   const std::string& title() const { return title_; }
   void setTitle(std::string title) { title_ = std::move(title); }
 
-  /// Returns the controller inside this container that the user sees; null unless it is a container.
+  /// Returns the controller inside this container that the user sees, unless another one is presented over it; null
+  /// unless it is a container. It appears and disappears with the container.
   virtual ViewController* visibleChild() { return nullptr; }
 
  protected:
@@ -63,8 +66,8 @@ class KESU_API ViewController {
   bool isVisible_ = false;
 };
 
-/// Returns the controller on top of `root`: the visible child of a container, else the presented controller,
-/// repeatedly. Null for null.
+/// Returns the controller on top of `root`: what it presents, else the visible child of a container, repeatedly. Null
+/// for null.
 KESU_API ViewController* topViewControllerWithRootViewController(ViewController* root);
 
 }  // namespace kesu
