@@ -41,7 +41,7 @@ class FlowTest : public ::testing::Test {
   Dictionary change(char state, const ScreenKey& screen = kMain) {
     Dictionary record;
     DefaultsChanges changes;
-    flow->screenFlowHandler(state, screen, record, changes);
+    flow->screenFlowHandler(state, {&screen, 1}, record, changes);
     platform.defaults.apply(changes);
     platform.defaults.synchronize();
     return record;
@@ -137,7 +137,7 @@ class ManagerTest : public FlowTest {
           post(test.platform.http, outbox, test.platform.background, test.platform.clock, test.settings, test.store),
           resendPass(test.store, post, outbox, test.platform.files, test.platform.background, test.platform.clock),
           manager(test.platform.platform, test.settings, test.metrics, outbox, post, resendPass,
-                  [&test] { return test.top; }) {}
+                  [&test] { return test.visible; }) {}
 
     Outbox outbox;
     KesuPost post;
@@ -145,7 +145,7 @@ class ManagerTest : public FlowTest {
     KesuManager manager;
   };
 
-  std::optional<ScreenKey> top = kMain;
+  std::vector<ScreenKey> visible = {kMain};
   KesuStore store{platform.files, platform.defaults, platform.clock};
   std::unique_ptr<Library> library = std::make_unique<Library>(*this);
 

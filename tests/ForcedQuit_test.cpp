@@ -85,8 +85,8 @@ class Session {
  private:
   void resume() {
     begins_.clear();
-    if (!visible_.empty()) {
-      begins_[visible_.back()] = now_;
+    for (const std::size_t screen : visible_) {
+      begins_[screen] = now_;
     }
   }
 

@@ -80,6 +80,45 @@ TEST_F(RecordRoadTest, AppliesWhatTheLogHasAndTheUserDefaultsHaveNot) {
   EXPECT_EQ(platform.defaults.text("~ef"), "$$b~~0$$Kesu.AppVersionChanged~~0");
 }
 
+class Player : public ViewController {};
+
+TEST_F(RecordRoadTest, GivesEachScreenThatTheUserSeesItsTime) {
+  const auto session = [this](double seconds) {
+    platform.clock.advance(seconds);
+    platform.settle();
+    forgetRequests();
+    Application::shared().didEnterBackground();
+    platform.settle();
+    const std::string flow = text(body(0), "~sf");
+    platform.clock.advance(100.0);
+    Application::shared().willEnterForeground();
+    return flow;
+  };
+  Player byHand;
+  byHand.appear();
+  EXPECT_EQ(session(1.0), "$$kesu::(anonymous namespace)::Player~~1.0") << "without a window";
+  EXPECT_EQ(session(2.0), "$$kesu::(anonymous namespace)::Player~~2.0") << "it begins again with the resume";
+  byHand.disappear();
+  const ScreenScope outer("Outer");
+  platform.clock.advance(3.0);
+  {
+    const ScreenScope inner("Inner");
+    EXPECT_EQ(session(4.0),
+              "$$kesu::(anonymous namespace)::Player~~0.0$$Outer~~7.0$$Inner~~4.0");
+    EXPECT_EQ(session(5.0), "$$Outer~~5.0$$Inner~~5.0");
+  }
+  Player below;
+  Player presented;
+  TabBarController tabs;
+  tabs.setViewControllers({&below});
+  Window window;
+  window.setRootViewController(&tabs);
+  window.makeKeyAndVisible();
+  tabs.present(presented);
+  EXPECT_EQ(session(6.0).substr(0, 12), "$$Inner~~0.0");
+  EXPECT_EQ(session(7.0), "$$Outer~~7.0$$kesu::(anonymous namespace)::Player~~7.0") << "one controller, the top one";
+}
+
 TEST_F(RecordRoadTest, PostsExplicitActivationsAsTraits) {
   platform.defaults.set("push_mid_key", "m1");
   KesuExplicitActivation::post({{"how", "remote"}});

@@ -52,11 +52,11 @@ class ReferenceModel {
   void localeChanged() { send("t", columns("t") + "|kaid2=" + kaid2_ + traits(2)); }
   void appear(const std::string& name, const std::string& suffix) {
     run_.shown.emplace_back(name, suffix);
-    stateChange('a', "|~sd=" + name, {name, suffix});
+    stateChange('a', "|~sd=" + name, {{name, suffix}});
   }
   void disappear(const std::string& name, const std::string& suffix) {
     std::erase(run_.shown, std::pair(name, suffix));
-    stateChange('d', "|~sd=" + name, {name, suffix});
+    stateChange('d', "|~sd=" + name, {{name, suffix}});
   }
   void event(const std::string& name, const std::string& attributes) {
     eventFlow_ += "$$" + name + "~~0";
@@ -154,15 +154,15 @@ class ReferenceModel {
     }
   }
   void applicationChange(char state, const std::string& detail) {
-    const Screen top = run_.shown.empty() ? Screen("Unknown", "") : run_.shown.back();
-    stateChange(state, detail, state == 't' ? Screen("from foreground", "") : top);
+    const std::vector<Screen> visible = run_.shown.empty() ? std::vector{Screen("Unknown", "")} : run_.shown;
+    stateChange(state, detail, state == 't' ? std::vector{Screen("from foreground", "")} : visible);
     const std::string launches = state == 'l' || state == 'r' ? countLaunch() : "";
     const std::string flags = launches + (state == 'l' || state == 'r' ? countDay() : "");
     sendFlags(flags + variants(!flags.empty()));
   }
-  void stateChange(char state, const std::string& detail, const Screen& screen) {
+  void stateChange(char state, const std::string& detail, const std::vector<Screen>& screens) {
     std::string record = columns("s");
-    const std::string flows = track(state, screen, record);
+    const std::string flows = track(state, screens, record);
     const std::string flags = state == 'b' || state == 't' ? foldUsage() : "";
     record += flows + "|~ns=" + state + detail + "|bl=unmonitored|bs=Unknown|~o=Unknown|umem=1073741824|~r=w";
     records.emplace_back("s", record + (state == 'l' ? "|~u=1489500250000" : ""));
@@ -173,7 +173,7 @@ class ReferenceModel {
       send("t", flags + columns("t"));
     }
   }
-  std::string track(char state, const Screen& screen, std::string& recordColumns) {
+  std::string track(char state, const std::vector<Screen>& screens, std::string& recordColumns) {
     std::string flows;
     const auto take = [&](const char* as, std::string& text) {
       flows += text.empty() ? "" : as + std::exchange(text, "");
@@ -186,14 +186,16 @@ class ReferenceModel {
       }
       flows = unsent_.empty() ? "" : "|~uf=" + std::exchange(unsent_, "") + flows;
     }
-    if (state == 'a' || state == 'r') {
-      run_.screens[screen] = now;
-      lastAppearance_ = state == 'a' ? milliseconds(now) : lastAppearance_;
-    } else if (state != 'l' && run_.screens.count(screen) != 0) {
-      const double seconds = now - run_.screens[screen];
-      run_.pending += seconds;
-      run_.flow += "$$" + screen.first + "~~" + oneDecimal(seconds > 7200.0 ? 300.0 : seconds);
-      run_.screens.erase(screen);
+    lastAppearance_ = state == 'a' ? milliseconds(now) : lastAppearance_;
+    for (const Screen& screen : screens) {
+      if (state == 'a' || state == 'r') {
+        run_.screens[screen] = now;
+      } else if (state != 'l' && run_.screens.count(screen) != 0) {
+        const double seconds = now - run_.screens[screen];
+        run_.pending += seconds;
+        run_.flow += "$$" + screen.first + "~~" + oneDecimal(seconds > 7200.0 ? 300.0 : seconds);
+        run_.screens.erase(screen);
+      }
     }
     if (state == 'b' || state == 't') {
       flows = flows.empty() || sceneFlow_.empty() ? flows : "|~uf=" + std::exchange(sceneFlow_, "");

@@ -27,13 +27,13 @@ constexpr const char* kSource = "KesuManager";
 }  // namespace
 
 KesuManager::KesuManager(Platform& platform, DeploymentSettings& settings, KesuMetrics& metrics, Outbox& outbox,
-                         KesuPost& post, ResendPass& resendPass, TopScreen topScreen)
+                         KesuPost& post, ResendPass& resendPass, VisibleScreens visibleScreens)
     : platform_(platform),
       settings_(settings),
       metrics_(metrics),
       outbox_(outbox),
       sender_(platform, metrics, outbox, post, instance_, location_, reports_.variants),
-      stateChanges_(platform, metrics, instance_, sender_, reports_, std::move(topScreen)),
+      stateChanges_(platform, metrics, instance_, sender_, reports_, std::move(visibleScreens)),
       collector_(platform.reachability, platform.notifications, settings, resendPass) {
   addPrimaryObservers();
   sender_.start();

@@ -30,7 +30,7 @@ class KesuManager : public EventPoster {
  public:
   /// Installs the observers. The services must outlive the manager.
   KesuManager(Platform& platform, DeploymentSettings& settings, KesuMetrics& metrics, Outbox& outbox, KesuPost& post,
-              ResendPass& resendPass, TopScreen topScreen);
+              ResendPass& resendPass, VisibleScreens visibleScreens);
   ~KesuManager() override;
 
   KesuManager(const KesuManager&) = delete;

@@ -23,6 +23,10 @@ DefaultsChange setting(std::string_view key, Value value) {
   return {DefaultsChange::Kind::Set, key, std::move(value)};
 }
 
+std::string keyOf(const ScreenKey& screen) {
+  return screen.prefix + screen.suffix;
+}
+
 // Kept: cuts long visits in the flow, not in the usage totals.
 std::string screenEntry(std::string_view name, double seconds) {
   return flowEntry(name, fixed(seconds > kLongestVisitSeconds ? kSecondsOfALongerVisit : seconds, 1));
@@ -40,16 +44,23 @@ bool endsSession(char state) {
   return isAnyOf(state, "bt");
 }
 
-void ScreenFlow::screenFlowHandler(char state, const ScreenKey& screen, Dictionary& record, DefaultsChanges& changes) {
+void ScreenFlow::screenFlowHandler(char state, std::span<const ScreenKey> screens, Dictionary& record,
+                                   DefaultsChanges& changes) {
   const double now = clock_.now();
   if (isAnyOf(state, "lrt")) {
     reportUnsent(state, record, changes);
   }
-  const std::string key = screen.prefix + screen.suffix;
-  if (isAnyOf(state, "ar")) {
-    beginScreen(key, state, now, changes);
+  std::string visit;
+  for (const ScreenKey& screen : screens) {
+    if (isAnyOf(state, "ar")) {
+      begins_[keyOf(screen)] = now;
+    } else if (isAnyOf(state, "bdt")) {
+      visit += endScreen(screen, now);
+    }
   }
-  const std::string visit = isAnyOf(state, "bdt") ? endScreen(key, screen.prefix, now) : std::string();
+  if (state == kStateAppeared) {  // The time of death for the next run, should the process die.
+    changes.push_back(setting(k_CrashedOrForcedQuitTimestamp, milliseconds(now)));
+  }
   if (endsSession(state)) {
     flush(visit, record, changes);
     return;
@@ -64,7 +75,7 @@ void ScreenFlow::screenFlowHandler(char state, const ScreenKey& screen, Dictiona
 
 // Kept: what this session itself has stored is reported as well. It stays, as the end of the session must send it.
 void ScreenFlow::reportUnsent(char state, Dictionary& record, DefaultsChanges& changes) {
-  screens_.clear();
+  begins_.clear();
   std::string unsent = defaults_.text(k_UnsentScreenFlowData);
   if (unsent.empty()) {
     return;
@@ -100,24 +111,17 @@ void ScreenFlow::reportInterruptedRun(Dictionary& record, DefaultsChanges& chang
   }
 }
 
-void ScreenFlow::beginScreen(const std::string& key, char state, double now, DefaultsChanges& changes) {
-  screens_[key] = now;
-  if (state == kStateAppeared) {  // The time of death for the next run, should the process die.
-    changes.push_back(setting(k_CrashedOrForcedQuitTimestamp, milliseconds(now)));
-  }
-}
-
 // Returns the entry of the visit that ends; "" when there is none.
-std::string ScreenFlow::endScreen(const std::string& key, const std::string& name, double now) {
-  const auto found = screens_.find(key);
-  if (found == screens_.end()) {
+std::string ScreenFlow::endScreen(const ScreenKey& screen, double now) {
+  const auto found = begins_.find(keyOf(screen));
+  if (found == begins_.end()) {
     return {};
   }
   const double seconds = now - found->second;
   usage_.addForegroundSeconds(seconds);
-  screens_.erase(found);
+  begins_.erase(found);
   // Bytes that are not UTF-8 would make the whole flow, and with it the record that carries it, unsendable.
-  return isValidUtf8(name) ? screenEntry(name, seconds) : std::string();
+  return isValidUtf8(screen.prefix) ? screenEntry(screen.prefix, seconds) : std::string();
 }
 
 // Appending costs the same however long the session has grown.
@@ -134,7 +138,7 @@ void ScreenFlow::flush(const std::string& visit, Dictionary& record, DefaultsCha
   }
   changes.push_back(setting(k_UnsentScreenFlowData, ""));
   changes.push_back(setting(k_CrashedOrForcedQuitTimestamp, ""));
-  screens_.clear();
+  begins_.clear();
   moveFlow(k_EventFlow, record, changes);
   moveFlow(k_SceneFlow, record, changes);
 }

@@ -7,6 +7,7 @@
 
 #include <map>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -35,15 +36,14 @@ class ScreenFlow {
       : defaults_(defaults), clock_(clock), bundle_(bundle), metrics_(metrics), usage_(usage) {}
 
   /// Tracks one state change: adds the flows that are due to `record`, and what becomes of the stored flows to
-  /// `changes`, which the caller makes in the step that takes the record. `screen` is the screen that changed; for
-  /// changes of the application, the one on top. [screenFlowHandler:]
-  void screenFlowHandler(char state, const ScreenKey& screen, Dictionary& record, DefaultsChanges& changes);
+  /// `changes`, which the caller makes in the step that takes the record. `screens` is the screen that changed; for
+  /// changes of the application, those that the user sees. [screenFlowHandler:]
+  void screenFlowHandler(char state, std::span<const ScreenKey> screens, Dictionary& record, DefaultsChanges& changes);
 
  private:
   void reportUnsent(char state, Dictionary& record, DefaultsChanges& changes);
   void reportInterruptedRun(Dictionary& record, DefaultsChanges& changes);
-  void beginScreen(const std::string& key, char state, double now, DefaultsChanges& changes);
-  std::string endScreen(const std::string& key, const std::string& name, double now);
+  std::string endScreen(const ScreenKey& screen, double now);
   void grow(const std::string& visit, DefaultsChanges& changes);
   void flush(const std::string& visit, Dictionary& record, DefaultsChanges& changes);
   void moveFlow(std::string_view key, Dictionary& record, DefaultsChanges& changes);
@@ -56,7 +56,7 @@ class ScreenFlow {
   KesuMetrics& metrics_;
   UsageStatistics& usage_;
 
-  std::map<std::string, double> screens_;  // Visible screens: start, seconds since 1970.
+  std::map<std::string, double> begins_;  // Visible screens: start, seconds since 1970.
   // Whether the flow in the user defaults, its only copy, is this session's and not that of an interrupted run.
   bool isFlowOurs_ = false;
 };

@@ -20,17 +20,18 @@ std::string_view detailKey(char state) {
 
 }  // namespace
 
-ScreenKey StateChanges::screenFor(char state, const std::optional<std::string>& detail) {
+std::vector<ScreenKey> StateChanges::screensFor(char state, const std::optional<std::string>& detail) {
   if (state != kStateLaunch && detail) {
-    // Kept: a termination looks for a screen called "from foreground", so that the visible one gets no entry.
-    return {*detail, ""};
+    // Kept: a termination looks for a screen called "from foreground", so that the visible ones get no entry.
+    return {{*detail, ""}};
   }
-  return topScreen_().value_or(ScreenKey{"Unknown", ""});
+  std::vector<ScreenKey> visible = visibleScreens_();
+  return visible.empty() ? std::vector<ScreenKey>{{"Unknown", ""}} : visible;
 }
 
 void StateChanges::stateChangeEventAppLevel(char state, const std::optional<std::string>& detail) {
   isRunning_.store(state != kStateTerminate);
-  stateChangeEvent(state, detail, screenFor(state, detail));
+  stateChangeEvent(state, detail, screensFor(state, detail));
   if (state == kStateTerminate) {  // The process is about to end.
     postReports(state);
   } else {
@@ -45,15 +46,16 @@ void StateChanges::terminateUnlessDone() {
 }
 
 void StateChanges::screenChanged(char state, const ScreenKey& screen) {
-  stateChangeEvent(state, screen.prefix, screen);
+  stateChangeEvent(state, screen.prefix, {&screen, 1});
 }
 
-void StateChanges::stateChangeEvent(char state, const std::optional<std::string>& detail, const ScreenKey& screen) {
+void StateChanges::stateChangeEvent(char state, const std::optional<std::string>& detail,
+                                    std::span<const ScreenKey> screens) {
   if (!instance_.isLoaded()) {  // Kept: a change before the initialisation is posted, without context.
     KESU_LOG_AT(3, "KesuManager", 1316, "self.kesuAppInstanceId is nil Init");
   }
   sender_.postStateChange(state, [&](Dictionary& entries, DefaultsChanges& changes) {
-    flow_.screenFlowHandler(state, screen, entries, changes);
+    flow_.screenFlowHandler(state, screens, entries, changes);
     entries.set(k_NewState, std::string(1, state));
     if (detail) {
       entries.set(detailKey(state), *detail);

@@ -6,8 +6,10 @@
 #include <atomic>
 #include <functional>
 #include <optional>
+#include <span>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "device/KesuMetrics.h"
 #include "lifecycle/AppInstance.h"
@@ -17,20 +19,20 @@
 
 namespace kesu {
 
-/// Returns the screen on top; nothing when there is none. Main thread.
-using TopScreen = std::function<std::optional<ScreenKey>()>;
+/// Returns the screens that the user sees. Main thread.
+using VisibleScreens = std::function<std::vector<ScreenKey>()>;
 
 /// Turns transitions of the application and of its screens into state-change records, and reports the usage and the
 /// activations that are due with them.
 class StateChanges {
  public:
   StateChanges(Platform& platform, KesuMetrics& metrics, const AppInstance& instance, RecordSender& sender,
-               CalendarReports& reports, TopScreen topScreen)
+               CalendarReports& reports, VisibleScreens visibleScreens)
       : background_(platform.background),
         instance_(instance),
         sender_(sender),
         reports_(reports),
-        topScreen_(std::move(topScreen)),
+        visibleScreens_(std::move(visibleScreens)),
         flow_(platform.defaults, platform.clock, platform.bundle, metrics, reports.usage) {}
 
   /// Reports a transition of the application. Main thread. The record, the flows that it carries and what follows for
@@ -47,15 +49,15 @@ class StateChanges {
   void screenChanged(char state, const ScreenKey& screen);
 
  private:
-  ScreenKey screenFor(char state, const std::optional<std::string>& detail);
-  void stateChangeEvent(char state, const std::optional<std::string>& detail, const ScreenKey& screen);
+  std::vector<ScreenKey> screensFor(char state, const std::optional<std::string>& detail);
+  void stateChangeEvent(char state, const std::optional<std::string>& detail, std::span<const ScreenKey> screens);
   void postReports(char state);
 
   BackgroundQueue& background_;
   const AppInstance& instance_;
   RecordSender& sender_;
   CalendarReports& reports_;
-  TopScreen topScreen_;
+  VisibleScreens visibleScreens_;
   std::atomic<bool> isRunning_{false};  // From the first transition of the application to its termination.
   ScreenFlow flow_;                     // Changed by one state change at a time: while the outbox takes it.
 };

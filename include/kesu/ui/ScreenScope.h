@@ -14,7 +14,8 @@ KESU_API void screenAppeared(const std::string& name, std::uint64_t id = 0);
 /// Reports that the screen disappeared. Without an appearance before, nothing is measured. Main thread.
 KESU_API void screenDisappeared(const std::string& name, std::uint64_t id = 0);
 
-/// Reports a screen as visible during its own lifetime. Main thread.
+/// Reports a screen as visible during its own lifetime. Scopes may be nested: each has the time during which it was
+/// visible, also across the background. Main thread.
 class KESU_API ScreenScope {
  public:
   explicit ScreenScope(std::string name);

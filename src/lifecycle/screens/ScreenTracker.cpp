@@ -4,8 +4,11 @@
 #include <kesu/ui/ScreenScope.h>
 #include <kesu/ui/Window.h>
 
+#include <algorithm>
 #include <cinttypes>
 #include <cstdio>
+#include <iterator>
+#include <utility>
 
 #include "foundation/SharedInstance.h"
 #include "records/StateCodes.h"
@@ -52,38 +55,51 @@ void ScreenTracker::trackScreens(Provider provider) {
 }
 
 void ScreenTracker::didAppear(ViewController& controller) {
-  report(kStateAppeared, keyOf(controller));
+  appeared({keyOf(controller), true});
 }
 
 void ScreenTracker::didDisappear(ViewController& controller) {
-  report(kStateDisappeared, keyOf(controller));
+  disappeared(keyOf(controller));
 }
 
 void ScreenTracker::screenAppeared(const std::string& name, std::uint64_t id) {
-  ownScreens_.push_back({name, suffixOf(id)});
-  report(kStateAppeared, ownScreens_.back());
+  appeared({{name, suffixOf(id)}, false});
 }
 
 void ScreenTracker::screenDisappeared(const std::string& name, std::uint64_t id) {
-  const ScreenKey key = {name, suffixOf(id)};
+  disappeared({name, suffixOf(id)});
+}
+
+void ScreenTracker::appeared(Visible screen) {
+  visible_.push_back(std::move(screen));
+  report(kStateAppeared, visible_.back().key);
+}
+
+void ScreenTracker::disappeared(const ScreenKey& key) {
   // From the end: a host may show a screen twice under one identifier, and the latest is the one that left.
-  for (std::size_t i = ownScreens_.size(); i-- > 0;) {
-    if (ownScreens_[i].prefix == key.prefix && ownScreens_[i].suffix == key.suffix) {
-      ownScreens_.erase(ownScreens_.begin() + static_cast<std::ptrdiff_t>(i));
-      break;
-    }
+  const auto latest = std::find_if(visible_.rbegin(), visible_.rend(), [&key](const Visible& screen) {
+    return screen.key.prefix == key.prefix && screen.key.suffix == key.suffix;
+  });
+  if (latest != visible_.rend()) {
+    visible_.erase(std::next(latest).base());
   }
   report(kStateDisappeared, key);
 }
 
-std::optional<ScreenKey> ScreenTracker::topScreen() {
-  if (!ownScreens_.empty()) {
-    return ownScreens_.back();
-  }
+std::vector<ScreenKey> ScreenTracker::visibleScreens() const {
   Window* window = Application::shared().keyWindow();
   ViewController* top =
       window != nullptr ? topViewControllerWithRootViewController(window->rootViewController()) : nullptr;
-  return top != nullptr ? std::optional(keyOf(*top)) : std::nullopt;
+  std::vector<ScreenKey> keys;
+  for (const Visible& screen : visible_) {
+    if (!screen.isController || top == nullptr) {  // The containers of a window are visible as well.
+      keys.push_back(screen.key);
+    }
+  }
+  if (top != nullptr) {
+    keys.push_back(keyOf(*top));
+  }
+  return keys;
 }
 
 void screenAppeared(const std::string& name, std::uint64_t id) {

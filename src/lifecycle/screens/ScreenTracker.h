@@ -3,7 +3,6 @@
 #include <kesu/ui/ViewController.h>
 
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -28,12 +27,20 @@ class ScreenTracker {
   void screenAppeared(const std::string& name, std::uint64_t id);
   void screenDisappeared(const std::string& name, std::uint64_t id);
 
-  /// Returns the host's own screen that appeared last and is still visible, else the top view controller of the key
-  /// window.
-  std::optional<ScreenKey> topScreen();
+  /// Returns what the user sees: every visible screen of the host's own, and the top view controller of the key window;
+  /// where there is none, the controllers that the host shows without a window.
+  std::vector<ScreenKey> visibleScreens() const;
 
  private:
-  std::vector<ScreenKey> ownScreens_;  // Visible screens of the host's own, the latest last.
+  struct Visible {
+    ScreenKey key;
+    bool isController = false;
+  };
+
+  void appeared(Visible screen);
+  void disappeared(const ScreenKey& key);
+
+  std::vector<Visible> visible_;  // The latest last.
 };
 
 /// Returns the tracker of this process, created at the first call.
