@@ -1,21 +1,25 @@
 #include <kesu/support/CollectionHelpers.h>
 
 #include <utility>
+#include <vector>
 
 #include "foundation/Json.h"
 
 namespace kesu {
 
+// Does not recurse: a host's dictionary may be nested deeper than the stack is.
 Dictionary dictionaryByReplacingNilValuesWithEmptyString(const Dictionary& dictionary) {
-  Dictionary result;
-  result.reserve(dictionary.size());
-  for (const auto& [key, value] : dictionary) {
-    if (value.isNull()) {
-      result.set(key, "");
-    } else if (const Dictionary* inner = value.dictionary()) {
-      result.set(key, dictionaryByReplacingNilValuesWithEmptyString(*inner));
-    } else {
-      result.set(key, value);
+  Dictionary result = dictionary;
+  std::vector<Dictionary*> work{&result};
+  while (!work.empty()) {
+    Dictionary& next = *work.back();
+    work.pop_back();
+    for (const auto& [key, value] : next) {
+      if (value.isNull()) {
+        next.set(key, "");  // In its place: nothing moves.
+      } else if (value.dictionary() != nullptr) {
+        work.push_back(next.find(key)->dictionary());
+      }
     }
   }
   return result;

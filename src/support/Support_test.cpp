@@ -55,6 +55,16 @@ TEST(CollectionHelpers, ReplacesNullsInDictionariesButNotInArrays) {
   const Dictionary given = {{"a", Null{}}, {"b", Dictionary{{"c", Null{}}}}, {"d", Array{Null{}}}, {"e", 4}};
   const Dictionary wanted = {{"a", ""}, {"b", Dictionary{{"c", ""}}}, {"d", Array{Null{}}}, {"e", 4}};
   EXPECT_EQ(dictionaryByReplacingNilValuesWithEmptyString(given), wanted);
+  const auto nested = [](Value innermost) {
+    for (int depth = 0; depth < 100'000; ++depth) {
+      Dictionary around;
+      around.set("a", std::move(innermost));
+      innermost = std::move(around);
+    }
+    return innermost;
+  };
+  const Value deep = dictionaryByReplacingNilValuesWithEmptyString(*nested(Null{}).dictionary());
+  EXPECT_TRUE(deep == nested(""));
 }
 
 TEST(CollectionHelpers, JoinsTextsAndSerialises) {
