@@ -103,8 +103,7 @@ TEST_F(RecordRoadTest, GivesEachScreenThatTheUserSeesItsTime) {
   platform.clock.advance(3.0);
   {
     const ScreenScope inner("Inner");
-    EXPECT_EQ(session(4.0),
-              "$$kesu::(anonymous namespace)::Player~~0.0$$Outer~~7.0$$Inner~~4.0");
+    EXPECT_EQ(session(4.0), "$$kesu::(anonymous namespace)::Player~~0.0$$Outer~~7.0$$Inner~~4.0");
     EXPECT_EQ(session(5.0), "$$Outer~~5.0$$Inner~~5.0");
   }
   Player below;

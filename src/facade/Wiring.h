@@ -26,7 +26,8 @@ struct Wiring : MessagingWiring {
   KesuInAppPresenter presenter{{platform, inbox, imageLoader, &sharedImageCache, post, metrics}};
   PersonalizationTags tags{platform.http, platform.defaults, settings};
   ScreenTracker& screens = sharedScreenTracker();  // Shared: screens may appear before the first call.
-  KesuManager manager{platform, settings, metrics, outbox, post, resendPass, [this] { return screens.visibleScreens(); }};
+  KesuManager manager{
+      platform, settings, metrics, outbox, post, resendPass, [this] { return screens.visibleScreens(); }};
 };
 
 /// Returns the objects of this process, created at the first call. Never destroyed: exit handlers and threads may still

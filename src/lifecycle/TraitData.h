@@ -20,8 +20,8 @@ enum class TraitType : std::uint8_t {
   FirstLaunch = 5          ///< All blocks; the caller adds the calendar variants.
 };
 
-/// Adds the trait block of `type`: push identifiers and, once there is one, "kaid2" always, then by type device token and carrier, locale,
-/// integrity and provisioning. Missing locale facts become the null object. Any thread.
+/// Adds the trait block of `type`: push identifiers and, once there is one, "kaid2" always, then by type device token
+/// and carrier, locale, integrity and provisioning. Missing locale facts become the null object. Any thread.
 void addTraitData(Dictionary& record, TraitType type, const std::string& instanceId2, Platform& platform,
                   KesuMetrics& metrics);
 

@@ -8,8 +8,8 @@
 namespace kesu {
 
 /// One screen of the host. Derive from it, and call appear() and disappear() (or let a container or Window do it): the
-/// library then records which screens the user saw and for how long; no Window is needed for that. Main thread. Not copyable: its address is its
-/// identity.
+/// library then records which screens the user saw and for how long; no Window is needed for that. Main thread. Not
+/// copyable: its address is its identity.
 class KESU_API ViewController {
  public:
   ViewController() = default;

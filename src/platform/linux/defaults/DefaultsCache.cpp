@@ -13,7 +13,8 @@ namespace {
 
 // The property list of a value that needs one; nothing when it cannot be one.
 std::optional<std::string> propertyList(const Value& value) {
-  return isContainer(value) && !isLongArray(value) ? writePropertyList(value, PropertyListForm::Escaped) : std::string();
+  return isContainer(value) && !isLongArray(value) ? writePropertyList(value, PropertyListForm::Escaped)
+                                                   : std::string();
 }
 
 }  // namespace

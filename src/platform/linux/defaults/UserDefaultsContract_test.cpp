@@ -163,7 +163,10 @@ TEST_P(UserDefaultsContractTest, NotANumberIsReadBack) {
 
 TEST_P(UserDefaultsContractTest, RefusesWhatIsNoPropertyList) {
   const Value refused[] = {
-      Null{}, Array{1, Null{}}, Dictionary{{"a", Array{Dictionary{{"b", Null{}}}}}}, Array{"\xFF"},
+      Null{},
+      Array{1, Null{}},
+      Dictionary{{"a", Array{Dictionary{{"b", Null{}}}}}},
+      Array{"\xFF"},
   };
   EXPECT_TRUE(defaults().set("key", "old"));
   for (const Value& value : refused) {
