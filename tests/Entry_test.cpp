@@ -32,6 +32,29 @@ TEST_F(EntryTest, RefusesMisuseWithFixedReasons) {
   platform.log.takeLines();
 }
 
+TEST_F(EntryTest, TakesWhatIsReportedTooEarlyAsTheHeadersSay) {
+  Kesu::setUserIdentifer("ann");
+  Kesu::setRemoteNotificationDeviceToken({0x01});
+  Kesu::processReceivedRemoteNotification({{"mid", "m1"}});
+  KesuExplicitActivation::post();
+  screenAppeared("Early");
+  platform.settle();
+  ASSERT_EQ(platform.http.requestCount(), 5U);
+  for (std::size_t i = 0; i < 5; ++i) {
+    EXPECT_EQ(platform.http.request(i).headers.front().second, "UnknownDestination");
+    EXPECT_EQ(text(body(i), "kak") + text(body(i), "kaid"), "<absent><absent>") << i;
+  }
+  launch();
+  platform.clock.advance(5.0);
+  forgetRequests();
+  Kesu::setRemoteNotificationDeviceToken({0x01});
+  screenDisappeared("Early");
+  Application::shared().didEnterBackground();
+  platform.settle();
+  EXPECT_EQ(destinations(), "ss") << "the token counts as reported";
+  EXPECT_EQ(text(lastBody(), "~uid") + text(lastBody(), "~sf"), "ann<absent>") << "the screen is not measured";
+}
+
 TEST_F(EntryTest, ShowsTheBanner) {
   platform.locale.zoneAbbreviation = "CET";
   Kesu::initialize("key", 3);

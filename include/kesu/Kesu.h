@@ -20,6 +20,9 @@ struct KesuInAppOptions;
 
 /// The entry of the library. A host calls initialize() once, early, on its main thread; from then on everything else
 /// may be called. Nothing here waits for the network.
+///
+/// Before initialize(), events and messages throw. What a user, a push notification, an activation or a screen reports
+/// is posted without key and identifiers of the installation, so that the collector cannot tell whose it is.
 class KESU_API Kesu {
  public:
   /// Always throws InternalInconsistencyException: the library is set up with initialize(). [Kesu -init]
@@ -67,7 +70,8 @@ class KESU_API Kesu {
   static std::string hash(const std::string& text);
 
   /// Reports the token by which this device receives push notifications. Ignores an empty one and the one reported
-  /// last. Any thread; returns before anything is sent. [Kesu setRemoteNotificationDeviceToken:]
+  /// last. Any thread; returns before anything is sent. Call it after initialize(): a token reported before is sent
+  /// without the installation it belongs to, and ignored from then on. [Kesu setRemoteNotificationDeviceToken:]
   static void setRemoteNotificationDeviceToken(const Data& token);
 
   /// Reports a push notification: its "mid" and "cid" travel with every full trait record from now on, and one is

@@ -6,7 +6,8 @@
 namespace kesu {
 
 /// The host's own user identifier, attached to the installation: every later record carries it, and each change is
-/// reported at once as a user record. Any thread; returns before anything is sent.
+/// reported at once as a user record. Any thread; returns before anything is sent. Before Kesu::initialize the
+/// identifier is kept, but the user record names no installation.
 class KESU_API KesuIdentity {
  public:
   KesuIdentity() = delete;

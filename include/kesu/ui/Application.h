@@ -15,8 +15,9 @@ class KESU_API Application {
   /// Returns the application of this process, which is never destroyed before exit.
   static Application& shared();
 
-  /// Reports that the application is ready; call once, after Kesu::initialize. Posts the installation record on the
-  /// first launch, the traits that are due and the launch itself, and starts to watch the network.
+  /// Reports that the application is ready; call once, after Kesu::initialize and before the first screen appears: the
+  /// time of a screen that is visible already is not measured. Posts the installation record on the first launch, the
+  /// traits that are due and the launch itself, and starts to watch the network.
   void didFinishLaunching();
 
   /// Reports that the application is no longer visible. Everything taken so far is handed to the disk, on the

@@ -8,7 +8,8 @@
 namespace kesu {
 
 /// Reports that a screen called `name` appeared, for hosts without view controllers. `id` distinguishes screens of one
-/// name that are visible at the same time. Main thread.
+/// name that are visible at the same time. Main thread. The first screen appears after
+/// Application::didFinishLaunching(), which forgets since when earlier ones are visible.
 KESU_API void screenAppeared(const std::string& name, std::uint64_t id = 0);
 
 /// Reports that the screen disappeared. Without an appearance before, nothing is measured. Main thread.
