@@ -1,6 +1,7 @@
 #pragma once
 
 /// Includes everything that a host needs. Link kesu::kesu.
+#include <kesu/Constants.h>
 #include <kesu/Kesu.h>
 #include <kesu/Version.h>
 #include <kesu/delivery/ConnectionMetrics.h>

@@ -27,7 +27,10 @@ TEST_F(EntryTest, RefusesMisuseWithFixedReasons) {
   Kesu::initialize("a b");
   EXPECT_TRUE(Kesu::isSDKInitialized());
   EXPECT_EQ(reasonOf([] { Kesu::initialize("other"); }), "KesuAppKey is already set and Kesu is initialized!");
-  EXPECT_TRUE(reasonOf([] { Kesu(); }).starts_with("-init is not a valid initializer for Kesu."));
+  EXPECT_EQ(reasonOf([] { Kesu(); }),
+            "-init is not a valid initializer for Kesu. KesuAppKey needs to be set via initializeWithKey:  "
+            "@\"<Your Kesu assigned App Key>\" ");
+  EXPECT_EQ(missing, k_KesuAppKeyMissingException);
   EXPECT_EQ(platform.defaults.text("kesuSDKAPIKey"), "a b") << "the key as given, blanks and all";
   platform.log.takeLines();
 }
@@ -121,6 +124,12 @@ TEST_F(EntryTest, WatchesTheCollectorsHost) {
   EXPECT_EQ(platform.reachability.targets()[0].hostName, "127.0.0.1");
   EXPECT_EQ(platform.reachability.targets()[0].port, 8470);
   EXPECT_DOUBLE_EQ(Kesu::timerReference(), 1489579320.0 - 1453881200.0);
+  int changes = 0;
+  NotificationCenter::defaultCenter().addObserver(kKesuReachabilityChangedNotification, nullptr,
+                                                  [&changes](const Notification&) { ++changes; });
+  platform.reachability.announceChange();
+  platform.settle();
+  EXPECT_EQ(changes, 1);
 }
 
 }  // namespace

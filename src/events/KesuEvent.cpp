@@ -1,3 +1,4 @@
+#include <kesu/Constants.h>
 #include <kesu/events/KesuEvent.h>
 #include <kesu/foundation/Exception.h>
 
@@ -6,7 +7,6 @@
 
 #include "events/EventPoster.h"
 #include "foundation/Text.h"
-#include "records/ExceptionTexts.h"
 #include "records/RecordKeys.h"
 
 namespace kesu {

@@ -1,3 +1,4 @@
+#include <kesu/Constants.h>
 #include <kesu/Kesu.h>
 #include <kesu/events/KesuIdentity.h>
 #include <kesu/foundation/Exception.h>
@@ -7,7 +8,6 @@
 
 #include "facade/Wiring.h"
 #include "messaging/ButtonClicks.h"
-#include "records/ExceptionTexts.h"
 #include "records/TimeReference.h"
 #include "support/KesuPriorityLogger.h"
 

@@ -1,3 +1,4 @@
+#include <kesu/Constants.h>
 #include <kesu/Kesu.h>
 #include <kesu/foundation/Exception.h>
 #include <kesu/message_ui/KesuInAppMessageDelegate.h>
@@ -11,7 +12,6 @@
 
 #include "facade/Wiring.h"
 #include "message_ui/UnreadBadge.h"
-#include "records/ExceptionTexts.h"
 
 namespace kesu {
 namespace {

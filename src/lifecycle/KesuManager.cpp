@@ -1,5 +1,6 @@
 #include "lifecycle/KesuManager.h"
 
+#include <kesu/Constants.h>
 #include <kesu/foundation/Exception.h>
 #include <kesu/platform/ApplicationNotifications.h>
 
@@ -13,7 +14,6 @@
 #include "lifecycle/WeekCalendar.h"
 #include "records/DefaultsKeys.h"
 #include "records/Destinations.h"
-#include "records/ExceptionTexts.h"
 #include "records/RecordKeys.h"
 #include "records/StateCodes.h"
 #include "records/Versions.h"

@@ -1,17 +1,14 @@
 #pragma once
 
+#include <kesu/Constants.h>
 #include <kesu/platform/NotificationCenter.h>
 #include <kesu/platform/ReachabilitySource.h>
 
 #include <cstdint>
 #include <memory>
 #include <string>
-#include <string_view>
 
 namespace kesu {
-
-/// Posted, with the KesuServiceReachability as its object, when the reachability of a watched host has changed.
-inline constexpr std::string_view kKesuReachabilityChangedNotification = "kNetworkKesuReachabilityChangedNotification";
 
 /// How a target can be reached.
 enum class NetworkStatus : std::uint32_t {

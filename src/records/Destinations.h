@@ -1,17 +1,12 @@
 #pragma once
 
+#include <kesu/Constants.h>
+
 #include <string_view>
 
 namespace kesu {
 
-// Destination codes: the collector's table for a record.
-inline constexpr std::string_view k_TableInstalls = "i";
-inline constexpr std::string_view k_TableStates = "s";
-inline constexpr std::string_view k_TableEvents = "e";
-inline constexpr std::string_view k_TableTraits = "t";
-inline constexpr std::string_view k_TableUser = "u";
-inline constexpr std::string_view k_TableSMS = "m";
-inline constexpr std::string_view k_Table_iOSPermissions = "p";
+// Beside the destinations that hosts know.
 inline constexpr std::string_view kTableNotifications = "n";  ///< Message receipts and calls to action.
 
 /// The destination of a record without one.

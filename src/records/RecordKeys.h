@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kesu/Constants.h>  // The name of an event.
+
 #include <string_view>
 
 /// Keys of records, including those that are removed before sending. They are the wire contract with the collector;
@@ -66,8 +68,6 @@ inline constexpr std::string_view k_FullTrait = "~ft";
 inline constexpr std::string_view kNoCarrier = "N/A for tvOS";
 
 // Events, state changes and flows.
-inline constexpr std::string_view k_KesuEventName = "~e";
-inline constexpr std::string_view k_KesuEventGroup = "group";
 inline constexpr std::string_view kLevelAttributeKey = "Level";
 inline constexpr std::string_view kElapsedSecondsKey = "elapsedSeconds";
 inline constexpr std::string_view kExplicitActivationKey = "~a:Activation";

@@ -3,7 +3,6 @@
 #include <set>
 
 #include "foundation/Base64.h"
-#include "records/ExceptionTexts.h"
 #include "records/MessageIdentifier.h"
 #include "records/TimeReference.h"
 #include "testing/SequentialRandom.h"
@@ -27,15 +26,6 @@ TEST(MessageIdentifier, IsBase64OfSixteenBytesWithoutPadding) {
 
 TEST(TimeReference, CountsFromItsOrigin) {
   EXPECT_EQ(timerReferenceAt(1453881200.0), 0.0);  // 2016-01-27 07:53:20 UTC
-}
-
-TEST(ExceptionTexts, ReadAsHostsKnowThem) {
-  EXPECT_EQ(k_KesuAppKeyMissingException,
-            "KesuAppKey needs to be set via initializeWithKey: method. Log on to console.kesu.example to get it.");
-  EXPECT_EQ(
-      k_KesuLibraryInitializationException,
-      "-init is not a valid initializer for Kesu. KesuAppKey needs to be set via initializeWithKey:  @\"<Your Kesu "
-      "assigned App Key>\" ");
 }
 
 }  // namespace

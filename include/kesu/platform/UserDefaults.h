@@ -18,7 +18,7 @@ struct DefaultsChange {
     Set,     ///< As set().
     Append,  ///< Appends the value, a text, to the text under the key, which starts empty and replaces a value of
              ///< another kind. The cost does not depend on the length of the text.
-    Remove  ///< As remove().
+    Remove   ///< As remove().
   };
 
   Kind kind = Kind::Set;
