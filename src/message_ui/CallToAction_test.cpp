@@ -194,15 +194,21 @@ TEST_F(CallToActionTest, CallsTheDelegateWithoutABlockAndNoDestroyedOne) {
   EXPECT_EQ(callsToAction().size(), 3U) << "the record is posted all the same";
 }
 
-TEST_F(CallToActionTest, LetsTheHostVetoAUrl) {
+TEST_F(CallToActionTest, LetsTheHostVetoUrlsOnly) {
   KesuInAppOptions options;
-  options.shouldOpenUrl = [](const std::string& url) { return url != "tv://watch"; };
+  options.shouldOpenUrl = [](const std::string&) { return false; };
   presenter().setOptions(options);
-  show({"a"}, bodyReply("Title", "Text", kTwoButtons));
-  screen.press(RemoteButton::Select);
-  platform.settle();
+  const std::pair<const char*, std::int64_t> cases[] = {{"tv://x", 3}, {"unique-id://x", 4}, {"https://h/x?wh=true", 5}};
+  for (const auto& [action, status] : cases) {
+    show({action}, bodyReply("Title", "Text", {{"buttons", buttonEntries({{"B", action}})}}));
+    screen.press(RemoteButton::Select);
+    platform.settle();
+    EXPECT_EQ(told.back().status, status);
+    presenter().dismissViewController(false);
+  }
   EXPECT_TRUE(platform.urlOpener.urls.empty());
-  EXPECT_EQ(told.at(0).status, 3);
+  EXPECT_EQ(callsToAction().size(), std::size(cases));
+  EXPECT_EQ(std::ranges::count(platform.http.requests(), "https://h/x", &HttpRequest::url), 1);
 }
 
 TEST_F(CallToActionTest, RecordsAPressWhateverTheHostThrows) {

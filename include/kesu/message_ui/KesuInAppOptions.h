@@ -21,11 +21,13 @@ struct KesuInAppOptions {
 
   /// Returns whether a message may be shown. Called with its header ("mid", "cid" and what else the service sent)
   /// before the message is fetched: a refused one counts as if the service had not sent it, and stays unread. When all
-  /// are refused, nothing is shown.
+  /// are refused, nothing is shown. Concerns the popup only: counts, badges, headers and messages that the host asks
+  /// for include refused ones.
   std::function<bool(const Dictionary& header)> shouldShowMessage;
 
   /// Returns whether the URL of a pressed button may be opened; refused ones are reported with status 3. Not called for
-  /// web hooks and identifiers, which are not opened.
+  /// identifiers, nor for web hooks, which nothing refuses: those are sent to the host that the message names, with
+  /// facts about device and application and the user's identifier. The record of the press is posted in any case.
   std::function<bool(const std::string& url)> shouldOpenUrl;
 
   std::function<void()> willPresent;  ///< Called before the popup slides in, once its message was fetched.
