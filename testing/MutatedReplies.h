@@ -10,8 +10,8 @@ namespace kesu::testing {
 /// How many damaged replies a parser has to survive.
 inline constexpr int kMutations = 12000;
 
-/// Damages a text: cuts it, flips a bit, and inserts, removes, doubles or replaces a piece with what parsers stumble
-/// over.
+/// Damages a text or other bytes: cuts them, flips a bit, changes a byte, and inserts, removes, doubles or replaces a
+/// piece with what parsers stumble over.
 inline std::string mutated(std::string text, std::mt19937& random) {
   static constexpr const char* kPieces[] = {"null", "{",  "}",     "[",    "]",    "\"", ",",  ":", "1e999",   "-",
                                             "\\u",  "[[", "\\ud8", "\xFF", "true", "{}", "[]", "0", "\\u0000", "\"\""};
@@ -19,7 +19,7 @@ inline std::string mutated(std::string text, std::mt19937& random) {
     const std::size_t place = text.empty() ? 0 : random() % text.size();
     const std::size_t length = random() % 12;
     const char* piece = kPieces[random() % std::size(kPieces)];
-    switch (random() % 6) {
+    switch (random() % 7) {
       case 0:
         text.resize(place);
         break;
@@ -37,6 +37,9 @@ inline std::string mutated(std::string text, std::mt19937& random) {
       case 4:
         text.insert(place, text.substr(place, length));
         break;
+      case 5:
+        text.replace(place, 1, 1, static_cast<char>(random()));
+        break;
       default:
         text.replace(place, length, piece);
     }
@@ -44,7 +47,7 @@ inline std::string mutated(std::string text, std::mt19937& random) {
   return text;
 }
 
-/// Calls `use` with kMutations damaged forms of a reply, the same in every run.
+/// Calls `use` with kMutations damaged forms of a reply or file, the same in every run.
 inline void forEachMutation(const std::string& reply, const std::function<void(const std::string&)>& use) {
   std::mt19937 random(20170315);
   for (int i = 0; i < kMutations; ++i) {

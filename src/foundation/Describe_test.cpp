@@ -4,6 +4,8 @@
 
 #include <cmath>
 
+#include "testing/NestedValues.h"
+
 namespace kesu {
 namespace {
 
@@ -36,13 +38,7 @@ TEST(DescribeTest, DescribesEveryKind) {
 }
 
 TEST(DescribeTest, CutsDeepNestingShort) {
-  Value deep("core");
-  for (int i = 0; i < 100'000; ++i) {
-    Array array;
-    array.push_back(std::move(deep));
-    deep = Value(std::move(array));
-  }
-  const std::string text = describe(deep);
+  const std::string text = describe(testing::nestedArrays(100'000));
   EXPECT_NE(text.find("..."), std::string::npos);
   EXPECT_LT(text.size(), 64u * 1024u);
 }

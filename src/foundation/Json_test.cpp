@@ -6,31 +6,19 @@
 #include <limits>
 #include <random>
 
+#include "testing/MutatedReplies.h"
+#include "testing/NestedValues.h"
+
 namespace kesu {
 namespace {
 
-std::string repeated(std::string_view text, std::size_t count) {
-  std::string all;
-  for (std::size_t i = 0; i < count; ++i) {
-    all.append(text);
-  }
-  return all;
-}
+using testing::nestedArrays;
+using testing::repeated;
 
 std::string written(const Value& value) {
   std::string out = "left over";
   EXPECT_EQ(writeJson(value, out), JsonStatus::Ok);
   return out;
-}
-
-Value nestedArrays(std::size_t levels) {
-  Value value("core");
-  for (std::size_t i = 0; i < levels; ++i) {
-    Array array;
-    array.push_back(std::move(value));
-    value = Value(std::move(array));
-  }
-  return value;
 }
 
 TEST(WriteJsonTest, WritesCompactTextInInsertionOrder) {
@@ -200,16 +188,10 @@ TEST(ParseJsonTest, GivesAValidValueOrNothingForGarbage) {
   for (std::size_t length = 0; length < text.size(); ++length) {
     EXPECT_FALSE(parseJson(std::string_view(text).substr(0, length))) << length;
   }
-  std::mt19937 random(20170315);
-  for (int i = 0; i < 2000; ++i) {
-    std::string flipped = text;
-    for (int flips = 0; flips <= i % 3; ++flips) {
-      char& byte = flipped[random() % flipped.size()];
-      byte = static_cast<char>(static_cast<unsigned char>(byte) ^ (1u << random() % 8));
-    }
-    const std::optional<Value> parsed = parseJson(flipped);
-    EXPECT_TRUE(!parsed || allTextsAreValid(*parsed)) << flipped;
-  }
+  testing::forEachMutation(text, [](const std::string& damaged) {
+    const std::optional<Value> parsed = parseJson(damaged);
+    EXPECT_TRUE(!parsed || allTextsAreValid(*parsed)) << damaged;
+  });
 }
 
 TEST(JsonTest, RoundTripsRandomRecords) {

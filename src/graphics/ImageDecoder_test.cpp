@@ -6,6 +6,7 @@
 #include <cstdlib>
 
 #include "testing/MemoryPeak.h"
+#include "testing/MutatedReplies.h"
 #include "testing/PictureFiles.h"
 
 namespace kesu {
@@ -360,42 +361,6 @@ TEST(ImageDecoder, ReportsUnknownKinds) {
   }
 }
 
-/// Random numbers that are the same in every run.
-class Dice {
- public:
-  std::size_t below(std::size_t limit) {
-    state_ = state_ * 6364136223846793005ULL + 1442695040888963407ULL;
-    return static_cast<std::size_t>(state_ >> 33) % limit;
-  }
-
- private:
-  std::uint64_t state_ = 20'161'121;
-};
-
-std::string mutated(std::string file, Dice& dice) {
-  for (std::size_t count = dice.below(6) + 1; count > 0; --count) {
-    const std::size_t at = dice.below(file.size());
-    switch (dice.below(12)) {
-      case 0:
-        file.resize(at + 1);
-        break;
-      case 1:
-        file.erase(at, dice.below(4));
-        break;
-      case 2:
-        file.insert(at, file.substr(dice.below(file.size()), dice.below(64)));
-        break;
-      default:
-        file[at] = static_cast<char>(dice.below(256));
-        break;
-    }
-    if (file.empty()) {
-      return "x";
-    }
-  }
-  return file;
-}
-
 TEST(ImageDecoder, SurvivesMutatedFiles) {
   constexpr int kRounds = 3000;
   constexpr ImageLimits kLimits{std::size_t{1} << 20, 512, std::size_t{1} << 16, std::size_t{1} << 16};
@@ -406,10 +371,10 @@ TEST(ImageDecoder, SurvivesMutatedFiles) {
       webpFile(kWidth, kHeight, quarters),
       webpFile(kWidth, kHeight, quarters, false),
       quartersGif(true)};
-  Dice dice;
+  std::mt19937 random(20161121);
   for (const std::string& file : files) {
     for (int round = 0; round < kRounds; ++round) {
-      const DecodedImage decoded = decodeImage(mutated(file, dice), kLimits);
+      const DecodedImage decoded = decodeImage(testing::mutated(file, random), kLimits);
       ASSERT_EQ(decoded.image != nullptr, decoded.status == ImageStatus::Decoded);
       ASSERT_TRUE(decoded.image == nullptr || decoded.image->byteCount() <= kLimits.pixels * 4);
     }

@@ -11,22 +11,17 @@
 #include "graphics/Canvas.h"
 #include "graphics/FontSet.h"
 #include "testing/FontRelease.h"
+#include "testing/NestedValues.h"
 
 namespace kesu {
 namespace {
+
+using testing::repeated;
 
 const Font kLight{"HelveticaNeue-Light", 24.0};
 
 TextStyle styleOf(int lines, TextAlignment alignment = TextAlignment::Natural) {
   return TextStyle{.font = kLight, .alignment = alignment, .lines = lines};
-}
-
-std::string repeated(const std::string& piece, std::size_t count) {
-  std::string text;
-  for (std::size_t i = 0; i < count; ++i) {
-    text += piece;
-  }
-  return text;
 }
 
 /// Where a text leaves marks in a box of 400 x 100 points.
