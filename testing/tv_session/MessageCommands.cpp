@@ -1,8 +1,8 @@
 #include "MessageCommands.h"
 
 #include <kesu.h>
+#include <kesu/support/CollectionHelpers.h>
 
-#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <optional>
@@ -18,57 +18,11 @@ void print(const std::string& what, const std::string& text) {
   std::fflush(stdout);
 }
 
-// Control characters become spaces, to keep it on one line.
-std::string quoted(std::string text) {
-  std::replace_if(
-      text.begin(), text.end(), [](char character) { return character >= 0 && character < ' '; }, ' ');
-  return "\"" + text + "\"";
-}
-
-std::string readable(const kesu::Value& value);
-
-std::string readable(const kesu::Array& array) {
-  std::string text = "[";
-  for (const kesu::Value& element : array) {
-    text += (text.size() > 1 ? ", " : "") + readable(element);
-  }
-  return text + "]";
-}
-
-std::string readable(const kesu::Dictionary& dictionary) {
-  std::string text = "{";
-  for (const auto& [key, value] : dictionary) {
-    text += (text.size() > 1 ? ", " : "") + key + ": " + readable(value);
-  }
-  return text + "}";
-}
-
-std::string readable(const kesu::Value& value) {
-  switch (value.kind()) {
-    case kesu::Value::Kind::Bool:
-      return *value.boolean() ? "yes" : "no";
-    case kesu::Value::Kind::Integer:
-      return std::to_string(*value.integer());
-    case kesu::Value::Kind::Real:
-      return std::to_string(*value.real());
-    case kesu::Value::Kind::Text:
-      return quoted(*value.text());
-    case kesu::Value::Kind::Array:
-      return readable(*value.array());
-    case kesu::Value::Kind::Dictionary:
-      return readable(*value.dictionary());
-    case kesu::Value::Kind::Null:
-      return "null";
-    case kesu::Value::Kind::Data:
-    case kesu::Value::Kind::Date:
-      break;
-  }
-  return "...";
-}
-
 // Prints the arguments of a handler.
 std::function<void(const kesu::Object&)> printer(const std::string& what) {
-  return [what](const kesu::Object& result) { print(what, result ? readable(*result) : "none"); };
+  return [what](const kesu::Object& result) {
+    print(what, kesu::serializeDictionaryToString({{"result", result.value_or(kesu::Null{})}}).value_or("no JSON"));
+  };
 }
 
 void fetchBody(const ScriptLine& line) {

@@ -15,25 +15,6 @@ constexpr int kHeight = 1080;
 constexpr double kDefaultFrameSeconds = 0.5;
 constexpr Uint32 kFrameMilliseconds = 16;
 
-const char* nameOf(kesu::AccessibilityInfo::Role role) {
-  using Role = kesu::AccessibilityInfo::Role;
-  switch (role) {
-    case Role::None:
-      return "none";
-    case Role::Dialog:
-      return "dialog";
-    case Role::Heading:
-      return "heading";
-    case Role::Text:
-      return "text";
-    case Role::Image:
-      return "image";
-    case Role::Button:
-      return "button";
-  }
-  return "";
-}
-
 void pushKey(Uint32 type, SDL_Keycode key) {
   SDL_Event event{};
   event.key.type = type;
@@ -46,32 +27,13 @@ void pushKey(Uint32 type, SDL_Keycode key) {
 
 void ScreenScript::addTo(ScriptHost& host) {
   host.add("press", [this](const ScriptLine& line) { press(line.word(0)); });
-  host.add("link", [this](const ScriptLine& line) {
-    if (!app().openLink(line.word(0))) {
-      throw std::runtime_error("no such place: \"" + line.word(0) + "\"");
-    }
-  });
   host.add("show-messages", [this](const ScriptLine& line) { app().mailbox().show(messageType(line)); });
-  host.add("dismiss", [this](const ScriptLine&) { app().mailbox().dismiss(); });
   host.add("frame", [this](const ScriptLine& line) { drawFor(line.number(0).value_or(kDefaultFrameSeconds)); });
   host.add("screenshot", [this](const ScriptLine& line) { saveScreenshot(line.word(0)); });
   host.add("focus", [this](const ScriptLine&) {
     std::printf("tv_session: focus is on %s\n", app().focus().c_str());
     std::fflush(stdout);
   });
-  host.add("accessibility", [this](const ScriptLine&) { printAccessibility(); });
-}
-
-const char* ScreenScript::commands() {
-  return "Screen (drawn into memory)\n"
-         "  press BUTTON          press up, down, left, right, select, menu or play\n"
-         "  link URL              open a link such as example-tv://show/night-train\n"
-         "  show-messages [TYPE]  show the messages of this type: unread, read or all (or 0 to 2)\n"
-         "  dismiss               close the popup\n"
-         "  frame SECONDS         run the main loop and draw for so long\n"
-         "  screenshot FILE       draw, and write what is on the screen as PNG\n"
-         "  focus                 print what is focused\n"
-         "  accessibility         print what a screen reader reads of the popup\n";
 }
 
 TvApp& ScreenScript::app() {
@@ -112,15 +74,6 @@ void ScreenScript::saveScreenshot(const std::string& path) {
   if (!screen_->saveScreenshot(path)) {
     throw std::runtime_error("cannot write \"" + path + "\"");
   }
-}
-
-void ScreenScript::printAccessibility() {
-  for (const kesu::AccessibilityNode& node : app().overlay().accessibilityTree()) {
-    std::printf("tv_session: %s %-7s \"%s\"%s%s%s at %.0f,%.0f %.0fx%.0f\n", node.isFocused ? "*" : " ",
-                nameOf(node.role), node.label.c_str(), node.value.empty() ? "" : " = \"", node.value.c_str(),
-                node.value.empty() ? "" : "\"", node.frame.x, node.frame.y, node.frame.width, node.frame.height);
-  }
-  std::fflush(stdout);
 }
 
 }  // namespace tv

@@ -18,15 +18,11 @@ class ScreenScript {
   /// Opens a link of a message. Returns false while there is no screen.
   bool openLink(const std::string& url) { return app_ != nullptr && app_->openLink(url); }
 
-  /// A line a command, for --help.
-  static const char* commands();
-
  private:
   TvApp& app();
   void press(const std::string& button);
   void drawFor(double seconds);
   void saveScreenshot(const std::string& path);
-  void printAccessibility();
 
   std::unique_ptr<MemoryScreen> screen_;
   std::unique_ptr<TvApp> app_;

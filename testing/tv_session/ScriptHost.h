@@ -33,14 +33,10 @@ class ScriptHost {
   /// Runs the main loop for so many seconds, sleeping while there is nothing to do.
   static void pumpFor(double seconds);
 
-  /// A line a command, for --help.
-  static const char* commands();
-
  private:
   void callCatalogue(const ScriptLine& line);
   void addLifeCycle();
   void addEvents();
-  void addUser();
   void addScript();
 
   ScriptClock& clock_;

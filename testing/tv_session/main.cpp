@@ -1,10 +1,26 @@
-// Drives the app of tv_app, or the library without a screen, by the lines of a script: for tests and demonstrations.
+// Drives the app of tv_app, or the library without a screen, by the lines of standard input, as they come.
+//   init KEY [LOGLEVEL], launch, background, resume, terminate
+//   appear NAME, disappear NAME      a screen
+//   scene NAME SECONDS               adds to the scene flow
+//   event NAME k=v ...               posts an event
+//   start NAME, timed NAME k=v ...   posts an event with the seconds since "start NAME"
+//   activation k=v ...               reports an activation of the host's own
+//   call CLASS OPERATION ARGUMENT ... k=v ...   posts an event of the catalogue; the argument nil is for none
+//   uid ID                           sets the user identifier
+//   count, headers TYPE, messages TYPE, body CID MID   print what the service has; TYPE: unread, read or all, or 0 to 2
+//   tags, is-tag TAG                 print the tags, and whether one was among those fetched last
+//   show-messages [TYPE]             shows the popup on a screen in memory, which the first such command makes
+//   press BUTTON                     up, down, left, right, select, menu or play
+//   frame SECONDS                    runs the main loop and draws for so long
+//   screenshot FILE                  draws, and writes what is on the screen as PNG
+//   focus                            prints what is focused
+//   pump SECONDS, clock +SECONDS     runs the main loop for so long; moves the clock
+//   quit                             returns from main() without "terminate"
 #include <kesu.h>
 #include <poll.h>
 #include <unistd.h>
 
 #include <cstdio>
-#include <fstream>
 #include <stdexcept>
 #include <string>
 
@@ -15,24 +31,9 @@ namespace {
 
 constexpr int kMisuse = 2;
 
-int complain(const std::string& place, const std::string& reason) {
-  std::fprintf(stderr, "tv_session: %s: %s\n", place.c_str(), reason.c_str());
+int complain(const std::string& reason) {
+  std::fprintf(stderr, "tv_session: %s\n", reason.c_str());
   return kMisuse;
-}
-
-int performFile(tv::ScriptHost& host, const std::string& path) {
-  std::ifstream script(path);
-  if (!script) {
-    return complain(path, "cannot be read");
-  }
-  int number = 0;
-  for (std::string line; !host.hasQuit() && std::getline(script, line);) {
-    ++number;
-    if (!host.perform(tv::parseScriptLine(line))) {
-      return complain(path + ":" + std::to_string(number), host.error());
-    }
-  }
-  return 0;
 }
 
 /// Waits for input or for work of the main loop, whichever comes first. Returns whether there is input.
@@ -59,7 +60,7 @@ int performInput(tv::ScriptHost& host) {
     pending.append(bytes, static_cast<std::size_t>(count));
     for (std::size_t end; !host.hasQuit() && (end = pending.find('\n')) != std::string::npos;) {
       if (!host.perform(tv::parseScriptLine(pending.substr(0, end)))) {
-        return complain("input", host.error());
+        return complain(host.error());
       }
       pending.erase(0, end + 1);
     }
@@ -67,7 +68,7 @@ int performInput(tv::ScriptHost& host) {
   return 0;
 }
 
-int runScript(const std::string& script) {
+int runScript() {
   static tv::ScriptClock clock;  // The library's exit handler still asks it.
   tv::ScreenScript screen;
   kesu::PlatformOptions platform;
@@ -76,21 +77,15 @@ int runScript(const std::string& script) {
   kesu::installLinuxPlatform(platform);
   tv::ScriptHost host(clock);
   screen.addTo(host);
-  return script == "-" ? performInput(host) : performFile(host, script);
+  return performInput(host);
 }
 
 }  // namespace
 
-int main(int argc, char** argv) {
-  const std::string script = argc == 2 ? argv[1] : "--help";
-  if (script == "--help") {
-    std::printf("usage: tv_session FILE    (\"-\" reads lines from standard input as they come)\n\n%s%s",
-                tv::ScriptHost::commands(), tv::ScreenScript::commands());
-    return argc == 2 ? 0 : complain("command line", "name one script");
-  }
+int main() {
   try {
-    return runScript(script);
+    return runScript();
   } catch (const std::runtime_error& error) {
-    return complain("cannot continue", error.what());
+    return complain(error.what());
   }
 }
