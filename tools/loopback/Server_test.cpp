@@ -1,10 +1,8 @@
 #include "tools/loopback/Server.h"
 
-#include <arpa/inet.h>
 #include <gtest/gtest.h>
-#include <netinet/in.h>
-#include <sys/socket.h>
-#include <unistd.h>
+
+#include "testing/RawConnection.h"
 
 namespace kesu::loopback {
 namespace {
@@ -25,23 +23,7 @@ class ServerTest : public ::testing::Test {
     return reply;
   }
 
-  // Sends bytes as they are and returns the bodies that come back until the server closes.
-  std::string exchange(const std::string& bytes) const {
-    const int fd = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(static_cast<std::uint16_t>(server_.port()));
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    EXPECT_EQ(connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
-    EXPECT_EQ(send(fd, bytes.data(), bytes.size(), MSG_NOSIGNAL), static_cast<ssize_t>(bytes.size()));
-    std::string reply;
-    char piece[4096];
-    for (ssize_t size = 0; (size = recv(fd, piece, sizeof piece, 0)) > 0;) {
-      reply.append(piece, static_cast<std::size_t>(size));
-    }
-    close(fd);
-    return reply;
-  }
+  std::string exchange(const std::string& bytes) const { return testing::exchangeRaw(server_.port(), bytes); }
 
   Server server_{describe};
 };
@@ -70,6 +52,14 @@ TEST_F(ServerTest, RefusesWhatIsNoRequest) {
        {"GET\r\n\r\n", "GET / \r\n\r\n", "GET / HTTP/2\r\n\r\n", "GET / HTTP/1.1\r\nno colon\r\n\r\n"}) {
     EXPECT_TRUE(exchange(bytes).starts_with("HTTP/1.1 400 ")) << bytes;
   }
+  EXPECT_TRUE(exchange("\x16\x03\x01\x02\r\n\r\n\r\n").starts_with("HTTP/1.1 400 "));
+  EXPECT_TRUE(exchange("GET /" + std::string(4000, 'a') + " HTTP/1.1\r\n\r\n").starts_with("HTTP/1.1 414 "));
+}
+
+TEST_F(ServerTest, AnswersPipelinedRequestsInOrder) {
+  const std::string reply = exchange("GET /a HTTP/1.1\r\n\r\nGET /b HTTP/1.0\r\n\r\n");
+  EXPECT_LT(reply.find("GET /a []"), reply.find("HTTP/1.1 200", 1));
+  EXPECT_TRUE(reply.ends_with("GET /b []")) << reply;
 }
 
 TEST_F(ServerTest, AsksForABodyThatWaits) {

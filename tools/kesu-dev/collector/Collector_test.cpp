@@ -1,14 +1,11 @@
-#include <arpa/inet.h>
 #include <gtest/gtest.h>
 #include <httplib.h>
-#include <netinet/in.h>
-#include <sys/socket.h>
-#include <unistd.h>
 
 #include <future>
 #include <thread>
 
 #include "foundation/Json.h"
+#include "testing/RawConnection.h"
 #include "testing/TestRecord.h"
 #include "tools/kesu-dev/commands/Services.h"
 #include "tools/kesu-dev/http/HttpFetch.h"
@@ -71,29 +68,7 @@ class CollectorTest : public ::testing::Test {
     ASSERT_TRUE(result && result->status == 200) << json;
   }
 
-  // Sends bytes as they are over a connection of their own and returns its socket.
-  int sendRaw(const std::string& bytes) const {
-    const int fd = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(static_cast<std::uint16_t>(server_.port));
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    EXPECT_EQ(connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
-    EXPECT_EQ(send(fd, bytes.data(), bytes.size(), MSG_NOSIGNAL), static_cast<ssize_t>(bytes.size()));
-    return fd;
-  }
-
-  // Sends bytes as they are and returns what comes back until the server closes.
-  std::string exchange(const std::string& bytes) const {
-    const int fd = sendRaw(bytes);
-    std::string reply;
-    char piece[4096];
-    for (ssize_t size = 0; (size = recv(fd, piece, sizeof piece, 0)) > 0;) {
-      reply.append(piece, static_cast<std::size_t>(size));
-    }
-    close(fd);
-    return reply;
-  }
+  std::string exchange(const std::string& bytes) const { return kesu::testing::exchangeRaw(server_.port, bytes); }
 
   std::string hostHeader() const { return "Host: " + services_->hostAndPort() + "\r\n"; }
 
@@ -231,22 +206,6 @@ TEST_F(CollectorTest, RefusesOtherHostsAndClosesWithTheBodyUnread) {
   EXPECT_EQ(count("total"), 0);
 }
 
-TEST_F(CollectorTest, SurvivesInvalidHttp) {
-  EXPECT_EQ(exchange("\x16\x03\x01\x02\r\n\r\n\r\n").substr(0, 12), "HTTP/1.1 400");
-  EXPECT_EQ(exchange("GET /" + std::string(4000, 'a') + " HTTP/1.1\r\n" + hostHeader() + "\r\n").substr(0, 12),
-            "HTTP/1.1 414");
-  EXPECT_EQ(postStatus(testRecord("e")), 200);
-}
-
-TEST_F(CollectorTest, AnswersPipelinedRequestsInOrder) {
-  const std::string one = "GET /health HTTP/1.1\r\n" + hostHeader() + "\r\n";
-  const std::string last = "GET /nowhere HTTP/1.1\r\nConnection: close\r\n" + hostHeader() + "\r\n";
-  const std::string reply = exchange(one + last);
-  const std::size_t second = reply.find("HTTP/1.1 404");
-  EXPECT_LT(reply.find("HTTP/1.1 200"), second);
-  EXPECT_NE(second, std::string::npos) << reply;
-}
-
 TEST_F(CollectorTest, NeedsALength) {
   const std::string request = "POST /collect HTTP/1.1\r\nConnection: close\r\n" + hostHeader() + "\r\n";
   EXPECT_EQ(exchange(request).substr(0, 12), "HTTP/1.1 411");
@@ -334,7 +293,7 @@ TEST_F(CollectorTest, StoresRecordsOfManyConnections) {
 
 TEST_F(CollectorTest, StoresTheRecordsOfAnEndedProgram) {
   for (int i = 0; i < 20; ++i) {
-    close(sendRaw("POST /collect HTTP/1.1\r\n" + hostHeader() + "Content-Length: 2\r\n\r\n{}"));
+    kesu::testing::sendRaw(server_.port, "POST /collect HTTP/1.1\r\n" + hostHeader() + "Content-Length: 2\r\n\r\n{}");
   }
   services_->settle();
   services_->stop();

@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <array>
 #include <csignal>
-#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -19,6 +18,7 @@
 #include "testing/TestRecord.h"
 #include "tools/kesu-dev/commands/Services.h"
 #include "tools/kesu-dev/http/HttpFetch.h"
+#include "tools/kesu-dev/messages/ImageSize.h"
 
 namespace kesu::dev {
 namespace {
@@ -92,27 +92,9 @@ class CommandsTest : public ::testing::Test {
   std::string text_;
 };
 
-// The size of a PNG picture in pixels, and of its file.
-struct PngFacts {
-  std::uint32_t width = 0;
-  std::uint32_t height = 0;
-  std::size_t bytes = 0;
-};
-
-PngFacts pngFacts(const std::string& path) {
+std::string contentOf(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
-  const std::string content{std::istreambuf_iterator<char>(file), {}};
-  if (content.size() < 24 || !content.starts_with("\x89PNG")) {
-    return {};
-  }
-  const auto number = [&](std::size_t at) {
-    std::uint32_t value = 0;
-    for (std::size_t i = at; i < at + 4; ++i) {
-      value = value << 8 | static_cast<unsigned char>(content[i]);
-    }
-    return value;
-  };
-  return {number(16), number(20), content.size()};
+  return {std::istreambuf_iterator<char>(file), {}};
 }
 
 std::vector<std::string> words(const std::string& line) {
@@ -187,7 +169,7 @@ TEST_F(CommandsTest, RefusesWrongUse) {
   EXPECT_EQ(statusOf({"preview", "a", "-o", ""}), 2);
 }
 
-TEST_F(CommandsTest, ServesAsItsOptionsSay) {
+TEST_F(CommandsTest, ServesAsItsOptionsSayUntilItIsTerminated) {
   temporary_.write("tags.json", R"({"tags":["gold"]})");
   const std::string ready = temporary_ / "ready";
   start({"serve", "--port", "1", "--port", "0", "--db", temporary_ / "r.db", "--ready-file=" + ready, "--strict",
@@ -200,9 +182,13 @@ TEST_F(CommandsTest, ServesAsItsOptionsSay) {
   EXPECT_NE(fetch(*server, "/health").body.find(R"("strict":true)"), std::string::npos);
   EXPECT_NE(fetch(*server, "/messages").body.find("gold"), std::string::npos);
   EXPECT_TRUE(std::filesystem::exists(temporary_ / "r.db"));
-  EXPECT_TRUE(std::filesystem::exists(ready));
+  const std::string written = contentOf(ready);
+  EXPECT_NE(written.find("\nKESU_MESSAGING_HOST='127.0.0.1:"), std::string::npos) << written;
+  EXPECT_NE(written.find("\nKESU_CA_FILE='" + temporary_.path()), std::string::npos) << written;
   kill(pid_, SIGTERM);
+  EXPECT_NE(output().find("all"), std::string::npos);
   EXPECT_EQ(status(), 0);
+  EXPECT_FALSE(std::filesystem::exists(ready));
 }
 
 TEST_F(CommandsTest, ShowsAFileOfRecords) {
@@ -241,10 +227,8 @@ TEST_F(CommandsTest, PreviewsMessagesAsPictures) {
     std::filesystem::remove(picture);
     const std::string file = std::string(KESU_EXAMPLE_MESSAGES) + "/" + name + ".json";
     EXPECT_EQ(statusOf({"preview", file, "-o", picture, "--size", "1280x720"}), 0);
-    const PngFacts facts = pngFacts(picture);
-    EXPECT_EQ(facts.width, 1280U) << name;
-    EXPECT_EQ(facts.height, 720U) << name;
-    EXPECT_GT(facts.bytes, kBytesOfPhotograph) << name;
+    EXPECT_EQ(imageSize(contentOf(picture)), (ImageSize{1280, 720})) << name;
+    EXPECT_GT(std::filesystem::file_size(picture), kBytesOfPhotograph) << name;
   }
   std::filesystem::remove(picture);
   EXPECT_TRUE(std::filesystem::is_empty(temporary_.path())) << "no home is left behind";
@@ -252,15 +236,9 @@ TEST_F(CommandsTest, PreviewsMessagesAsPictures) {
   EXPECT_FALSE(std::filesystem::exists(picture));
 }
 
-TEST_F(CommandsTest, ReturnsTheStatusOfTheProgram) {
+TEST_F(CommandsTest, ReturnsHowTheProgramEnded) {
   EXPECT_EQ(statusOf({"run", "--port", "0", "--", "sh", "-c", "exit 7"}), 7);
-}
-
-TEST_F(CommandsTest, ReturnsTheNumberOfTheSignal) {
   EXPECT_EQ(statusOf({"run", "--port", "0", "--", "sh", "-c", "kill -KILL $$"}), 128 + SIGKILL);
-}
-
-TEST_F(CommandsTest, ReturnsANumberOfItsOwnForAMissingProgram) {
   EXPECT_EQ(statusOf({"run", "--port", "0", "--", "/no/such/program"}), 127);
 }
 
@@ -316,20 +294,6 @@ TEST_F(CommandsTest, ShowAndTailPrintTheRecordsOfACollector) {
   start({"messages", "--url", services->url()});
   EXPECT_NE(output().find("delivered  buttons pressed\n"), std::string::npos) << text_;
   EXPECT_EQ(statusOf({"show", "--url", "http://127.0.0.1:1"}), 1);
-}
-
-TEST_F(CommandsTest, ServeEndsOnTerminationAndRemovesItsReadyFile) {
-  const std::string file = temporary_ / "ready";
-  start({"serve", "--port", "0", "--ready-file", file});
-  output("Ctrl-C");
-  std::ifstream ready(file);
-  const std::string written{std::istreambuf_iterator<char>(ready), {}};
-  EXPECT_NE(written.find("\nKESU_MESSAGING_HOST='127.0.0.1:"), std::string::npos) << written;
-  EXPECT_NE(written.find("\nKESU_CA_FILE='" + temporary_.path()), std::string::npos) << written;
-  kill(pid_, SIGTERM);
-  EXPECT_NE(output().find("all"), std::string::npos);
-  EXPECT_EQ(status(), 0);
-  EXPECT_FALSE(std::filesystem::exists(file));
 }
 
 }  // namespace
