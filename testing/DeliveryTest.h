@@ -9,7 +9,6 @@
 #include "outbox/Outbox.h"
 #include "support/KesuPriorityLogger.h"
 #include "testing/DeliverAsTaken.h"
-#include "testing/FaultyFiles.h"
 #include "testing/ScopedPlatform.h"
 
 namespace kesu::testing {
@@ -45,7 +44,7 @@ class DeliveryTest : public ::testing::Test {
   Dictionary body(std::size_t i) { return *parseJson(platform.http.request(i).body)->dictionary(); }
 
   ScopedPlatform platform;
-  FaultyFiles files{platform.files};
+  FakeFiles& files = platform.files;
   DeploymentSettings settings{platform.bundle};
   KesuStore store{files, platform.defaults, platform.clock};
   Outbox outbox{platform.outbox, platform.defaults, platform.background, platform.clock, platform.random};

@@ -35,6 +35,9 @@ bool FakeFiles::makeDirectories(const std::string& path) {
 }
 
 FileResult FakeFiles::put(const std::string& path, Kind kind, std::string_view bytes) {
+  if (writeStatus_ != FileStatus::Ok) {
+    return failure(writeStatus_, "failed by the test");
+  }
   if (!makeDirectories(parentOf(path))) {
     return failure(FileStatus::OtherFailure, "Not a directory");
   }
@@ -149,6 +152,11 @@ std::vector<std::string> FakeFiles::paths() {
     }
   }
   return found;
+}
+
+void FakeFiles::failWrites(FileStatus status) {
+  const MutexLock lock(mutex_);
+  writeStatus_ = status;
 }
 
 int FakeFiles::readCount(const std::string& path) {

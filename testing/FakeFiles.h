@@ -37,6 +37,9 @@ class FakeFiles final : public Files {
   /// Paths of all regular files, hidden ones too, in the order in which they were made.
   std::vector<std::string> paths();
 
+  /// Makes writes fail from now on, or with FileStatus::Ok succeed again.
+  void failWrites(FileStatus status);
+
   /// Counts the calls of read() for `path`.
   int readCount(const std::string& path);
 
@@ -62,6 +65,7 @@ class FakeFiles final : public Files {
 
   Mutex mutex_;
   Nodes nodes_ KESU_GUARDED_BY(mutex_);
+  FileStatus writeStatus_ KESU_GUARDED_BY(mutex_) = FileStatus::Ok;
   std::set<std::string> locked_ KESU_GUARDED_BY(mutex_);
 };
 

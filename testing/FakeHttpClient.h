@@ -51,7 +51,7 @@ class FakeHttpClient final : public HttpClient {
 
   std::size_t pendingCount() override {
     const MutexLock lock(mutex_);
-    return pending_.size() + late_.size();
+    return pending_.size();
   }
 
   /// Fails all requests that the test has not answered, without waiting.
@@ -65,7 +65,7 @@ class FakeHttpClient final : public HttpClient {
     failAll(HttpError::Cancelled);
   }
 
-  void setConnectObserver(ConnectObserver observer) override { observer_ = std::move(observer); }
+  void setConnectObserver(ConnectObserver /*observer*/) override {}
 
   /// All requests sent before shutdown(), answered or not, in order.
   std::vector<HttpRequest> requests() {
@@ -121,32 +121,6 @@ class FakeHttpClient final : public HttpClient {
     pending_.clear();
   }
 
-  /// Runs the completions of requests that were sent after shutdown(). With a main loop there are none.
-  void completeLate() {
-    std::vector<Completion> late;
-    {
-      const MutexLock lock(mutex_);
-      late.swap(late_);
-    }
-    for (Completion& completion : late) {
-      completion(failure(HttpError::Cancelled));
-    }
-  }
-
-  /// Calls the observer of attempts to connect.
-  void reportConnect(const std::string& host, int port, bool connected) {
-    const auto report = [this, host, port, connected] {
-      if (observer_) {
-        observer_(host, port, connected);
-      }
-    };
-    if (loop_ != nullptr) {
-      loop_->post(report);
-    } else {
-      report();
-    }
-  }
-
  private:
   struct Pending {
     Completion completion;
@@ -156,8 +130,9 @@ class FakeHttpClient final : public HttpClient {
   void add(HttpRequest request, Pending made) {
     const MutexLock lock(mutex_);
     if (down_) {
-      late_.push_back(std::move(made.completion));
-      postLate();
+      if (loop_ != nullptr) {  // Without one nobody could be told: no completion may run inside send().
+        loop_->post([completion = std::move(made.completion)] { completion(failure(HttpError::Cancelled)); });
+      }
       return;
     }
     pending_.emplace(requests_.size(), std::move(made));
@@ -189,22 +164,11 @@ class FakeHttpClient final : public HttpClient {
     });
   }
 
-  /// A main loop delivers late completions by itself; without one they wait for completeLate(), because no completion
-  /// may run inside send().
-  void postLate() KESU_REQUIRES(mutex_) {
-    if (loop_ != nullptr) {
-      loop_->post([completion = std::move(late_.back())] { completion(failure(HttpError::Cancelled)); });
-      late_.pop_back();
-    }
-  }
-
   MainLoop* loop_ = nullptr;
-  ConnectObserver observer_;
   Mutex mutex_;
   bool down_ KESU_GUARDED_BY(mutex_) = false;
   std::vector<HttpRequest> requests_ KESU_GUARDED_BY(mutex_);
   std::map<std::size_t, Pending> pending_ KESU_GUARDED_BY(mutex_);
-  std::vector<Completion> late_ KESU_GUARDED_BY(mutex_);
 };
 
 }  // namespace kesu::testing

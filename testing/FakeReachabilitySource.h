@@ -18,17 +18,9 @@ namespace kesu::testing {
 ///
 /// Handles obey the contract of ReachabilityHandle: one callback after start(), then one for every change that the test
 /// announces, always through the main loop and never after stop(). Main thread, except
-/// setFlags(), internetFlags(), connectionObserved() and the records of observations, which any thread may use. Handles
-/// may outlive the source.
+/// setFlags() and internetFlags(), which any thread may use. Handles may outlive the source.
 class FakeReachabilitySource final : public ReachabilitySource {
  public:
-  /// One call of connectionObserved().
-  struct Observation {
-    std::string host;
-    int port = 0;
-    bool connected = false;
-  };
-
   /// `loop` delivers the callbacks; it must outlive the source and its handles.
   explicit FakeReachabilitySource(MainLoop& loop) : state_(std::make_shared<State>(loop)) {}
 
@@ -48,9 +40,6 @@ class FakeReachabilitySource final : public ReachabilitySource {
     }
   }
 
-  /// Makes start() of every handle fail from now on, or succeed again.
-  void setStartFails(bool fails) { state_->startFails = fails; }
-
   /// Makes watch() return null from now on, as for a name that cannot be a host name.
   void setWatchFails(bool fails) { watchFails_ = fails; }
 
@@ -58,14 +47,6 @@ class FakeReachabilitySource final : public ReachabilitySource {
   const std::vector<ReachabilityTarget>& targets() const { return targets_; }
 
   int startedCount() const { return state_->started; }  ///< Successful start() calls so far.
-  int stoppedCount() const { return state_->stopped; }  ///< Watches that ended, by stop() or with their handle.
-
-  /// Every call of connectionObserved(), oldest first.
-  std::vector<Observation> observations() const {
-    MutexLock lock(state_->mutex);
-    return state_->observations;
-  }
-
   std::unique_ptr<ReachabilityHandle> watch(const ReachabilityTarget& target) override {
     targets_.push_back(target);
     if (watchFails_) {
@@ -81,10 +62,7 @@ class FakeReachabilitySource final : public ReachabilitySource {
     return state_->flags;
   }
 
-  void connectionObserved(const std::string& host, int port, bool connected) override {
-    MutexLock lock(state_->mutex);
-    state_->observations.push_back({host, port, connected});
-  }
+  void connectionObserved(const std::string& /*host*/, int /*port*/, bool /*connected*/) override {}
 
  private:
   struct Watch {
@@ -97,12 +75,9 @@ class FakeReachabilitySource final : public ReachabilitySource {
 
     MainLoop& loop;
     std::vector<std::weak_ptr<Watch>> watches;
-    bool startFails = false;
     int started = 0;
-    int stopped = 0;
-    mutable Mutex mutex;
+    Mutex mutex;
     std::optional<std::uint32_t> flags KESU_GUARDED_BY(mutex) = kFlagReachable;
-    std::vector<Observation> observations KESU_GUARDED_BY(mutex);
   };
 
   class Handle final : public ReachabilityHandle {
@@ -119,7 +94,7 @@ class FakeReachabilitySource final : public ReachabilitySource {
     }
 
     bool start(std::function<void()> changed) override {
-      if (state_->startFails || watch_->changed || !changed) {
+      if (watch_->changed || !changed) {
         return false;
       }
       watch_->changed = std::move(changed);
@@ -138,7 +113,6 @@ class FakeReachabilitySource final : public ReachabilitySource {
       if (watch_->changed) {
         watch_->changed = nullptr;
         ++watch_->run;
-        ++state_->stopped;
       }
     }
 

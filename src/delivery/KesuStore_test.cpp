@@ -5,7 +5,6 @@
 #include "delivery/StoreFileName.h"
 #include "foundation/PropertyList.h"
 #include "support/KesuPriorityLogger.h"
-#include "testing/FaultyFiles.h"
 #include "testing/ScopedPlatform.h"
 
 namespace kesu {

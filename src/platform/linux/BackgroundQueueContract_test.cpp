@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/resource.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -9,6 +8,7 @@
 #include <thread>
 
 #include "platform/linux/LinuxBackgroundQueue.h"
+#include "testing/ChildProcess.h"
 #include "testing/ManualBackgroundQueue.h"
 
 namespace kesu {
@@ -18,20 +18,19 @@ constexpr double kPatienceSeconds = 10.0;
 
 class BackgroundQueueContract : public ::testing::TestWithParam<std::string> {
  protected:
-  BackgroundQueue& queue() { return *queue_; }
+  BackgroundQueue& queue() { return isLinux() ? static_cast<BackgroundQueue&>(linux_) : manual_; }
 
   /// Runs everything that is due; the manual queue has no clock.
   void runDueTasks() {
-    if (auto* manual = dynamic_cast<testing::ManualBackgroundQueue*>(queue_.get())) {
-      manual->runDelayed();
-    }
+    manual_.runDelayed();
     EXPECT_TRUE(queue().drain(kPatienceSeconds));
   }
 
  private:
-  std::unique_ptr<BackgroundQueue> queue_ =
-      GetParam() == "Linux" ? std::unique_ptr<BackgroundQueue>(std::make_unique<LinuxBackgroundQueue>())
-                            : std::unique_ptr<BackgroundQueue>(std::make_unique<testing::ManualBackgroundQueue>());
+  static bool isLinux() { return GetParam() == "Linux"; }
+
+  LinuxBackgroundQueue linux_;
+  testing::ManualBackgroundQueue manual_;
 };
 
 TEST_P(BackgroundQueueContract, RunsTasksInOrderAndNotOnPost) {
@@ -263,16 +262,13 @@ TEST(LinuxBackgroundQueue, ForkedChildDropsTasksAndNeverWaits) {
   LinuxBackgroundQueue queue;
   queue.post([] {});
   ASSERT_TRUE(queue.drain(kPatienceSeconds));
-  const pid_t child = ::fork();
-  if (child == 0) {
+  const auto verdict = testing::runInChild([&] {
     queue.post([] { ::_exit(1); });
     queue.postAfter(0.0, [] { ::_exit(1); });
     queue.shutdown(kPatienceSeconds);
-    ::_exit(queue.drain(kPatienceSeconds) ? 2 : 0);
-  }
-  int status = -1;
-  ASSERT_EQ(::waitpid(child, &status, 0), child);
-  EXPECT_EQ(status, 0);
+    return queue.drain(kPatienceSeconds) ? 2 : 0;
+  });
+  EXPECT_EQ(verdict, 0);
 }
 
 }  // namespace

@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 #include <poll.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <atomic>
 #include <future>
@@ -9,6 +7,7 @@
 #include <thread>
 
 #include "platform/linux/base/LinuxMainLoop.h"
+#include "testing/ChildProcess.h"
 #include "testing/ManualMainLoop.h"
 
 namespace kesu {
@@ -24,55 +23,35 @@ bool isReadable(int fd, int milliseconds = 0) {
   return ::poll(&wanted, 1, milliseconds) == 1;
 }
 
-/// A main loop, and how its time passes.
-class Rig {
- public:
-  virtual ~Rig() = default;
-  virtual MainLoop& loop() = 0;
-  virtual void untilDue() = 0;
-  virtual void pass(double seconds) = 0;
-};
-
-class ManualRig : public Rig {
- public:
-  MainLoop& loop() override { return loop_; }
-  void untilDue() override { clock_.advance(loop_.nextDue().value()); }
-  void pass(double seconds) override { clock_.advance(seconds); }
-
- private:
-  testing::ManualClock clock_;
-  testing::ManualMainLoop loop_{clock_};
-};
-
-class LinuxRig : public Rig {
- public:
-  MainLoop& loop() override { return loop_; }
-  void untilDue() override { ASSERT_TRUE(isReadable(loop_.fd(), kDeadlineMilliseconds)); }
-  void pass(double seconds) override {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
-    while (std::chrono::steady_clock::now() < end) {
-    }
-  }
-
- private:
-  LinuxMainLoop loop_;
-};
-
 class MainLoopContract : public ::testing::TestWithParam<std::string> {
  protected:
-  MainLoop& loop() { return rig_->loop(); }
+  MainLoop& loop() { return isLinux() ? static_cast<MainLoop&>(linux_) : manual_; }
   MainLoop::Task note(const std::string& name) {
     return [this, name] { ran_ += name; };
   }
   std::string takeRan() { return std::exchange(ran_, {}); }
   std::size_t pump() { return loop().pump(kNoHurrySeconds); }
-  void untilDue() { rig_->untilDue(); }
-  void pass(double seconds) { rig_->pass(seconds); }
+  void untilDue() {
+    if (isLinux()) {
+      ASSERT_TRUE(isReadable(linux_.fd(), kDeadlineMilliseconds));
+    } else {
+      clock_.advance(manual_.nextDue().value());
+    }
+  }
+  void pass(double seconds) {
+    clock_.advance(seconds);
+    const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
+    while (isLinux() && std::chrono::steady_clock::now() < end) {
+    }
+  }
 
  private:
+  static bool isLinux() { return GetParam() == "Linux"; }
+
   std::string ran_;
-  std::unique_ptr<Rig> rig_ = GetParam() == "Linux" ? std::unique_ptr<Rig>(std::make_unique<LinuxRig>())
-                                                    : std::unique_ptr<Rig>(std::make_unique<ManualRig>());
+  LinuxMainLoop linux_;
+  testing::ManualClock clock_;
+  testing::ManualMainLoop manual_{clock_};
 };
 
 TEST_P(MainLoopContract, RunsTasksInOrderAndThoseTheyPostInTheNextPump) {
@@ -358,17 +337,14 @@ TEST(LinuxMainLoop, ForkedChildRunsNothing) {
   LinuxMainLoop loop;
   bool ran = false;
   loop.post([&] { ran = true; });
-  const pid_t child = ::fork();
-  if (child == 0) {
+  const auto verdict = testing::runInChild([&] {
     loop.post([&] { ran = true; });
     const bool isQuiet =
         loop.pump(kNoHurrySeconds) == 0 && loop.drain(1.0) && !loop.nextDue() && loop.schedule(0, true, [] {}) == 0;
     loop.run();
-    ::_exit(isQuiet && !ran ? 0 : 1);
-  }
-  int status = -1;
-  ASSERT_EQ(::waitpid(child, &status, 0), child);
-  EXPECT_EQ(status, 0);
+    return isQuiet && !ran ? 0 : 1;
+  });
+  EXPECT_EQ(verdict, 0);
   EXPECT_EQ(loop.pump(kNoHurrySeconds), 1U);
 }
 

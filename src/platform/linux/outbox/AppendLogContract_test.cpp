@@ -12,51 +12,21 @@
 namespace kesu {
 namespace {
 
-/// A log, and how its process dies and another one starts.
-class LogRig {
- public:
-  virtual ~LogRig() = default;
-  virtual AppendLog& log() = 0;
-  virtual void restart() = 0;
-};
-
-class FakeLogRig : public LogRig {
- public:
-  AppendLog& log() override { return log_; }
-  void restart() override { log_.restart(); }
-
- private:
-  testing::FakeAppendLog log_;
-};
-
-class LinuxLogRig : public LogRig {
- public:
-  explicit LinuxLogRig(SegmentAccess access) : access_(access) { restart(); }
-  AppendLog& log() override { return *log_; }
-  void restart() override {
-    log_.reset();
-    log_ = std::make_unique<LinuxAppendLog>(directory_ / "Library/Outbox", access_);
-  }
-
- private:
-  testing::TemporaryDirectory directory_;
-  const SegmentAccess access_;
-  std::unique_ptr<LinuxAppendLog> log_;
-};
-
-std::unique_ptr<LogRig> makeRig(const std::string& name) {
-  if (name == "Fake") {
-    return std::make_unique<FakeLogRig>();
-  }
-  return std::make_unique<LinuxLogRig>(name == "Mapped" ? SegmentAccess::Mapped : SegmentAccess::SystemCalls);
-}
-
 class AppendLogContract : public ::testing::TestWithParam<std::string> {
  protected:
   using Texts = std::vector<std::string>;
 
-  AppendLog& log() { return rig_->log(); }
-  void restart() { rig_->restart(); }
+  AppendLogContract() { restart(); }
+
+  AppendLog& log() { return isFake() ? static_cast<AppendLog&>(fake_) : *linux_; }
+
+  /// Has the process die and another one start.
+  void restart() {
+    fake_.restart();
+    linux_ = nullptr;
+    linux_ = std::make_unique<LinuxAppendLog>(
+        directory_ / "Library/Outbox", GetParam() == "Mapped" ? SegmentAccess::Mapped : SegmentAccess::SystemCalls);
+  }
 
   /// Recovers and describes what is found: "number bytes", "(preamble)", "released".
   Texts recover(AppendLog::Sequence last = 0, const std::string& releasing = "none") {
@@ -78,7 +48,11 @@ class AppendLogContract : public ::testing::TestWithParam<std::string> {
   }
 
  private:
-  std::unique_ptr<LogRig> rig_ = makeRig(GetParam());
+  static bool isFake() { return GetParam() == "Fake"; }
+
+  testing::FakeAppendLog fake_;
+  testing::TemporaryDirectory directory_;
+  std::unique_ptr<LinuxAppendLog> linux_;
 };
 
 TEST_P(AppendLogContract, FindsEntriesOfAllEarlierProcessesInOrder) {

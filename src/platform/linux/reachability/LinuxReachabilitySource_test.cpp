@@ -10,8 +10,6 @@
 #include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/syscall.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <atomic>
 #include <cerrno>
@@ -28,6 +26,7 @@
 #include <thread>
 #include <vector>
 
+#include "testing/ChildProcess.h"
 #include "testing/TemporaryDirectory.h"
 #include "testing/WaitingMainLoop.h"
 
@@ -318,18 +317,15 @@ TEST(LinuxReachabilitySourceTest, LearnsOfFailuresFromManyThreads) {
 TEST(LinuxReachabilitySourceTest, AForkedChildMayAskAndDestroyButWatchesNothing) {
   auto host = std::make_unique<Watching>(ReachabilityTarget{"127.0.0.1", 9, 0});
   EXPECT_TRUE(host->tells(kDirect));
-  const pid_t child = ::fork();
-  if (child == 0) {
+  const auto verdict = testing::runInChild([&] {
     host->source.connectionObserved("127.0.0.1", 9, false);
     const bool answers = host->source.internetFlags().has_value();
     const auto other = host->source.watch({"127.0.0.1", 9, 0});
     const bool silent = !other->start([] {});
     host.reset();
-    ::_exit(answers && silent ? 0 : 1);
-  }
-  int status = 0;
-  ASSERT_EQ(::waitpid(child, &status, 0), child);
-  EXPECT_EQ(status, 0);
+    return answers && silent ? 0 : 1;
+  });
+  EXPECT_EQ(verdict, 0);
 }
 
 }  // namespace
