@@ -41,24 +41,6 @@ class MessagesOfAHostTest : public testing::SdkFixture {
   std::vector<std::string> received;
 };
 
-TEST_F(MessagesOfAHostTest, NeedsTheInitialisation) {
-  const std::function<void()> operations[] = {
-      [] { Kesu::countNewUnFetched({}); }, [] { Kesu::getMessageHeadersForType(Type::Read, {}); },
-      [] { Kesu::getMessageBodyWithCampaignID("c", "m", {}); }, [] { Kesu::getMessagesForType(Type::Read, {}); }};
-  for (const auto& operation : operations) {
-    try {
-      operation();
-      ADD_FAILURE() << "should throw";
-    } catch (const InternalInconsistencyException& exception) {
-      EXPECT_TRUE(std::string(exception.what()).starts_with("KesuAppKey needs to be set via initializeWithKey:"));
-    }
-  }
-  EXPECT_FALSE(Kesu::previousReadMessages());
-  EXPECT_NE(Kesu::registerForButtonClickOnInAppMessageWithSelector([](const KesuInAppStatus&) {}), 0U);
-  EXPECT_EQ(Kesu::registerForButtonClickOnInAppMessageWithSelector({}), 0U);
-  EXPECT_EQ(platform.http.requestCount(), 0U);
-}
-
 TEST_F(MessagesOfAHostTest, GoFromHeaderToBodyAndSurviveARestart) {
   launch();
   answerAll(200);
@@ -183,26 +165,6 @@ TEST_F(MessagesOverTlsTest, SendsKeyAndIdentifiersAndTheReceiptToTheCollector) {
   const ServedRequest receipt = collector.requests().back();
   EXPECT_EQ(receipt.header("t"), "n");
   EXPECT_TRUE(receipt.body.starts_with(R"({"mid":"m","cid":"c","kak":"key","kaid":")")) << receipt.body;
-}
-
-TEST_F(MessagesOverTlsTest, AnswersNothingWhenTheServiceMisbehaves) {
-  LoopbackServer stranger;
-  const Fault faults[] = {Fault::reply(500, R"({"count":1})"),
-                          Fault::reset(),
-                          Fault::cutBody(100, "{"),
-                          Fault::badGzip(),
-                          Fault::endless(5'000'000),
-                          Fault::redirect(307, stranger.url()),
-                          Fault::reply(200, "")};
-  for (const Fault& fault : faults) {
-    service.onPath("/api/inapp/count/", fault);
-    const std::size_t before = received.size();
-    Kesu::countNewUnFetched(listenForCount());
-    ASSERT_TRUE(awaitReceived(before + 1));
-    EXPECT_EQ(received.back(), "0");
-  }
-  EXPECT_EQ(received.size(), std::size(faults)) << "each handler once";
-  EXPECT_EQ(stranger.requestCount(), 0U) << "no body goes to another host";
 }
 
 TEST_F(MessagesOverTlsTest, FetchesPicturesOnTheImageWorkerAndCachesThem) {

@@ -6,6 +6,7 @@
 
 #include "facade/Wiring.h"
 #include "testing/FontRelease.h"
+#include "testing/MessageScreen.h"
 #include "testing/SdkFixture.h"
 
 namespace kesu {
@@ -14,36 +15,19 @@ namespace {
 /// The whole library, with a host's screen over which messages appear.
 class MessagesTest : public testing::SdkFixture {
  protected:
-  /// Answers the oldest open request for a path; everything else stays open.
   bool answer(const std::string& path, const std::string& reply) {
-    const auto requests = platform.http.requests();
-    for (std::size_t i = 0; i < requests.size(); ++i) {
-      if (requests[i].url.find(path) != std::string::npos && platform.http.answer(i, 200, reply)) {
-        platform.settle();
-        return true;
-      }
-    }
-    return false;
+    return testing::answerOldest(platform, path, reply);
   }
 
   /// Lets the service answer a show with these headers and its first message.
   void deliver(const char* metadataList) {
     platform.settle();
     ASSERT_TRUE(answer("/api/inapp/newUnFetched/", std::string(R"({"metadatalist":)") + metadataList + "}"));
-    deliverBody();
-  }
-
-  void deliverBody() {
     ASSERT_TRUE(answer("/api/inapp/getmessage/",
                        R"({"payload":{"title":"New season","msg":"Watch it now","templateId":"p","templateData":
                        "{\"buttons\":[[\"Watch\",\"tv://watch\",\"#112233\",\"#ffffff\"]]}"}})"));
-    frames(0.4);
-  }
-
-  void frames(double seconds) {
-    overlay.layers(now);
-    now += seconds;
-    overlay.layers(now);
+    overlay.layers(5.0);
+    overlay.layers(5.4);  // It has slid in.
     platform.settle();
   }
 
@@ -53,14 +37,6 @@ class MessagesTest : public testing::SdkFixture {
     platform.settle();
   }
 
-  std::string heard() {
-    std::string text;
-    for (const AccessibilityNode& node : overlay.accessibilityTree()) {
-      text += node.label + (node.isFocused ? "* " : " ");
-    }
-    return text;
-  }
-
   void show() {
     Kesu::showUnreadInAppNotificationUIWithCompletionHandler(
         [this](const KesuInAppStatus& status) { statuses.push_back(status); });
@@ -68,19 +44,9 @@ class MessagesTest : public testing::SdkFixture {
 
   Overlay overlay;
   std::vector<KesuInAppStatus> statuses;
-  double now = 5.0;
 };
 
 constexpr const char* kTwoHeaders = R"([{"mid":"a","cid":"c"},{"mid":"b","cid":"d"}])";
-
-TEST_F(MessagesTest, ShowsTheFirstMessageOnceItHasArrived) {
-  launch();
-  show();
-  EXPECT_FALSE(overlay.isModal());
-  deliver(kTwoHeaders);
-  ASSERT_TRUE(overlay.isModal());
-  EXPECT_EQ(heard(), "New season New season Watch it now Watch* Showing 1 of 2 in-app messages Next message ");
-}
 
 TEST_F(MessagesTest, ReportsAPressedButtonToHostAndCollector) {
   launch();
@@ -89,7 +55,9 @@ TEST_F(MessagesTest, ReportsAPressedButtonToHostAndCollector) {
   Kesu::registerForButtonClickOnInAppMessageWithSelector(
       [&](const KesuInAppStatus& status) { observed.push_back(status); });
   show();
+  EXPECT_FALSE(overlay.isModal());
   deliver(kTwoHeaders);
+  ASSERT_TRUE(overlay.isModal());
   forgetRequests();
   press(RemoteButton::Select);
   EXPECT_EQ(platform.urlOpener.urls, std::vector<std::string>{"tv://watch"});
@@ -100,32 +68,6 @@ TEST_F(MessagesTest, ReportsAPressedButtonToHostAndCollector) {
   EXPECT_EQ(text(body(0), "action"), "cta");
   EXPECT_EQ(text(body(0), "btnName"), "Watch");
   EXPECT_EQ(text(body(1), "~e"), "Kesu.InAppCallToAction");
-}
-
-TEST_F(MessagesTest, PagesToTheNextMessage) {
-  launch();
-  show();
-  deliver(kTwoHeaders);
-  press(RemoteButton::Down);
-  press(RemoteButton::Select);
-  deliverBody();
-  ASSERT_EQ(statuses.size(), 1U);
-  EXPECT_EQ(statuses[0], (KesuInAppStatus{11, "b", "d", {}, {}, 3, {}}));
-  EXPECT_NE(heard().find("Previous message* Showing 2 of 2 "), std::string::npos) << heard();
-}
-
-TEST_F(MessagesTest, SlidesOutAtTheMenuButton) {
-  launch();
-  show();
-  deliver(kTwoHeaders);
-  press(RemoteButton::Menu);
-  const auto lines = platform.log.takeLines();
-  ASSERT_EQ(lines.size(), 1U);
-  EXPECT_EQ(lines[0].text, "Menu button released");
-  EXPECT_TRUE(overlay.isModal()) << "it slides out";
-  frames(0.4);
-  EXPECT_FALSE(overlay.isModal());
-  EXPECT_FALSE(overlay.press(RemoteButton::Menu, PressPhase::Began)) << "the host's again";
 }
 
 TEST_F(MessagesTest, IgnoresShowsWhileOneIsUpAndShowsAgainAfterwards) {
@@ -163,21 +105,9 @@ TEST_F(MessagesTest, ShowsAgainWhenTheHostHasDestroyedItsWindow) {
 }
 
 struct Host : ViewController, KesuInAppMessageDelegate {
-  void inAppMessageButtonHandlerWithIndex(std::int64_t, const std::string& title, const std::string&,
-                                          std::int64_t) override {
-    titles += title;
+  void inAppMessageButtonHandlerWithIndex(std::int64_t, const std::string&, const std::string&, std::int64_t) override {
   }
-  std::string titles;
 };
-
-TEST_F(MessagesTest, CallsTheScreenThatIsADelegate) {
-  launch();
-  Host host;
-  Kesu::showUnreadInAppNotificationUI(&host);
-  deliver(kTwoHeaders);
-  press(RemoteButton::Select);
-  EXPECT_EQ(host.titles, "Watch");
-}
 
 struct ShowRow {
   std::function<void(ViewController&)> show;
@@ -257,22 +187,6 @@ TEST_F(MessagesTest, AddsABadgeOnceTheCountIsThere) {
   icon.reset();
   ASSERT_TRUE(answer("/count/", R"({"count":3})"));
   EXPECT_EQ(shelf->subviews().size(), 1U) << "the view is destroyed";
-}
-
-TEST_F(MessagesTest, NeedsTheKey) {
-  const auto view = std::make_shared<View>();
-  const std::function<void()> calls[] = {
-      [] { Kesu::showInAppNotificationUI(nullptr, KesuInAppMessageType::All, {}, {}, {}, {}); },
-      [] { Kesu::showUnreadInAppNotificationUI(nullptr); },
-      [] { Kesu::showInAppNotificationUIForDisplayMessages(KesuInAppMessageType::All, {}, {}); },
-      [] { Kesu::showInAppNotificationUIForDisplayMessages(KesuInAppMessageType::All, {}, {}, {}, {}, {}); },
-      [] { Kesu::showUnreadInAppNotificationUIWithCompletionHandler({}); },
-      [] { Kesu::dismissInAppNotificationUI(true); },
-      [&] { Kesu::addBadge(view.get()); }};
-  for (const auto& call : calls) {
-    EXPECT_THROW(call(), InternalInconsistencyException);
-  }
-  Kesu::setInAppOptions({});
 }
 
 }  // namespace

@@ -35,15 +35,6 @@ TEST_F(RecordRoadTest, CarriesAnEventFromTheHostToTheCollector) {
   EXPECT_EQ(platform.defaults.text("~ef"), "$$Started~~0");
 }
 
-TEST_F(RecordRoadTest, KeepsTheOrderOfTheCalls) {
-  for (const char* name : {"a", "b", "c"}) {
-    KesuCustomEvent::postWithEventName(name);
-  }
-  platform.settle();
-  EXPECT_EQ(text(body(0), "~e") + text(body(1), "~e") + text(body(2), "~e"), "abc");
-  EXPECT_EQ(platform.defaults.text("~ef"), "$$a~~0$$b~~0$$c~~0");
-}
-
 TEST_F(RecordRoadTest, LosesNothingAtAnyMomentAndWritesOnceForABurst) {
   for (const char* name : {"a", "b", "c"}) {
     KesuCustomEvent::postWithEventName(name);
