@@ -24,6 +24,14 @@ class AnimatorTest : public ::testing::Test {
   AnimationCompletion note(const std::string& name) {
     return [this, name](bool finished) { heard += name + (finished ? "+" : "-"); };
   }
+  void fade(double seconds, double aim, const std::string& name) {
+    animate(
+        seconds, [&] { view->setAlpha(aim); }, note(name));
+  }
+  void move(double seconds, const Point& center, const std::string& name) {
+    animate(
+        seconds, [&] { view->setCenter(center); }, note(name));
+  }
   std::string take() { return std::exchange(heard, {}); }
   double alpha() const { return ViewDrawing::presented(*view).alpha; }
   double x() const { return ViewDrawing::presented(*view).center.x; }
@@ -34,8 +42,7 @@ class AnimatorTest : public ::testing::Test {
 };
 
 TEST_F(AnimatorTest, GoesSlowlyAtBothEnds) {
-  animate(
-      0.4, [&] { view->setAlpha(0.0); }, note("a"));
+  fade(0.4, 0.0, "a");
   EXPECT_EQ(view->alpha(), 0.0) << "the aim is told at once";
   EXPECT_EQ(alpha(), 1.0);
   Animator::shared().tick(10.0);
@@ -74,17 +81,14 @@ TEST_F(AnimatorTest, MovesEveryValueOnItsOwn) {
 }
 
 TEST_F(AnimatorTest, GoesOnFromWhereItIsWhenAnotherTakesOver) {
-  animate(
-      1.0,
-      [&] {
-        view->setAlpha(0.0);
-        view->setCenter({150.0, 50.0});
-      },
-      note("a"));
+  const std::function<void()> change = [&] {
+    view->setAlpha(0.0);
+    view->setCenter({150.0, 50.0});
+  };
+  animate(1.0, change, note("a"));
   Animator::shared().tick(0.0);
   Animator::shared().tick(0.5);
-  animate(
-      1.0, [&] { view->setAlpha(1.0); }, note("b"));
+  fade(1.0, 1.0, "b");
   Animator::shared().tick(0.6);
   EXPECT_NEAR(alpha(), 0.5, 1e-9);
   Animator::shared().tick(1.0);
@@ -102,11 +106,9 @@ TEST_F(AnimatorTest, GoesOnFromWhereItIsWhenAnotherTakesOver) {
 }
 
 TEST_F(AnimatorTest, LeavesAnAnimationToTheSameAimAlone) {
-  animate(
-      0.3, [&] { view->setAlpha(0.0); }, note("a"));
+  fade(0.3, 0.0, "a");
   Animator::shared().tick(0.0);
-  animate(
-      0.3, [&] { view->setAlpha(0.0); }, note("b"));
+  fade(0.3, 0.0, "b");
   view->setAlpha(0.0);
   EXPECT_EQ(alpha(), 1.0);
   Animator::shared().tick(0.1);
@@ -119,8 +121,7 @@ TEST_F(AnimatorTest, LeavesAnAnimationToTheSameAimAlone) {
 TEST_F(AnimatorTest, SetsAtOnceWithoutDuration) {
   for (const double seconds : {0.0, -1.0, std::nan("")}) {
     view->setAlpha(1.0);
-    animate(
-        seconds, [&] { view->setAlpha(0.5); }, note("a"));
+    fade(seconds, 0.5, "a");
     EXPECT_EQ(alpha(), 0.5);
     EXPECT_EQ(take(), "a+");
   }
@@ -128,8 +129,7 @@ TEST_F(AnimatorTest, SetsAtOnceWithoutDuration) {
       1.0,
       [&] {
         view->setCenter({1.0, 1.0});
-        animate(
-            0.0, [&] { view->setAlpha(0.0); }, note("in"));
+        fade(0.0, 0.0, "in");
         auto made = std::make_shared<View>(Rect{5.0, 5.0, 10.0, 10.0});
         EXPECT_EQ(ViewDrawing::presented(*made).size.width, 10.0) << "what is new does not grow from nothing";
       },
@@ -151,12 +151,7 @@ TEST_F(AnimatorTest, LetsCompletionsDoAnything) {
               heard += "b";
             });
       });
-  animate(
-      5.0,
-      [&] {
-        view->setCenter({9.0, 9.0});
-      },
-      note("c"));
+  move(5.0, {9.0, 9.0}, "c");
   Animator::shared().tick(0.0);
   Animator::shared().tick(0.1);
   EXPECT_EQ(heard, "a");
@@ -187,8 +182,7 @@ TEST_F(AnimatorTest, FollowsEndsThatCauseEndsInOneFrame) {
 }
 
 TEST_F(AnimatorTest, NeverGoesBackInTime) {
-  animate(
-      1.0, [&] { view->setAlpha(0.0); }, note("a"));
+  fade(1.0, 0.0, "a");
   Animator::shared().tick(100.0);
   Animator::shared().tick(100.5);
   Animator::shared().tick(3.0);
@@ -203,8 +197,7 @@ TEST_F(AnimatorTest, GoesOnAfterAClockThatWentWild) {
     Animator::shared().tick(wild);
   }
   Animator::shared().tick(5.0);
-  animate(
-      1.0, [&] { view->setAlpha(0.0); }, note("a"));
+  fade(1.0, 0.0, "a");
   Animator::shared().tick(5.0);
   Animator::shared().tick(5.5);
   EXPECT_NEAR(alpha(), 0.5, 1e-9);
@@ -222,12 +215,7 @@ TEST_F(AnimatorTest, GoesOnWhateverTheHostThrows) {
   EXPECT_FALSE(Animator::shared().isRunning());
   animate(
       0.3, [&] { view->setAlpha(0.0); }, [&](bool) { fail(); });
-  animate(
-      0.3,
-      [&] {
-        view->setCenter({9.0, 50.0});
-      },
-      note("b"));
+  move(0.3, {9.0, 50.0}, "b");
   Animator::shared().tick(2.0);
   EXPECT_THROW(Animator::shared().tick(2.3), std::runtime_error);
   EXPECT_TRUE(Animator::shared().isRunning()) << "another frame is wanted";
@@ -236,16 +224,14 @@ TEST_F(AnimatorTest, GoesOnWhateverTheHostThrows) {
 }
 
 TEST_F(AnimatorTest, EndsWhatNobodyDraws) {
-  animate(
-      0.3, [&] { view->setAlpha(0.0); }, note("a"));
+  fade(0.3, 0.0, "a");
   platform.mainLoop.runFor(1.2);
   EXPECT_EQ(alpha(), 1.0);
   platform.mainLoop.runFor(0.2);
   EXPECT_EQ(alpha(), 0.0);
   EXPECT_EQ(take(), "a+");
   EXPECT_EQ(platform.mainLoop.nextDue(), std::nullopt) << "an idle application has no timer";
-  animate(
-      0.3, [&] { view->setAlpha(1.0); }, note("b"));
+  fade(0.3, 1.0, "b");
   Animator::shared().tick(0.0);
   Animator::shared().tick(0.3);
   EXPECT_EQ(take(), "b+");
@@ -253,8 +239,7 @@ TEST_F(AnimatorTest, EndsWhatNobodyDraws) {
 }
 
 TEST_F(AnimatorTest, WaitsForWhomDrawsSlowly) {
-  animate(
-      0.3, [&] { view->setAlpha(0.0); }, note("a"));
+  fade(0.3, 0.0, "a");
   platform.mainLoop.runFor(1.0);
   Animator::shared().tick(1.0);
   platform.mainLoop.runFor(1.0);

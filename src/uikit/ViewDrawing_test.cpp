@@ -4,6 +4,8 @@
 
 #include <functional>
 
+#include "testing/CardWindow.h"
+
 namespace kesu {
 
 void PrintTo(const Rect& rect, std::ostream* out) {
@@ -12,14 +14,7 @@ void PrintTo(const Rect& rect, std::ostream* out) {
 
 namespace {
 
-std::shared_ptr<View> viewIn(View& superview, const Rect& frame) {
-  auto view = std::make_shared<View>(frame);
-  superview.addSubview(view);
-  return view;
-}
-
-/// A window with a card, which is composited, and a button in the card.
-class ViewDrawingTest : public ::testing::Test {
+class ViewDrawingTest : public ::testing::Test, protected testing::CardWindow {
  protected:
   ViewDrawingTest() { settle(); }
 
@@ -29,10 +24,6 @@ class ViewDrawingTest : public ::testing::Test {
   }
   bool hasChanged() const { return ViewDrawing::changeCount(window) != changes; }
 
-  Window window;
-  std::shared_ptr<View> card = viewIn(window, {100.0, 50.0, 600.0, 400.0});
-  std::shared_ptr<View> bar = viewIn(*card, {0.0, 300.0, 600.0, 100.0});
-  std::shared_ptr<View> button = viewIn(*bar, {200.0, 20.0, 100.0, 60.0});
   std::uint64_t changes = 0;
 };
 
@@ -59,49 +50,27 @@ TEST_F(ViewDrawingTest, DamagesWhatAChangeTouches) {
     Rect damage;
   };
   const Rect place{200.0, 320.0, 100.0, 60.0};  // Of the button in the card.
+  const Rect narrow{200.0, 20.0, 50.0, 60.0};
+  const auto center = [&](double x, double y) { return [this, x, y] { button->setCenter({x, y}); }; };
   const std::vector<Case> cases = {
       {"colour", [&] { button->setBackgroundColor(Color::redColor()); }, place},
       {"border", [&] { button->setBorder(1.0, Color::white()); }, place},
       {"corners", [&] { button->setCornerRadius(6.0); }, place},
       {"fading", [&] { button->setAlpha(0.5); }, place},
-      {"move",
-       [&] {
-         button->setCenter({260.0, 50.0});
-       },
-       {200.0, 320.0, 110.0, 60.0}},
-      {"move back",
-       [&] {
-         button->setCenter({250.0, 50.0});
-       },
-       {200.0, 320.0, 110.0, 60.0}},
+      {"move", center(260.0, 50.0), {200.0, 320.0, 110.0, 60.0}},
+      {"move back", center(250.0, 50.0), {200.0, 320.0, 110.0, 60.0}},
       {"growth", [&] { button->setTransform(Transform::scale(2.0)); }, {150.0, 290.0, 200.0, 120.0}},
       {"shrinking", [&] { button->setTransform({}); }, {150.0, 290.0, 200.0, 120.0}},
       {"hiding", [&] { button->setHidden(true); }, place},
-      {"hidden",
-       [&] {
-         button->setCenter({250.0, 50.0});
-       },
-       {}},
+      {"hidden", center(250.0, 50.0), {}},
       {"showing", [&] { button->setHidden(false); }, place},
       {"leaving", [&] { button->removeFromSuperview(); }, place},
       {"alone", [&] { button->setBackgroundColor(Color::white()); }, {}},
       {"coming", [&] { bar->addSubview(button); }, place},
-      {"resizing",
-       [&] {
-         button->setFrame({200.0, 20.0, 50.0, 60.0});
-       },
-       place},
+      {"resizing", [&] { button->setFrame(narrow); }, place},
       {"clipping", [&] { bar->setClipsToBounds(true); }, {0.0, 300.0, 600.0, 100.0}},
-      {"clipped",
-       [&] {
-         button->setCenter({225.0, 90.0});
-       },
-       {200.0, 320.0, 50.0, 80.0}},
-      {"nothing",
-       [&] {
-         button->setCenter({225.0, 90.0});
-       },
-       {}},
+      {"clipped", center(225.0, 90.0), {200.0, 320.0, 50.0, 80.0}},
+      {"nothing", center(225.0, 90.0), {}},
   };
   for (const Case& one : cases) {
     settle();

@@ -1,29 +1,16 @@
 #include <gtest/gtest.h>
-#include <kesu/ui/Window.h>
 
 #include <cmath>
 #include <limits>
 
+#include "testing/CardWindow.h"
 #include "uikit/InputTargets.h"
 #include "uikit/ViewDrawing.h"
 
 namespace kesu {
 namespace {
 
-std::shared_ptr<View> viewIn(View& superview, const Rect& frame) {
-  auto view = std::make_shared<View>(frame);
-  superview.addSubview(view);
-  return view;
-}
-
-/// A window with a card, a bar in it, and a button in the bar.
-class ViewTest : public ::testing::Test {
- protected:
-  Window window;
-  std::shared_ptr<View> card = viewIn(window, {100.0, 50.0, 600.0, 400.0});
-  std::shared_ptr<View> bar = viewIn(*card, {0.0, 300.0, 600.0, 100.0});
-  std::shared_ptr<View> button = viewIn(*bar, {200.0, 20.0, 100.0, 60.0});
-};
+class ViewTest : public ::testing::Test, protected testing::CardWindow {};
 
 TEST_F(ViewTest, ReplacesNumbersThatAreNotFinite) {
   const double nan = std::nan("");
@@ -75,7 +62,7 @@ TEST_F(ViewTest, KeepsATreeWhateverIsAdded) {
 }
 
 TEST_F(ViewTest, FindsTheFrontmostViewThatCanBeTouched) {
-  const auto cover = viewIn(*bar, {250.0, 0.0, 100.0, 100.0});
+  const auto cover = testing::viewIn(*bar, {250.0, 0.0, 100.0, 100.0});
   const Point both{360.0, 380.0};
   EXPECT_EQ(hitTest(window, both), cover.get());
   cover->setUserInteractionEnabled(false);

@@ -10,6 +10,7 @@
 
 #include "graphics/Canvas.h"
 #include "graphics/TextLayout.h"
+#include "testing/CardWindow.h"
 #include "uikit/ViewDrawing.h"
 
 namespace kesu {
@@ -26,13 +27,7 @@ class Probe : public View {
   mutable int draws = 0;
 };
 
-template <typename Kind = View>
-std::shared_ptr<Kind> viewIn(View& superview, const Rect& frame, const Color& background = Color::clear()) {
-  auto view = std::make_shared<Kind>(frame);
-  view->setBackgroundColor(background);
-  superview.addSubview(view);
-  return view;
-}
+using testing::viewIn;
 
 std::uint32_t pixelOf(const FlatFrame& frame, int x, int y) {
   return frame.pixels[y * frame.stride + x];
@@ -381,7 +376,7 @@ TEST_F(RendererTest, FlattensTheLayers) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Seeds, RandomTreeTest, testing::Range(1U, 9U));
+INSTANTIATE_TEST_SUITE_P(Seeds, RandomTreeTest, ::testing::Range(1U, 9U));
 
 }  // namespace
 }  // namespace kesu
