@@ -34,7 +34,7 @@ inline std::string joined(const std::vector<FoundEntry>& found) {
 }
 
 /// The names of a directory that end in `suffix`, sorted.
-inline std::set<std::string> outboxNames(const std::string& directory, const std::string& suffix = {}) {
+inline std::set<std::string> namesIn(const std::string& directory, const std::string& suffix = {}) {
   std::set<std::string> found;
   for (const auto& entry : std::filesystem::directory_iterator(directory)) {
     if (entry.path().string().ends_with(suffix)) {

@@ -1,12 +1,11 @@
 #include "platform/linux/LinuxMemoryPressure.h"
 
-#include <arpa/inet.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <poll.h>
-#include <sys/socket.h>
 #include <sys/stat.h>
 
+#include "testing/RawConnection.h"
 #include "testing/TemporaryDirectory.h"
 
 namespace kesu {
@@ -19,17 +18,9 @@ constexpr double kUnhurriedSeconds = 60.0;
 class UrgentPair {
  public:
   UrgentPair() {
-    const UniqueFd server(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t length = sizeof address;
-    ::bind(server.get(), reinterpret_cast<sockaddr*>(&address), length);
-    ::listen(server.get(), 1);
-    ::getsockname(server.get(), reinterpret_cast<sockaddr*>(&address), &length);
-    sender_ = UniqueFd(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
-    ::connect(sender_.get(), reinterpret_cast<sockaddr*>(&address), length);
-    receiver_ = UniqueFd(::accept4(server.get(), nullptr, nullptr, SOCK_CLOEXEC));
+    const testing::SilentServer server;
+    sender_ = testing::sendRaw(server.port(), "");
+    receiver_ = UniqueFd(::accept4(server.fd(), nullptr, nullptr, SOCK_CLOEXEC));
   }
 
   void fire() const {

@@ -1,7 +1,5 @@
-#include <arpa/inet.h>
 #include <gtest/gtest.h>
 #include <kesu/platform/Platform.h>
-#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -12,6 +10,7 @@
 #include "platform/OrderlyEnd.h"
 #include "testing/ManualClock.h"
 #include "testing/ManualMainLoop.h"
+#include "testing/RawConnection.h"
 #include "testing/TemporaryDirectory.h"
 
 namespace kesu {
@@ -21,24 +20,12 @@ namespace fs = std::filesystem;
 
 constexpr int kRecords = 200;
 
-/// The URL of a server that takes connections and never says a word.
-std::string silentServer() {
-  const int server = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  socklen_t length = sizeof address;
-  ::bind(server, reinterpret_cast<sockaddr*>(&address), length);
-  ::listen(server, 64);
-  ::getsockname(server, reinterpret_cast<sockaddr*>(&address), &length);
-  return "http://127.0.0.1:" + std::to_string(ntohs(address.sin_port)) + "/";
-}
-
-void postRecord(const std::string& url, int number) {
+/// Sends a record to a server; it is stored when it does not arrive.
+void postRecord(int port, int number) {
   Platform& platform = Platform::current();
-  platform.background.post([&platform, url, number] {
+  platform.background.post([&platform, port, number] {
     HttpRequest request;
-    request.url = url;
+    request.url = "http://127.0.0.1:" + std::to_string(port) + "/";
     platform.http.send(request, [&platform, number](const HttpReply&) {
       platform.background.post([&platform, number] {
         platform.files.writeAtomically(platform.files.documentsDirectory() + "/" + std::to_string(number), "record");
@@ -87,9 +74,9 @@ class ProcessEndDeathTest : public ::testing::TestWithParam<Ending> {
     PlatformOptions options;
     options.homeDirectory = home_.path();
     installLinuxPlatform(options);
-    const std::string url = silentServer();
+    const testing::SilentServer server;
     for (int number = 0; number < kRecords; ++number) {
-      postRecord(url, number);
+      postRecord(server.port(), number);
     }
     GetParam().end();
   }
@@ -123,11 +110,12 @@ TEST(LinuxPlatformDeathTest, ForkedChildLeavesRecordsToItsParent) {
     PlatformOptions options;
     options.homeDirectory = home.path();
     installLinuxPlatform(options);
-    postRecord(silentServer(), 1);
+    const testing::SilentServer server;
+    postRecord(server.port(), 1);
     Platform::current().background.drain(10.0);
     const pid_t child = ::fork();
     if (child == 0) {
-      postRecord("http://127.0.0.1:9/", 2);
+      postRecord(9, 2);
       std::exit(0);
     }
     int status = -1;

@@ -1,13 +1,14 @@
 #include "platform/linux/LinuxRandom.h"
 
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <set>
 #include <thread>
 #include <vector>
+
+#include "testing/ChildProcess.h"
 
 namespace kesu {
 namespace {
@@ -58,14 +59,11 @@ TEST(LinuxRandom, AForkedChildDrawsItsOwn) {
   std::vector<Identifier> mine = identifiers(random, 1);
   int ends[2];
   ASSERT_EQ(::pipe(ends), 0);
-  const pid_t child = ::fork();
-  if (child == 0) {
+  const auto status = testing::runInChild([&] {
     const std::vector<Identifier> theirs = identifiers(random, 40);
     const ssize_t size = static_cast<ssize_t>(theirs.size() * sizeof(Identifier));
-    ::_exit(::write(ends[1], theirs.data(), static_cast<std::size_t>(size)) == size ? 0 : 1);
-  }
-  int status = -1;
-  ASSERT_EQ(::waitpid(child, &status, 0), child);
+    return ::write(ends[1], theirs.data(), static_cast<std::size_t>(size)) == size ? 0 : 1;
+  });
   ASSERT_EQ(status, 0);
   std::vector<Identifier> theirs(40);
   EXPECT_EQ(::read(ends[0], theirs.data(), 640), 640);

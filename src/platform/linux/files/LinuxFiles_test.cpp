@@ -10,6 +10,7 @@
 #include <set>
 
 #include "testing/ChildProcess.h"
+#include "testing/FoundEntries.h"
 #include "testing/TemporaryDirectory.h"
 
 namespace kesu {
@@ -29,14 +30,6 @@ bool isThere(const std::string& path) {
 
 class LinuxFilesTest : public ::testing::Test {
  protected:
-  std::set<std::string> entries(const std::string& directory) {
-    std::set<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(directory)) {
-      names.insert(entry.path().filename());
-    }
-    return names;
-  }
-
   testing::TemporaryDirectory home_;
   LinuxFiles files_{home_.path()};
 };
@@ -52,7 +45,7 @@ TEST_F(LinuxFilesTest, FilesAndDirectoriesAreThePrivateOnesOfTheUser) {
   EXPECT_EQ(modeOf(path), 0600U);
   EXPECT_EQ(modeOf(home_ / "a"), 0700U);
   EXPECT_EQ(modeOf(home_ / "a/b"), 0700U);
-  EXPECT_EQ(entries(home_ / "a/b"), std::set<std::string>{"file"});
+  EXPECT_EQ(testing::namesIn(home_ / "a/b"), std::set<std::string>{"file"});
 }
 
 TEST_F(LinuxFilesTest, LinksAreNeverReadThroughNorWrittenThroughNorEntered) {
@@ -109,7 +102,7 @@ TEST_F(LinuxFilesTest, StaleTemporariesOfDeadProcessesGoAtTheFirstWrite) {
   }
   home_.write(".kesu-2-0.tmp", "written by another process just now");
   ASSERT_TRUE(files_.writeAtomically(home_ / "file", "x").ok());
-  EXPECT_EQ(entries(home_.path()),
+  EXPECT_EQ(testing::namesIn(home_.path()),
             (std::set<std::string>{".kesu-1-0.txt", ".kesu-2-0.tmp", ".other.tmp", "file", "kesu-1-0.tmp"}));
 }
 
@@ -157,7 +150,7 @@ TEST_F(LinuxFilesTest, AFullDiskKeepsTheOldContentAndNoTemporary) {
     const bool wroteOld = files.writeAtomically(home_ / "file", "old").ok();
     const FileResult full = files.writeAtomically(home_ / "file", std::string(100'000, 'x'));
     return (wroteOld ? 0 : 1) + (full.status == FileStatus::NoSpace ? 0 : 2) + (home_.read("file") == "old" ? 0 : 4) +
-           (entries(home_.path()) == std::set<std::string>{"file"} ? 0 : 8);
+           (testing::namesIn(home_.path()) == std::set<std::string>{"file"} ? 0 : 8);
   });
   if (verdict == kMountRefused) {
     GTEST_SKIP() << "this process may not mount a file system";
@@ -174,7 +167,7 @@ TEST_F(LinuxFilesTest, AForkedChildTouchesNothingAndNeverWaits) {
            (files_.createDirectories(home_ / "a").ok() ? 16 : 0) + (files_.tryLock(home_.path()) ? 32 : 0);
   });
   EXPECT_EQ(verdict, 0);
-  EXPECT_EQ(entries(home_.path()), std::set<std::string>{"file"});
+  EXPECT_EQ(testing::namesIn(home_.path()), std::set<std::string>{"file"});
 }
 
 TEST_F(LinuxFilesTest, ALockHoldsAgainstOtherProcessesUntilItsOwnerEnds) {

@@ -38,8 +38,8 @@ std::vector<std::string> takeOutboxLines() {
 }
 
 using testing::FoundEntry;
+using testing::namesIn;
 using testing::numberedText;
-using testing::outboxNames;
 using testing::recoverAll;
 
 class LinuxAppendLogTest : public ::testing::Test {
@@ -72,7 +72,7 @@ TEST_F(LinuxAppendLogTest, FollowsAHomeThatIsMountedOverIt) {
   log->prepare();
   const auto next = open();
   EXPECT_TRUE(recoverAll(*next).empty()) << "a living process holds it";
-  EXPECT_EQ(outboxNames(path()).size(), 4U) << "two logs with a lock and a segment each";
+  EXPECT_EQ(namesIn(path()).size(), 4U) << "two logs with a lock and a segment each";
 }
 
 TEST_F(LinuxAppendLogTest, TouchesNothingBeforeRecoveryAndThenOnlyForThisUser) {
@@ -83,8 +83,8 @@ TEST_F(LinuxAppendLogTest, TouchesNothingBeforeRecoveryAndThenOnlyForThisUser) {
   struct stat facts {};
   ASSERT_EQ(::stat(path().c_str(), &facts), 0);
   EXPECT_EQ(facts.st_mode & 07777U, 0700U);
-  EXPECT_EQ(outboxNames(path()).size(), 2U) << "a lock and a segment";
-  for (const std::string& name : outboxNames(path())) {
+  EXPECT_EQ(namesIn(path()).size(), 2U) << "a lock and a segment";
+  for (const std::string& name : namesIn(path())) {
     ASSERT_EQ(::stat((path() + "/" + name).c_str(), &facts), 0);
     EXPECT_EQ(facts.st_mode & 07777U, 0600U) << name;
   }
@@ -126,24 +126,24 @@ TEST_F(LinuxAppendLogTest, RemovesSegmentsWithoutWaitingEntriesAndAtLastTheLock)
   for (unsigned i = 0; i < 1000; ++i) {
     entries.push_back(log->append(numberedText(i)).value());
   }
-  EXPECT_EQ(outboxNames(path(), ".log").size(), 3U);
+  EXPECT_EQ(namesIn(path(), ".log").size(), 3U);
   for (unsigned i = 0; i < 999; ++i) {
     log->release(entries[i]);
   }
   log->settle(1000);
   log->prepare();
-  EXPECT_LE(outboxNames(path(), ".log").size(), 2U) << "the present one, perhaps the next";
+  EXPECT_LE(namesIn(path(), ".log").size(), 2U) << "the present one, perhaps the next";
   log = open();
   auto found = recoverAll(*log);
   ASSERT_FALSE(found.empty());
   EXPECT_FALSE(found.back().isReleased);
   EXPECT_EQ(found.back().preamble, "context") << "each segment begins with it";
-  EXPECT_EQ(outboxNames(path(), ".lock").size(), 2U);
+  EXPECT_EQ(namesIn(path(), ".lock").size(), 2U);
   log->release(found.back().entry);
   log->settle(1000);
   log->prepare();
-  EXPECT_EQ(outboxNames(path(), ".lock").size(), 1U);
-  EXPECT_EQ(outboxNames(path(), ".log").size(), 1U);
+  EXPECT_EQ(namesIn(path(), ".lock").size(), 1U);
+  EXPECT_EQ(namesIn(path(), ".log").size(), 1U);
   EXPECT_EQ(log->append("next")->sequence, 1001U);
 }
 
@@ -226,7 +226,7 @@ TEST_F(LinuxAppendLogTest, RefusesWhatIsBeyondTheLimitOfSegmentsAndSaysSoOnce) {
   const auto log = open();
   recoverAll(*log);
   const auto entries = fillUp(*log);
-  EXPECT_EQ(outboxNames(path(), ".log").size(), LinuxAppendLog::kMostSegments);
+  EXPECT_EQ(namesIn(path(), ".log").size(), LinuxAppendLog::kMostSegments);
   EXPECT_EQ(entries.size(), 3 * LinuxAppendLog::kMostSegments);
   EXPECT_TRUE(fillUp(*log).empty());
   EXPECT_EQ(takeOutboxLines(), line);

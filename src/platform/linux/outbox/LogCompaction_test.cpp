@@ -18,8 +18,8 @@ namespace kesu {
 namespace {
 
 using testing::FoundEntry;
+using testing::namesIn;
 using testing::numberedText;
-using testing::outboxNames;
 using testing::recoverAll;
 
 constexpr unsigned kProcesses = 20;
@@ -75,7 +75,7 @@ class LogCompactionTest : public ::testing::Test {
 
   std::map<std::string, std::string> files() const {
     std::map<std::string, std::string> contents;
-    for (const std::string& name : outboxNames(path(), ".log")) {
+    for (const std::string& name : namesIn(path(), ".log")) {
       contents[name] = directory_.read("Outbox/" + name);
     }
     return contents;
@@ -93,8 +93,8 @@ TEST_F(LogCompactionTest, MovesFewEntriesOfManyProcessesIntoOneSegment) {
   });
   EXPECT_EQ(waiting(found), expected());
   EXPECT_EQ(found.size(), 3 * kProcesses) << "with what is released, but newer than what the caller knows";
-  EXPECT_EQ(outboxNames(path(), ".lock").size(), 2U);
-  EXPECT_EQ(outboxNames(path(), ".log").size(), 3U) << "one, an empty one for the numbers, and that of this process";
+  EXPECT_EQ(namesIn(path(), ".lock").size(), 2U);
+  EXPECT_EQ(namesIn(path(), ".log").size(), 3U) << "one, an empty one for the numbers, and that of this process";
   EXPECT_EQ(log->append("next")->sequence, 5U);
   std::string bytes;
   for (const FoundEntry& one : found) {
@@ -104,7 +104,7 @@ TEST_F(LogCompactionTest, MovesFewEntriesOfManyProcessesIntoOneSegment) {
   }
   log->settle(4);
   log->prepare();
-  EXPECT_EQ(outboxNames(path(), ".log").size(), 1U);
+  EXPECT_EQ(namesIn(path(), ".log").size(), 1U);
 }
 
 TEST_F(LogCompactionTest, LeavesThemWhereTheyAreWhenTheyDoNotFit) {
@@ -115,10 +115,10 @@ TEST_F(LogCompactionTest, LeavesThemWhereTheyAreWhenTheyDoNotFit) {
     ASSERT_TRUE(log->append(text));
   }
   log.reset();
-  const auto before = outboxNames(path(), ".log");
+  const auto before = namesIn(path(), ".log");
   log = open();
   EXPECT_EQ(recoverAll(*log).size(), kManySegments + 1);
-  EXPECT_EQ(outboxNames(path(), ".log").size(), before.size() + 1);
+  EXPECT_EQ(namesIn(path(), ".log").size(), before.size() + 1);
 }
 
 /// Puts together what may lie on the disk when the process or the power ends on the way: until the copies are safe all

@@ -23,8 +23,8 @@ namespace {
 
 using testing::FoundEntry;
 using testing::joined;
+using testing::namesIn;
 using testing::numberedText;
-using testing::outboxNames;
 using testing::recoverAll;
 
 class LogRecoveryTest : public ::testing::Test {
@@ -111,7 +111,7 @@ TEST_F(LogRecoveryTest, OfProcessesThatStartTogetherOneTakesEachLogOver) {
   }
   std::sort(found.begin(), found.end());
   EXPECT_EQ(found, std::string(kStarts, '!') + letters);
-  EXPECT_EQ(outboxNames(path()).size(), 2 * kStarts) << "a lock and a segment of each, nothing of the others";
+  EXPECT_EQ(namesIn(path()).size(), 2 * kStarts) << "a lock and a segment of each, nothing of the others";
 }
 
 TEST_F(LogRecoveryTest, LeavesAloneWhatIsNotItsOwn) {
@@ -119,7 +119,7 @@ TEST_F(LogRecoveryTest, LeavesAloneWhatIsNotItsOwn) {
   recoverAll(*log);
   log->append("a");
   log.reset();
-  const std::string segment = *outboxNames(path(), ".log").begin();
+  const std::string segment = *namesIn(path(), ".log").begin();
   const std::string lockOf = segment.substr(0, 16) + ".lock";
   std::filesystem::remove(path() + "/" + lockOf);
   std::string bytes = directory_.read("Outbox/" + segment);
@@ -132,13 +132,13 @@ TEST_F(LogRecoveryTest, LeavesAloneWhatIsNotItsOwn) {
   ASSERT_EQ(::symlink((path() + "/" + segment).c_str(), (path() + "/0000000000000004-00000001.log").c_str()), 0);
   ASSERT_EQ(::mkfifo((path() + "/0000000000000005-00000001.log").c_str(), 0600), 0);
   std::filesystem::create_directory(path() + "/0000000000000006.lock");
-  const std::set<std::string> before = outboxNames(path());
+  const std::set<std::string> before = namesIn(path());
   directory_.write("Outbox/0000000000000007-00000001.log", "");  // Its owner died before it wrote the header.
   log = open();
   EXPECT_EQ(joined(recoverAll(*log)), "a ");
   log->settle(1);
   log->prepare();
-  const std::set<std::string> after = outboxNames(path());
+  const std::set<std::string> after = namesIn(path());
   EXPECT_TRUE(std::includes(after.begin(), after.end(), before.begin(), before.end()));
   EXPECT_FALSE(after.contains("0000000000000007-00000001.log"));
   EXPECT_EQ(directory_.read("Outbox/0000000000000003-00000001.log"), "of somebody else");
@@ -151,7 +151,7 @@ TEST_F(LogRecoveryTest, FindsWhatIsLeftOfATruncatedSegment) {
     log->append(text);
   }
   log.reset();
-  const std::string segment = path() + "/" + *outboxNames(path(), ".log").begin();
+  const std::string segment = path() + "/" + *namesIn(path(), ".log").begin();
   const std::pair<std::uintmax_t, std::string> table[] = {{100'000, "a b c "},
                                                           {40 + 3 * 32, "a b c "},
                                                           {40 + 2 * 32 + 24, "a b "},
@@ -190,13 +190,13 @@ TEST_F(LogRecoveryTest, LossOfPowerLeavesWholeEntriesAndAllThatWasFlushed) {
     append();
   }
   log->flush();
-  const std::string name = *outboxNames(path(), ".log").begin();
+  const std::string name = *namesIn(path(), ".log").begin();
   const std::string flushed = directory_.read("Outbox/" + name);
   while (entries.size() < 200) {
     append();
   }
   const std::string latest = directory_.read("Outbox/" + name);
-  ASSERT_EQ(outboxNames(path(), ".log").size(), 1U);
+  ASSERT_EQ(namesIn(path(), ".log").size(), 1U);
   for (int round = 0; round < 100; ++round) {
     SCOPED_TRACE(round);
     const testing::TemporaryDirectory disk;

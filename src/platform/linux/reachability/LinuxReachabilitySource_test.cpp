@@ -1,14 +1,11 @@
 #include "platform/linux/reachability/LinuxReachabilitySource.h"
 
-#include <arpa/inet.h>
 #include <gtest/gtest.h>
 #include <linux/filter.h>
 #include <linux/seccomp.h>
-#include <netinet/in.h>
 #include <sched.h>
 #include <sys/mount.h>
 #include <sys/prctl.h>
-#include <sys/socket.h>
 #include <sys/syscall.h>
 
 #include <atomic>
@@ -27,6 +24,7 @@
 #include <vector>
 
 #include "testing/ChildProcess.h"
+#include "testing/RawConnection.h"
 #include "testing/TemporaryDirectory.h"
 #include "testing/WaitingMainLoop.h"
 
@@ -52,29 +50,6 @@ class Watching {
   LinuxReachabilitySource source;
   std::unique_ptr<ReachabilityHandle> handle;
   std::vector<std::uint32_t> told;  // The flags found by each callback.
-};
-
-/// A server on loopback that accepts nobody but lets everybody connect.
-class Listener {
- public:
-  explicit Listener(int port = 0) : fd_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
-    const int on = 1;
-    ::setsockopt(fd_.get(), SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
-    sockaddr_storage address{};
-    const auto length = IpAddress::fromIpv4(INADDR_LOOPBACK).toSocketAddress(port, address);
-    EXPECT_EQ(::bind(fd_.get(), reinterpret_cast<const sockaddr*>(&address), length), 0);
-    EXPECT_EQ(::listen(fd_.get(), 16), 0);
-  }
-
-  int port() const {
-    sockaddr_in address{};
-    socklen_t length = sizeof address;
-    ::getsockname(fd_.get(), reinterpret_cast<sockaddr*>(&address), &length);
-    return ntohs(address.sin_port);
-  }
-
- private:
-  UniqueFd fd_;
 };
 
 void run(const std::string& command) {
@@ -198,7 +173,7 @@ TEST(LinuxReachabilitySourceTest, LearnsFromConnectionsWhereTheKernelMayNotBeAsk
     if (!forbidden) {
       return;
     }
-    Listener server;
+    testing::SilentServer server;
     Watching host({"127.0.0.1", server.port(), 0});
     EXPECT_TRUE(host.tells(kFlagReachable));
     EXPECT_TRUE(host.source.internetFlags());
@@ -267,7 +242,7 @@ TEST(LinuxReachabilitySourceTest, TellsWithinASecondAlthoughTheLookupHangs) {
 }
 
 TEST(LinuxReachabilitySourceTest, TellsWhenACollectorIsBackOnAnUnchangedNetwork) {
-  auto server = std::make_unique<Listener>();
+  auto server = std::make_unique<testing::SilentServer>();
   const int port = server->port();
   Watching host({"LocalHost", port, 0});
   EXPECT_TRUE(host.tells(kDirect));
@@ -275,7 +250,7 @@ TEST(LinuxReachabilitySourceTest, TellsWhenACollectorIsBackOnAnUnchangedNetwork)
     server.reset();
     host.source.connectionObserved("localhost", port, false);
     EXPECT_TRUE(host.tells(kFlagIsDirect));
-    server = std::make_unique<Listener>(port);
+    server = std::make_unique<testing::SilentServer>(port);
     EXPECT_TRUE(host.tells(kDirect));
   }
   EXPECT_EQ(host.told.size(), 5U);
@@ -296,7 +271,7 @@ TEST(LinuxReachabilitySourceTest, IgnoresConnectionsToOtherHostsAndPorts) {
 }
 
 TEST(LinuxReachabilitySourceTest, LearnsOfFailuresFromManyThreads) {
-  Listener server;
+  testing::SilentServer server;
   Watching host({"127.0.0.1", server.port(), 0});
   EXPECT_TRUE(host.tells(kDirect));
   std::vector<std::thread> clients;
