@@ -1,7 +1,6 @@
 #pragma once
 
 /// Includes everything that a host needs. Link kesu::kesu.
-#include <kesu/Constants.h>
 #include <kesu/Kesu.h>
 #include <kesu/Version.h>
 #include <kesu/delivery/ConnectionMetrics.h>
@@ -25,6 +24,7 @@
 #include <kesu/platform/MainLoop.h>
 #include <kesu/platform/NotificationCenter.h>
 #include <kesu/platform/Platform.h>
+#include <kesu/records/Constants.h>
 #include <kesu/support/CollectionHelpers.h>
 #include <kesu/ui/Accessibility.h>
 #include <kesu/ui/Application.h>

@@ -1,6 +1,6 @@
-#include <kesu/Constants.h>
 #include <kesu/events/KesuEvent.h>
 #include <kesu/foundation/Exception.h>
+#include <kesu/records/Constants.h>
 
 #include <string>
 #include <utility>

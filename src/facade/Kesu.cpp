@@ -1,7 +1,7 @@
-#include <kesu/Constants.h>
 #include <kesu/Kesu.h>
 #include <kesu/events/KesuIdentity.h>
 #include <kesu/foundation/Exception.h>
+#include <kesu/records/Constants.h>
 
 #include <string>
 #include <utility>

@@ -1,8 +1,8 @@
-#include <kesu/Constants.h>
 #include <kesu/Kesu.h>
 #include <kesu/foundation/Exception.h>
 #include <kesu/message_ui/KesuInAppMessageDelegate.h>
 #include <kesu/message_ui/KesuInAppOptions.h>
+#include <kesu/records/Constants.h>
 #include <kesu/ui/View.h>
 #include <kesu/ui/ViewController.h>
 

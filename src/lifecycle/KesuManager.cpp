@@ -1,8 +1,8 @@
 #include "lifecycle/KesuManager.h"
 
-#include <kesu/Constants.h>
 #include <kesu/foundation/Exception.h>
 #include <kesu/platform/ApplicationNotifications.h>
+#include <kesu/records/Constants.h>
 
 #include <cmath>
 #include <utility>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <kesu/Constants.h>
 #include <kesu/platform/NotificationCenter.h>
 #include <kesu/platform/ReachabilitySource.h>
+#include <kesu/records/Constants.h>
 
 #include <cstdint>
 #include <memory>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <kesu/Constants.h>
+#include <kesu/records/Constants.h>
 
 #include <string_view>
 

@@ -1,4 +1,4 @@
-#include <kesu/Constants.h>
+#include <kesu/records/Constants.h>
 
 namespace kesu {
 

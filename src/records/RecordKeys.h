@@ -1,6 +1,6 @@
 #pragma once
 
-#include <kesu/Constants.h>  // The name of an event.
+#include <kesu/records/Constants.h>  // The name of an event.
 
 #include <string_view>
 

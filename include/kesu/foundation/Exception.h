@@ -10,7 +10,7 @@ namespace kesu {
 /// Thrown when the host misuses the library (no application key, a second key, posting before initialisation).
 ///
 /// It is the only exception that leaves the library. It is thrown on the caller's thread, before anything is recorded.
-/// kesu/Constants.h has the reasons.
+/// kesu/records/Constants.h has the reasons.
 class KESU_API InternalInconsistencyException : public std::logic_error {
  public:
   explicit InternalInconsistencyException(const std::string& reason) : std::logic_error(reason) {}
