@@ -148,23 +148,38 @@ void KesuInAppPresenter::swipeGestureHandle(SwipeDirection direction) {
 }
 
 void KesuInAppPresenter::page(std::int64_t tag) {
-  // Dropped at once: a late picture must not fade in after the user has paged on.
-  if (popup_ != nullptr && session_.page(tag, [this, tag] { didPage(tag); })) {
-    picture_.drop();
+  if (popup_ == nullptr || !session_.page(tag, [this] { didPage(); })) {
+    return;
   }
+  picture_.drop();  // At once: a late picture must not fade in after the user has paged on.
+  KesuInAppStatus status;
+  status.buttonIndex = tag;
+  status.messageID = textOf(session_.headerValue(kMessageIdKey));
+  status.campaignID = textOf(session_.headerValue(kCampaignIdKey));
+  status.status = kStatusOtherMessage;
+  paged_.push_back(std::move(status));
 }
 
-void KesuInAppPresenter::didPage(std::int64_t tag) {
-  popup_->show(content(), tag);
+void KesuInAppPresenter::didPage() {
+  popup_->show(content(), paged_.back().buttonIndex);
   loadPicture();
-  if (const CompletionBlock block = completionBlock_) {
-    KesuInAppStatus status;
-    status.buttonIndex = tag;
-    status.messageID = textOf(session_.headerValue(kMessageIdKey));
-    status.campaignID = textOf(session_.headerValue(kCampaignIdKey));
-    status.status = kStatusOtherMessage;
-    block(status);
+  reportPaging();
+}
+
+// Each step, though only the last message of several quick ones was shown: a receipt was sent for each.
+void KesuInAppPresenter::reportPaging() {
+  if (paged_.empty()) {  // At the end, or closed by the host meanwhile.
+    return;
   }
+  const KesuInAppStatus step = std::move(paged_.front());
+  paged_.erase(paged_.begin());
+  afterwards(
+      [&] {
+        if (const CompletionBlock block = completionBlock_) {
+          block(step);
+        }
+      },
+      [this] { reportPaging(); });
 }
 
 // The host is called first: a dismissal that is not animated has left the screen when it returns.
@@ -190,6 +205,7 @@ void KesuInAppPresenter::didPopoverClosed() {
 void KesuInAppPresenter::close() {
   session_.close();
   picture_.drop();
+  paged_.clear();
   if (popup_ != nullptr) {  // The controller's own tap recogniser may be closing it: it is destroyed one turn later.
     platform_.mainLoop.post([controller = popup_->controller()] {});
     popup_ = nullptr;

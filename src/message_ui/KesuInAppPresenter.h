@@ -14,6 +14,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <vector>
 
 #include "message_ui/CallToAction.h"
 #include "message_ui/KesuPopupController.h"
@@ -126,7 +127,8 @@ class KesuInAppPresenter final : public KesuPopoverDelegate {
  private:
   void showPopover();
   void page(std::int64_t tag);
-  void didPage(std::int64_t tag);
+  void didPage();
+  void reportPaging();
   void loadPicture();
   void close();
   MessageContent content() const;
@@ -138,6 +140,7 @@ class KesuInAppPresenter final : public KesuPopoverDelegate {
   CallToAction callToAction_;
   std::shared_ptr<MessagePopup> popup_;  // Null while none is up. Owned here; what is called later watches it.
   MessageLooks looks_;                   // Of what is shown.
+  std::vector<KesuInAppStatus> paged_;   // Steps that the host has not been told of: the last one's body is awaited.
   KesuInAppOptions options_;
   Colors colors_;
   CompletionBlock completionBlock_;

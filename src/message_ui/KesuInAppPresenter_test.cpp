@@ -146,7 +146,34 @@ TEST_F(PresenterTest, DropsWhatComesLate) {
   EXPECT_EQ(presenter().model()->title, "X") << "paged on meanwhile";
   ASSERT_TRUE(answer("getmessage/", bodyReply("Z", "")));
   EXPECT_EQ(presenter().model()->title, "Z");
-  EXPECT_EQ(told.size(), 1U);
+}
+
+TEST_F(PresenterTest, ReportsEveryStepOfQuickPaging) {
+  show({"a", "b", "c", "d"}, bodyReply("A", ""));
+  const auto pressThreeTimes = [this](const char* reply) {
+    for (int press = 0; press < 3; ++press) {
+      WindowInput::of(screen.window).swipe(SwipeDirection::Left);
+    }
+    for (int body = 0; body < 3; ++body) {
+      ASSERT_TRUE(answer("getmessage/", bodyReply(reply, ""))) << "and a receipt was sent for each";
+    }
+  };
+  pressThreeTimes("D");
+  ASSERT_EQ(told.size(), 3U);
+  for (std::size_t step = 0; step < 3; ++step) {
+    const std::string message(1, static_cast<char>('b' + step));
+    EXPECT_EQ(told[step], (KesuInAppStatus{11, message, "c-" + message, {}, {}, 3, {}}));
+  }
+  presenter().dismissViewController(false);
+  presenter().setCallbacks(
+      [this](const KesuInAppStatus& status) {
+        told.push_back(status);
+        presenter().dismissViewController(false);
+      },
+      nullptr);
+  show({"k", "l", "m", "n"}, bodyReply("K", ""));
+  pressThreeTimes("N");
+  EXPECT_EQ(told.size(), 4U) << "closed by the host in the first";
 }
 
 TEST_F(PresenterTest, KeepsTheMessageBeforeWhenABodyCannotBeHad) {
