@@ -60,6 +60,9 @@ FileContent FakeFiles::read(const std::string& path, std::size_t limit) {
     return {FileStatus::NotFound, {}};
   }
   ++node->reads;
+  if (const FileStatus status = std::exchange(nextReadStatus_, FileStatus::Ok); status != FileStatus::Ok) {
+    return {status, {}};
+  }
   if (node->kind != Kind::File) {
     return {FileStatus::NotRegular, {}};
   }
@@ -152,6 +155,16 @@ std::vector<std::string> FakeFiles::paths() {
     }
   }
   return found;
+}
+
+FileResult FakeFiles::flush(const std::string& /*directory*/) {
+  const MutexLock lock(mutex_);
+  return writeStatus_ == FileStatus::Ok ? FileResult{} : failure(writeStatus_, "failed by the test");
+}
+
+void FakeFiles::failNextRead(FileStatus status) {
+  const MutexLock lock(mutex_);
+  nextReadStatus_ = status;
 }
 
 void FakeFiles::failWrites(FileStatus status) {

@@ -23,7 +23,7 @@ class FakeFiles final : public Files {
   FileContent read(const std::string& path, std::size_t limit) override;
   FileResult writeAtomically(const std::string& path, std::string_view bytes) override;
   FileResult writeNew(const std::string& path, std::string_view bytes) override;
-  FileResult flush(const std::string& /*directory*/) override { return {}; }
+  FileResult flush(const std::string& directory) override;
   FileResult remove(const std::string& path) override;
   FileResult createDirectories(const std::string& path) override;
   void enumerate(const std::string& directory, const std::function<bool(const DirectoryEntry&)>& visit) override;
@@ -37,8 +37,11 @@ class FakeFiles final : public Files {
   /// Paths of all regular files, hidden ones too, in the order in which they were made.
   std::vector<std::string> paths();
 
-  /// Makes writes fail from now on, or with FileStatus::Ok succeed again.
+  /// Makes writes, and flushing them, fail from now on, or with FileStatus::Ok succeed again.
   void failWrites(FileStatus status);
+
+  /// Makes the next read fail.
+  void failNextRead(FileStatus status);
 
   /// Counts the calls of read() for `path`.
   int readCount(const std::string& path);
@@ -66,6 +69,7 @@ class FakeFiles final : public Files {
   Mutex mutex_;
   Nodes nodes_ KESU_GUARDED_BY(mutex_);
   FileStatus writeStatus_ KESU_GUARDED_BY(mutex_) = FileStatus::Ok;
+  FileStatus nextReadStatus_ KESU_GUARDED_BY(mutex_) = FileStatus::Ok;
   std::set<std::string> locked_ KESU_GUARDED_BY(mutex_);
 };
 

@@ -50,17 +50,16 @@ TEST_F(StoreTest, GivesBackWhatItStored) {
 }
 
 TEST_F(StoreTest, TriesAgainToBringItsFilesToTheDisk) {
-  testing::FaultyFiles files(platform.files);
-  KesuStore faulty(files, platform.defaults, platform.clock);
-  files.failFlushes(FileStatus::OtherFailure);
-  EXPECT_TRUE(faulty.areFlushed());
-  EXPECT_TRUE(faulty.flush()) << "there is nothing to flush";
-  EXPECT_TRUE(faulty.add({{"dest", "e"}}));
-  EXPECT_FALSE(faulty.flush());
-  EXPECT_FALSE(faulty.areFlushed());
-  files.failFlushes(FileStatus::Ok);
-  EXPECT_TRUE(faulty.flush());
-  EXPECT_TRUE(faulty.areFlushed());
+  EXPECT_TRUE(store.areFlushed());
+  EXPECT_TRUE(addNumbered(1));
+  platform.files.failWrites(FileStatus::OtherFailure);
+  EXPECT_FALSE(store.flush());
+  EXPECT_FALSE(store.areFlushed());
+  platform.files.failWrites(FileStatus::Ok);
+  EXPECT_TRUE(store.flush());
+  EXPECT_TRUE(store.areFlushed());
+  platform.files.failWrites(FileStatus::OtherFailure);
+  EXPECT_TRUE(store.flush()) << "there is nothing to flush";
 }
 
 TEST_F(StoreTest, KeepsTextsThatXmlCannotRepresent) {

@@ -47,7 +47,7 @@ TEST_F(ResendPassTest, WarnsOncePerPassOfFilesThatCannotBeRead) {
     files.writeAtomically(files.documentsDirectory() + "/" + name + ".kesuCache", "no property list");
   }
   KesuPriorityLogger::sharedLogger().setLogLevel(2);
-  files.failReads(FileStatus::NotFound, 1);  // Deleted by an earlier pass whose replies come meanwhile.
+  files.failNextRead(FileStatus::NotFound);  // Deleted by an earlier pass whose replies come meanwhile.
   resendPass.start(NetworkStatus::Reachable);
   platform.settle();
   const auto lines = platform.log.takeLines();
