@@ -71,8 +71,9 @@ class KESU_API HttpClient {
 
   /// Sends a request whose completion does not wait for the main loop: it runs on a thread of the client as soon as the
   /// outcome is known. It must be short, must not throw, and must not call the client but for send() and
-  /// sendInBackground(). The one exception: when shutdown() has begun, or no thread can be started, the
-  /// request is completed with HttpError::Cancelled on the main loop, because the caller may hold locks here.
+  /// sendInBackground(). It is destroyed on any thread, maybe inside a later call of these two. The one exception: when
+  /// shutdown() has begun, or no thread can be started, the request is completed with HttpError::Cancelled on the main
+  /// loop, because the caller may hold locks here.
   virtual void sendInBackground(HttpRequest request, Completion completion) = 0;
 
   /// Counts the requests that were sent and whose completion has not begun to run. Any thread.

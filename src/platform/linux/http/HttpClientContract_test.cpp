@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <chrono>
 #include <condition_variable>
+#include <memory>
+#include <thread>
+#include <utility>
 #include <vector>
 
 #include "foundation/Mutex.h"
@@ -155,13 +158,20 @@ class BackgroundReplies {
 
 TEST_P(HttpClientContract, CompletesInTheBackgroundThoughNobodyPumps) {
   BackgroundReplies replies;
+  const auto held = std::make_shared<int>();
   for (int i = 0; i < 20; ++i) {
-    client_.sendInBackground(harness_->answered(), replies.completion());
+    client_.sendInBackground(harness_->answered(),
+                             [held, reply = replies.completion()](HttpReply made) { reply(std::move(made)); });
   }
   harness_->letAnswersCome();
   ASSERT_TRUE(replies.await(20));
   EXPECT_EQ(replies.count(HttpError::None), 20U);
   EXPECT_EQ(client_.pendingCount(), 0U);
+  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+  while (held.use_count() > 1 && std::chrono::steady_clock::now() < end) {
+    std::this_thread::yield();
+  }
+  EXPECT_EQ(held.use_count(), 1) << "completions are destroyed though nobody sends again";
 }
 
 TEST_P(HttpClientContract, CompletionInTheBackgroundMaySendAgain) {

@@ -50,7 +50,7 @@ void HttpEngine::add(std::unique_ptr<HttpJob> job) {
     prepareJob(*job, *known->url);
     queue_.add(std::move(job));
   } else {
-    finish_(*job, failedReply(HttpError::BadUrl, "Not an absolute http or https URL"), std::nullopt);
+    finish_(std::move(job), failedReply(HttpError::BadUrl, "Not an absolute http or https URL"), std::nullopt);
   }
 }
 
@@ -83,7 +83,7 @@ void HttpEngine::wait(std::optional<Clock::time_point> until) {
 void HttpEngine::cancelAll() {
   const HttpReply cancelled = failedReply(HttpError::Cancelled, "The client was shut down");
   for (HttpTransfer* const transfer : activeTransfers()) {
-    finish_(*retire(*transfer), cancelled, std::nullopt);
+    finish_(retire(*transfer), cancelled, std::nullopt);
   }
   failAll(queue_.takeAllWaiting(), cancelled);
 }
@@ -97,7 +97,7 @@ void HttpEngine::startWaiting() {
     spare_.pop_back();
     if (!transfer->usable()) {
       queue_.ended(job->origin);
-      finish_(*job, failedReply(HttpError::CannotConnect, "Out of memory"), std::nullopt);
+      finish_(std::move(job), failedReply(HttpError::CannotConnect, "Out of memory"), std::nullopt);
       continue;
     }
     if (!job->deadline) {
@@ -223,22 +223,22 @@ void HttpEngine::finishOrRedirect(std::unique_ptr<HttpJob> job, HttpReply reply,
         break;
     }
   }
-  finish_(*job, std::move(reply), connected);
+  finish_(std::move(job), std::move(reply), connected);
 }
 
 // When a connection cannot be made, the others would each wait for the same failure: 5,000 times 60 s.
 void HttpEngine::failUnconnected(const HttpOrigin& origin, const HttpReply& reply) {
   for (HttpTransfer* const transfer : activeTransfers()) {
     if (!transfer->connected() && transfer->job().origin == origin) {
-      finish_(*retire(*transfer), reply, std::nullopt);
+      finish_(retire(*transfer), reply, std::nullopt);
     }
   }
   failAll(queue_.takeWaiting(origin), reply);
 }
 
-void HttpEngine::failAll(const std::vector<std::unique_ptr<HttpJob>>& jobs, const HttpReply& reply) {
-  for (const auto& job : jobs) {
-    finish_(*job, reply, std::nullopt);
+void HttpEngine::failAll(std::vector<std::unique_ptr<HttpJob>> jobs, const HttpReply& reply) {
+  for (auto& job : jobs) {
+    finish_(std::move(job), reply, std::nullopt);
   }
 }
 

@@ -23,9 +23,9 @@ namespace kesu {
 class HttpEngine {
  public:
   using Clock = HttpTransfer::Clock;
-  /// Called once per job, on the network thread. `connected`: how the attempt to connect ended; nothing when none was
-  /// made for this very job.
-  using Finish = std::function<void(HttpJob& job, HttpReply reply, std::optional<bool> connected)>;
+  /// Receives each job once it has ended, on the network thread. `connected`: how the attempt to connect ended; nothing
+  /// when none was made for this very job.
+  using Finish = std::function<void(std::unique_ptr<HttpJob> job, HttpReply reply, std::optional<bool> connected)>;
 
   HttpEngine(const LinuxHttpClientOptions& options, Finish finish);
   ~HttpEngine();
@@ -70,7 +70,7 @@ class HttpEngine {
   void finishOrRedirect(std::unique_ptr<HttpJob> job, HttpReply reply, std::optional<bool> connected,
                         const std::string& location);
   void failUnconnected(const HttpOrigin& origin, const HttpReply& reply);
-  void failAll(const std::vector<std::unique_ptr<HttpJob>>& jobs, const HttpReply& reply);
+  void failAll(std::vector<std::unique_ptr<HttpJob>> jobs, const HttpReply& reply);
   std::vector<HttpTransfer*> activeTransfers() const;
 
   /// What came from an origin; cleared when there is no work.

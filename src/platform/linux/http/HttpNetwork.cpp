@@ -1,6 +1,7 @@
 #include "platform/linux/http/HttpNetwork.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "platform/linux/base/ServiceThread.h"
@@ -10,6 +11,9 @@ namespace kesu {
 namespace {
 
 constexpr double kMaxGraceSeconds = 3600;  // Keeps "for ever" within the range of the clock.
+
+// As many as a sender has under way at a time. More are left over by one that has stopped.
+constexpr std::size_t kMostFinished = 256;
 
 }  // namespace
 
@@ -36,7 +40,9 @@ void HttpNetwork::send(HttpRequest request, HttpClient::Completion completion, b
   }
 }
 
-// Leaves the job with the caller after stop(). `wakes`: the thread sleeps, and the job is a reason to wake it.
+// Leaves the job with the caller after stop(), else a finished one to destroy: the thread that made the many small
+// pieces of a job also frees them. If the network thread did, both would wait for one lock of the allocator all the
+// time. `wakes`: the thread sleeps, and the job is a reason to wake it.
 bool HttpNetwork::accept(std::unique_ptr<HttpJob>& job, bool& wakes) {
   const MutexLock lock(mutex_);
   if (stopTime_ || !startThread()) {
@@ -45,6 +51,10 @@ bool HttpNetwork::accept(std::unique_ptr<HttpJob>& job, bool& wakes) {
   wakes = isAsleep_ && (blockedUrl_.empty() || job->request.url != blockedUrl_);
   isAsleep_ = isAsleep_ && !wakes;
   inbox_.push_back(std::move(job));
+  if (!finished_.empty()) {
+    job = std::move(finished_.back());
+    finished_.pop_back();
+  }
   return true;
 }
 
@@ -82,8 +92,9 @@ void HttpNetwork::stop(double graceSeconds) {
 
 void HttpNetwork::run() {
   curl_global_init(CURL_GLOBAL_DEFAULT);
-  HttpEngine engine(options_, [this](HttpJob& job, HttpReply reply, std::optional<bool> connected) {
-    delivery_.deliver(job, std::move(reply), connected);
+  HttpEngine engine(options_, [this](std::unique_ptr<HttpJob> job, HttpReply reply, std::optional<bool> connected) {
+    delivery_.deliver(*job, std::move(reply), connected);
+    ended_.push_back(std::move(job));
   });
   setWakeTarget(engine.multi());
   while (true) {
@@ -97,11 +108,18 @@ void HttpNetwork::run() {
   }
   setWakeTarget(nullptr);
   engine.cancelAll();
+  ended_.clear();
 }
 
 // Returns false when the inbox is not empty.
 bool HttpNetwork::fallAsleep(const HttpEngine& engine) {
+  std::vector<std::unique_ptr<HttpJob>> surplus;  // Destroyed without the mutex.
   const MutexLock lock(mutex_);
+  std::move(ended_.begin(), ended_.end(), std::back_inserter(finished_));
+  ended_.clear();
+  if (!engine.hasWork() || finished_.size() > kMostFinished) {
+    surplus.swap(finished_);
+  }
   isAsleep_ = inbox_.empty();
   blockedUrl_ = engine.blockedUrl();
   return isAsleep_;

@@ -54,11 +54,14 @@ class HttpNetwork {
   const LinuxHttpClientOptions options_;
   HttpDelivery delivery_;
 
+  std::vector<std::unique_ptr<HttpJob>> ended_;  ///< Completed since the thread slept. Network thread only.
+
   std::once_flag registered_;  ///< With HttpExit, before the thread starts.
   Mutex stopMutex_;            ///< Locked during all of stop(), before mutex_.
   Mutex mutex_;
   std::thread thread_ KESU_GUARDED_BY(mutex_);
   std::vector<std::unique_ptr<HttpJob>> inbox_ KESU_GUARDED_BY(mutex_);
+  std::vector<std::unique_ptr<HttpJob>> finished_ KESU_GUARDED_BY(mutex_);  ///< To be destroyed by those who send.
   bool isAsleep_ KESU_GUARDED_BY(mutex_) = false;   ///< The thread waits for the network or for a wake-up.
   std::string blockedUrl_ KESU_GUARDED_BY(mutex_);  ///< A request for it is no reason to wake up.
   std::optional<Clock::time_point> stopTime_ KESU_GUARDED_BY(mutex_);  ///< Set once stop() was called.
