@@ -61,7 +61,7 @@ class PresenterTest : public ::testing::Test {
     const auto* label = dynamic_cast<const Label*>(&view);
     std::string found = label != nullptr ? label->text() + "|" : "";
     for (const ViewPtr& inside : view.subviews()) {
-      found += view.isHidden() ? "" : texts(*inside);
+      found += inside->isHidden() ? "" : texts(*inside);
     }
     return found;
   }

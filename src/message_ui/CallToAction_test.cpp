@@ -198,7 +198,8 @@ TEST_F(CallToActionTest, LetsTheHostVetoUrlsOnly) {
   KesuInAppOptions options;
   options.shouldOpenUrl = [](const std::string&) { return false; };
   presenter().setOptions(options);
-  const std::pair<const char*, std::int64_t> cases[] = {{"tv://x", 3}, {"unique-id://x", 4}, {"https://h/x?wh=true", 5}};
+  const std::pair<const char*, std::int64_t> cases[] = {
+      {"tv://x", 3}, {"unique-id://x", 4}, {"https://h/x?wh=true", 5}};
   for (const auto& [action, status] : cases) {
     show({action}, bodyReply("Title", "Text", {{"buttons", buttonEntries({{"B", action}})}}));
     screen.press(RemoteButton::Select);

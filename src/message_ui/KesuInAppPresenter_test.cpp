@@ -176,6 +176,58 @@ TEST_F(PresenterTest, ReportsEveryStepOfQuickPaging) {
   EXPECT_EQ(told.size(), 4U) << "closed by the host in the first";
 }
 
+TEST_F(PresenterTest, CountsNoMessageThatIsEmpty) {
+  for (const std::size_t count : {1U, 3U}) {
+    std::vector<std::string> identifiers;
+    for (std::size_t i = 0; i < count; ++i) {
+      identifiers.push_back("m" + std::to_string(count) + std::to_string(i));
+    }
+    show(identifiers, bodyReply("", ""));
+    const View& card = presenter().popupController()->popupView();
+    EXPECT_EQ(texts(card), "No messages to show.|");
+    EXPECT_EQ(presenter().bars()->focusAfter(kNextTag) == nullptr, count == 1);
+    EXPECT_EQ(card.bounds().height, presenter().tableView()->bounds().height + (count == 1 ? 0.0 : 80.0));
+    presenter().dismissViewController(false);
+  }
+}
+
+std::optional<Color> colorOf(const std::string& text, const View& view) {
+  const auto* label = dynamic_cast<const Label*>(&view);
+  const auto* button = dynamic_cast<const Button*>(&view);
+  if (label != nullptr && label->text() == text) {
+    return label->textColor();
+  }
+  if (button != nullptr && button->title() == text) {
+    return button->titleColor();
+  }
+  for (const ViewPtr& inside : view.subviews()) {
+    if (const auto found = colorOf(text, *inside)) {
+      return found;
+    }
+  }
+  return std::nullopt;
+}
+
+TEST_F(PresenterTest, KeepsTheColoursThatAMessageHasChosen) {
+  const auto shown = [this](const Dictionary& data, const std::string& text) {
+    show({testing::jsonText(data)}, bodyReply("Title", "Text", data));
+    const auto color = colorOf(text, presenter().popupController()->popupView());
+    presenter().dismissViewController(false);
+    return color.value_or(Color::redColor());
+  };
+  const Color nearlyWhite{254.0 / 255.0, 254.0 / 255.0, 254.0 / 255.0, 1.0};
+  const auto button = [](const char* face, const char* title) {
+    return Array{Value(Array{Value("B"), Value(""), Value(face), Value(title)})};
+  };
+  EXPECT_EQ(shown({{"titleColor", "#FEFEFE"}, {"canvas_bgColor", "#FFFFFF"}}, "Title"), nearlyWhite);
+  EXPECT_EQ(shown({{"msgColor", "#FEFEFE"}, {"canvas_bgColor", "#FFFFFF"}}, "Text"), nearlyWhite);
+  EXPECT_FALSE(isLight(shown({{"imageWidth", 1}}, "Title"))) << "a default is mended";
+  EXPECT_FALSE(isLight(shown({{"msgColor", "#zz"}}, "Text"))) << "and what names no colour";
+  EXPECT_TRUE(isLight(shown({{"canvas_bgColor", "#000000"}}, "Text")));
+  EXPECT_EQ(shown({{"buttons", button("#zz", "#FEFEFE")}}, "B"), nearlyWhite) << "also without a face";
+  EXPECT_FALSE(isLight(shown({{"buttons", button("#FFFFFF", "FEFEFE")}}, "B")));
+}
+
 TEST_F(PresenterTest, KeepsTheMessageBeforeWhenABodyCannotBeHad) {
   show({"a", "b"}, bodyReply("A", "Text"));
   screen.press(RemoteButton::Select);
@@ -352,10 +404,11 @@ class PresenterFocusTest : public PresenterTest {
 
 TEST_F(PresenterFocusTest, ReachesEverythingFromEverything) {
   const std::vector<std::pair<std::string, std::string>> titles(5, {"Button", ""});
-  const std::string text(3000, 'm');
+  const std::string longText(3000, 'm');
   for (const std::ptrdiff_t count : {0, 1, 2, 5}) {
     const Array entries = buttonEntries({titles.begin(), titles.begin() + count});
-    const std::string body = bodyReply("Title", count == 1 ? "Text" : text, {{"buttons", entries}});
+    const std::string body = bodyReply(count == 5 ? longText : "Title", count == 0 || count == 2 ? longText : "Text",
+                                       {{"buttons", entries}});
     const std::string name = std::to_string(count);
     show({name + "a", name + "b", name + "c"}, body);
     for (const int arrows : {1, 2, 1}) {

@@ -59,6 +59,10 @@ std::string counterText(std::int64_t index, std::size_t count) {
   return "Showing " + decimal(index + 1) + " of " + decimal(static_cast<std::int64_t>(count)) + " in-app messages";
 }
 
+bool hasPaging(const BarContent& content) {
+  return content.count > (content.isEmpty ? 1U : 0U);
+}
+
 Color barColor(const BarContent& content, const Color& text) {
   return content.bar.value_or(isLight(text) ? kDarkBar : kLightBar);
 }
@@ -105,7 +109,7 @@ void MessageBars::dropButtons() {
 void MessageBars::show(const BarContent& content) {
   showButtons(content);
   const double top = buttonBar_->bounds().height;
-  const double pagingHeight = content.count > 0 ? kBarHeight : 0.0;
+  const double pagingHeight = hasPaging(content) ? kBarHeight : 0.0;
   pagingBar_->setFrame({0.0, top, kCardWidth, pagingHeight});
   pagingBackground_->setFrame(withOverlap(pagingBar_->frame()));
   Rect frame = bottomBar_->frame();
@@ -115,12 +119,13 @@ void MessageBars::show(const BarContent& content) {
   showPaging(content);
 }
 
-// A text that names no colour leaves the button without a face: then its title must be legible on the card.
+// A text that names no colour leaves the button without a face: then a title without a colour of its own must be
+// legible on the card.
 void MessageBars::dressFace(ActionButton& button, const BarContent& content, std::size_t index) {
   const std::optional<Color> face = content.data->buttonBackgroundAtIndex(index);
-  const Color title = content.data->buttonTitleColorAtIndex(index).value_or(Color::white());
   const Color behind = face.value_or(content.canvas);
-  button.setTitleColor(face ? title : legibleColor(title, behind));
+  const Color title = content.data->chosenButtonTitleColorAtIndex(index).value_or(legibleColor(Color::white(), behind));
+  button.setTitleColor(title);
   button.setFace(imageWithColor(face.value_or(Color::clear())), legibleColor(title, behind));
 }
 
@@ -154,11 +159,12 @@ void MessageBars::showButtons(const BarContent& content) {
 
 void MessageBars::showPaging(const BarContent& content) {
   const Color color = content.text.value_or(Color::white());
-  const bool isShown = content.count > 0;
+  const bool isShown = hasPaging(content);
   const Color bar = barColor(content, color);
   pagingBackground_->setBackgroundColor(bar);
   pagingBar_->setHidden(!isShown);
   counter_->setFrame(pagingFrames(kCardWidth).label);
+  counter_->setHidden(content.isEmpty);
   counter_->setText(counterText(content.index, content.count));
   counter_->setTextColor(color);
   counter_->setAccessibility({AccessibilityInfo::Role::Text, counter_->text(), ""});

@@ -30,6 +30,7 @@ struct BarContent {
   Color canvas = Color::white();            ///< What the action buttons lie on.
   std::optional<Color> text;                ///< Of arrows and counter; white when unset.
   std::optional<Color> bar;                 ///< Behind them; by default dark behind light text, light behind dark.
+  bool isEmpty = false;                     ///< Nothing is shown: no counter, and no paging bar without arrows.
 };
 
 /// The bars under a message: the row of its action buttons, and the paging bar. Main thread.

@@ -80,9 +80,9 @@ std::shared_ptr<Label> makeLabel(const Rect& frame, const std::string& text, con
   return label;
 }
 
-Color wantedColor(const std::optional<InAppTemplateData>& data,
-                  std::optional<Color> (InAppTemplateData::*color)() const) {
-  return data ? ((*data).*color)().value_or(Color::white()) : Color::white();
+// What a message has chosen stays, legible or not; the default is white, where that can be read.
+Color textColor(const std::optional<Color>& chosen, const Color& background) {
+  return chosen.value_or(legibleColor(Color::white(), background));
 }
 
 }  // namespace
@@ -92,7 +92,7 @@ MessageCell::MessageCell(const InAppModel& model, const MessageMeasures& measure
   const CellFrames frames = cellFrames(measures);
   setFrame({0.0, 0.0, kCardWidth, frames.height});
   addImage(model, frames, canvas);
-  addTitle(model, measures, frames, fonts.title, canvas);
+  addTitle(model, frames, fonts.title, canvas);
   addMessage(model, frames, fonts.message, canvas);
 }
 
@@ -108,19 +108,17 @@ void MessageCell::addImage(const InAppModel& model, const CellFrames& frames, co
   addSubview(imageView_);
 }
 
-void MessageCell::addTitle(const InAppModel& model, const MessageMeasures& measures, const CellFrames& frames,
-                           const Font& font, const Color& canvas) {
+void MessageCell::addTitle(const InAppModel& model, const CellFrames& frames, const Font& font, const Color& canvas) {
   if (frames.title.isEmpty()) {
     return;
   }
-  const Color wanted = wantedColor(model.templateData, &InAppTemplateData::titleColor);
-  const bool isOverlaid = measures.textOverlapsImage;
+  const std::optional<Color> chosen = model.templateData ? model.templateData->chosenTitleColor() : std::nullopt;
+  const bool isOverlaid = !frames.scrim.isEmpty();
+  const Color color = textColor(chosen, isOverlaid ? Color::black() : canvas);
   if (isOverlaid) {
-    const Color shade = isLight(wanted) ? Color::black() : Color::white();
-    addScrim(frames, shade);
+    addScrim(frames, isLight(color) ? Color::black() : Color::white());
   }
-  auto label = makeLabel(frames.title, model.title, font, isOverlaid ? wanted : legibleColor(wanted, canvas));
-  label->setNumberOfLines(isOverlaid ? 0 : kTitleLines);
+  auto label = makeLabel(frames.title, model.title, font, color);
   label->setAccessibility({AccessibilityInfo::Role::Heading, model.title, ""});
   addSubview(std::move(label));
 }
@@ -140,8 +138,8 @@ void MessageCell::addMessage(const InAppModel& model, const CellFrames& frames, 
   if (frames.message.isEmpty()) {
     return;
   }
-  const Color wanted = wantedColor(model.templateData, &InAppTemplateData::messageColor);
-  auto label = makeLabel(frames.message, model.msg, font, legibleColor(wanted, canvas));
+  const std::optional<Color> chosen = model.templateData ? model.templateData->chosenMessageColor() : std::nullopt;
+  auto label = makeLabel(frames.message, model.msg, font, textColor(chosen, canvas));
   label->setAccessibility({AccessibilityInfo::Role::Text, model.msg, ""});
   addSubview(std::move(label));
 }

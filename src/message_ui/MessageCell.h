@@ -15,8 +15,7 @@ struct MessageFonts {
   Font message = messageFont();
 };
 
-/// The table's row for a message: picture, title and text, in the message's colours as far as they are legible. Main
-/// thread.
+/// The table's row for a message: picture, title and text, in the message's colours. Main thread.
 class MessageCell : public View {
  public:
   /// `canvas` is the colour behind the cell. The place of a picture is filled with a placeholder.
@@ -27,8 +26,7 @@ class MessageCell : public View {
 
  private:
   void addImage(const InAppModel& model, const CellFrames& frames, const Color& canvas);
-  void addTitle(const InAppModel& model, const MessageMeasures& measures, const CellFrames& frames, const Font& font,
-                const Color& canvas);
+  void addTitle(const InAppModel& model, const CellFrames& frames, const Font& font, const Color& canvas);
   void addScrim(const CellFrames& frames, const Color& shade);
   void addMessage(const InAppModel& model, const CellFrames& frames, const Font& font, const Color& canvas);
 

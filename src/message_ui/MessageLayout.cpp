@@ -18,10 +18,7 @@ constexpr double kOverlaidTitleMargin = 16.0;
 constexpr double kScrimAbove = 72.0;      // The gradient begins well above the title, so that no edge shows.
 constexpr double kLegibleContrast = 1.6;  // Low: the service chose the colours, only invisible texts are corrected.
 constexpr double kLightLuminance = 0.4;
-
-double rounded(double height) {
-  return std::ceil(height) + 1.0;
-}
+constexpr Color kInk{0.09, 0.1, 0.12, 1.0};
 
 // The relative luminance of an sRGB colour, from 0 to 1, as contrast ratios are defined on it.
 double luminance(const Color& color) {
@@ -35,22 +32,30 @@ double contrast(double one, double other) {
   return (std::max(one, other) + 0.05) / (std::min(one, other) + 0.05);
 }
 
+bool isLegible(const Color& color, const Color& background) {
+  return contrast(luminance(color), luminance(background)) >= kLegibleContrast;
+}
+
 double textPart(const MessageMeasures& measures) {
   return measures.messageHeight ? *measures.messageHeight + kCardGap : kCardGap;
 }
 
+bool isTitleOverImage(const MessageMeasures& measures) {
+  return measures.textOverlapsImage && measures.titleHeight &&
+         *measures.titleHeight + kCardGap + kOverlaidTitleMargin <= measures.imageHeight;
+}
+
 bool hasOwnTitle(const MessageMeasures& measures) {
-  return measures.titleHeight.has_value() && !measures.textOverlapsImage;
+  return measures.titleHeight.has_value() && !isTitleOverImage(measures);
 }
 
 double titlePart(const MessageMeasures& measures) {
   return hasOwnTitle(measures) ? *measures.titleHeight + kCardGap + kCardGap : kNoTitleHeight;
 }
 
-void placeOverImage(CellFrames& frames, double wantedHeight) {
+void placeOverImage(CellFrames& frames, double height) {
   const double bottom = frames.image.bottom() - kOverlaidTitleMargin;
-  const double height = std::clamp(bottom - kCardGap, 0.0, wantedHeight);
-  frames.title = {kSideMargin, std::max(0.0, bottom - height), kCardTextWidth, height};
+  frames.title = {kSideMargin, bottom - height, kCardTextWidth, height};
   const double top = std::max(0.0, frames.title.y - kScrimAbove);
   frames.scrim = {0.0, top, kCardWidth, frames.image.bottom() - top};
 }
@@ -58,15 +63,7 @@ void placeOverImage(CellFrames& frames, double wantedHeight) {
 }  // namespace
 
 double heightForText(std::optional<std::string_view> text, const std::optional<Font>& font, double width) {
-  return text && font ? rounded(heightOfText(*text, *font, width)) : 0.0;
-}
-
-double titleHeight(std::string_view title, const Font& font) {
-  TextStyle style;
-  style.font = font;
-  style.lines = kTitleLines;
-  const TextLayout layout(title, style, {kCardTextWidth, 0.0});
-  return std::min(heightForText(title, font, kCardTextWidth), rounded(layout.size().height));
+  return text && font ? std::ceil(heightOfText(*text, *font, width)) + 1.0 : 0.0;
 }
 
 Size clippedSizeFromImageSize(Size image, double width) {
@@ -148,12 +145,17 @@ CellFrames cellFrames(const MessageMeasures& measures) {
 }
 
 Color legibleColor(const Color& wanted, const Color& background) {
-  const double behind = luminance(background);
-  if (contrast(luminance(wanted), behind) >= kLegibleContrast) {
+  if (isLegible(wanted, background)) {
     return wanted;
   }
-  constexpr Color kInk{0.09, 0.1, 0.12, 1.0};
   return isLight(background) ? kInk : Color::white();
+}
+
+Color legibleBackground(const std::optional<Color>& one, const std::optional<Color>& other) {
+  const auto shows = [&](const Color& background) {
+    return (!one || isLegible(*one, background)) && (!other || isLegible(*other, background));
+  };
+  return !shows(Color::white()) && shows(kInk) ? kInk : Color::white();
 }
 
 bool isLight(const Color& color) {

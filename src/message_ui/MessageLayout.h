@@ -40,23 +40,17 @@ inline Font arrowFont() {
   return Font::system(36.0);
 }
 
-/// A longer title ends in an ellipsis: the message must remain visible below it.
-inline constexpr int kTitleLines = 5;
-
 /// What a message's parts measure.
 struct MessageMeasures {
   double imageHeight = 0.0;             ///< Of the picture at the card's width; 0 without one.
   std::optional<double> titleHeight;    ///< Nothing for an empty title.
   std::optional<double> messageHeight;  ///< Nothing for an empty text.
-  bool textOverlapsImage = false;       ///< The title lies over the picture.
+  bool textOverlapsImage = false;       ///< The title lies over the picture, where that has room for all of it.
 };
 
 /// Returns the height of the text broken at `width`, rounded up, plus 1; 0 when text or font is missing.
 /// [heightForText:font:withinWidth:]
 double heightForText(std::optional<std::string_view> text, const std::optional<Font>& font, double width);
-
-/// Returns the height of a title: heightForText(), but of kTitleLines lines at most.
-double titleHeight(std::string_view title, const Font& font);
 
 /// Returns the size at this width with the same aspect ratio. Empty for sizes that are not positive; the height is
 /// clamped to what can be scrolled through. [clippedSizeFromImageSize:scaledToWidth:]
@@ -94,7 +88,7 @@ PagingFrames pagingFrames(double barWidth);
 /// The frames of a message's parts in its row, which is calculateContentHeight() high. Empty for parts that it lacks.
 struct CellFrames {
   Rect image;
-  Rect scrim;  ///< What dims the picture behind a title that lies over it.
+  Rect scrim;  ///< What dims the picture behind a title that lies over it; empty for any other.
   Rect title;
   Rect message;
   double height = 0.0;
@@ -103,6 +97,9 @@ CellFrames cellFrames(const MessageMeasures& measures);
 
 /// Returns `wanted` when it is legible on `background`, else black or white, whichever contrasts more.
 Color legibleColor(const Color& wanted, const Color& background);
+
+/// Returns white; a dark colour if the colours that are set are legible on that one only.
+Color legibleBackground(const std::optional<Color>& one, const std::optional<Color>& other);
 
 /// Returns whether dark text is easier to read on this colour than light text.
 bool isLight(const Color& color);

@@ -98,7 +98,8 @@ void MessagePopup::showPicture(const ImagePtr& picture) {
 }
 
 void MessagePopup::showBars() {
-  bars_.show({content_.templateData(), content_.index, content_.count, canvasColor(), looks_.text, looks_.bar});
+  bars_.show({content_.templateData(), content_.index, content_.count, canvasColor(), looks_.text, looks_.bar,
+              content_.isEmpty()});
 }
 
 void MessagePopup::showMessage() {
@@ -128,13 +129,12 @@ void MessagePopup::measure() {
   }
   const InAppModel* model = content_.model.get();
   if (model != nullptr && !model->title.empty()) {
-    measures_.titleHeight = titleHeight(model->title, fonts().title);
+    measures_.titleHeight = heightForText(model->title, fonts().title, kCardTextWidth);
   }
   if (model != nullptr && !model->msg.empty()) {
     measures_.messageHeight = heightForText(model->msg, fonts().message, kCardTextWidth);
   }
-  // A title with nothing to lie over needs room of its own.
-  measures_.textOverlapsImage = textOverlapsImage() && measures_.imageHeight > 0.0;
+  measures_.textOverlapsImage = textOverlapsImage();
 }
 
 double MessagePopup::visibleHeight() const {
@@ -164,9 +164,13 @@ void MessagePopup::focus(View* view) {
   }
 }
 
+// White, unless the message says otherwise, or has chosen colours that cannot be read on white.
 Color MessagePopup::canvasColor() const {
-  const InAppTemplateData* data = content_.templateData();
-  return data != nullptr && !content_.isEmpty() ? data->canvasColor().value_or(Color::white()) : Color::white();
+  const InAppTemplateData* data = content_.isEmpty() ? nullptr : content_.templateData();
+  if (data == nullptr) {
+    return Color::white();
+  }
+  return data->chosenCanvasColor().value_or(legibleBackground(data->chosenTitleColor(), data->chosenMessageColor()));
 }
 
 MessageFonts MessagePopup::fonts() const {

@@ -49,10 +49,7 @@ InAppTemplateData::InAppTemplateData(const Dictionary& dictionary, bool loadDefa
 }
 
 std::optional<Color> InAppTemplateData::colorOf(const std::string& text) const {
-  if (shouldLoadFromDefaults_ || text.empty()) {
-    return Color::white();
-  }
-  return colorFromHexadecimalString(text);
+  return hasChosen(text) ? colorFromHexadecimalString(text) : Color::white();
 }
 
 // The entry of a button; null without such a button, or where the message has no array.
@@ -72,10 +69,20 @@ std::string InAppTemplateData::buttonActionAtIndex(std::size_t index) const {
   return action != nullptr ? *action : std::string();
 }
 
-std::optional<Color> InAppTemplateData::buttonTitleColorAtIndex(std::size_t index) const {
+// The text of a button's title colour; null for the default.
+const std::string* InAppTemplateData::buttonTitleColorText(std::size_t index) const {
   const Array* entry = shouldLoadFromDefaults_ ? nullptr : button(index);
-  const std::string* text = entry != nullptr ? colorText(*entry, entry->size() - 1) : nullptr;
+  return entry != nullptr ? colorText(*entry, entry->size() - 1) : nullptr;
+}
+
+std::optional<Color> InAppTemplateData::buttonTitleColorAtIndex(std::size_t index) const {
+  const std::string* text = buttonTitleColorText(index);
   return text != nullptr ? colorFromHexadecimalString(*text) : Color::white();
+}
+
+std::optional<Color> InAppTemplateData::chosenButtonTitleColorAtIndex(std::size_t index) const {
+  const std::string* text = buttonTitleColorText(index);
+  return text != nullptr ? colorFromHexadecimalString(*text) : std::nullopt;
 }
 
 std::optional<Color> InAppTemplateData::buttonBackgroundAtIndex(std::size_t index) const {

@@ -43,6 +43,12 @@ class InAppTemplateData {
   std::optional<Color> messageColor() const { return colorOf(msgColor_); }
   std::optional<Color> canvasColor() const { return colorOf(canvasBgColor_); }
 
+  /// Return the colour that the message itself has chosen; nothing where a default is shown.
+  std::optional<Color> chosenTitleColor() const { return hasChosen(titleColorHex_) ? titleColor() : std::nullopt; }
+  std::optional<Color> chosenMessageColor() const { return hasChosen(msgColor_) ? messageColor() : std::nullopt; }
+  std::optional<Color> chosenCanvasColor() const { return hasChosen(canvasBgColor_) ? canvasColor() : std::nullopt; }
+  std::optional<Color> chosenButtonTitleColorAtIndex(std::size_t index) const;
+
   /// Return the number of buttons, and what belongs to the button at an index from 0. An index without a button, and a
   /// button that lacks the entry, give nothing, "" or white, as each says. [buttonCount]
   std::size_t buttonCount() const { return buttons_.size(); }
@@ -86,7 +92,9 @@ class InAppTemplateData {
     ImagePtr image KESU_GUARDED_BY(mutex);
   };
 
+  bool hasChosen(const std::string& text) const { return !shouldLoadFromDefaults_ && !text.empty(); }
   std::optional<Color> colorOf(const std::string& text) const;
+  const std::string* buttonTitleColorText(std::size_t index) const;
   const Array* button(std::size_t index) const;
 
   std::string imageURL_;
