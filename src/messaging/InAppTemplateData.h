@@ -55,10 +55,6 @@ class InAppTemplateData {
   std::optional<std::string> buttonTitleAtIndex(std::size_t index) const;
   std::string buttonActionAtIndex(std::size_t index) const;  ///< "" when there is none.
 
-  /// White by default; nothing when the text passes isValidHexadecimalString() and names no colour.
-  /// Kept: of three entries the last is the background, so that title and background have one colour.
-  std::optional<Color> buttonTitleColorAtIndex(std::size_t index) const;
-
   /// Nothing without such a button; "0x09b6ee" by default.
   std::optional<Color> buttonBackgroundAtIndex(std::size_t index) const;
 
@@ -81,6 +77,9 @@ class InAppTemplateData {
   const std::string& msgColor() const { return msgColor_; }
   const Array& buttons() const { return buttons_; }  ///< Each an array: title, action, background, ..., title colour.
   const std::string& canvasBgColor() const { return canvasBgColor_; }
+  /// White by default; nothing when the text passes isValidHexadecimalString() and names no colour.
+  /// Kept: of three entries the last is the background, so that title and background have one colour.
+  std::optional<Color> buttonTitleColorAtIndex(std::size_t index) const;
   bool shouldLoadFromDefaults() const { return shouldLoadFromDefaults_; }
   const std::string& templateID() const { return templateID_; }  ///< Not read from the message.
   void setTemplateID(std::string templateID) { templateID_ = std::move(templateID); }

@@ -2,6 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+
+#include "foundation/Json.h"
 #include "testing/TemporaryDirectory.h"
 
 namespace kesu::dev {
@@ -81,6 +86,40 @@ TEST_F(MessageDirectoryTest, SaysWhyAFileIsSkipped) {
   EXPECT_EQ(reading.problems, expected);
   ASSERT_EQ(reading.messages.size(), 1U);
   EXPECT_EQ(reading.messages.front().header, (Dictionary{{"mid", "m"}, {"cid", "c"}, {"title", Null()}}));
+}
+
+std::string contentOf(const std::string& path) {
+  std::ifstream file(path);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+// docs/messages.md is all that an author of messages has.
+TEST_F(MessageDirectoryTest, ReadsTheExamplesAsTheDocumentPrintsThem) {
+  const std::string examples = KESU_EXAMPLE_MESSAGES;
+  const std::string document = contentOf(examples + "/../../docs/messages.md");
+  const std::string fence = "```json\n";
+  std::size_t printed = 0;
+  for (std::size_t at = document.find(fence); at != std::string::npos; at = document.find(fence, at)) {
+    at += fence.size();
+    directory_.write("printed" + std::to_string(++printed) + ".json",
+                     document.substr(at, document.find("```", at) - at));
+  }
+  for (const char* picture : {"night-train.jpg", "sunrise.jpg", "arcade.jpg"}) {
+    directory_.write(picture, contentOf(examples + "/" + picture));
+  }
+  const MessageReading fromDocument = read();
+  const MessageReading fromFiles = MessageDirectory(examples, "https://h:1").read();
+  EXPECT_EQ(fromDocument.problems, std::vector<std::string>());
+  EXPECT_EQ(fromFiles.messages.size(), printed);
+  for (const Message& message : fromFiles.messages) {
+    const auto same = [&](const Message& other) { return other.full == message.full; };
+    EXPECT_EQ(std::ranges::count_if(fromDocument.messages, same), 1) << message.file;
+    const std::string* data = message.full.find("payload")->dictionary()->findText("templateData");
+    const std::optional<Value> parsed = parseJson(*data);
+    for (const Dictionary::Entry& entry : *parsed->dictionary()) {
+      EXPECT_NE(document.find("`" + entry.key + "`"), std::string::npos) << entry.key;
+    }
+  }
 }
 
 TEST_F(MessageDirectoryTest, ReadsTagsAsAListOrAsText) {
