@@ -1,16 +1,14 @@
 // Fuzzes: graphics
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <string_view>
 
+#include "Require.h"
 #include "graphics/DataUrl.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view url{reinterpret_cast<const char*>(data), size};
   const auto carried = kesu::dataOfUrl(url);
-  if (carried && (!kesu::isDataUrl(url) || carried->size() > size)) {
-    std::abort();
-  }
+  kesu::fuzz::require(!carried || (kesu::isDataUrl(url) && carried->size() <= size));
   return 0;
 }

@@ -2,24 +2,20 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <string_view>
 
+#include "Require.h"
 #include "foundation/Text.h"
 #include "platform/linux/http/HttpHeaderLines.h"
 #include "platform/linux/http/HttpHeaderList.h"
 
 namespace {
 
+using kesu::fuzz::require;
+
 using namespace std::string_view_literals;
 
 constexpr char kSeparator = '\xFF';
-
-void require(bool holds) {
-  if (!holds) {
-    std::abort();
-  }
-}
 
 std::string next(std::string_view& input) {
   const std::size_t end = std::min(input.find(kSeparator), input.size());

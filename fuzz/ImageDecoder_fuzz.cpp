@@ -1,9 +1,9 @@
 // Fuzzes: graphics
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <string_view>
 
+#include "Require.h"
 #include "graphics/ImageDecoder.h"
 
 namespace {
@@ -25,8 +25,6 @@ bool isCoherent(const kesu::DecodedImage& decoded) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  if (!isCoherent(kesu::decodeImage({reinterpret_cast<const char*>(data), size}, kLimits))) {
-    std::abort();
-  }
+  kesu::fuzz::require(isCoherent(kesu::decodeImage({reinterpret_cast<const char*>(data), size}, kLimits)));
   return 0;
 }

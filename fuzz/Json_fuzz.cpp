@@ -1,8 +1,8 @@
 // Fuzzes: foundation
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 
+#include "Require.h"
 #include "foundation/Json.h"
 
 namespace {
@@ -31,12 +31,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (!value) {
     return 0;
   }
-  if (kesu::writeJson(*value, text) != kesu::JsonStatus::Ok) {
-    std::abort();
-  }
+  kesu::fuzz::require(kesu::writeJson(*value, text) == kesu::JsonStatus::Ok);
   const auto again = kesu::parseJson(text);
-  if (!again || !isReadBackAs(*value, *again)) {
-    std::abort();
-  }
+  kesu::fuzz::require(again && isReadBackAs(*value, *again));
   return 0;
 }

@@ -1,19 +1,15 @@
 // Fuzzes: platform/linux/outbox
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 
+#include "Require.h"
 #include "platform/linux/outbox/LogSegment.h"
 
 namespace {
 
-void require(bool condition) {
-  if (!condition) {
-    std::abort();
-  }
-}
+using kesu::fuzz::require;
 
 // Reads the whole segment. What is found lies within it, in order.
 void readSegment(std::string_view segment) {

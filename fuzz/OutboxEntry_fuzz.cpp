@@ -1,11 +1,11 @@
 // Fuzzes: outbox
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "Require.h"
 #include "outbox/OutboxEntry.h"
 
 namespace {
@@ -17,18 +17,14 @@ std::string written(const kesu::OutboxEntry& entry) {
     changes.push_back({change.kind, change.key, change.value});
   }
   std::string bytes;
-  if (!kesu::appendChanges(bytes, changes) ||
-      (entry.record && !kesu::appendRecord(bytes, *entry.record, entry.record->entries))) {
-    std::abort();
-  }
+  kesu::fuzz::require(kesu::appendChanges(bytes, changes) &&
+                      (!entry.record || kesu::appendRecord(bytes, *entry.record, entry.record->entries)));
   return bytes;
 }
 
 std::string written(const kesu::Dictionary& dictionary) {
   std::string bytes;
-  if (!kesu::appendDictionary(bytes, dictionary)) {
-    std::abort();
-  }
+  kesu::fuzz::require(kesu::appendDictionary(bytes, dictionary));
   return bytes;
 }
 
@@ -37,9 +33,7 @@ void readAndWrite(std::string_view bytes, const Read& read) {
   if (const auto first = read(bytes)) {
     const std::string once = written(*first);
     const auto second = read(once);
-    if (!second || written(*second) != once) {
-      std::abort();
-    }
+    kesu::fuzz::require(second && written(*second) == once);
   }
 }
 

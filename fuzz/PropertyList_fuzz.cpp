@@ -1,7 +1,7 @@
 // Fuzzes: foundation
 #include <cstdint>
-#include <cstdlib>
 
+#include "Require.h"
 #include "foundation/PropertyList.h"
 
 // Whatever can be read can be written and read again, except for what the standard form refuses. Texts are compared,
@@ -11,13 +11,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   for (const auto form : {kesu::PropertyListForm::Standard, kesu::PropertyListForm::Escaped}) {
     const auto value = kesu::parsePropertyList(bytes, form);
     const auto list = value ? kesu::writePropertyList(*value, form) : std::nullopt;
-    if (value && !list && form == kesu::PropertyListForm::Escaped) {
-      std::abort();
-    }
+    kesu::fuzz::require(!value || list || form == kesu::PropertyListForm::Standard);
     const auto again = list ? kesu::parsePropertyList(*list, form) : std::nullopt;
-    if (list && (!again || kesu::writePropertyList(*again, form) != list)) {
-      std::abort();
-    }
+    kesu::fuzz::require(!list || (again && kesu::writePropertyList(*again, form) == list));
   }
   return 0;
 }

@@ -2,10 +2,10 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <functional>
 #include <string>
 
+#include "Require.h"
 #include "delivery/KesuPost.h"
 #include "delivery/KesuStore.h"
 #include "messaging/KesuInbox.h"
@@ -31,9 +31,7 @@ struct Client {
   KesuInbox::ObjectHandler listen(const std::function<bool(const Value&)>& isDescribed) {
     return [this, isDescribed](const Object& result) {
       ++told;
-      if (result && !isDescribed(*result)) {
-        std::abort();
-      }
+      require(!result || isDescribed(*result));
     };
   }
 
@@ -41,9 +39,7 @@ struct Client {
   void answer(const std::uint8_t* data, std::size_t size) {
     platform.http.answer(0, 200, std::string(reinterpret_cast<const char*>(data), size));
     platform.settle();
-    if (told != 1) {
-      std::abort();
-    }
+    require(told == 1);
   }
 };
 

@@ -1,9 +1,9 @@
 // Fuzzes: messaging
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 
+#include "Require.h"
 #include "messaging/InAppModel.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -15,9 +15,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       static_cast<void>(look.buttonTitleAtIndex(i));
       static_cast<void>(look.buttonActionAtIndex(i));
       static_cast<void>(look.buttonBackgroundAtIndex(i));
-      if (look.shouldLoadFromDefaults() && look.buttonTitleColorAtIndex(i) != kesu::Color::white()) {
-        std::abort();
-      }
+      kesu::fuzz::require(!look.shouldLoadFromDefaults() || look.buttonTitleColorAtIndex(i) == kesu::Color::white());
     }
     static_cast<void>(look.titleColor());
     static_cast<void>(look.messageColor());

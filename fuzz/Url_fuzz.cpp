@@ -3,22 +3,18 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <memory>
 #include <string>
 #include <string_view>
 
+#include "Require.h"
 #include "foundation/Text.h"
 #include "foundation/Url.h"
 #include "platform/linux/http/HttpUrl.h"
 
 namespace {
 
-void require(bool holds) {
-  if (!holds) {
-    std::abort();
-  }
-}
+using kesu::fuzz::require;
 
 std::string partOf(CURLU* url, CURLUPart part) {
   char* text = nullptr;
