@@ -1,11 +1,13 @@
 #pragma once
 
-#include <kesu/platform/AppendLog.h>
+#include <gtest/gtest.h>
 
-#include <filesystem>
-#include <set>
+#include <memory>
 #include <string>
 #include <vector>
+
+#include "platform/linux/outbox/LinuxAppendLog.h"
+#include "testing/TemporaryDirectory.h"
 
 namespace kesu::testing {
 
@@ -33,16 +35,16 @@ inline std::string joined(const std::vector<FoundEntry>& found) {
   return text;
 }
 
-/// The names of a directory that end in `suffix`, sorted.
-inline std::set<std::string> namesIn(const std::string& directory, const std::string& suffix = {}) {
-  std::set<std::string> found;
-  for (const auto& entry : std::filesystem::directory_iterator(directory)) {
-    if (entry.path().string().ends_with(suffix)) {
-      found.insert(entry.path().filename());
-    }
+/// A directory in which processes keep their logs.
+class OutboxDirectoryTest : public ::testing::Test {
+ protected:
+  std::string path() const { return directory_ / "Outbox"; }
+  std::unique_ptr<LinuxAppendLog> open(SegmentAccess access = SegmentAccess::WhereSafe) const {
+    return std::make_unique<LinuxAppendLog>(path(), access);
   }
-  return found;
-}
+
+  TemporaryDirectory directory_;
+};
 
 /// A text that tells whether it is whole: of its own length for each number, 0 to 5,000 bytes.
 inline std::string numberedText(unsigned number) {

@@ -11,6 +11,12 @@
 
 namespace kesu::testing {
 
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__) || KESU_HAS_CLANG_SANITIZER
+inline constexpr bool kIsSanitized = true;  ///< Memory and time are not those of the library.
+#else
+inline constexpr bool kIsSanitized = false;
+#endif
+
 /// How far the memory of this process rises from here on, by the system's own count.
 class MemoryPeak {
  public:
@@ -20,15 +26,9 @@ class MemoryPeak {
   }
 
   /// With a sanitizer, whose own memory cannot be told apart, it is always 0.
-  long kilobytes() const { return kIsMeasured ? field("VmHWM") - before_ : 0; }
+  long kilobytes() const { return kIsSanitized ? 0 : field("VmHWM") - before_; }
 
  private:
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__) || KESU_HAS_CLANG_SANITIZER
-  static constexpr bool kIsMeasured = false;
-#else
-  static constexpr bool kIsMeasured = true;
-#endif
-
   /// A field of /proc/self/status, in kB.
   static long field(const std::string& name) {
     std::ifstream file("/proc/self/status");

@@ -49,8 +49,8 @@ TEST_F(EntryTest, RefusesMisuseWithFixedReasons) {
   EXPECT_TRUE(Kesu::isSDKInitialized());
   EXPECT_EQ(reasonOf([] { Kesu::initialize("other"); }), "KesuAppKey is already set and Kesu is initialized!");
   EXPECT_EQ(reasonOf([] { Kesu(); }),
-            "-init is not a valid initializer for Kesu. KesuAppKey needs to be set via initializeWithKey:  "
-            "@\"<Your Kesu assigned App Key>\" ");
+            "-init is not a valid initializer for Kesu. KesuAppKey needs to be set via initializeWithKey:  @\"<Your Kesu "
+            "assigned App Key>\" ");
   EXPECT_EQ(missing, k_KesuAppKeyMissingException);
   EXPECT_EQ(platform.defaults.text("kesuSDKAPIKey"), "a b") << "the key as given, blanks and all";
   platform.log.takeLines();

@@ -4,7 +4,6 @@
 
 #include "foundation/Base64.h"
 #include "records/MessageIdentifier.h"
-#include "records/TimeReference.h"
 #include "testing/SequentialRandom.h"
 
 namespace kesu {
@@ -22,10 +21,6 @@ TEST(MessageIdentifier, IsBase64OfSixteenBytesWithoutPadding) {
   }
   EXPECT_EQ(made.size(), 100U);
   EXPECT_TRUE(made.contains("AAAAAAAAQACAAAAAAAAAAQ")) << "00000000-0000-4000-8000-000000000001";
-}
-
-TEST(TimeReference, CountsFromItsOrigin) {
-  EXPECT_EQ(timerReferenceAt(1453881200.0), 0.0);  // 2016-01-27 07:53:20 UTC
 }
 
 }  // namespace

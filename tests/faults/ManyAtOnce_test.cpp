@@ -14,7 +14,7 @@ namespace {
 using testing::HostProcess;
 using testing::NumberedCollector;
 
-constexpr double kSecondsOfPatience = 120;
+constexpr double kSecondsOfPatience = 60;
 
 class ManyAtOnce : public ::testing::Test {
  protected:

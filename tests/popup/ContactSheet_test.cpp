@@ -14,6 +14,7 @@
 
 #include "graphics/TextLayout.h"
 #include "testing/FontRelease.h"
+#include "testing/MemoryPeak.h"
 #include "tests/popup/PopupPictures.h"
 #include "tests/popup/PopupStage.h"
 
@@ -36,18 +37,9 @@ struct ScreenSize {
   int height;
 };
 
-// The finest size is slow under the address sanitizer.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool kIsChecked = true;
-#elif defined(__has_feature)
-constexpr bool kIsChecked = __has_feature(address_sanitizer) || __has_feature(thread_sanitizer);
-#else
-constexpr bool kIsChecked = false;
-#endif
-
 std::vector<ScreenSize> screenSizes() {
-  return kIsChecked ? std::vector<ScreenSize>{{1280, 720}}
-                    : std::vector<ScreenSize>{{1280, 720}, {1920, 1080}, {3840, 2160}};
+  return testing::kIsSanitized ? std::vector<ScreenSize>{{1280, 720}}  // The finest size is slow there.
+                               : std::vector<ScreenSize>{{1280, 720}, {1920, 1080}, {3840, 2160}};
 }
 
 Value buttons(const std::vector<std::string>& titles) {

@@ -16,19 +16,10 @@
 #include "testing/TemporaryDirectory.h"
 #include "tests/popup/PopupStage.h"
 
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define KESU_ALLOCATIONS_ARE_LIMITED
-#endif
-#endif
-#ifdef __SANITIZE_ADDRESS__
-#define KESU_ALLOCATIONS_ARE_LIMITED
-#endif
-#ifdef KESU_ALLOCATIONS_ARE_LIMITED
+// The address sanitizer asks for this before main().
 extern "C" __attribute__((used, visibility("default"))) const char* __asan_default_options() {
   return "max_allocation_size_mb=64:allocator_may_return_null=0";
 }
-#endif
 
 namespace kesu {
 namespace {

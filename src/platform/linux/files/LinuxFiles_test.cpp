@@ -10,7 +10,6 @@
 #include <set>
 
 #include "testing/ChildProcess.h"
-#include "testing/FoundEntries.h"
 #include "testing/TemporaryDirectory.h"
 
 namespace kesu {

@@ -42,20 +42,13 @@ using testing::namesIn;
 using testing::numberedText;
 using testing::recoverAll;
 
-class LinuxAppendLogTest : public ::testing::Test {
+class LinuxAppendLogTest : public testing::OutboxDirectoryTest {
  protected:
   void SetUp() override { setServiceLogHandler(recordOutboxLine); }
   void TearDown() override {
     setServiceLogHandler(nullptr);
     EXPECT_EQ(takeOutboxLines(), std::vector<std::string>()) << "lines that the test did not expect";
   }
-
-  std::string path() const { return directory_ / "Outbox"; }
-  std::unique_ptr<LinuxAppendLog> open(SegmentAccess access = SegmentAccess::WhereSafe) const {
-    return std::make_unique<LinuxAppendLog>(path(), access);
-  }
-
-  testing::TemporaryDirectory directory_;
 };
 
 TEST_F(LinuxAppendLogTest, FollowsAHomeThatIsMountedOverIt) {

@@ -24,11 +24,8 @@ using testing::recoverAll;
 
 constexpr unsigned kProcesses = 20;
 
-class LogCompactionTest : public ::testing::Test {
+class LogCompactionTest : public testing::OutboxDirectoryTest {
  protected:
-  std::string path() const { return directory_ / "Outbox"; }
-  std::unique_ptr<LinuxAppendLog> open() const { return std::make_unique<LinuxAppendLog>(path()); }
-
   /// Processes that live at the same time, so that each appends the same numbers: 1, released; 2 and 3; 4, released.
   void leaveLogs() const {
     std::vector<std::unique_ptr<LinuxAppendLog>> logs;
@@ -80,8 +77,6 @@ class LogCompactionTest : public ::testing::Test {
     }
     return contents;
   }
-
-  testing::TemporaryDirectory directory_;
 };
 
 TEST_F(LogCompactionTest, MovesFewEntriesOfManyProcessesIntoOneSegment) {

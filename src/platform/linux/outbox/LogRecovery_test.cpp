@@ -27,13 +27,7 @@ using testing::namesIn;
 using testing::numberedText;
 using testing::recoverAll;
 
-class LogRecoveryTest : public ::testing::Test {
- protected:
-  std::string path() const { return directory_ / "Outbox"; }
-  std::unique_ptr<LinuxAppendLog> open() const { return std::make_unique<LinuxAppendLog>(path()); }
-
-  testing::TemporaryDirectory directory_;
-};
+using LogRecoveryTest = testing::OutboxDirectoryTest;
 
 TEST_F(LogRecoveryTest, EachProcessHasALogOfItsOwnUntilItIsGone) {
   auto first = open();
