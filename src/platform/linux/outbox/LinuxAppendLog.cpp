@@ -119,6 +119,8 @@ bool LinuxAppendLog::startSegment() {
     return false;
   }
   current_ = std::exchange(spare_, {});
+  // The mark lies in this one if it was made ready in time.
+  lowMark_ = lowMark_ > kSegmentBytes ? lowMark_ - kSegmentBytes : 0;
   warnings_.worked(OutboxWarnings::Kind::Room);
   return true;
 }

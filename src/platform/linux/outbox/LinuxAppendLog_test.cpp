@@ -87,12 +87,17 @@ TEST_F(LinuxAppendLogTest, KeepsFewSegmentsMappedHoweverMuchWaits) {
   const auto log = open(SegmentAccess::Mapped);
   recoverAll(*log);
   std::vector<AppendLog::Entry> entries;
+  std::size_t appended = 0;
+  std::size_t prepared = 0;
   for (unsigned i = 0; i < 5000; ++i) {
     entries.push_back(log->append(numberedText(i)).value());
-    if (i % 100 == 0) {
+    appended += numberedText(i).size();
+    if (log->isRunningLow()) {
       log->prepare();
+      ++prepared;
     }
   }
+  EXPECT_GE(prepared, appended / (256 * 1024)) << "in each segment";
   log->prepare();
   std::ifstream maps("/proc/self/maps");
   int mapped = 0;
