@@ -14,7 +14,8 @@ namespace {
 std::string written(const kesu::OutboxEntry& entry) {
   std::vector<kesu::DefaultsChange> changes;
   for (const kesu::OutboxEntry::Change& change : entry.changes) {
-    changes.push_back({change.kind, change.key, change.value});
+    const std::string* suffix = change.value.text();
+    changes.push_back({change.kind, change.key, change.value, suffix != nullptr ? *suffix : std::string_view()});
   }
   std::string bytes;
   kesu::fuzz::require(kesu::appendChanges(bytes, changes) &&

@@ -63,8 +63,8 @@ void FakeUserDefaults::apply(std::span<const DefaultsChange> changes) {
       erase(change.key);
     } else if (change.kind == DefaultsChange::Kind::Set && isPropertyListValue(change.value)) {
       put(change.key, change.value);
-    } else if (change.kind == DefaultsChange::Kind::Append && change.value.text() != nullptr) {
-      grow(change.key, *change.value.text());
+    } else if (change.kind == DefaultsChange::Kind::Append) {
+      grow(change.key, change.suffix);
     }
   }
 }

@@ -5,6 +5,8 @@
 #include <kesu/records/Constants.h>
 
 #include <cmath>
+#include <memory_resource>
+#include <string_view>
 #include <utility>
 
 #include "foundation/NumberText.h"
@@ -140,19 +142,22 @@ void KesuManager::printObsfucatedAscii85KaidIfNeeded() {
 void KesuManager::updateScreenFlowForScenes(const std::string& name, double seconds) {
   // The collector cannot read "nan" and "inf".
   if (std::isfinite(seconds) && isValidUtf8(name)) {
-    outbox_.change({{DefaultsChange::Kind::Append, k_SceneFlow, flowEntry(name, fixed(seconds, 1))}});
+    const std::string entry = flowEntry(std::string(), name, fixed(seconds, 1));
+    const DefaultsChange growth = DefaultsChange::append(k_SceneFlow, entry);
+    outbox_.change({&growth, 1});
   }
 }
 
 void KesuManager::postEvent(const Attributes& attributes, const Object& name, std::string_view destination) {
-  DefaultsChanges changes;
-  const std::string* text = name ? name->text() : nullptr;
-  // Bytes that are not UTF-8 would make the whole flow, and with it the record that carries it, unsendable.
-  if (text != nullptr && !text->empty() && isValidUtf8(*text)) {
-    changes.push_back({DefaultsChange::Kind::Append, k_EventFlow, flowEntry(*text, "0")});
-  }
   const Value* value = name ? &*name : nullptr;
-  sender_.postToTable(attributes, destination, Replacement{k_KesuEventName, value}, std::move(changes));
+  const std::string* text = value != nullptr ? value->text() : nullptr;
+  // Bytes that are not UTF-8 would make the whole flow, and with it the record that carries it, unsendable.
+  const bool isInFlow = text != nullptr && !text->empty() && isValidUtf8(*text);
+  char room[256];  // A post allocates nothing, unless the name is long.
+  std::pmr::monotonic_buffer_resource memory(room, sizeof room);
+  const auto entry = flowEntry(std::pmr::string(&memory), isInFlow ? *text : std::string_view(), "0");
+  const DefaultsChange growth = DefaultsChange::append(k_EventFlow, entry);
+  sender_.postToTable(attributes, destination, Replacement{k_KesuEventName, value}, {&growth, isInFlow ? 1U : 0U});
 }
 
 void KesuManager::postAppEvent(const Attributes& attributes, const Object& name) {

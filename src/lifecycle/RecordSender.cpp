@@ -31,22 +31,24 @@ PendingRecord RecordSender::frame(RecordKind kind, std::string_view destination,
 }
 
 // The time at which traits were posted last, which decides whether the next launch posts them.
-DefaultsChanges RecordSender::traitsSaved() const {
-  return {{DefaultsChange::Kind::Set, kTraitsSaveTime, platform_.clock.now()}};
+DefaultsChange RecordSender::traitsSaved() const {
+  return DefaultsChange::set(kTraitsSaveTime, platform_.clock.now());
 }
 
 void RecordSender::postToTable(const Dictionary& attributes, std::string_view destination,
-                               const std::optional<Replacement>& replacement, DefaultsChanges changes) {
-  outbox_.add(frame(RecordKind::Table, destination), attributes, replacement, std::move(changes));
+                               const std::optional<Replacement>& replacement, std::span<const DefaultsChange> changes) {
+  outbox_.add(frame(RecordKind::Table, destination), attributes, replacement, changes);
 }
 
 void RecordSender::postAppTraits(const Dictionary& record, TraitType type) {
-  outbox_.add(frame(RecordKind::Traits, k_TableTraits, static_cast<char>(type)), record, std::nullopt, traitsSaved());
+  const DefaultsChange saved = traitsSaved();
+  outbox_.add(frame(RecordKind::Traits, k_TableTraits, static_cast<char>(type)), record, std::nullopt, {&saved, 1});
 }
 
 void RecordSender::postBehindColumns(const Dictionary& entries, std::string_view destination) {
-  outbox_.add(frame(RecordKind::ColumnsInFront, destination), entries, std::nullopt,
-              destination == k_TableTraits ? traitsSaved() : DefaultsChanges());
+  const DefaultsChange saved = traitsSaved();
+  const bool isTraits = destination == k_TableTraits;
+  outbox_.add(frame(RecordKind::ColumnsInFront, destination), entries, std::nullopt, {&saved, isTraits ? 1U : 0U});
 }
 
 void RecordSender::postStateChange(char state,
@@ -70,7 +72,8 @@ void RecordSender::addTraits(Dictionary& record, TraitType type) {
 void RecordSender::postActivation(const Dictionary& flags) {
   if (!flags.empty()) {
     // Behind the flags: their order in the record is part of the wire contract.
-    outbox_.add(frame(RecordKind::ColumnsBehind, k_TableTraits), flags, std::nullopt, traitsSaved());
+    const DefaultsChange saved = traitsSaved();
+    outbox_.add(frame(RecordKind::ColumnsBehind, k_TableTraits), flags, std::nullopt, {&saved, 1});
   }
 }
 

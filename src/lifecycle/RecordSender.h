@@ -4,6 +4,7 @@
 #include <kesu/platform/Platform.h>
 
 #include <functional>
+#include <span>
 #include <string_view>
 
 #include "delivery/KesuPost.h"
@@ -39,7 +40,8 @@ class RecordSender {
 
   /// Take a record for a table: its attributes, with one replaced, and changes of the user defaults in the same step.
   void postToTable(const Dictionary& attributes, std::string_view destination,
-                   const std::optional<Replacement>& replacement = std::nullopt, DefaultsChanges changes = {});
+                   const std::optional<Replacement>& replacement = std::nullopt,
+                   std::span<const DefaultsChange> changes = {});
 
   /// Takes a record of the table of traits, to which the trait block of `type` is added when it is sent.
   void postAppTraits(const Dictionary& record, TraitType type);
@@ -61,7 +63,7 @@ class RecordSender {
 
  private:
   PendingRecord frame(RecordKind kind, std::string_view destination, char detail = '\0') const;
-  DefaultsChanges traitsSaved() const;
+  DefaultsChange traitsSaved() const;
   void deliver(Outbox::Delivery delivery);
   Dictionary completed(Outbox::Delivery& delivery);
   void saveTime(const PendingRecord& record);

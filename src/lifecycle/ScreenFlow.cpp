@@ -19,26 +19,16 @@ bool isAnyOf(char state, std::string_view states) {
   return states.find(state) != std::string_view::npos;
 }
 
-DefaultsChange setting(std::string_view key, Value value) {
-  return {DefaultsChange::Kind::Set, key, std::move(value)};
-}
-
 std::string keyOf(const ScreenKey& screen) {
   return screen.prefix + screen.suffix;
 }
 
 // Kept: cuts long visits in the flow, not in the usage totals.
 std::string screenEntry(std::string_view name, double seconds) {
-  return flowEntry(name, fixed(seconds > kLongestVisitSeconds ? kSecondsOfALongerVisit : seconds, 1));
+  return flowEntry(std::string(), name, fixed(seconds > kLongestVisitSeconds ? kSecondsOfALongerVisit : seconds, 1));
 }
 
 }  // namespace
-
-std::string flowEntry(std::string_view name, std::string_view seconds) {
-  std::string entry = "$$";
-  entry.append(name).append("~~").append(seconds);
-  return entry;
-}
 
 bool endsSession(char state) {
   return isAnyOf(state, "bt");
@@ -50,25 +40,25 @@ void ScreenFlow::screenFlowHandler(char state, std::span<const ScreenKey> screen
   if (isAnyOf(state, "lrt")) {
     reportUnsent(state, record, changes);
   }
-  std::string visit;
+  visit_.clear();
   for (const ScreenKey& screen : screens) {
     if (isAnyOf(state, "ar")) {
       begins_[keyOf(screen)] = now;
     } else if (isAnyOf(state, "bdt")) {
-      visit += endScreen(screen, now);
+      visit_ += endScreen(screen, now);
     }
   }
   if (state == kStateAppeared) {  // The time of death for the next run, should the process die.
-    changes.push_back(setting(k_CrashedOrForcedQuitTimestamp, milliseconds(now)));
+    changes.push_back(DefaultsChange::set(k_CrashedOrForcedQuitTimestamp, milliseconds(now)));
   }
   if (endsSession(state)) {
-    flush(visit, record, changes);
+    flush(record, changes);
     return;
   }
-  if (!visit.empty()) {
-    grow(visit, changes);
+  if (!visit_.empty()) {
+    grow(changes);
   }
-  if (!visit.empty() || (isFlowOurs_ && isAnyOf(state, "lr"))) {
+  if (!visit_.empty() || (isFlowOurs_ && isAnyOf(state, "lr"))) {
     rememberVersions(changes);
   }
 }
@@ -85,7 +75,7 @@ void ScreenFlow::reportUnsent(char state, Dictionary& record, DefaultsChanges& c
     reportInterruptedRun(record, changes);
   }
   if (!isFlowOurs_) {
-    changes.push_back(setting(k_UnsentScreenFlowData, ""));
+    changes.push_back(DefaultsChange::set(k_UnsentScreenFlowData, ""));
   }
 }
 
@@ -97,7 +87,7 @@ void ScreenFlow::reportInterruptedRun(Dictionary& record, DefaultsChanges& chang
     return;
   }
   record.set(k_CrashedOrForcedQuitTimestamp, std::move(lastAppearance));
-  changes.push_back(setting(k_CrashedOrForcedQuitTimestamp, ""));
+  changes.push_back(DefaultsChange::set(k_CrashedOrForcedQuitTimestamp, ""));
   const std::pair<std::string_view, std::string_view> versions[] = {
       {kFlowOsVersionDefault, k_OsVersion},
       {kFlowShortVersionDefault, k_CFBundleShortVersionString},
@@ -106,7 +96,7 @@ void ScreenFlow::reportInterruptedRun(Dictionary& record, DefaultsChanges& chang
     // Kept: an empty text counts as a version and is copied, too.
     if (auto version = defaults_.get(source)) {
       record.set(column, std::move(*version));
-      changes.push_back(setting(source, ""));
+      changes.push_back(DefaultsChange::set(source, ""));
     }
   }
 }
@@ -125,19 +115,19 @@ std::string ScreenFlow::endScreen(const ScreenKey& screen, double now) {
 }
 
 // Appending costs the same however long the session has grown.
-void ScreenFlow::grow(const std::string& visit, DefaultsChanges& changes) {
-  const auto kind = std::exchange(isFlowOurs_, true) ? DefaultsChange::Kind::Append : DefaultsChange::Kind::Set;
-  changes.push_back({kind, k_UnsentScreenFlowData, visit});
+void ScreenFlow::grow(DefaultsChanges& changes) {
+  changes.push_back(std::exchange(isFlowOurs_, true) ? DefaultsChange::append(k_UnsentScreenFlowData, visit_)
+                                                     : DefaultsChange::set(k_UnsentScreenFlowData, visit_));
 }
 
-void ScreenFlow::flush(const std::string& visit, Dictionary& record, DefaultsChanges& changes) {
+void ScreenFlow::flush(Dictionary& record, DefaultsChanges& changes) {
   std::string flow = std::exchange(isFlowOurs_, false) ? defaults_.text(k_UnsentScreenFlowData) : std::string();
-  flow += visit;
+  flow += visit_;
   if (!flow.empty()) {
     record.set(k_ScreenFlow, std::move(flow));
   }
-  changes.push_back(setting(k_UnsentScreenFlowData, ""));
-  changes.push_back(setting(k_CrashedOrForcedQuitTimestamp, ""));
+  changes.push_back(DefaultsChange::set(k_UnsentScreenFlowData, ""));
+  changes.push_back(DefaultsChange::set(k_CrashedOrForcedQuitTimestamp, ""));
   begins_.clear();
   moveFlow(k_EventFlow, record, changes);
   moveFlow(k_SceneFlow, record, changes);
@@ -147,7 +137,7 @@ void ScreenFlow::moveFlow(std::string_view key, Dictionary& record, DefaultsChan
   std::string flow = defaults_.text(key);
   if (!flow.empty()) {
     record.set(key, std::move(flow));
-    changes.push_back({DefaultsChange::Kind::Remove, key, {}});
+    changes.push_back(DefaultsChange::remove(key));
   }
 }
 
@@ -161,7 +151,7 @@ void ScreenFlow::rememberVersions(DefaultsChanges& changes) {
 
 void ScreenFlow::rememberIfNew(std::string_view key, const std::optional<std::string>& text, DefaultsChanges& changes) {
   if (text && defaults_.text(key) != *text) {
-    changes.push_back(setting(key, *text));
+    changes.push_back(DefaultsChange::set(key, *text));
   }
 }
 

@@ -23,8 +23,12 @@ struct ScreenKey {
   std::string suffix;
 };
 
-/// Returns one entry of a flow text: "$$" name "~~" seconds.
-std::string flowEntry(std::string_view name, std::string_view seconds);
+/// Returns `text` with one entry of a flow behind it: "$$" name "~~" seconds. `text` brings the memory.
+template <typename Text>
+Text flowEntry(Text text, std::string_view name, std::string_view seconds) {
+  text.append("$$").append(name).append("~~").append(seconds);
+  return text;
+}
 
 /// Returns whether a transition ends the session: its flows are sent and its usage is counted.
 bool endsSession(char state);
@@ -44,8 +48,8 @@ class ScreenFlow {
   void reportUnsent(char state, Dictionary& record, DefaultsChanges& changes);
   void reportInterruptedRun(Dictionary& record, DefaultsChanges& changes);
   std::string endScreen(const ScreenKey& screen, double now);
-  void grow(const std::string& visit, DefaultsChanges& changes);
-  void flush(const std::string& visit, Dictionary& record, DefaultsChanges& changes);
+  void grow(DefaultsChanges& changes);
+  void flush(Dictionary& record, DefaultsChanges& changes);
   void moveFlow(std::string_view key, Dictionary& record, DefaultsChanges& changes);
   void rememberVersions(DefaultsChanges& changes);
   void rememberIfNew(std::string_view key, const std::optional<std::string>& text, DefaultsChanges& changes);
@@ -59,6 +63,7 @@ class ScreenFlow {
   std::map<std::string, double> begins_;  // Visible screens: start, seconds since 1970.
   // Whether the flow in the user defaults, its only copy, is this session's and not that of an interrupted run.
   bool isFlowOurs_ = false;
+  std::string visit_;  // The entries of the visits that the last change ended. Its changes refer to it.
 };
 
 }  // namespace kesu

@@ -85,7 +85,7 @@ void Outbox::setContext(const Dictionary& context) {
 }
 
 void Outbox::add(const PendingRecord& frame, const Dictionary& entries, const std::optional<Replacement>& replacement,
-                 DefaultsChanges changes) {
+                 std::span<const DefaultsChange> changes) {
   if (isInForkedChild()) {
     return;
   }
@@ -93,7 +93,7 @@ void Outbox::add(const PendingRecord& frame, const Dictionary& entries, const st
   {
     const MutexLock lock(mutex_);
     openLocked(then);
-    take(frame, entries, replacement, std::move(changes), then);
+    take(frame, entries, replacement, changes, then);
   }
   carryOut(then);
 }
@@ -110,12 +110,12 @@ void Outbox::addBuilt(const PendingRecord& frame,
     const MutexLock lock(mutex_);
     openLocked(then);
     build(entries, changes);
-    take(frame, entries, std::nullopt, std::move(changes), then);
+    take(frame, entries, std::nullopt, changes, then);
   }
   carryOut(then);
 }
 
-void Outbox::change(DefaultsChanges changes) {
+void Outbox::change(std::span<const DefaultsChange> changes) {
   if (isInForkedChild()) {
     return;
   }
@@ -123,19 +123,18 @@ void Outbox::change(DefaultsChanges changes) {
   {
     const MutexLock lock(mutex_);
     openLocked(then);
-    then.synchronizes = !journal_.append(std::move(changes));
+    then.synchronizes = !journal_.append(changes);
     planHandOver();
   }
   carryOut(then);
 }
 
 void Outbox::take(const PendingRecord& frame, const Dictionary& entries, const std::optional<Replacement>& replacement,
-                  DefaultsChanges changes, Consequences& then) {
+                  std::span<const DefaultsChange> changes, Consequences& then) {
   PendingRecord record = frame;
   record.moment = clock_.now();
   record.identifier = random_.uuid();
-  const bool hasChanges = !changes.empty();
-  const auto entry = journal_.append(record, entries, replacement, std::move(changes));
+  const auto entry = journal_.append(record, entries, replacement, changes);
   planHandOver();
   if (entry && isEnding_) {
     return;
@@ -148,7 +147,7 @@ void Outbox::take(const PendingRecord& frame, const Dictionary& entries, const s
   } else {
     record.entries = replaced(entries, replacement);
     queue_.add({{}, std::make_unique<PendingRecord>(std::move(record))});
-    then.synchronizes = hasChanges;
+    then.synchronizes = !changes.empty();
   }
   planDelivery(then);
 }

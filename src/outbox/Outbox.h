@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <functional>
 #include <optional>
+#include <span>
 #include <string>
 
 #include "foundation/Mutex.h"
@@ -59,14 +60,14 @@ class Outbox {
   /// Takes a record; its moment and identifier are set here. `entries` are those of the record, with one replaced.
   /// `changes` are made in the same step.
   void add(const PendingRecord& frame, const Dictionary& entries,
-           const std::optional<Replacement>& replacement = std::nullopt, DefaultsChanges changes = {});
+           const std::optional<Replacement>& replacement = std::nullopt, std::span<const DefaultsChange> changes = {});
 
   /// The same for entries and changes that are made from the user defaults as they stand: `build` adds to both, while
   /// nothing else is taken. It must not call the outbox.
   void addBuilt(const PendingRecord& frame, const std::function<void(Dictionary& entries, DefaultsChanges&)>& build);
 
   /// Makes changes without a record.
-  void change(DefaultsChanges changes);
+  void change(std::span<const DefaultsChange> changes);
 
   /// Ends the life of a record: it was delivered, refused for good, or its store file is written.
   void finish(const Ticket& ticket);
@@ -112,7 +113,7 @@ class Outbox {
 
   void openLocked(Consequences& then) KESU_REQUIRES(mutex_);
   void take(const PendingRecord& frame, const Dictionary& entries, const std::optional<Replacement>& replacement,
-            DefaultsChanges changes, Consequences& then) KESU_REQUIRES(mutex_);
+            std::span<const DefaultsChange> changes, Consequences& then) KESU_REQUIRES(mutex_);
   void planDelivery(Consequences& then) KESU_REQUIRES(mutex_);
   void planHandOver() KESU_REQUIRES(mutex_);
   void carryOut(const Consequences& then);

@@ -250,7 +250,10 @@ bool appendChanges(std::string& bytes, std::span<const DefaultsChange> changes) 
   for (const DefaultsChange& change : changes) {
     writer.byte(static_cast<std::uint8_t>(change.kind));
     writer.text(change.key);
-    if (!writer.value(change.value, 0)) {
+    if (change.kind == DefaultsChange::Kind::Append) {
+      writer.byte(static_cast<std::uint8_t>(ValueKind::Text));
+      writer.text(change.suffix);
+    } else if (!writer.value(change.value, 0)) {
       return false;
     }
   }

@@ -45,12 +45,12 @@ std::string written(const std::vector<DefaultsChange>& changes, const Dictionary
 }
 
 TEST(OutboxEntry, ReadsBackWhatWasWritten) {
-  const auto entry = readEntry(written({{DefaultsChange::Kind::Append, "~ef", "$$a~~0"},
-                                        {DefaultsChange::Kind::Remove, "~uf", {}},
-                                        {DefaultsChange::Kind::Set, "n", everyKind()}},
-                                       everyKind()));
+  const auto entry = readEntry(written(
+      {DefaultsChange::append("~ef", "$$a~~0"), DefaultsChange::remove("~uf"), DefaultsChange::set("n", everyKind())},
+      everyKind()));
   ASSERT_TRUE(entry && entry->record && entry->changes.size() == 3);
   EXPECT_EQ(entry->changes[0].key, "~ef");
+  EXPECT_EQ(entry->changes[0].value, Value("$$a~~0"));
   EXPECT_EQ(entry->changes[1].kind, DefaultsChange::Kind::Remove);
   EXPECT_EQ(entry->changes[2].value, Value(everyKind()));
   EXPECT_EQ(entry->record->kind, RecordKind::State);
@@ -93,7 +93,7 @@ TEST(OutboxEntry, RefusesWhatIsNestedTooDeeply) {
 }
 
 TEST(OutboxEntry, ReadsNothingFromDamagedBytes) {
-  const std::string whole = written({{DefaultsChange::Kind::Set, "n", 1}}, {{"k", Array{"v", 1.5}}, {"date", Date{}}});
+  const std::string whole = written({DefaultsChange::set("n", 1)}, {{"k", Array{"v", 1.5}}, {"date", Date{}}});
   ASSERT_TRUE(readEntry(whole));
   for (std::size_t length = 0; length < whole.size(); ++length) {
     const auto entry = readEntry(whole.substr(0, length));

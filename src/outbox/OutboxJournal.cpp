@@ -40,11 +40,12 @@ void OutboxJournal::recoverEntry(const AppendLog::Found& found, const Recovered&
 void OutboxJournal::applyLate() {
   const AppendLog::Sequence made = lastMade();
   const AppendLog::Sequence newest = newest_;
-  for (Unapplied& entry : unapplied_) {
+  for (const Unapplied& entry : unapplied_) {
     if (entry.entry.sequence > made) {
       DefaultsChanges changes;
-      for (OutboxEntry::Change& change : entry.changes) {
-        changes.push_back({change.kind, change.key, std::move(change.value)});
+      for (const OutboxEntry::Change& change : entry.changes) {
+        const std::string* suffix = change.value.text();
+        changes.push_back({change.kind, change.key, change.value, suffix != nullptr ? *suffix : std::string_view()});
       }
       apply(changes, entry.entry);
     }
@@ -74,7 +75,7 @@ void OutboxJournal::setContext(const Dictionary& context) {
 
 std::optional<AppendLog::Entry> OutboxJournal::append(const PendingRecord& frame, const Dictionary& entries,
                                                       const std::optional<Replacement>& replacement,
-                                                      DefaultsChanges changes) {
+                                                      std::span<const DefaultsChange> changes) {
   bytes_.clear();
   const bool isWritten = appendChanges(bytes_, changes) && appendRecord(bytes_, frame, entries, replacement);
   const auto entry = isWritten ? log_.append(bytes_) : std::nullopt;
@@ -82,7 +83,7 @@ std::optional<AppendLog::Entry> OutboxJournal::append(const PendingRecord& frame
   return entry;
 }
 
-bool OutboxJournal::append(DefaultsChanges changes) {
+bool OutboxJournal::append(std::span<const DefaultsChange> changes) {
   bytes_.clear();
   const bool isWritten = appendChanges(bytes_, changes);
   const auto entry = isWritten ? log_.append(bytes_, true) : std::nullopt;
@@ -90,18 +91,19 @@ bool OutboxJournal::append(DefaultsChanges changes) {
   return entry.has_value();
 }
 
-void OutboxJournal::apply(DefaultsChanges& changes, const std::optional<AppendLog::Entry>& entry) {
+void OutboxJournal::apply(std::span<const DefaultsChange> changes, const std::optional<AppendLog::Entry>& entry) {
   if (entry) {
     newest_ = std::max(newest_, entry->sequence);
   }
   if (changes.empty()) {
     return;
   }
+  step_.assign(changes.begin(), changes.end());
   if (entry) {
-    changes.push_back(
-        {DefaultsChange::Kind::Set, kLastLoggedChangeDefault, static_cast<std::int64_t>(entry->sequence)});
+    step_.push_back(DefaultsChange::set(kLastLoggedChangeDefault, static_cast<std::int64_t>(entry->sequence)));
   }
-  defaults_.apply(changes);
+  defaults_.apply(step_);
+  step_.clear();
 }
 
 }  // namespace kesu

@@ -6,6 +6,7 @@
 #include <deque>
 #include <functional>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -43,10 +44,11 @@ class OutboxJournal {
   /// Logs a record with changes and makes these. Returns nothing when they are not logged; the changes are made all the
   /// same, and are safe once the user defaults are synchronized.
   std::optional<AppendLog::Entry> append(const PendingRecord& frame, const Dictionary& entries,
-                                         const std::optional<Replacement>& replacement, DefaultsChanges changes);
+                                         const std::optional<Replacement>& replacement,
+                                         std::span<const DefaultsChange> changes);
 
   /// The same for changes without a record. Returns whether they are logged.
-  bool append(DefaultsChanges changes);
+  bool append(std::span<const DefaultsChange> changes);
 
   /// The number of the newest entry.
   AppendLog::Sequence newest() const { return newest_; }
@@ -61,7 +63,7 @@ class OutboxJournal {
   void recoverEntry(const AppendLog::Found& found, const Recovered& recovered);
   const Dictionary& contextOf(std::string_view preamble);
   AppendLog::Sequence lastMade();
-  void apply(DefaultsChanges& changes, const std::optional<AppendLog::Entry>& entry);
+  void apply(std::span<const DefaultsChange> changes, const std::optional<AppendLog::Entry>& entry);
 
   AppendLog& log_;
   UserDefaults& defaults_;
@@ -69,7 +71,9 @@ class OutboxJournal {
   std::vector<Unapplied> unapplied_;
   std::string preamble_;             // Of the entries that are being recovered.
   std::deque<Dictionary> contexts_;  // Each is referred to by records.
-  std::string bytes_;                // Keeps its room: no allocation per entry.
+  // These keep their room: no allocation per entry.
+  std::string bytes_;
+  DefaultsChanges step_;
 };
 
 }  // namespace kesu

@@ -38,8 +38,8 @@ class OutboxTest : public ::testing::Test {
     platform.settle();
   }
 
-  void add(int number, DefaultsChanges changes = {}) { outbox->add({}, {{"n", number}}, std::nullopt, changes); }
-  void append(const char* text) { outbox->change({{DefaultsChange::Kind::Append, "~ef", text}}); }
+  void add(int number, const DefaultsChanges& changes = {}) { outbox->add({}, {{"n", number}}, std::nullopt, changes); }
+  void append(const std::string& text) { outbox->change(DefaultsChanges{DefaultsChange::append("~ef", text)}); }
 
   /// The numbers handed out since begin().
   std::string handedOut() {
@@ -87,7 +87,7 @@ TEST_F(OutboxTest, MakesEachChangeOnceWhereverTheProcessDies) {
     platform.defaults.set("~ef", "");
     platform.defaults.synchronize();
     for (unsigned step = 0; step < 4; ++step) {
-      append(std::to_string(step).c_str());
+      append(std::to_string(step));
       if ((writes & (1U << step)) != 0) {
         platform.background.runDelayed();
       }
@@ -105,7 +105,7 @@ TEST_F(OutboxTest, TakesARecordAndItsChangesInOneStep) {
   outbox->addBuilt({}, [this](Dictionary& entries, DefaultsChanges& changes) {
     entries.set("n", 7);
     entries.set("~ef", platform.defaults.text("~ef"));
-    changes.push_back({DefaultsChange::Kind::Remove, "~ef", {}});
+    changes.push_back(DefaultsChange::remove("~ef"));
   });
   dieAndBegin();
   EXPECT_EQ(handedOut(), "7");
@@ -115,7 +115,7 @@ TEST_F(OutboxTest, TakesARecordAndItsChangesInOneStep) {
 
 TEST_F(OutboxTest, KeepsInMemoryWhatTheLogDoesNotTake) {
   platform.outbox.refuse(true);
-  add(1, {{DefaultsChange::Kind::Append, "~ef", "a"}});
+  add(1, {DefaultsChange::append("~ef", "a")});
   EXPECT_EQ(*platform.defaults.keptOnDisk().findText("~ef"), "a") << "written at once";
   EXPECT_EQ(handedOut(), "1");
   EXPECT_FALSE(deliveries[0].ticket.isLogged);

@@ -8,22 +8,30 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace kesu {
 
-/// One change of the user defaults, for UserDefaults::apply().
+/// One change of the user defaults, for UserDefaults::apply(). Keys and suffixes are not copied.
 struct DefaultsChange {
   enum class Kind {
     Set,     ///< As set().
-    Append,  ///< Appends the value, a text, to the text under the key, which starts empty and replaces a value of
-             ///< another kind. The cost does not depend on the length of the text.
+    Append,  ///< Appends the suffix to the text under the key, which starts empty and replaces a value of another kind.
+             ///< The cost does not depend on the length of the text.
     Remove   ///< As remove().
   };
 
+  static DefaultsChange set(std::string_view key, Value value) { return {Kind::Set, key, std::move(value), {}}; }
+  static DefaultsChange append(std::string_view key, std::string_view suffix) {
+    return {Kind::Append, key, {}, suffix};
+  }
+  static DefaultsChange remove(std::string_view key) { return {Kind::Remove, key, {}, {}}; }
+
   Kind kind = Kind::Set;
   std::string_view key;
-  Value value;
+  Value value;              ///< Of Kind::Set.
+  std::string_view suffix;  ///< Of Kind::Append.
 };
 
 /// The application's persistent key/value store.

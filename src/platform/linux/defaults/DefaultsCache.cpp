@@ -64,9 +64,7 @@ void DefaultsCache::apply(std::span<const DefaultsChange> changes) {
         put(change.key, change.value, lists.empty() ? std::string() : std::move(lists[i]));
         break;
       case DefaultsChange::Kind::Append:
-        if (const std::string* suffix = change.value.text()) {
-          grow(change.key, *suffix);
-        }
+        grow(change.key, change.suffix);
         break;
       case DefaultsChange::Kind::Remove:
         erase(change.key);

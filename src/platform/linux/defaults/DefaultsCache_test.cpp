@@ -27,7 +27,7 @@ class DefaultsCacheTest : public ::testing::Test {
   }
 
   void append(std::string_view key, std::string_view suffix) {
-    const DefaultsChange change{DefaultsChange::Kind::Append, key, suffix};
+    const DefaultsChange change = DefaultsChange::append(key, suffix);
     cache_.apply({&change, 1});
   }
 

@@ -133,7 +133,7 @@ TEST_F(LateHomeTest, AForkedChildWaitsForNoThreadOfItsParent) {
   for (int round = 0; round < 20; ++round) {
     const auto verdict = testing::runInChild([&] {
       ::alarm(10);
-      const DefaultsChange change{DefaultsChange::Kind::Set, "key1", Value(0)};
+      const DefaultsChange change = DefaultsChange::set("key1", 0);
       defaults->set("key1", 0);
       testing::appendText(*defaults, "flow", "x");
       defaults->apply({&change, 1});

@@ -316,15 +316,18 @@ TEST_P(UserDefaultsContractTest, WhatWasWrittenBeforeTheFileWasReadIsJoinedWithI
 }
 
 TEST_P(UserDefaultsContractTest, AppliesChangesOfEachKind) {
-  using Kind = DefaultsChange::Kind;
   defaults().set("gone", 1);
   defaults().set("list", Array(100, 1));
   synchronizeAndRestart();
-  const DefaultsChange changes[] = {{Kind::Append, "flow", Value("a")}, {Kind::Set, "number", Value(1)},
-                                    {Kind::Append, "flow", Value("b")}, {Kind::Remove, "gone", Value()},
-                                    {Kind::Set, "refused", Null{}},     {Kind::Append, "number", Value(5)},
-                                    {Kind::Set, "list", Array(100, 2)}, {Kind::Set, "short", Array{1, "x"}},
-                                    {Kind::Set, "bad", Array{Null{}}},  {Kind::Set, "map", Dictionary{{"a", 1}}}};
+  const DefaultsChange changes[] = {DefaultsChange::append("flow", "a"),
+                                    DefaultsChange::set("number", 1),
+                                    DefaultsChange::append("flow", "b"),
+                                    DefaultsChange::remove("gone"),
+                                    DefaultsChange::set("refused", Null{}),
+                                    DefaultsChange::set("list", Array(100, 2)),
+                                    DefaultsChange::set("short", Array{1, "x"}),
+                                    DefaultsChange::set("bad", Array{Null{}}),
+                                    DefaultsChange::set("map", Dictionary{{"a", 1}})};
   defaults().apply(changes);
   synchronizeAndRestart();
   EXPECT_EQ(sortedKeys(), (std::vector<std::string>{"flow", "list", "map", "number", "short"}));
@@ -352,7 +355,7 @@ TEST_P(UserDefaultsContractTest, ASynchronizeOfAnotherThreadWritesChangesTogethe
     for (int number = 0; !ends; ++number) {
       std::vector<DefaultsChange> changes;
       for (const std::string& key : keys) {
-        changes.push_back({DefaultsChange::Kind::Set, key, Value(number)});
+        changes.push_back(DefaultsChange::set(key, number));
       }
       defaults().apply(changes);
     }
