@@ -7,6 +7,7 @@
 #include <string>
 
 #include "lifecycle/WeekCalendar.h"
+#include "outbox/OutboxJournal.h"
 #include "testing/Keys.h"
 #include "testing/ScopedPlatform.h"
 
@@ -49,6 +50,16 @@ class CalendarTest : public ::testing::Test {
   void moveTo(const Zone& zone) {
     platform.locale.secondsFromGmt = zone.secondsFromGmt;
     platform.locale.offsetChanges = zone.changes;
+  }
+
+  /// Has one of the reports add its flags, and makes its changes; returns the flags.
+  template <typename Report>
+  Dictionary reported(Report report, Dictionary flags = {}) {
+    DefaultsChanges changes;
+    report(flags, changes);
+    platform.defaults.apply(changes);
+    platform.defaults.synchronize();
+    return flags;
   }
 
   ScopedPlatform platform;

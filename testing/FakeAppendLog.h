@@ -34,7 +34,9 @@ class FakeAppendLog final : public AppendLog {
       return std::nullopt;
     }
     const Entry entry{++last_, 1, 0};
-    entries_.push_back({entry, isReleased, preamble_, std::string(bytes)});
+    if (!isTorn_) {
+      entries_.push_back({entry, isReleased, preamble_, std::string(bytes)});
+    }
     return entry;
   }
 
@@ -84,6 +86,7 @@ class FakeAppendLog final : public AppendLog {
     settled_ = 0;
     preamble_.clear();
     isRefusing_ = false;
+    isTorn_ = false;
   }
 
   /// Counts the times at which what is new was handed to the disk.
@@ -100,6 +103,12 @@ class FakeAppendLog final : public AppendLog {
   void refuse(bool isRefusing) {
     const MutexLock lock(mutex_);
     isRefusing_ = isRefusing;
+  }
+
+  /// Has the next start find nothing of what is appended from now on, as when the process dies inside append().
+  void tear() {
+    const MutexLock lock(mutex_);
+    isTorn_ = true;
   }
 
  private:
@@ -124,6 +133,7 @@ class FakeAppendLog final : public AppendLog {
   Sequence settled_ KESU_GUARDED_BY(mutex_) = 0;
   bool isOpen_ KESU_GUARDED_BY(mutex_) = false;
   bool isRefusing_ KESU_GUARDED_BY(mutex_) = false;
+  bool isTorn_ KESU_GUARDED_BY(mutex_) = false;
 };
 
 }  // namespace kesu::testing

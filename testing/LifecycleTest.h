@@ -55,6 +55,15 @@ class FlowTest : public ::testing::Test {
     return onDisk("UnsentScreens");
   }
 
+  /// Ends the session's count of usage.
+  std::int64_t secondsOfUsage() {
+    Dictionary traits;
+    DefaultsChanges changes;
+    usage->fillInTraitsForAggregateAndActivations(traits, changes);
+    platform.defaults.apply(changes);
+    return platform.defaults.integer("asst");
+  }
+
   std::string onDisk(const char* key) {
     const Dictionary kept = platform.defaults.keptOnDisk();
     const std::string* text = kept.findText(key);

@@ -24,33 +24,30 @@ bool isMilestone(std::int64_t launches) {
 
 }  // namespace
 
-void Activations::activationForLR(Dictionary& flags, char state) {
+void Activations::activationForLR(Dictionary& flags, DefaultsChanges& changes, char state) {
   if (!counts(state)) {
     return;
   }
-  const MutexLock lock(mutex_);
   const std::int64_t next = defaults_.integer(kLaunchOrResumeDefault) + 1;
   if (isMilestone(next)) {
     flags.set("~a:LR" + std::to_string(next), "1");
   } else if (next > kLastMilestone) {
     return;
   }
-  defaults_.set(kLaunchOrResumeDefault, next);
-  defaults_.synchronize();
+  changes.push_back(DefaultsChange::set(kLaunchOrResumeDefault, next));
 }
 
-void Activations::raiseWhen(bool due, Dictionary& flags, const char* flag) {
+void Activations::raiseWhen(bool due, Dictionary& flags, DefaultsChanges& changes, const char* flag) {
   if (due && !isSent(flag)) {
     flags.set(flag, "1");
-    defaults_.set(flag, true);
+    changes.push_back(DefaultsChange::set(flag, true));
   }
 }
 
-void Activations::activationsForUniqueDays(Dictionary& flags, char state) {
+void Activations::activationsForUniqueDays(Dictionary& flags, DefaultsChanges& changes, char state) {
   if (!counts(state)) {
     return;
   }
-  const MutexLock lock(mutex_);
   // Once everything is sent, launches no longer pay for calendar and user defaults.
   const bool allOfLastWeekSent = isSent("~a:2DL7") && isSent("~a:3DL7");
   if (allOfLastWeekSent && isSent("~a:3UD") && isSent("~a:5UD") && isSent("~a:7UD")) {
@@ -65,16 +62,15 @@ void Activations::activationsForUniqueDays(Dictionary& flags, char state) {
   }
   days.insert(days.begin(), today);
   days.resize(std::min(days.size(), kMostDaysKept));
-  raiseWhen(days.size() >= 3, flags, "~a:3UD");
-  raiseWhen(days.size() >= 5, flags, "~a:5UD");
-  raiseWhen(days.size() >= 7, flags, "~a:7UD");
+  raiseWhen(days.size() >= 3, flags, changes, "~a:3UD");
+  raiseWhen(days.size() >= 5, flags, changes, "~a:5UD");
+  raiseWhen(days.size() >= 7, flags, changes, "~a:7UD");
   if (!allOfLastWeekSent) {
     const std::size_t daysOfUse = daysOfUseInLastWeek(days, now);
-    raiseWhen(daysOfUse >= 2, flags, "~a:2DL7");
-    raiseWhen(daysOfUse >= 3, flags, "~a:3DL7");
+    raiseWhen(daysOfUse >= 2, flags, changes, "~a:2DL7");
+    raiseWhen(daysOfUse >= 3, flags, changes, "~a:3DL7");
   }
-  defaults_.set(kSevenDaysDefault, std::move(days));
-  defaults_.synchronize();
+  changes.push_back(DefaultsChange::set(kSevenDaysDefault, std::move(days)));
 }
 
 // Kept: searches for local days, with the year of their week, among GMT days with the calendar year.

@@ -17,18 +17,20 @@ using testing::kHonolulu;
 class ActivationsTest : public testing::CalendarTest {
  protected:
   std::string launchOrResume(char state) {
-    Dictionary flags;
-    activations.activationForLR(flags, state);
-    return flagsOf(flags);
+    return flagsOf(reported([this, state](Dictionary& flags, DefaultsChanges& changes) {
+      activations.activationForLR(flags, changes, state);
+    }));
   }
 
   std::string useAt(double now) {
     platform.clock.set(now);
-    Dictionary flags;
+    std::string raised;
     for (const char state : {'b', 'l', 'r'}) {
-      activations.activationsForUniqueDays(flags, state);
+      raised += flagsOf(reported([this, state](Dictionary& flags, DefaultsChanges& changes) {
+        activations.activationsForUniqueDays(flags, changes, state);
+      }));
     }
-    return flagsOf(flags);
+    return raised;
   }
 
   Array days() { return *platform.defaults.keptOnDisk().find("sevenDays")->array(); }

@@ -9,7 +9,7 @@
 
 namespace kesu {
 
-/// What is counted by the calendar and reported once: new periods, usage, activations. Any thread.
+/// What is counted by the calendar and reported once: new periods, usage, activations.
 struct CalendarReports {
   explicit CalendarReports(Platform& platform)
       : calendar(platform.locale),

@@ -71,7 +71,7 @@ void addChangedPeriods(Dictionary& flags, const PeriodPair& pair, const std::str
 
 }  // namespace
 
-void CalendarVariants::calculateVariantsForDMWQ(Dictionary& flags) {
+void CalendarVariants::calculateVariantsForDMWQ(Dictionary& flags, DefaultsChanges& changes) {
   const MutexLock lock(mutex_);
   if (dLastSeen_ == 0.0) {  // Kept: read once per run, so that a change of the key leaves the time in memory.
     dLastSeen_ = defaults_.real(kLastSeenDefault);
@@ -82,8 +82,7 @@ void CalendarVariants::calculateVariantsForDMWQ(Dictionary& flags) {
   addChangedPeriods(flags, pair, locale_.timeZoneName());
   if (!flags.empty()) {
     dLastSeen_ = now;
-    defaults_.set(kLastSeenDefault, now);
-    defaults_.synchronize();
+    changes.push_back(DefaultsChange::set(kLastSeenDefault, now));
   }
 }
 

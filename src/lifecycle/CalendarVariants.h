@@ -7,6 +7,7 @@
 
 #include "foundation/Mutex.h"
 #include "lifecycle/WeekCalendar.h"
+#include "outbox/OutboxJournal.h"
 
 namespace kesu {
 
@@ -17,8 +18,9 @@ class CalendarVariants {
       : defaults_(defaults), clock_(clock), locale_(locale), calendar_(calendar) {}
 
   /// Adds the variants that are due. If `flags` then has any entry, now becomes the instant to which the next call
-  /// compares. [calculateVariantsForDMWQ:]
-  void calculateVariantsForDMWQ(Dictionary& flags);
+  /// compares; that of the next process is in `changes`, which the caller makes in the step that takes the record.
+  /// [calculateVariantsForDMWQ:]
+  void calculateVariantsForDMWQ(Dictionary& flags, DefaultsChanges& changes);
 
  private:
   UserDefaults& defaults_;

@@ -20,9 +20,14 @@ class VariantsTest : public testing::CalendarTest {
   Dictionary variants(double last, double now) {
     platform.defaults.set("lastSeen", last);
     platform.clock.set(now);
-    Dictionary flags;
-    CalendarVariants(platform.defaults, platform.clock, platform.locale, calendar).calculateVariantsForDMWQ(flags);
-    return flags;
+    CalendarVariants variants(platform.defaults, platform.clock, platform.locale, calendar);
+    return calculate(variants);
+  }
+
+  Dictionary calculate(CalendarVariants& variants, const Dictionary& others = {}) {
+    return reported(
+        [&](Dictionary& flags, DefaultsChanges& changes) { variants.calculateVariantsForDMWQ(flags, changes); },
+        others);
   }
 };
 
@@ -102,17 +107,12 @@ TEST_F(VariantsTest, ReportsEveryPeriodAtFirst) {
 TEST_F(VariantsTest, RemembersTheReportWhateverElseItCarried) {
   CalendarVariants variants(platform.defaults, platform.clock, platform.locale, calendar);
   const double now = platform.clock.now();
-  Dictionary first;
-  variants.calculateVariantsForDMWQ(first);
+  calculate(variants);
   platform.clock.advance(60.0);
-  Dictionary nothing;
-  variants.calculateVariantsForDMWQ(nothing);
-  EXPECT_TRUE(nothing.empty());
+  EXPECT_TRUE(calculate(variants).empty());
   EXPECT_EQ(platform.defaults.real("lastSeen"), now);
   platform.defaults.remove("lastSeen");  // As a change of the key does; the time in memory stays.
-  Dictionary other = {{"~a:LR3", "1"}};
-  variants.calculateVariantsForDMWQ(other);
-  EXPECT_EQ(flagsOf(other), "~a:LR3");
+  EXPECT_EQ(flagsOf(calculate(variants, {{"~a:LR3", "1"}})), "~a:LR3");
   EXPECT_EQ(platform.defaults.real("lastSeen"), now + 60.0);
 }
 

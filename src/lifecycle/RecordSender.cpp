@@ -59,21 +59,24 @@ void RecordSender::postStateChange(char state,
 void RecordSender::saveTraits(TraitType type) {
   Dictionary traits;
   addTraits(traits, type);
-  postBehindColumns(traits, k_TableTraits);
+  DefaultsChanges changes = {traitsSaved()};
+  if (type == TraitType::FirstLaunch) {  // The first report to which later periods are compared.
+    variants_.calculateVariantsForDMWQ(traits, changes);
+  }
+  outbox_.add(frame(RecordKind::ColumnsInFront, k_TableTraits), traits, std::nullopt, changes);
 }
 
 void RecordSender::addTraits(Dictionary& record, TraitType type) {
   addTraitData(record, type, instance_.identity().id2, platform_, metrics_);
-  if (type == TraitType::FirstLaunch) {  // The first report to which later periods are compared.
-    variants_.calculateVariantsForDMWQ(record);
-  }
 }
 
-void RecordSender::postActivation(const Dictionary& flags) {
+void RecordSender::postActivation(const Dictionary& flags, DefaultsChanges changes) {
   if (!flags.empty()) {
+    changes.push_back(traitsSaved());
     // Behind the flags: their order in the record is part of the wire contract.
-    const DefaultsChange saved = traitsSaved();
-    outbox_.add(frame(RecordKind::ColumnsBehind, k_TableTraits), flags, std::nullopt, {&saved, 1});
+    outbox_.add(frame(RecordKind::ColumnsBehind, k_TableTraits), flags, std::nullopt, changes);
+  } else if (!changes.empty()) {
+    outbox_.change(changes);
   }
 }
 

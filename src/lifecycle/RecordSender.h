@@ -55,11 +55,11 @@ class RecordSender {
   /// Takes the trait block of `type`, as it is now.
   void saveTraits(TraitType type);
 
-  /// Adds the trait block of `type`.
+  /// Adds the trait block of `type`, without the calendar variants.
   void addTraits(Dictionary& record, TraitType type);
 
-  /// Takes activation flags as traits. Does nothing without any.
-  void postActivation(const Dictionary& flags);
+  /// Takes activation flags as traits, and makes the changes in the same step; without flags only these.
+  void postActivation(const Dictionary& flags, DefaultsChanges changes);
 
  private:
   PendingRecord frame(RecordKind kind, std::string_view destination, char detail = '\0') const;

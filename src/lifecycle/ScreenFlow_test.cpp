@@ -28,9 +28,7 @@ TEST_F(FlowTest, MeasuresEachScreen) {
 TEST_F(FlowTest, CapsLongVisitsInTheFlowOnly) {
   EXPECT_EQ(visit(kMain, 7200.0), "$$Main~~7200.0");
   EXPECT_EQ(visit(kMain, 10800.0), "$$Main~~7200.0$$Main~~300.0");
-  Dictionary traits;
-  usage->fillInTraitsForAggregateAndActivations(traits);
-  EXPECT_EQ(platform.defaults.integer("asst"), 18000);
+  EXPECT_EQ(secondsOfUsage(), 18000);
 }
 
 TEST_F(FlowTest, FollowsTheApplicationIntoTheBackgroundAndBack) {
@@ -118,9 +116,7 @@ TEST_F(FlowTest, RemembersTheVersionsOfTheFlow) {
 TEST_F(FlowTest, LeavesOutTheNameThatNoTextCanHold) {
   visit({"\xff", "0x4"}, 1.0);
   EXPECT_EQ(visit(kMain, 2.0), "$$Main~~2.0");
-  Dictionary traits;
-  usage->fillInTraitsForAggregateAndActivations(traits);
-  EXPECT_EQ(platform.defaults.integer("asst"), 3) << "its time counts";
+  EXPECT_EQ(secondsOfUsage(), 3) << "its time counts";
 }
 
 TEST_F(FlowTest, KeepsMeasuringWhenTheClockIsSetBack) {

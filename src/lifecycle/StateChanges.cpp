@@ -64,17 +64,20 @@ void StateChanges::stateChangeEvent(char state, const std::optional<std::string>
 }
 
 void StateChanges::postReports(char state) {
+  const MutexLock lock(reporting_);
   if (endsSession(state)) {
     Dictionary traits;
-    reports_.usage.fillInTraitsForAggregateAndActivations(traits);
-    sender_.postActivation(traits);
+    DefaultsChanges counted;
+    reports_.usage.fillInTraitsForAggregateAndActivations(traits, counted);
+    sender_.postActivation(traits, std::move(counted));
   }
   Dictionary flags;
-  reports_.activations.activationForLR(flags, state);
-  reports_.activations.activationsForUniqueDays(flags, state);
+  DefaultsChanges counted;
+  reports_.activations.activationForLR(flags, counted, state);
+  reports_.activations.activationsForUniqueDays(flags, counted, state);
   // Last: any flag that is already due makes this the report to which the next periods are compared.
-  reports_.variants.calculateVariantsForDMWQ(flags);
-  sender_.postActivation(flags);
+  reports_.variants.calculateVariantsForDMWQ(flags, counted);
+  sender_.postActivation(flags, std::move(counted));
 }
 
 }  // namespace kesu

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "device/KesuMetrics.h"
+#include "foundation/Mutex.h"
 #include "lifecycle/AppInstance.h"
 #include "lifecycle/CalendarReports.h"
 #include "lifecycle/RecordSender.h"
@@ -59,7 +60,8 @@ class StateChanges {
   CalendarReports& reports_;
   VisibleScreens visibleScreens_;
   std::atomic<bool> isRunning_{false};  // From the first transition of the application to its termination.
-  ScreenFlow flow_;                     // Changed by one state change at a time: while the outbox takes it.
+  Mutex reporting_;  // From reading what is counted and sent until the record that changes it is taken.
+  ScreenFlow flow_;  // Changed by one state change at a time: while the outbox takes it.
 };
 
 }  // namespace kesu

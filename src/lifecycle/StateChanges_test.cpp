@@ -82,6 +82,27 @@ TEST_F(StateChangesTest, PostsTheActivationsThatAreDueAfterTheState) {
   EXPECT_EQ(platform.defaults.real("t-secondsSince1970"), platform.clock.now());
 }
 
+TEST_F(StateChangesTest, ReportsWhatIsDueOnceWhereverTheProcessDies) {
+  initialize();
+  launch();
+  enterForeground();
+  const auto dieAndBegin = [this] {
+    platform.settle();
+    platform.defaults.loseUnsynchronized();
+    initialize();
+    takeRecords();  // Once more what was not answered.
+  };
+  dieAndBegin();
+  platform.outbox.tear();
+  enterForeground();
+  dieAndBegin();
+  enterForeground();
+  EXPECT_TRUE(keysOf(takeLast("t")).starts_with("~a:LR3 ")) << "the log did not have it";
+  dieAndBegin();
+  enterForeground();
+  EXPECT_EQ(takeDestinations(), "s") << "the log had it";
+}
+
 TEST_F(StateChangesTest, PostsNoActivationsForScreens) {
   initialize();
   launch();

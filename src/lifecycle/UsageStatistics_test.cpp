@@ -17,9 +17,9 @@ class StatisticsTest : public testing::CalendarTest {
   StatisticsTest() { platform.clock.set(at(2017, 3, 15, 12)); }
 
   std::string fill() {
-    Dictionary traits;
-    usage.fillInTraitsForAggregateAndActivations(traits);
-    return flagsOf(traits);
+    return flagsOf(reported([this](Dictionary& traits, DefaultsChanges& changes) {
+      usage.fillInTraitsForAggregateAndActivations(traits, changes);
+    }));
   }
   std::string use(double seconds) {
     usage.addForegroundSeconds(seconds);
