@@ -21,6 +21,9 @@ class FakeAppendLog final : public AppendLog {
       found = entries_;
     }
     for (const Stored& stored : found) {
+      if (stored.entry.sequence > kHighestSequence) {
+        continue;
+      }
       visit({stored.entry, stored.isReleased, stored.preamble, stored.bytes});
     }
     const MutexLock lock(mutex_);

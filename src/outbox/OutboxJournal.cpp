@@ -19,7 +19,10 @@ bool OutboxJournal::recover(const Recovered& recovered, double now) {
 }
 
 AppendLog::Sequence OutboxJournal::lastMade() {
-  return static_cast<AppendLog::Sequence>(std::max<std::int64_t>(defaults_.integer(kLastLoggedChangeDefault), 0));
+  // Damage must not use up the numbers.
+  constexpr auto kMost = static_cast<std::int64_t>(AppendLog::kHighestSequence / 2);
+  const std::int64_t number = std::clamp<std::int64_t>(defaults_.integer(kLastLoggedChangeDefault), 0, kMost);
+  return static_cast<AppendLog::Sequence>(number);
 }
 
 void OutboxJournal::recoverEntry(const AppendLog::Found& found, const Recovered& recovered) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <memory>
 #include <string>
 #include <vector>
@@ -98,6 +99,16 @@ TEST_F(OutboxTest, MakesEachChangeOnceWhereverTheProcessDies) {
     dieAndBegin();
     EXPECT_EQ(platform.defaults.text("~ef"), "0123") << writes;
   }
+}
+
+TEST_F(OutboxTest, FindsAgainWhatItLogsBehindADamagedNumber) {
+  platform.defaults.set("~logged", std::numeric_limits<std::int64_t>::max());
+  platform.defaults.synchronize();
+  for (const char* text : {"a", "b"}) {
+    append(text);
+    dieAndBegin();
+  }
+  EXPECT_EQ(platform.defaults.text("~ef"), "ab");
 }
 
 TEST_F(OutboxTest, TakesARecordAndItsChangesInOneStep) {

@@ -20,6 +20,9 @@ class KESU_API AppendLog {
  public:
   using Sequence = std::uint64_t;  ///< The first entry has number 1; 0 is none.
 
+  /// Greatest number: what lies beyond is damage, and is not found again.
+  static constexpr Sequence kHighestSequence = Sequence{1} << 62U;
+
   /// Longest entry in bytes.
   static constexpr std::size_t kLongestEntry = 1'000'000;
 

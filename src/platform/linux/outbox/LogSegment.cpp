@@ -9,9 +9,6 @@ namespace {
 constexpr char kMagic[8] = {'k', 'e', 's', 'u', 'l', 'o', 'g', '\n'};
 constexpr std::uint32_t kVersion = 1;  // Reads as another number on a machine of the other byte order.
 
-// Numbers beyond are no numbers: a damaged header must not let those of this process overflow.
-constexpr AppendLog::Sequence kHighestSequence = AppendLog::Sequence{1} << 62U;
-
 struct HeaderLayout {
   char magic[8] = {};
   std::uint32_t version = 0;
@@ -94,7 +91,7 @@ std::optional<SegmentHeader> parseSegmentHeader(std::string_view bytes) {
   std::memcpy(&layout, bytes.data(), sizeof(layout));
   const bool isOurs = std::memcmp(layout.magic, kMagic, sizeof(kMagic)) == 0 && layout.version == kVersion &&
                       layout.checksum == headerChecksum(layout) && layout.firstSequence > 0 &&
-                      layout.firstSequence <= kHighestSequence;
+                      layout.firstSequence <= AppendLog::kHighestSequence;
   return isOurs ? std::optional(SegmentHeader{layout.logId, layout.number, layout.firstSequence}) : std::nullopt;
 }
 
@@ -140,7 +137,7 @@ std::optional<SegmentReader::Item> SegmentReader::next() {
                     header->mark == kReleasedMark,
                     segment_.substr(offset_ + sizeof(EntryHeader), header->length())};
     offset_ += entryBytes(header->length());
-    const bool isGood = isWhole(*header, item.bytes) && item.sequence >= next_ && item.sequence <= kHighestSequence;
+    const bool isGood = isWhole(*header, item.bytes) && item.sequence >= next_ && item.sequence <= AppendLog::kHighestSequence;
     if (item.kind == EntryKind::Preamble) {
       isPreambleLost_ = !isGood;
     }
