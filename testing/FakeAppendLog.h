@@ -14,7 +14,7 @@ namespace kesu::testing {
 /// An append log in memory. Any thread.
 class FakeAppendLog final : public AppendLog {
  public:
-  void recover(Sequence last, const std::function<void(const Found&)>& visit) override {
+  void recover(std::optional<Sequence> last, const std::function<void(const Found&)>& visit) override {
     std::vector<Stored> found;
     {
       const MutexLock lock(mutex_);
@@ -27,7 +27,7 @@ class FakeAppendLog final : public AppendLog {
       visit({stored.entry, stored.isReleased, stored.preamble, stored.bytes});
     }
     const MutexLock lock(mutex_);
-    last_ = std::max(last, last_);
+    last_ = std::max(last.value_or(kNumbersOfClock), last_);
     isOpen_ = true;
   }
 
@@ -115,6 +115,8 @@ class FakeAppendLog final : public AppendLog {
   }
 
  private:
+  static constexpr Sequence kNumbersOfClock = 1'000'000'000;
+
   struct Stored {
     Entry entry;
     bool isReleased = false;

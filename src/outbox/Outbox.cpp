@@ -57,7 +57,7 @@ void Outbox::openLocked(Consequences& then) {
   const auto recovered = [this](const AppendLog::Entry& entry, const Dictionary& context) KESU_REQUIRES(mutex_) {
     queue_.add({{entry, true, &context}, nullptr});
   };
-  if (!journal_.recover(recovered, clock_.now())) {
+  if (!journal_.recover(recovered)) {
     // On the background queue: the thread that reads the file may be in here.
     defaults_.whenLoaded([this] { background_.post([this] { applyLate(); }); });
   }

@@ -7,11 +7,11 @@
 
 namespace kesu {
 
-bool OutboxJournal::recover(const Recovered& recovered, double now) {
-  constexpr double kNumbersPerSecond = 1e6;  // More than anybody appends: a later start is ahead of every earlier one.
+bool OutboxJournal::recover(const Recovered& recovered) {
   const bool isKnown = defaults_.isLoaded();
-  newest_ = isKnown ? lastMade() : static_cast<AppendLog::Sequence>(std::max(now, 0.0) * kNumbersPerSecond);
-  log_.recover(newest_, [&](const AppendLog::Found& found) { recoverEntry(found, recovered); });
+  const auto last = isKnown ? std::optional(lastMade()) : std::nullopt;
+  newest_ = last.value_or(0);
+  log_.recover(last, [&](const AppendLog::Found& found) { recoverEntry(found, recovered); });
   if (isKnown) {
     applyLate();
   }

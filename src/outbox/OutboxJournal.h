@@ -31,9 +31,8 @@ class OutboxJournal {
   OutboxJournal(AppendLog& log, UserDefaults& defaults) : log_(log), defaults_(defaults) {}
 
   /// Applies the changes of former processes, and passes on their records, oldest first. Returns false when the user
-  /// defaults were not read yet, which say what is applied already: applyLate() follows then. `now` is in seconds since
-  /// 1970; numbers begin there when the last one is not known.
-  bool recover(const Recovered& recovered, double now);
+  /// defaults were not read yet, which say what is applied already: applyLate() follows then.
+  bool recover(const Recovered& recovered);
 
   /// Applies the changes of former processes that the user defaults do not contain.
   void applyLate();

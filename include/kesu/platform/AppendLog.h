@@ -48,9 +48,10 @@ class KESU_API AppendLog {
 
   /// Opens the log: visits every whole entry that earlier processes left, in the order of their numbers, and makes room
   /// for new ones. Numbers continue behind `last` and behind every entry found; released entries up to and including
-  /// `last` may be left out. Called once, before anything else; may block for the disk. `visit` may release(), and call
-  /// nothing else.
-  virtual void recover(Sequence last, const std::function<void(const Found&)>& visit) = 0;
+  /// `last` may be left out. Where `last` is not known, or the disk withholds what is there, numbers are at least the
+  /// microseconds since 1970: ahead of every earlier process, if the clock is right. Called once, before anything else;
+  /// may block for the disk. `visit` may release(), and call nothing else.
+  virtual void recover(std::optional<Sequence> last, const std::function<void(const Found&)>& visit) = 0;
 
   /// Appends an entry. Costs a copy; touches the disk only where prepare() was late. Returns nothing when the entry is
   /// not kept: it is too long, there is no room, no disk or no home directory, or this is a forked child. `isReleased`

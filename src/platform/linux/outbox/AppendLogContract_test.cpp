@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -29,7 +30,7 @@ class AppendLogContract : public ::testing::TestWithParam<std::string> {
   }
 
   /// Recovers and describes what is found: "number bytes", "(preamble)", "released".
-  Texts recover(AppendLog::Sequence last = 0, const std::string& releasing = "none") {
+  Texts recover(std::optional<AppendLog::Sequence> last = 0, const std::string& releasing = "none") {
     Texts found;
     log().recover(last, [&](const AppendLog::Found& one) {
       found.push_back(std::to_string(one.entry.sequence) + " " + std::string(one.bytes) +
@@ -68,6 +69,9 @@ TEST_P(AppendLogContract, FindsEntriesOfAllEarlierProcessesInOrder) {
   restart();
   EXPECT_EQ(recover(5), (Texts{"1 a", "2 ", "3 b", "11 c"}));
   EXPECT_EQ(log().append("d")->sequence, 12U);
+  restart();
+  EXPECT_EQ(recover(std::nullopt).size(), 5U);
+  EXPECT_GT(log().append("e")->sequence, 1'000'000U) << "ahead of what is not known";
 }
 
 TEST_P(AppendLogContract, NotesReleasesFromTheVisitLaterAndFromTheBeginning) {

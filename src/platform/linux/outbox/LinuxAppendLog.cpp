@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <set>
 #include <utility>
 
@@ -21,31 +22,50 @@ static_assert(kSegmentHeaderBytes + entryBytes(AppendLog::kLongestPreamble) + en
 // Full segments that stay mapped: some 10,000 records.
 constexpr std::size_t kMostFullMapped = 4;
 
+// Microseconds since 1970: nobody appends more than one in each, so that a later process is ahead of an earlier one.
+AppendLog::Sequence clockSequence() {
+  const auto now = std::chrono::system_clock::now().time_since_epoch();
+  return static_cast<AppendLog::Sequence>(
+      std::max<std::int64_t>(std::chrono::duration_cast<std::chrono::microseconds>(now).count(), 0));
+}
+
+void keepError(int& first, int next) {
+  first = first != 0 ? first : next;
+}
+
 }  // namespace
 
-void LinuxAppendLog::recover(Sequence last, const std::function<void(const Found&)>& visit) {
+void LinuxAppendLog::recover(std::optional<Sequence> last, const std::function<void(const Found&)>& visit) {
   if (isInForkedChild()) {
     return;
   }
   const MutexLock background(background_);
   LogRecovery recovery;
-  if (directory_.open() == 0) {
-    directory_.takeOver();
-    compactLogs(directory_, last);
-    for (const SegmentName& name : directory_.foundSegments()) {
+  const bool isOpen = directory_.open() == 0;
+  int withheld = 0;
+  if (isOpen) {
+    withheld = directory_.takeOver();
+    compactLogs(directory_, last.value_or(0));
+    std::vector<SegmentName> names;
+    keepError(withheld, directory_.findSegments(names));
+    for (const SegmentName& name : names) {
       SegmentHeader header;
       if (auto file = directory_.openSegment(name, header)) {
         const MutexLock lock(mutex_);
         const HeldSegment segment{held_.newId(), std::move(file)};
         held_.add(segment);
         recovery.add(segment.id, segment.file, header);
+      } else {
+        keepError(withheld, errno);
       }
     }
-    warnings_.failed(OutboxWarnings::Kind::Read, recovery.run(visit));
+    keepError(withheld, recovery.run(visit));
+    warnings_.failed(OutboxWarnings::Kind::Read, withheld);
   }
   {
+    const bool isKnown = last && isOpen && withheld == 0;
     const MutexLock lock(mutex_);
-    next_ = std::max(last, recovery.highest()) + 1;
+    next_ = std::max({last.value_or(0), recovery.highest(), isKnown ? 0 : clockSequence()}) + 1;
   }
   const int error = makeSpare();
   std::set<std::uint64_t> logs;

@@ -35,7 +35,7 @@ class LinuxAppendLog final : public AppendLog {
   explicit LinuxAppendLog(std::string directory, SegmentAccess access = SegmentAccess::WhereSafe)
       : directory_(std::move(directory), access) {}
 
-  void recover(Sequence last, const std::function<void(const Found&)>& visit) override;
+  void recover(std::optional<Sequence> last, const std::function<void(const Found&)>& visit) override;
   std::optional<Entry> append(std::string_view bytes, bool isReleased = false) override;
   void setPreamble(std::string_view bytes) override;
   bool read(const Entry& entry, std::string& bytes) override;

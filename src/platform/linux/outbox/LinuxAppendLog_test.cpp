@@ -276,6 +276,35 @@ TEST_F(LinuxAppendLogTest, AFullDiskRefusesEntriesUntilThereIsRoom) {
   }
 }
 
+TEST_F(LinuxAppendLogTest, LeavesToALaterStartWhatItMayNotOpen) {
+  namespace fs = std::filesystem;
+  auto log = open();
+  recoverAll(*log);
+  const std::string text(300'000, 'x');
+  for (int i = 0; i < 4; ++i) {
+    log->append(text);
+  }
+  log.reset();
+  const std::string segment = path() + "/" + *outboxNames(path(), ".log").begin();
+  fs::permissions(directory_.path(), fs::perms::all);
+  fs::permissions(path(), fs::perms::all);
+  for (const auto& file : fs::directory_iterator(path())) {
+    fs::permissions(file, file.path() == segment ? fs::perms::none : fs::perms::all);
+  }
+  const auto verdict = testing::runUnprivileged([&] {
+    log = open();
+    const bool isPart = recoverAll(*log).size() == 1;
+    const bool isTold = takeOutboxLines() == std::vector<std::string>{"0 Records of an earlier process cannot be "
+                                                                      "read: Permission denied"};
+    const bool isAhead = log->append("a").value().sequence > 1'000'000;
+    return (isPart ? 0 : 1) + (isTold ? 0 : 2) + (isAhead ? 0 : 4);
+  });
+  EXPECT_EQ(verdict, 0);
+  fs::permissions(segment, fs::perms::owner_all);
+  log = open();
+  EXPECT_EQ(recoverAll(*log).size(), 5U);
+}
+
 TEST_F(LinuxAppendLogTest, WithoutADirectoryNothingIsKept) {
   directory_.write("Outbox", "a file in the way");
   for (const std::string& directory : {std::string(), path()}) {

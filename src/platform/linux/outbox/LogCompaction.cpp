@@ -87,8 +87,8 @@ class CompactedLog {
 }  // namespace
 
 void compactLogs(LogDirectory& directory, AppendLog::Sequence last) {
-  const std::vector<SegmentName> found = directory.foundSegments();
-  if (found.size() <= kManySegments || directory.beginLog() != 0) {
+  std::vector<SegmentName> found;
+  if (directory.findSegments(found) != 0 || found.size() <= kManySegments || directory.beginLog() != 0) {
     return;
   }
   LogRecovery recovery;

@@ -76,6 +76,11 @@ std::uint64_t newLogId() {
   return (nanoseconds & ~std::uint64_t{0xFFFF}) | (static_cast<std::uint64_t>(::getpid()) & 0xFFFFU);
 }
 
+// Whether opening failed because there is no regular file of that name.
+bool isNoFile(int error) {
+  return error == ENOENT || error == ELOOP || error == EISDIR || error == ENXIO;
+}
+
 bool isEmpty(std::string_view bytes) {
   return std::all_of(bytes.begin(), bytes.end(), [](char byte) { return byte == '\0'; });
 }
@@ -110,22 +115,26 @@ int LogDirectory::beginLogElsewhere() {
 }
 
 template <typename Visit>
-void LogDirectory::enumerate(const Visit& visit) const {
+int LogDirectory::enumerate(const Visit& visit) const {
   // A descriptor of its own: a copy of fd_ would share its read position.
   const int fd = ::openat(fd_.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   const std::unique_ptr<DIR, decltype([](DIR* directory) { ::closedir(directory); })> directory(
       fd >= 0 ? ::fdopendir(fd) : nullptr);
   if (!directory) {
+    const int error = errno;
     if (fd >= 0) {
       ::close(fd);
     }
-    return;
+    return error;
   }
+  errno = 0;
   while (const dirent* entry = ::readdir(directory.get())) {
     if (const auto name = parseName(entry->d_name)) {
       visit(*name);
     }
+    errno = 0;
   }
+  return errno;
 }
 
 UniqueFd LogDirectory::lock(std::uint64_t logId, int flags) const {
@@ -144,43 +153,50 @@ UniqueFd LogDirectory::lock(std::uint64_t logId, int flags) const {
   return isNamed ? std::move(file) : UniqueFd();
 }
 
-void LogDirectory::takeOver() {
+int LogDirectory::takeOver() {
   std::set<std::uint64_t> ids;
-  enumerate([&](const SegmentName& name) { ids.insert(name.logId); });
+  int error = enumerate([&](const SegmentName& name) { ids.insert(name.logId); });
   for (const std::uint64_t id : ids) {
     if (UniqueFd held = lock(id, 0)) {
       taken_[id] = std::move(held);
+    } else if (errno != EAGAIN && !isNoFile(errno)) {  // EAGAIN: another process holds it.
+      error = errno;
     }
   }
+  return error;
 }
 
-std::vector<SegmentName> LogDirectory::foundSegments() const {
-  std::vector<SegmentName> names;
-  enumerate([&](const SegmentName& name) {
+int LogDirectory::findSegments(std::vector<SegmentName>& names) const {
+  const int error = enumerate([&](const SegmentName& name) {
     if (name.number != 0 && taken_.contains(name.logId)) {
       names.push_back(name);
     }
   });
   std::sort(names.begin(), names.end());
-  return names;
+  return error;
 }
 
 std::shared_ptr<SegmentFile> LogDirectory::openSegment(const SegmentName& name, SegmentHeader& header) {
   UniqueFd fd(::openat(fd_.get(), segmentName(name).c_str(), kOpenFlags));
+  if (!fd) {
+    errno = isNoFile(errno) ? 0 : errno;
+    return nullptr;
+  }
   struct stat facts {};
-  if (!fd || ::fstat(fd.get(), &facts) != 0 || !S_ISREG(facts.st_mode)) {
+  if (::fstat(fd.get(), &facts) != 0) {
     return nullptr;
   }
   char bytes[kSegmentHeaderBytes] = {};
-  const ssize_t got = ::pread(fd.get(), bytes, sizeof(bytes), 0);
+  const ssize_t got = S_ISREG(facts.st_mode) ? ::pread(fd.get(), bytes, sizeof(bytes), 0) : 0;
   if (got < 0) {
     return nullptr;
   }
   const auto parsed = parseSegmentHeader({bytes, static_cast<std::size_t>(got)});
-  if (!parsed && isEmpty({bytes, sizeof(bytes)})) {
+  if (!parsed && S_ISREG(facts.st_mode) && isEmpty({bytes, sizeof(bytes)})) {
     removeSegment(name);
   }
   if (!parsed || parsed->logId != name.logId || parsed->number != name.number) {
+    errno = 0;
     return nullptr;
   }
   header = *parsed;

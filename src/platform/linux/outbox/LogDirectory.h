@@ -27,14 +27,15 @@ class LogDirectory {
   /// Makes and opens the directory. Returns an error.
   int open();
 
-  /// Locks every log that no process holds. Call open() first.
-  void takeOver();
+  /// Locks every log that no process holds. Call open() first. Returns an error where a log may have been missed.
+  int takeOver();
 
-  /// The segment files of the logs taken over, in order of log and number.
-  std::vector<SegmentName> foundSegments() const;
+  /// Finds the segment files of the logs taken over, in order of log and number. Returns an error where one may have
+  /// been missed.
+  int findSegments(std::vector<SegmentName>& names) const;
 
-  /// Opens one of them. Null where it is none: a link, a FIFO, a file with another header. Removes a file that its
-  /// owner had no time to begin.
+  /// Opens one of them. Null with errno on failure; errno is 0 where it is none: a link, a FIFO, a file with another
+  /// header. Removes a file that its owner had no time to begin.
   std::shared_ptr<SegmentFile> openSegment(const SegmentName& name, SegmentHeader& header);
 
   /// Gives this process a log of its own, unless it has one. Opens the directory where that failed before. Returns an
@@ -62,9 +63,9 @@ class LogDirectory {
   int flush();
 
  private:
-  /// Calls `visit(SegmentName)` for each file of a log; a lock has number 0.
+  /// Calls `visit(SegmentName)` for each file of a log; a lock has number 0. Returns an error.
   template <typename Visit>
-  void enumerate(const Visit& visit) const;
+  int enumerate(const Visit& visit) const;
 
   /// Locks a log; empty when another process holds it, with errno.
   UniqueFd lock(std::uint64_t logId, int flags) const;
