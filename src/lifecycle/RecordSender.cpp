@@ -15,6 +15,10 @@ namespace {
 constexpr std::string_view kTraitsSaveTime = "t-secondsSince1970";
 static_assert(kTraitsSaveTime.starts_with(k_TableTraits) && kTraitsSaveTime.ends_with(kSaveTimeSuffix));
 
+// Of records that were posted before the initialisation: they have no destination.
+constexpr std::string_view kUnknownSaveTime = "UnknownDestination-secondsSince1970";
+static_assert(kUnknownSaveTime.starts_with(kUnknownDestination) && kUnknownSaveTime.ends_with(kSaveTimeSuffix));
+
 }  // namespace
 
 void RecordSender::start() {
@@ -32,7 +36,7 @@ PendingRecord RecordSender::frame(RecordKind kind, std::string_view destination,
 
 // The time at which traits were posted last, which decides whether the next launch posts them.
 DefaultsChange RecordSender::traitsSaved() const {
-  return DefaultsChange::set(kTraitsSaveTime, platform_.clock.now());
+  return DefaultsChange::set(instance_.isLoaded() ? kTraitsSaveTime : kUnknownSaveTime, platform_.clock.now());
 }
 
 void RecordSender::postToTable(const Dictionary& attributes, std::string_view destination,
@@ -132,7 +136,8 @@ Dictionary RecordSender::completed(Outbox::Delivery& delivery) {
 // logged with the record.
 void RecordSender::saveTime(const PendingRecord& record) {
   if (record.kind == RecordKind::Table) {
-    platform_.defaults.set(std::string(1, record.destination).append(kSaveTimeSuffix), record.moment);
+    const std::string key = std::string(1, record.destination).append(kSaveTimeSuffix);
+    platform_.defaults.set(record.hasContext ? std::string_view(key) : kUnknownSaveTime, record.moment);
   }
 }
 

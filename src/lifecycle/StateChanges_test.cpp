@@ -65,6 +65,8 @@ TEST_F(StateChangesTest, PostsWithoutContextBeforeInitialisation) {
   EXPECT_EQ(records[0].first, "UnknownDestination");
   EXPECT_EQ(keysOf(records[0].second), "~ns bl bs ~o umem ~r ase");
   EXPECT_TRUE(platform.log.contains("[KesuManager:1316]self.kesuAppInstanceId is nil Init"));
+  EXPECT_TRUE(platform.defaults.contains("UnknownDestination-secondsSince1970"));
+  EXPECT_FALSE(platform.defaults.contains("t-secondsSince1970")) << "the first launch still owes its traits";
 }
 
 TEST_F(StateChangesTest, PostsTheActivationsThatAreDueAfterTheState) {
