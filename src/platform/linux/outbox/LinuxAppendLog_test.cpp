@@ -285,7 +285,7 @@ TEST_F(LinuxAppendLogTest, LeavesToALaterStartWhatItMayNotOpen) {
     log->append(text);
   }
   log.reset();
-  const std::string segment = path() + "/" + *outboxNames(path(), ".log").begin();
+  const std::string segment = path() + "/" + *namesIn(path(), ".log").begin();
   fs::permissions(directory_.path(), fs::perms::all);
   fs::permissions(path(), fs::perms::all);
   for (const auto& file : fs::directory_iterator(path())) {
