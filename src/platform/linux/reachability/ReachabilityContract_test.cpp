@@ -28,7 +28,7 @@ class ReachabilityContractTest : public ::testing::TestWithParam<std::string> {
   /// Changes the way to kTarget.
   void makeReachable(bool isReachable) {
     linux_->connectionObserved(kTarget.hostName, kTarget.port, isReachable);
-    fake_->setFlags(isReachable ? kFlagReachable : 0);
+    fake_->setFlags(isReachable ? std::uint32_t{kFlagReachable} : 0U);
     fake_->announceChange();
   }
   void destroySources() {
