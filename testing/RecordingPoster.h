@@ -1,5 +1,7 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <string>
 #include <utility>
 #include <vector>
@@ -23,6 +25,13 @@ class RecordingPoster final : public EventPoster {
 
   RecordingPoster(const RecordingPoster&) = delete;
   RecordingPoster& operator=(const RecordingPoster&) = delete;
+
+  /// Removes and returns the one record since the last call.
+  Dictionary takeOnly() {
+    EXPECT_EQ(posted.size(), 1U);
+    posted.resize(1);
+    return std::exchange(posted, {}).front().second;
+  }
 
   bool isSDKInitialized() override { return initialized; }
   void updateScreenFlowForScenes(const std::string& name, double seconds) override {

@@ -184,14 +184,6 @@ Object unusualArgument(ArgumentKind kind, bool isNumber, std::int64_t place) {
 
 class CatalogueTableTest : public ::testing::Test {
  protected:
-  /// The one record since the last call.
-  Dictionary onlyRecord() {
-    EXPECT_EQ(poster.posted.size(), 1U);
-    const Dictionary record = poster.posted.empty() ? Dictionary() : poster.posted.front().second;
-    poster.posted.clear();
-    return record;
-  }
-
   testing::RecordingPoster poster;
 };
 
@@ -227,7 +219,7 @@ TEST_F(CatalogueTableTest, WritesItsKeysOverTheHostsAttributes) {
       const std::vector<Object> arguments = argumentsFor(operation, make);
       operation.invoke(arguments, host);
       if (!operation.updatesSceneFlow()) {
-        EXPECT_EQ(onlyRecord(), expectedRecord(operation, arguments, host));
+        EXPECT_EQ(poster.takeOnly(), expectedRecord(operation, arguments, host));
       }
     }
   }
@@ -252,9 +244,9 @@ TEST_F(CatalogueTableTest, FindsTheShortestFormThatFits) {
   EXPECT_EQ(findOperation("KesuGaming", "postBuyItem", 0), nullptr);
   const Operation* check = findOperation("KesuiMessageApps", "postInsertAttachmentWithURL", 2);
   check->invoke({"yes", "0"}, {});
-  EXPECT_EQ(onlyRecord(), (Dictionary{{"URLProvided", "1"}, {"~e", "iMessageAppsInsertAttachment"}}));
+  EXPECT_EQ(poster.takeOnly(), (Dictionary{{"URLProvided", "1"}, {"~e", "iMessageAppsInsertAttachment"}}));
   findOperation("KesuWeatherAndForecast", "postWeatherRequestForUVIndexAtPoint", 1)->invoke({"1.5,-2"}, {});
-  EXPECT_EQ(onlyRecord(), (Dictionary{{"lat", "1.500000"}, {"long", "-2.000000"}, {"~e", "WeatherUVIndex"}}));
+  EXPECT_EQ(poster.takeOnly(), (Dictionary{{"lat", "1.500000"}, {"long", "-2.000000"}, {"~e", "WeatherUVIndex"}}));
 }
 
 }  // namespace

@@ -13,13 +13,7 @@ namespace {
 
 class CatalogueTest : public ::testing::Test {
  protected:
-  /// The one record since the last call.
-  Dictionary onlyRecord() {
-    EXPECT_EQ(poster.posted.size(), 1U);
-    const Dictionary record = poster.posted.empty() ? Dictionary() : poster.posted.front().second;
-    poster.posted.clear();
-    return record;
-  }
+  Dictionary onlyRecord() { return poster.takeOnly(); }
 
   testing::RecordingPoster poster;
 };
