@@ -56,12 +56,15 @@ inline Array buttonEntries(const std::vector<std::pair<std::string, std::string>
   return entries;
 }
 
-/// A picture of this size within a "data:" URL.
-inline std::string pictureUrl(int width, int height) {
-  const std::vector<std::uint32_t> pixels(static_cast<std::size_t>(width) * static_cast<std::size_t>(height),
-                                          0xFF336699U);
-  const std::string png = encodePng(Image(width, height, pixels)).value_or("");
+/// A picture within a "data:" URL.
+inline std::string pictureUrl(const Image& image) {
+  const std::string png = encodePng(image).value_or("");
   return "data:image/png;base64," + base64Encode({reinterpret_cast<const std::uint8_t*>(png.data()), png.size()});
+}
+
+/// A picture of this size and one colour within a "data:" URL.
+inline std::string pictureUrl(int width, int height) {
+  return pictureUrl({width, height, std::vector<std::uint32_t>(static_cast<std::size_t>(width * height), 0xFF336699U)});
 }
 
 /// Answers the oldest open request for a path and lets the consequences happen; returns false if there is none.

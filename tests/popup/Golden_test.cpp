@@ -8,9 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "foundation/Base64.h"
 #include "graphics/ImageDecoder.h"
-#include "graphics/PngEncoder.h"
+#include "testing/MessageScreen.h"
 #include "tests/popup/PopupPictures.h"
 #include "tests/popup/PopupStage.h"
 
@@ -31,8 +30,7 @@ std::string bandsUrl() {
       pixels.push_back(x < 60 ? 0xFF1B7F79U : y < 30 ? 0xFFE8B04BU : 0xFF7A2E5AU);
     }
   }
-  const std::string png = *encodePng(Image(120, 60, std::move(pixels)));
-  return "data:image/png;base64," + base64Encode({reinterpret_cast<const std::uint8_t*>(png.data()), png.size()});
+  return testing::pictureUrl(Image(120, 60, std::move(pixels)));
 }
 
 Value button(const char* title, const char* face) {

@@ -13,6 +13,7 @@
 
 #include "testing/ChildProcess.h"
 #include "testing/MemoryPeak.h"
+#include "testing/NestedValues.h"
 #include "testing/TemporaryDirectory.h"
 #include "tests/popup/PopupStage.h"
 
@@ -29,15 +30,6 @@ using testing::payloadOf;
 using testing::PopupStage;
 
 constexpr long kLimitKilobytes = 64 * 1024;
-
-std::string endless(const std::string& word) {
-  constexpr std::size_t kBytes = 1 << 20;
-  std::string text;
-  while (text.size() < kBytes) {
-    text += word;
-  }
-  return text;
-}
 
 Dictionary withPicture(const Value& width, const Value& height) {
   return {{"imageSourceURL", std::string(PopupStage::kExamplePictures) + "sunrise.jpg"},
@@ -103,7 +95,7 @@ std::vector<std::pair<std::string, Dictionary>> hostileMessages() {
                            "\xe2\x80\xae\xf0\x9f\x8d\xbf"
                            "e\xcc\x81",
                            "\xff\xc0"}) {
-    const std::string text = endless(word);
+    const std::string text = testing::repeated(word, (1U << 20U) / std::string_view(word).size());
     all.emplace_back("1 MB as title", payloadOf(text, "A text.", withButtons(entries(2))));
     all.emplace_back("1 MB as title over a picture", payloadOf(text, "", withPicture(100, 50), "p_temp_1"));
     all.emplace_back("1 MB as text", payloadOf("A title", text, withButtons(entries(2))));

@@ -8,16 +8,11 @@
 #include "foundation/Json.h"
 #include "foundation/SharedInstance.h"
 #include "graphics/ImageDecoder.h"
+#include "testing/MessageScreen.h"
 #include "uikit/Animator.h"
 
 namespace kesu::testing {
 namespace {
-
-std::string jsonText(const Dictionary& dictionary) {
-  std::string text;
-  writeJson(dictionary, text);
-  return text;
-}
 
 // The example's picture as a service would name it.
 Dictionary withPictureUrl(const Dictionary& natural, const std::string& folder) {
