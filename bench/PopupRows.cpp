@@ -10,7 +10,7 @@
 #include "Rows.h"
 #include "Session.h"
 #include "Stopwatch.h"
-#include "graphics/TextLayout.h"
+#include "drawing/TextLayout.h"
 #include "uikit/Animator.h"
 #include "uikit/ViewDrawing.h"
 

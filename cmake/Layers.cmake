@@ -1,15 +1,15 @@
 # One object library per row of tools/layers.txt but those of tools/, named kesu_<folder> with "/" written as "_".
 # KESU_ALL_OBJECTS is what libkesu is made of; KESU_REACH_<folder> lists the folders whose objects a test of <folder> needs.
 
-file(STRINGS ${CMAKE_SOURCE_DIR}/tools/layers.txt KESU_LAYER_ROWS REGEX "^[^#].*:")
+file(STRINGS ${CMAKE_SOURCE_DIR}/tools/layers.txt KESU_LAYER_ROWS REGEX "^[^#<].*:")
 list(FILTER KESU_LAYER_ROWS EXCLUDE REGEX "^tools/")
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tools/layers.txt)
 
 # Folders whose time can be felt: a record on the caller's thread, a frame of the popup, a picture. The others wait for disk,
 # network and people; built with -Os they take half the room. The sanitized builds optimise only the former: half of
 # their compile time is the optimiser's, and the tests that wait for code wait for these folders.
-set(KESU_FAST_FOLDERS foundation support records device events delivery graphics uikit/render
-  platform/linux/outbox)
+set(KESU_FAST_FOLDERS foundation support records device events delivery drawing drawing_cairo
+  uikit/render platform/linux/outbox)
 set(KESU_FAST_OPTIONS)
 if(KESU_SANITIZE)
   set(KESU_FAST_OPTIONS -O1)
@@ -31,6 +31,9 @@ macro(kesu_add_layers)
       string(REPLACE "/" "_" name ${folder})
       add_library(kesu_${name} OBJECT ${sources})
       target_link_libraries(kesu_${name} PRIVATE kesu_build ${KESU_SYSTEM_LIBRARIES})
+      if(folder STREQUAL drawing_cairo)
+        target_link_libraries(kesu_${name} PRIVATE ${KESU_DRAWING_LIBRARIES})
+      endif()
       target_compile_options(kesu_${name} PRIVATE ${KESU_LIBRARY_WARNINGS})
       if(folder IN_LIST KESU_FAST_FOLDERS)
         target_compile_options(kesu_${name} PRIVATE ${KESU_FAST_OPTIONS})
@@ -48,12 +51,16 @@ macro(kesu_add_layers)
   endforeach()
 endmacro()
 
-# Adds the objects of folders and of everything they reach to a target.
+# Adds the objects of folders and of everything they reach to a target, with what draws if they draw.
 function(kesu_link_folders target)
   set(reached)
   foreach(folder IN LISTS ARGN)
     list(APPEND reached ${KESU_REACH_${folder}})
   endforeach()
+  if(drawing IN_LIST reached)
+    list(APPEND reached drawing_cairo)
+    target_link_libraries(${target} PRIVATE ${KESU_DRAWING_LIBRARIES})
+  endif()
   list(REMOVE_DUPLICATES reached)
   foreach(folder IN LISTS reached)
     string(REPLACE "/" "_" name ${folder})

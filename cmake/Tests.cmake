@@ -11,7 +11,8 @@ target_link_libraries(kesu_testing PUBLIC kesu_build kesu_loopback GTest::gtest)
 # them, made for this program that does nothing.
 function(kesu_compile_as_test target)
   target_compile_options(${target} PRIVATE $<$<CONFIG:RelWithDebInfo>:-O0 -g1>)
-  target_link_libraries(${target} PRIVATE kesu_testing GTest::gtest_main ${KESU_SYSTEM_LIBRARIES})
+  target_link_libraries(${target} PRIVATE kesu_testing GTest::gtest_main ${KESU_SYSTEM_LIBRARIES}
+    ${KESU_DRAWING_LIBRARIES})
   target_link_options(${target} PRIVATE -fuse-ld=lld)
 endfunction()
 file(CONFIGURE OUTPUT ${CMAKE_BINARY_DIR}/generated/nothing.cpp CONTENT "int main() {}\n")

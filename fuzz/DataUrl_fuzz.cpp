@@ -1,10 +1,10 @@
-// Fuzzes: graphics
+// Fuzzes: drawing
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
 
 #include "Require.h"
-#include "graphics/DataUrl.h"
+#include "drawing/DataUrl.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view url{reinterpret_cast<const char*>(data), size};

@@ -1,10 +1,10 @@
-// Fuzzes: graphics
+// Fuzzes: drawing
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
 
 #include "Require.h"
-#include "graphics/ImageDecoder.h"
+#include "drawing/Pictures.h"
 
 namespace {
 

@@ -13,6 +13,7 @@
 #include <kesu/foundation/Value.h>
 #include <kesu/graphics/Color.h>
 #include <kesu/graphics/Font.h>
+#include <kesu/graphics/Frame.h>
 #include <kesu/graphics/Geometry.h>
 #include <kesu/graphics/Image.h>
 #include <kesu/message_ui/KesuInAppMessageDelegate.h>
@@ -29,7 +30,6 @@
 #include <kesu/ui/Accessibility.h>
 #include <kesu/ui/Application.h>
 #include <kesu/ui/Button.h>
-#include <kesu/ui/Frame.h>
 #include <kesu/ui/ImageView.h>
 #include <kesu/ui/Label.h>
 #include <kesu/ui/NavigationController.h>

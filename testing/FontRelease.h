@@ -3,8 +3,8 @@
 #include <cairo.h>
 #include <gtest/gtest.h>
 
-#include "graphics/SystemFonts.h"
-#include "graphics/TextLayout.h"
+#include "drawing/TextLayout.h"
+#include "drawing_cairo/SystemFonts.h"
 
 namespace kesu {
 

@@ -9,9 +9,9 @@
 #include <utility>
 #include <vector>
 
+#include "drawing/Pictures.h"
 #include "foundation/Base64.h"
 #include "foundation/Json.h"
-#include "graphics/PngEncoder.h"
 #include "message_ui/KesuInAppPresenter.h"
 #include "messaging/KesuImageCache.h"
 #include "messaging/MessagingWiring.h"

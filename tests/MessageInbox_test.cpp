@@ -1,9 +1,9 @@
 // Messages and tags as a host fetches them: on doubles, and over real TLS.
 #include <gtest/gtest.h>
 
+#include "drawing/Pictures.h"
 #include "facade/Wiring.h"
 #include "foundation/Json.h"
-#include "graphics/PngEncoder.h"
 #include "messaging/InAppTemplateData.h"
 #include "testing/LoopbackServer.h"
 #include "testing/RealPlatform.h"

@@ -2,8 +2,8 @@
 
 #include <kesu/ui/Window.h>
 
-#include "graphics/Canvas.h"
-#include "graphics/TextLayout.h"
+#include "drawing/Canvas.h"
+#include "drawing/TextLayout.h"
 #include "message_ui/MessageLayout.h"
 #include "uikit/ViewDrawing.h"
 

@@ -4,9 +4,9 @@
 
 #include <utility>
 
+#include "drawing/TextLayout.h"
 #include "foundation/Afterwards.h"
 #include "foundation/Objects.h"
-#include "graphics/TextLayout.h"
 #include "message_ui/MessagePaging.h"
 #include "message_ui/SensibleOptions.h"
 #include "services/MessageKeys.h"

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "graphics/TextLayout.h"
+#include "drawing/TextLayout.h"
 #include "testing/FontRelease.h"
 #include "testing/PresenterTest.h"
 #include "uikit/ViewDrawing.h"

@@ -5,7 +5,7 @@
 #include <memory>
 #include <utility>
 
-#include "graphics/Canvas.h"
+#include "drawing/Canvas.h"
 #include "uikit/Animator.h"
 #include "uikit/ViewDrawing.h"
 

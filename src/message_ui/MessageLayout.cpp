@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "graphics/TextLayout.h"
+#include "drawing/TextLayout.h"
 
 namespace kesu {
 namespace {

@@ -6,7 +6,7 @@
 #include <limits>
 #include <string>
 
-#include "graphics/TextLayout.h"
+#include "drawing/TextLayout.h"
 
 namespace kesu {
 namespace {

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <utility>
 
-#include "graphics/ImageScaling.h"
+#include "drawing/Pictures.h"
 
 namespace kesu {
 namespace {

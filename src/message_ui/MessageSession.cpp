@@ -2,8 +2,8 @@
 
 #include <utility>
 
+#include "drawing/TextLayout.h"
 #include "foundation/Objects.h"
-#include "graphics/TextLayout.h"
 #include "message_ui/MessageLog.h"
 #include "message_ui/MessagePaging.h"
 #include "services/MessageKeys.h"

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "drawing/TextLayout.h"
 #include "foundation/Objects.h"
-#include "graphics/TextLayout.h"
 #include "message_ui/MessagePaging.h"
 #include "testing/MessageScreen.h"
 #include "testing/ScopedPlatform.h"

@@ -2,9 +2,9 @@
 
 #include <utility>
 
+#include "drawing/DataUrl.h"
+#include "drawing/Pictures.h"
 #include "foundation/Objects.h"
-#include "graphics/DataUrl.h"
-#include "graphics/ImageDecoder.h"
 #include "messaging/HexColor.h"
 #include "services/MessageKeys.h"
 

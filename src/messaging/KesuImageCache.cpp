@@ -7,10 +7,9 @@
 #include <list>
 #include <utility>
 
+#include "drawing/Pictures.h"
 #include "foundation/Digest.h"
 #include "foundation/Mutex.h"
-#include "graphics/ImageDecoder.h"
-#include "graphics/PngEncoder.h"
 
 namespace kesu {
 namespace {

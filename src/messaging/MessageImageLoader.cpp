@@ -3,8 +3,8 @@
 #include <optional>
 #include <utility>
 
-#include "graphics/DataUrl.h"
-#include "graphics/ImageDecoder.h"
+#include "drawing/DataUrl.h"
+#include "drawing/Pictures.h"
 
 namespace kesu {
 

@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "graphics/PngEncoder.h"
+#include "drawing/Pictures.h"
 #include "messaging/InAppTemplateData.h"
 #include "testing/FakeHttpClient.h"
 #include "testing/ManualBackgroundQueue.h"

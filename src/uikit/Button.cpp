@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "graphics/Canvas.h"
+#include "drawing/Canvas.h"
 #include "uikit/ViewDrawing.h"
 
 namespace kesu {

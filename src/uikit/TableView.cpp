@@ -4,7 +4,7 @@
 #include <cmath>
 #include <memory>
 
-#include "graphics/Canvas.h"
+#include "drawing/Canvas.h"
 #include "uikit/Animator.h"
 #include "uikit/ViewDrawing.h"
 

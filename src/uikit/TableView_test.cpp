@@ -5,7 +5,7 @@
 #include <cmath>
 #include <limits>
 
-#include "graphics/Canvas.h"
+#include "drawing/Canvas.h"
 #include "testing/ScopedPlatform.h"
 #include "uikit/Animator.h"
 #include "uikit/ViewDrawing.h"
@@ -126,8 +126,7 @@ TEST_F(TableViewTest, FadesWhereRowsAreCutAndIndicatesThePosition) {
 TEST_F(TableViewTest, FadesIntoAnOpaqueBackgroundOnly) {
   const auto opacityAt = [&](std::size_t row) {
     std::vector<std::uint32_t> pixels(300 * 50);
-    Canvas canvas(pixels.data(), 300, 50, 300, 1.0);
-    ViewDrawing::draw(top(), canvas);
+    ViewDrawing::draw(top(), *makeCanvas({pixels.data(), 300, 50, 300}));
     return pixels[row * 300 + 5] >> 24;
   };
   show({300.0, 300.0});

@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "graphics/Canvas.h"
+#include "drawing/Canvas.h"
 #include "testing/FontRelease.h"
 #include "testing/ScopedPlatform.h"
 #include "uikit/Animator.h"
@@ -22,7 +22,7 @@ constexpr std::uint32_t kBlue = 0xFF0000FF;
 /// What a view draws by itself, 40 x 20 pixels.
 class Drawing {
  public:
-  explicit Drawing(const View& view) { ViewDrawing::draw(view, canvas_); }
+  explicit Drawing(const View& view) { ViewDrawing::draw(view, *canvas_); }
 
   std::uint32_t at(int x, int y) const { return pixels_[static_cast<std::size_t>(y * 40 + x)]; }
   bool isEmpty() const {
@@ -31,7 +31,7 @@ class Drawing {
 
  private:
   std::vector<std::uint32_t> pixels_ = std::vector<std::uint32_t>(40 * 20);
-  Canvas canvas_{pixels_.data(), 40, 20, 40, 1.0};
+  std::unique_ptr<Canvas> canvas_ = makeCanvas({pixels_.data(), 40, 20, 40});
 };
 
 /// Left half red, right half blue, 40 x 40.

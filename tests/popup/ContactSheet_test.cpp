@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "graphics/TextLayout.h"
+#include "drawing/TextLayout.h"
 #include "testing/FontRelease.h"
 #include "testing/MemoryPeak.h"
 #include "tests/popup/PopupPictures.h"
@@ -208,8 +208,8 @@ class ContactSheet {
       : rows_((cells + kColumns - 1) / kColumns),
         sheet_(kColumns * kCellWidth + kGap, static_cast<int>(sections) * sectionHeight()),
         canvas_(sheet_.canvas(1.0)) {
-    canvas_.fill({0.0, 0.0, static_cast<double>(sheet_.width), static_cast<double>(sheet_.height)},
-                 {0.08, 0.08, 0.1, 1.0});
+    canvas_->fill({0.0, 0.0, static_cast<double>(sheet_.width), static_cast<double>(sheet_.height)},
+                  {0.08, 0.08, 0.1, 1.0});
   }
 
   void addHeading(std::size_t section, const std::string& text) {
@@ -220,8 +220,8 @@ class ContactSheet {
     const double x = kGap + static_cast<double>(cell % kColumns) * kCellWidth;
     const auto row = cell / kColumns;
     const double y = static_cast<double>(section) * sectionHeight() + kHeading + static_cast<double>(row) * kCellHeight;
-    canvas_.drawImage(picture, {0.0, 0.0, testing::kThumbnailWidth, testing::kThumbnailHeight},
-                      {x, y, testing::kThumbnailWidth, testing::kThumbnailHeight});
+    canvas_->drawImage(picture, {0.0, 0.0, testing::kThumbnailWidth, testing::kThumbnailHeight},
+                       {x, y, testing::kThumbnailWidth, testing::kThumbnailHeight});
     write(caption, 20.0, {x, y + testing::kThumbnailHeight + 4.0, testing::kThumbnailWidth, 28.0});
   }
 
@@ -238,12 +238,12 @@ class ContactSheet {
 
   void write(const std::string& text, double size, const Rect& box) {
     const TextLayout layout(text, {{"Roboto", size}, TextAlignment::Natural, 1, 0.7}, box.size());
-    canvas_.drawText(layout, box.origin(), {0.9, 0.9, 0.92, 1.0});
+    canvas_->drawText(layout, box.origin(), {0.9, 0.9, 0.92, 1.0});
   }
 
   std::size_t rows_;
   testing::Sheet sheet_;
-  Canvas canvas_;
+  std::unique_ptr<Canvas> canvas_;
 };
 
 std::filesystem::path ownDirectory() {

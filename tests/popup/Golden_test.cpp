@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "graphics/ImageDecoder.h"
+#include "drawing/Pictures.h"
 #include "testing/MessageScreen.h"
 #include "tests/popup/PopupPictures.h"
 #include "tests/popup/PopupStage.h"

@@ -6,8 +6,8 @@
 #include <fstream>
 #include <memory>
 
-#include "graphics/PngEncoder.h"
-#include "graphics/TextLayout.h"
+#include "drawing/Pictures.h"
+#include "drawing/TextLayout.h"
 
 namespace kesu::testing {
 namespace {
@@ -68,22 +68,22 @@ void drawHost(Canvas& canvas) {
 
 ImagePtr overHost(const ImagePtr& popup) {
   Sheet sheet(popup->width(), popup->height());
-  Canvas canvas = sheet.canvas(popup->height() / kScreen.height);
-  drawHost(canvas);
-  canvas.drawImage(popup, wholeOf(*popup), kScreen);
+  const auto canvas = sheet.canvas(popup->height() / kScreen.height);
+  drawHost(*canvas);
+  canvas->drawImage(popup, wholeOf(*popup), kScreen);
   return sheet.image();
 }
 
 ImagePtr thumbnail(const ImagePtr& popup, bool hasHost) {
   Sheet sheet(kThumbnailWidth, kThumbnailHeight);
-  Canvas canvas = sheet.canvas(kThumbnailHeight / kPopupPlace.height);
-  canvas.translate(-kPopupPlace.x, -kPopupPlace.y);
+  const auto canvas = sheet.canvas(kThumbnailHeight / kPopupPlace.height);
+  canvas->translate(-kPopupPlace.x, -kPopupPlace.y);
   if (hasHost) {
-    drawHost(canvas);
+    drawHost(*canvas);
   } else {
-    canvas.fill(kScreen, {0.1, 0.14, 0.3, 1.0});
+    canvas->fill(kScreen, {0.1, 0.14, 0.3, 1.0});
   }
-  canvas.drawImage(popup, wholeOf(*popup), kScreen);
+  canvas->drawImage(popup, wholeOf(*popup), kScreen);
   return sheet.image();
 }
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "graphics/Canvas.h"
+#include "drawing/Canvas.h"
 
 namespace kesu::testing {
 
@@ -15,7 +15,7 @@ struct Sheet {
   Sheet(int columns, int rows);
 
   /// A canvas on all of it, `scale` pixels a point.
-  Canvas canvas(double scale) { return {pixels.data(), width, height, width, scale}; }
+  std::unique_ptr<Canvas> canvas(double scale) { return makeCanvas({pixels.data(), width, height, width, scale}); }
   ImagePtr image() const { return std::make_shared<const Image>(width, height, pixels); }
 
   int width;

@@ -5,9 +5,9 @@
 #include <iterator>
 #include <utility>
 
+#include "drawing/Pictures.h"
 #include "foundation/Json.h"
 #include "foundation/SharedInstance.h"
-#include "graphics/ImageDecoder.h"
 #include "testing/MessageScreen.h"
 #include "uikit/Animator.h"
 

@@ -1,9 +1,9 @@
 #pragma once
 
 #include <kesu/Export.h>
+#include <kesu/graphics/Frame.h>
 #include <kesu/graphics/Image.h>
 #include <kesu/ui/Accessibility.h>
-#include <kesu/ui/Frame.h>
 #include <kesu/ui/Remote.h>
 
 #include <functional>

@@ -2,15 +2,11 @@
 
 #include <kesu/ui/Overlay.h>
 
-#include <cstdint>
 #include <vector>
 
 #include "uikit/render/PixelStore.h"
 
 namespace kesu {
-
-/// Composes the layers over transparent pixels, within `area` of a picture of that width in pixels.
-void composeLayers(const std::vector<FrameLayer>& layers, std::uint32_t* pixels, int width, const PixelRect& area);
 
 /// Keeps the composed picture of a window and composes again what changed. Main thread.
 class Compositor {

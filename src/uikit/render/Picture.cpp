@@ -2,7 +2,8 @@
 
 #include <algorithm>
 
-#include "graphics/Canvas.h"
+#include "drawing/Canvas.h"
+#include "drawing/PixelRects.h"
 #include "uikit/ViewDrawing.h"
 #include "uikit/render/ViewPainter.h"
 
@@ -38,8 +39,9 @@ void Picture::paint(const View& view, const PixelRect& area) {
   for (int row = 0; row < area.height; ++row) {
     std::fill_n(first + std::ptrdiff_t{row} * place_.width, area.width, 0U);
   }
-  Canvas canvas(first, area.width, area.height, place_.width, scale_, area.x, area.y);
-  paintView(canvas, view, PaintScope::OwnPicture);
+  if (const auto canvas = makeCanvas({first, area.width, area.height, place_.width, scale_, area.x, area.y})) {
+    paintView(*canvas, view, PaintScope::OwnPicture);
+  }
   layerDamage_ = united(layerDamage_, inPicture);
   flatDamage_ = united(flatDamage_, inPicture);
 }

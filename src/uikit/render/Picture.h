@@ -1,12 +1,12 @@
 #pragma once
 
+#include <kesu/graphics/Frame.h>
 #include <kesu/ui/View.h>
 
 #include <cstdint>
 #include <utility>
 
 #include "uikit/render/PixelStore.h"
-#include "uikit/render/Placement.h"
 
 namespace kesu {
 

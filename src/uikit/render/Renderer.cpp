@@ -9,8 +9,9 @@
 #include <malloc.h>
 #endif
 
-#include "graphics/Canvas.h"
-#include "graphics/TextLayout.h"
+#include "drawing/Canvas.h"
+#include "drawing/FrameLayers.h"
+#include "drawing/TextLayout.h"
 #include "uikit/ViewDrawing.h"
 #include "uikit/render/Compositor.h"
 #include "uikit/render/Picture.h"
@@ -300,8 +301,9 @@ ImagePtr viewToImage(const View& view) {
   const int columns = static_cast<int>(width);
   const int rows = static_cast<int>(height);
   std::vector<std::uint32_t> pixels(static_cast<std::size_t>(columns) * static_cast<std::size_t>(rows));
-  Canvas canvas(pixels.data(), columns, rows, columns, 1.0);
-  paintView(canvas, view, PaintScope::Everything);
+  if (const auto canvas = makeCanvas({pixels.data(), columns, rows, columns})) {
+    paintView(*canvas, view, PaintScope::Everything);
+  }
   return std::make_shared<const Image>(columns, rows, std::move(pixels));
 }
 

@@ -8,8 +8,8 @@
 #include <limits>
 #include <random>
 
-#include "graphics/Canvas.h"
-#include "graphics/TextLayout.h"
+#include "drawing/Canvas.h"
+#include "drawing/TextLayout.h"
 #include "testing/CardWindow.h"
 #include "uikit/ViewDrawing.h"
 

@@ -2,7 +2,7 @@
 
 #include <kesu/ui/View.h>
 
-#include "graphics/Canvas.h"
+#include "drawing/Canvas.h"
 
 namespace kesu {
 

@@ -11,9 +11,9 @@
 #include <utility>
 #include <vector>
 
-#include "graphics/Canvas.h"
-#include "graphics/PngEncoder.h"
-#include "graphics/SystemFonts.h"
+#include "drawing/Canvas.h"
+#include "drawing/Pictures.h"
+#include "drawing_cairo/SystemFonts.h"
 #include "tools/kesu-dev/base/CommandLine.h"
 #include "tools/kesu-dev/base/Console.h"
 #include "tools/kesu-dev/base/Text.h"
@@ -88,9 +88,9 @@ ImagePtr finishedPicture(Overlay& overlay, int width, int height) {
   const ImagePtr popup = overlay.snapshot();
   const Rect screen{0.0, 0.0, static_cast<double>(width), static_cast<double>(height)};
   std::vector<std::uint32_t> pixels(static_cast<std::size_t>(width) * static_cast<std::size_t>(height), 0xFF000000U);
-  Canvas canvas(pixels.data(), width, height, width, 1.0);
-  canvas.fillGradient(screen, {0.16, 0.20, 0.30, 1.0}, {0.04, 0.05, 0.09, 1.0});
-  canvas.drawImage(popup, screen, screen);
+  const auto canvas = makeCanvas({pixels.data(), width, height, width});
+  canvas->fillGradient(screen, {0.16, 0.20, 0.30, 1.0}, {0.04, 0.05, 0.09, 1.0});
+  canvas->drawImage(popup, screen, screen);
   return std::make_shared<const Image>(width, height, std::move(pixels));
 }
 

@@ -5,10 +5,10 @@
 #include <cstdint>
 #include <utility>
 
+#include "drawing_cairo/BigEndian.h"
+#include "drawing_cairo/JpegHeader.h"
+#include "drawing_cairo/PngChunks.h"
 #include "foundation/Text.h"
-#include "graphics/BigEndian.h"
-#include "graphics/JpegHeader.h"
-#include "graphics/PngChunks.h"
 
 namespace kesu::dev {
 namespace {
