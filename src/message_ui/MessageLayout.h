@@ -12,7 +12,7 @@
 namespace kesu {
 
 // The geometry of a message's card: pure functions, in points. Any thread, except that measuring a text needs the fonts
-// (graphics/TextLayout.h). None of them returns not-a-number, whatever a message says.
+// (drawing/TextLayout.h). None of them returns not-a-number, whatever a message says.
 
 inline constexpr Rect kScreenBounds{0.0, 0.0, 1920.0, 1080.0};
 inline constexpr double kCardWidth = 580.0;
