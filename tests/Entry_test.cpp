@@ -48,9 +48,10 @@ TEST_F(EntryTest, RefusesMisuseWithFixedReasons) {
   Kesu::initialize("a b");
   EXPECT_TRUE(Kesu::isSDKInitialized());
   EXPECT_EQ(reasonOf([] { Kesu::initialize("other"); }), "KesuAppKey is already set and Kesu is initialized!");
-  EXPECT_EQ(reasonOf([] { Kesu(); }),
-            "-init is not a valid initializer for Kesu. KesuAppKey needs to be set via initializeWithKey:  @\"<Your Kesu "
-            "assigned App Key>\" ");
+  EXPECT_EQ(
+      reasonOf([] { Kesu(); }),
+      "-init is not a valid initializer for Kesu. KesuAppKey needs to be set via initializeWithKey:  @\"<Your Kesu "
+      "assigned App Key>\" ");
   EXPECT_EQ(missing, k_KesuAppKeyMissingException);
   EXPECT_EQ(platform.defaults.text("kesuSDKAPIKey"), "a b") << "the key as given, blanks and all";
   platform.log.takeLines();
