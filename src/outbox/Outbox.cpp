@@ -12,10 +12,6 @@ constexpr double kHandOverSeconds = 1.0;
 // Records that one task of the background queue hands out, so that other tasks have their turn.
 constexpr std::size_t kMostPerTask = 64;
 
-// A checkpoint waits for the disk several times; without one the log keeps its segments.
-constexpr int kHandOversPerCheckpoint = 30;
-constexpr AppendLog::Sequence kMostUnsettled = 10'000;  // Some four segments.
-
 Dictionary replaced(const Dictionary& entries, const std::optional<Replacement>& replacement) {
   Dictionary made = entries;
   if (replacement && replacement->value != nullptr) {
@@ -291,13 +287,7 @@ bool Outbox::isEnding() {
 
 void Outbox::finishEnd() {
   if (!isInForkedChild()) {
-    if (!defaults_.isLoaded()) {  // The last chance to keep who this installation is: it looks for the file again.
-      defaults_.checkpoint();
-    }
-    defaults_.synchronize();
-    if (entryFiles_ == nullptr || entryFiles_->areFlushed()) {  // There is no time to wait for them.
-      log_.startFlush();
-    }
+    handOver_.runAtEnd();
   }
 }
 
@@ -315,20 +305,7 @@ void Outbox::handOver(bool isThorough) {
       return;
     }
   }
-  const bool isFlushable = entryFiles_ == nullptr || entryFiles_->flush();
-  // A change is made in the step that logs it: what is newest now is in the user defaults now. Those are on the disk
-  // after a checkpoint only, and until then the log is needed.
-  const bool isCheckpointDue =
-      isThorough || ++handOvers_ >= kHandOversPerCheckpoint || newest - settled_ >= kMostUnsettled;
-  if (defaults_.synchronize() && isCheckpointDue && defaults_.checkpoint()) {
-    log_.settle(newest);
-    settled_ = newest;
-    handOvers_ = 0;
-  }
-  if (isFlushable) {
-    log_.flush();
-  }
-  log_.prepare();
+  handOver_.run(newest, isThorough);
 }
 
 }  // namespace kesu

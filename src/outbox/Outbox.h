@@ -15,6 +15,7 @@
 #include "foundation/Mutex.h"
 #include "outbox/EntryFiles.h"
 #include "outbox/OutboxEntry.h"
+#include "outbox/OutboxHandOver.h"
 #include "outbox/OutboxJournal.h"
 #include "outbox/OutboxQueue.h"
 #include "outbox/PendingRecord.h"
@@ -45,6 +46,7 @@ class Outbox {
         background_(background),
         clock_(clock),
         random_(random),
+        handOver_(log, defaults),
         journal_(log, defaults) {}
 
   /// Sets what sends a record that is handed out: called on the background queue, one at a time. Until then records
@@ -93,7 +95,7 @@ class Outbox {
   void handOverSoon();
 
   /// Sets the files that must be on the disk before the log is. Not owned. Once, before anything else.
-  void setEntryFiles(EntryFiles& files) { entryFiles_ = &files; }
+  void setEntryFiles(EntryFiles& files) { handOver_.setEntryFiles(files); }
 
   /// Counts the records that wait for delivery or are under way, without those that are parked.
   std::size_t pendingCount();
@@ -129,7 +131,7 @@ class Outbox {
   BackgroundQueue& background_;
   Clock& clock_;
   Random& random_;
-  EntryFiles* entryFiles_ = nullptr;
+  OutboxHandOver handOver_;
   std::function<void(Delivery)> deliver_;  // Set before anything is scheduled.
 
   Mutex mutex_;  // Locked before those of the log and of the user defaults; not while these are synchronized.
@@ -141,10 +143,7 @@ class Outbox {
   bool isPreparing_ KESU_GUARDED_BY(mutex_) = false;
   bool isEnding_ KESU_GUARDED_BY(mutex_) = false;
 
-  // Background queue only.
-  std::string readBytes_;  // Keeps its room: no allocation per record.
-  AppendLog::Sequence settled_ = 0;
-  int handOvers_ = 0;  // Since the last checkpoint.
+  std::string readBytes_;  // Background queue only. Keeps its room: no allocation per record.
 };
 
 }  // namespace kesu
