@@ -1,7 +1,6 @@
 #include "platform/linux/http/HttpEngine.h"
 
 #include <algorithm>
-#include <climits>
 #include <utility>
 
 #include "platform/linux/http/HttpRedirect.h"
@@ -12,9 +11,6 @@ namespace {
 // Enough for the usual load; more would only keep memory after a burst (20 KB per transfer).
 constexpr std::size_t kMaxSpareTransfers = 16;
 constexpr long kMaxKeptConnections = 16;
-
-// How soon new work is noticed where the process had no descriptor left with which to wake libcurl.
-constexpr int kBlindWaitMilliseconds = 50;
 
 constexpr double kLongestSeconds = 1e6;  // Keeps every sum within the range of the clock.
 
@@ -31,10 +27,10 @@ HttpEngine::HttpEngine(const LinuxHttpClientOptions& options, Finish finish)
       finish_(std::move(finish)),
       trust_(options.caFile, options.systemCaFile),
       multi_(curl_multi_init()),
-      canBeWoken_(curl_multi_wakeup(multi_.get()) == CURLM_OK),
       queue_(options.maxConnectionsPerHost, options.maxAdmitted) {
   curl_multi_setopt(multi_.get(), CURLMOPT_MAX_HOST_CONNECTIONS, static_cast<long>(options.maxConnectionsPerHost));
   curl_multi_setopt(multi_.get(), CURLMOPT_MAXCONNECTS, kMaxKeptConnections);
+  sockets_.attach(multi_.get());
 }
 
 // libcurl wants easy handles removed from the multi handle before either is destroyed.
@@ -56,8 +52,7 @@ void HttpEngine::add(std::unique_ptr<HttpJob> job) {
 
 bool HttpEngine::step() {
   startWaiting();
-  int running = 0;
-  curl_multi_perform(multi_.get(), &running);
+  sockets_.run();
   const bool finished = finishDone();
   const bool expired = expireLate();
   if (!hasWork()) {
@@ -71,13 +66,7 @@ void HttpEngine::wait(std::optional<Clock::time_point> until) {
     const Clock::time_point due = transfer->due(idleTimeout_);  // libcurl itself watches the time limit for connecting.
     until = std::min(until.value_or(due), due);
   }
-  const int longest = canBeWoken_ ? INT_MAX : kBlindWaitMilliseconds;
-  int timeout = longest;
-  if (until) {
-    const auto left = std::chrono::ceil<std::chrono::milliseconds>(*until - Clock::now()).count();
-    timeout = static_cast<int>(std::clamp<decltype(left)>(left, 0, longest));
-  }
-  curl_multi_poll(multi_.get(), nullptr, 0, timeout, nullptr);
+  sockets_.wait(until);
 }
 
 void HttpEngine::cancelAll() {

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "platform/linux/http/HttpOriginQueue.h"
+#include "platform/linux/http/HttpSockets.h"
 #include "platform/linux/http/HttpTransfer.h"
 #include "platform/linux/http/HttpTrust.h"
 #include "platform/linux/http/HttpUrlCache.h"
@@ -19,7 +20,7 @@
 namespace kesu {
 
 /// The work of the network thread: receives jobs, runs them through libcurl and finishes them. Confined to that thread,
-/// but for multi(), whose curl_multi_wakeup() may be called from any.
+/// but for wake().
 class HttpEngine {
  public:
   using Clock = HttpTransfer::Clock;
@@ -33,7 +34,8 @@ class HttpEngine {
   HttpEngine(const HttpEngine&) = delete;
   HttpEngine& operator=(const HttpEngine&) = delete;
 
-  CURLM* multi() const { return multi_.get(); }
+  /// Ends the present wait(), or the next one. Any thread.
+  void wake() const { sockets_.wake(); }
 
   void add(std::unique_ptr<HttpJob> job);
 
@@ -84,8 +86,8 @@ class HttpEngine {
   Finish finish_;
   HttpUrlCache urls_;
   HttpTrust trust_;
+  HttpSockets sockets_;
   std::unique_ptr<CURLM, Cleanup> multi_;
-  const bool canBeWoken_;
   HttpOriginQueue queue_;
   std::vector<std::unique_ptr<HttpTransfer>> active_;
   std::vector<std::unique_ptr<HttpTransfer>> spare_;

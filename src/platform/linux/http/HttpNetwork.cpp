@@ -62,7 +62,7 @@ bool HttpNetwork::accept(std::unique_ptr<HttpJob>& job, bool& wakes) {
 void HttpNetwork::wake() {
   const MutexLock lock(wakeMutex_);
   if (wakeTarget_ != nullptr) {
-    curl_multi_wakeup(wakeTarget_);
+    wakeTarget_->wake();
   }
 }
 
@@ -96,7 +96,7 @@ void HttpNetwork::run() {
     delivery_.deliver(*job, std::move(reply), connected);
     ended_.push_back(std::move(job));
   });
-  setWakeTarget(engine.multi());
+  setWakeTarget(&engine);
   while (true) {
     const auto end = takeInbox(engine);
     if (end && (!engine.hasWork() || Clock::now() >= *end)) {
@@ -141,9 +141,9 @@ std::optional<HttpNetwork::Clock::time_point> HttpNetwork::takeInbox(HttpEngine&
   return end;
 }
 
-void HttpNetwork::setWakeTarget(CURLM* multi) {
+void HttpNetwork::setWakeTarget(const HttpEngine* engine) {
   const MutexLock lock(wakeMutex_);
-  wakeTarget_ = multi;
+  wakeTarget_ = engine;
 }
 
 }  // namespace kesu

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <curl/curl.h>
 #include <kesu/platform/HttpClient.h>
 #include <kesu/platform/MainLoop.h>
 
@@ -49,7 +48,7 @@ class HttpNetwork {
   void run();
   bool fallAsleep(const HttpEngine& engine);
   std::optional<Clock::time_point> takeInbox(HttpEngine& engine);
-  void setWakeTarget(CURLM* multi);
+  void setWakeTarget(const HttpEngine* engine);
 
   const LinuxHttpClientOptions options_;
   HttpDelivery delivery_;
@@ -67,7 +66,7 @@ class HttpNetwork {
   std::optional<Clock::time_point> stopTime_ KESU_GUARDED_BY(mutex_);  ///< Set once stop() was called.
 
   Mutex wakeMutex_;
-  CURLM* wakeTarget_ KESU_GUARDED_BY(wakeMutex_) = nullptr;  ///< Null while there is no engine.
+  const HttpEngine* wakeTarget_ KESU_GUARDED_BY(wakeMutex_) = nullptr;  ///< Null while there is no engine.
 };
 
 }  // namespace kesu
