@@ -23,7 +23,8 @@ namespace {
 
 constexpr std::size_t kTimezoneLimitBytes = 256;  // Names of zones have some 30 bytes.
 
-// The C library's zone is one for the process. It has a lock of its own, but none that a thread checker can see.
+// The C library's zone is one for the process. It has a lock of its own, but none that a thread checker can see. Locked
+// for ICU, too, which reads the zone whenever it makes a calendar.
 Mutex zoneMutex;
 
 void readZone() {
@@ -143,6 +144,7 @@ std::vector<std::string> languagesOf(const std::string& posix) {
 
 std::string calendarOf(const icu::Locale& locale) {
   UErrorCode status = U_ZERO_ERROR;
+  const MutexLock lock(zoneMutex);
   const std::unique_ptr<icu::Calendar> calendar(icu::Calendar::createInstance(locale, status));
   return U_SUCCESS(status) && calendar ? calendar->getType() : "gregorian";
 }
@@ -277,6 +279,7 @@ std::string LinuxLocale::formatWeekYearDay(double secondsSince1970) {
   const int secondsFromGmt = localTime(secondsSince1970).secondsFromGmt;
   const MutexLock lock(mutex_);
   if (!dayFormatter_) {
+    const MutexLock zoneLock(zoneMutex);
     dayFormatter_ = std::make_unique<DayFormatter>(region().locale);
   }
   return dayFormatter_->text(static_cast<double>(calendarSeconds(secondsSince1970)), secondsFromGmt);
