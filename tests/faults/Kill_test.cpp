@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <random>
 #include <thread>
@@ -124,6 +125,21 @@ TEST_F(Kill, LosesNothingWhileTheCollectorHangs) {
 
 TEST_F(Kill, LosesNothingWhileTheCollectorFails) {
   killAgainAndAgain(Mode::Failing, "");
+}
+
+TEST_F(Kill, LosesNothingOfALogThatWasRemoved) {
+  const testing::TemporaryDirectory home;
+  NumberedCollector collector;
+  collector.setMode(Mode::Hanging);
+  HostProcess host(home.path(), collector.url(), {"launch", "flood=1"});
+  ASSERT_TRUE(host.waitForLine("ack 300"));
+  std::filesystem::remove_all(home / "Library/Outbox");
+  ASSERT_TRUE(host.waitForLine("log 2 Files of the outbox were removed or hidden. What waits is written again."));
+  host.kill();
+  collector.setMode(Mode::Up);
+  HostProcess next(home.path(), collector.url(), {"launch", "serve"});
+  EXPECT_EQ(collector.missingAfter(host.acknowledged(), kSecondsUntilAllArrive), std::set<std::int64_t>());
+  EXPECT_EQ(next.wait(), 0);
 }
 
 TEST_F(Kill, SendsNothingAgainThatWasAnsweredBefore) {

@@ -3,14 +3,19 @@
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
+#include <map>
 #include <set>
+#include <tuple>
 #include <utility>
 
+#include "platform/ServiceLog.h"
 #include "platform/linux/outbox/LogCompaction.h"
 #include "platform/linux/outbox/LogRecovery.h"
 
 namespace kesu {
 namespace {
+
+constexpr int kWarning = 2;
 
 // What prepare() keeps ready: some 800 records. A segment with less room needs a successor.
 constexpr std::uint32_t kAheadBytes = 256 * 1024;
@@ -45,16 +50,14 @@ void LinuxAppendLog::recover(std::optional<Sequence> last, const std::function<v
   int withheld = 0;
   if (isOpen) {
     withheld = directory_.takeOver();
-    compactLogs(directory_, last.value_or(0));
     std::vector<SegmentName> names;
     keepError(withheld, directory_.findSegments(names));
     for (const SegmentName& name : names) {
-      SegmentHeader header;
-      if (auto file = directory_.openSegment(name, header)) {
+      if (auto file = directory_.openSegment(name)) {
         const MutexLock lock(mutex_);
         const HeldSegment segment{held_.newId(), std::move(file)};
         held_.add(segment);
-        recovery.add(segment.id, segment.file, header);
+        recovery.add(segment.id, segment.file);
       } else {
         keepError(withheld, errno);
       }
@@ -68,14 +71,13 @@ void LinuxAppendLog::recover(std::optional<Sequence> last, const std::function<v
     next_ = std::max({last.value_or(0), recovery.highest(), isKnown ? 0 : clockSequence()}) + 1;
   }
   const int error = makeSpare();
-  std::set<std::uint64_t> logs;
   {
     const MutexLock lock(mutex_);
     roomError_ = error;
-    logs = held_.logIds();
   }
-  directory_.keepLogs(logs);
+  keepLogs();
   touchAhead();
+  isRunningLow_.store(allSegments().size() > kManySegments, std::memory_order_relaxed);  // For compact().
 }
 
 std::optional<AppendLog::Entry> LinuxAppendLog::append(std::string_view bytes, bool isReleased) {
@@ -150,7 +152,7 @@ int LinuxAppendLog::createLate() {
     return OutboxWarnings::kTooManySegments;
   }
   const std::uint32_t id = held_.newId();
-  auto file = directory_.createSegment(id, next_);
+  auto file = directory_.createSegment({directory_.ownId(), id, next_});
   if (!file) {
     return errno;
   }
@@ -164,17 +166,20 @@ std::vector<HeldSegment> LinuxAppendLog::allSegments() {
   return held_.all();
 }
 
-std::shared_ptr<SegmentFile> LinuxAppendLog::find(const Entry& entry) {
+std::pair<std::shared_ptr<SegmentFile>, std::uint32_t> LinuxAppendLog::find(const Entry& entry) {
   if (entry.offset > kSegmentBytes - sizeof(EntryHeader) || entry.offset % alignof(std::uint64_t) != 0) {
-    return nullptr;
+    return {};
   }
   const MutexLock lock(mutex_);
-  return held_.find(entry.segment);
+  return held_.find(entry);
 }
 
 bool LinuxAppendLog::read(const Entry& entry, std::string& bytes) {
-  const auto file = isInForkedChild() ? nullptr : find(entry);
-  const int error = file ? file->read(entry.offset, bytes) : ENOENT;
+  if (isInForkedChild()) {
+    return false;
+  }
+  const auto [file, offset] = find(entry);
+  const int error = file ? file->read(offset, bytes) : ENOENT;
   if (file) {
     warnings_.failed(OutboxWarnings::Kind::Read, error);
   }
@@ -182,8 +187,13 @@ bool LinuxAppendLog::read(const Entry& entry, std::string& bytes) {
 }
 
 void LinuxAppendLog::release(const Entry& entry) {
-  if (const auto file = isInForkedChild() ? nullptr : find(entry)) {
-    warnings_.failed(OutboxWarnings::Kind::Mark, file->release(entry.offset));
+  if (isInForkedChild()) {
+    return;
+  }
+  std::shared_ptr<SegmentFile> marked;
+  for (auto [file, offset] = find(entry); file && file != marked; std::tie(file, offset) = find(entry)) {
+    warnings_.failed(OutboxWarnings::Kind::Mark, file->release(offset));
+    marked = file;  // Unless move() has just copied the entry.
   }
 }
 
@@ -199,9 +209,13 @@ void LinuxAppendLog::prepare() {
     return;
   }
   const MutexLock background(background_);
-  followHome();
-  removeDone();
-  const int error = makeSpare();
+  int error = followHome();
+  if (error == 0) {
+    removeDone();
+    compact();
+    error = makeSpare();
+    keepLogs();
+  }
   {
     const MutexLock lock(mutex_);
     roomError_ = current_.file || spare_.file ? 0 : error;
@@ -209,15 +223,89 @@ void LinuxAppendLog::prepare() {
   touchAhead();
 }
 
-// What is appended from now on must be where the next start looks for it.
-void LinuxAppendLog::followHome() {
-  if (!directory_.isElsewhere()) {  // Nor is it before recover(), which opens it.
-    return;
+// What is appended from now on must be where the next start looks for it, and so must what waits.
+int LinuxAppendLog::followHome() {
+  LogDirectory former = directory_.another();
+  if (directory_.isGone()) {  // Not before recover(), which opens it.
+    const int error = former.beginLog();
+    const MutexLock lock(mutex_);
+    current_ = {};
+    spare_ = {};
+    if (error != 0) {
+      return error;
+    }
+    directory_.swap(former);
   }
-  const MutexLock lock(mutex_);  // An append may want to make a segment.
-  current_ = {};
-  spare_ = {};
-  roomError_ = directory_.beginLogElsewhere();
+  std::vector<HeldSegment> lost = allSegments();
+  std::erase_if(lost, [this](const HeldSegment& segment) {
+    return directory_.holds(segment.file->name().logId) && segment.file->hasName();
+  });
+  if (lost.empty()) {
+    return 0;
+  }
+  {
+    const MutexLock lock(mutex_);
+    for (const HeldSegment& segment : lost) {
+      current_ = segment.file == current_.file ? HeldSegment() : current_;
+      spare_ = segment.file == spare_.file ? HeldSegment() : spare_;
+    }
+  }
+  if (const int error = move(lost, kMostSegments, former)) {
+    warnings_.failed(OutboxWarnings::Kind::Room, error);
+  } else {
+    former.leave();
+    serviceLog(kWarning, "Files of the outbox were removed or hidden. What waits is written again.");
+  }
+  return 0;
+}
+
+int LinuxAppendLog::move(const std::vector<HeldSegment>& from, std::size_t most, LogDirectory& former) {
+  MovedEntries moved;
+  Sequence settled = 0;
+  {
+    const MutexLock lock(mutex_);
+    settled = settled_;
+  }
+  const auto newId = [this] {
+    const MutexLock lock(mutex_);
+    return held_.newId();
+  };
+  if (const int error = moveEntries(directory_, from, settled, most, newId, moved)) {
+    return error;
+  }
+  {
+    const MutexLock lock(mutex_);
+    for (const HeldSegment& segment : moved.segments) {
+      held_.add(segment);
+    }
+    for (const auto& [before, now] : moved.places) {
+      held_.noteMove(before, now);
+    }
+    for (const HeldSegment& segment : from) {
+      held_.removeMoved(segment.id);
+    }
+  }
+  std::map<std::uint32_t, std::shared_ptr<SegmentFile>> files;
+  for (const HeldSegment& segment : from) {
+    files[segment.id] = segment.file;
+    former.removeSegment(segment.file->name());
+  }
+  for (const auto& [before, now] : moved.places) {  // What was released while it was copied.
+    if (files[before.segment]->isReleased(before.offset)) {
+      release(now);
+    }
+  }
+  return 0;
+}
+
+// So that a set which is switched off again and again before the last few records are delivered does not collect
+// segments. Once: what later starts find is their business.
+void LinuxAppendLog::compact() {
+  std::vector<HeldSegment> found = allSegments();
+  std::erase_if(found, [this](const HeldSegment& segment) { return segment.file->name().logId == directory_.ownId(); });
+  if (found.size() > kManySegments && !std::exchange(isCompacted_, true)) {
+    move(found, kManySegments / 2, directory_);
+  }
 }
 
 void LinuxAppendLog::removeDone() {
@@ -245,16 +333,22 @@ void LinuxAppendLog::removeDone() {
   // Marks first: a name that comes back after a loss of power must not bring back what was delivered. And the numbers
   // of the removed entries must not be given again: the present segment knows them.
   flush();
-  std::set<std::uint64_t> logs;
   {
     const MutexLock lock(mutex_);
     for (const HeldSegment& segment : done) {
       held_.remove(segment.id);
     }
-    logs = held_.logIds();
   }
   for (const HeldSegment& segment : done) {
     directory_.removeSegment(segment.file->name());
+  }
+}
+
+void LinuxAppendLog::keepLogs() {
+  std::set<std::uint64_t> logs;
+  {
+    const MutexLock lock(mutex_);
+    logs = held_.logIds();
   }
   directory_.keepLogs(logs);
 }
@@ -276,7 +370,7 @@ int LinuxAppendLog::makeSpare() {
   if (const int error = directory_.beginLog()) {
     return error;
   }
-  made.file = directory_.createSegment(made.id, first);
+  made.file = directory_.createSegment({directory_.ownId(), made.id, first});
   if (!made.file) {
     return errno;
   }

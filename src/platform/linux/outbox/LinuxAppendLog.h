@@ -66,18 +66,25 @@ class LinuxAppendLog final : public AppendLog {
   int createLate() KESU_REQUIRES(mutex_);
 
   std::vector<HeldSegment> allSegments();
-  std::shared_ptr<SegmentFile> find(const Entry& entry);
+  std::pair<std::shared_ptr<SegmentFile>, std::uint32_t> find(const Entry& entry);
 
-  /// The steps of prepare().
-  void followHome() KESU_REQUIRES(background_);
+  /// The steps of prepare(). Results are errors.
+  int followHome() KESU_REQUIRES(background_);
   void removeDone() KESU_REQUIRES(background_);
+  void compact() KESU_REQUIRES(background_);
+  void keepLogs() KESU_REQUIRES(background_);
   int makeSpare() KESU_REQUIRES(background_);
   void touchAhead() KESU_REQUIRES(background_);
+
+  /// Moves what these segments have into `most` others, and removes their files, which are in `former`. Returns an
+  /// error; nothing has changed then.
+  int move(const std::vector<HeldSegment>& from, std::size_t most, LogDirectory& former) KESU_REQUIRES(background_);
 
   const ForkGuard forkGuard_;
   OutboxWarnings warnings_;
   Mutex background_;  // One recover() or prepare() at a time. Locked before mutex_.
   LogDirectory directory_;
+  bool isCompacted_ KESU_GUARDED_BY(background_) = false;
   Mutex mutex_;
   HeldSegments held_ KESU_GUARDED_BY(mutex_);
   HeldSegment current_ KESU_GUARDED_BY(mutex_);

@@ -6,6 +6,7 @@
 #include <atomic>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -51,21 +52,56 @@ class LinuxAppendLogTest : public testing::OutboxDirectoryTest {
   }
 };
 
-TEST_F(LinuxAppendLogTest, FollowsAHomeThatIsMountedOverIt) {
-  const auto log = open();
-  recoverAll(*log);
-  const auto before = log->append("before");
-  std::filesystem::rename(path(), path() + " below the mount");
-  std::filesystem::create_directory(path());
-  log->prepare();
-  ASSERT_TRUE(log->append("behind"));
-  std::string bytes;
-  EXPECT_TRUE(log->read(*before, bytes) && bytes == "before") << "it is still open";
-  log->release(*before);
-  log->prepare();
-  const auto next = open();
-  EXPECT_TRUE(recoverAll(*next).empty()) << "a living process holds it";
-  EXPECT_EQ(namesIn(path()).size(), 4U) << "two logs with a lock and a segment each";
+TEST_F(LinuxAppendLogTest, WritesAgainWhatWaitsWhereItsFilesAreRemovedOrHidden) {
+  namespace fs = std::filesystem;
+  const auto removeFiles = [this](const std::string& suffix) {
+    for (const std::string& name : namesIn(path(), suffix)) {
+      fs::remove(path() + "/" + name);
+    }
+  };
+  const std::string hidden = path() + " below the mount";
+  const std::function<void()> events[] = {[&] { fs::remove_all(path()); }, [&] { removeFiles(""); },
+                                          [&] { removeFiles(".log"); }, [&] { removeFiles(".lock"); },
+                                          [&] {
+                                            fs::rename(path(), hidden);
+                                            fs::create_directory(path());
+                                          }};
+  for (std::size_t row = 0; row < 2 * std::size(events); ++row) {
+    SCOPED_TRACE(row);
+    fs::remove_all(path());
+    auto log = open();
+    recoverAll(*log);
+    log->setPreamble("older");
+    log->append("old");
+    log = open(row % 2 == 0 ? SegmentAccess::Mapped : SegmentAccess::SystemCalls);
+    const auto found = recoverAll(*log);
+    log->setPreamble("context");
+    const auto before = log->append("before");
+    log->release(*log->append("done"));
+    log->append("waits");
+    events[row / 2]();
+    log->prepare();
+    EXPECT_EQ(takeOutboxLines(),
+              std::vector<std::string>{"2 Files of the outbox were removed or hidden. What waits is written again."});
+    ASSERT_TRUE(log->append("behind"));
+    std::string bytes;
+    EXPECT_TRUE(log->read(found[0].entry, bytes) && bytes == "old");
+    EXPECT_TRUE(log->read(*before, bytes) && bytes == "before") << "under the place that it had";
+    log->release(*before);
+    log->prepare();
+    EXPECT_TRUE(recoverAll(*open()).empty()) << "a living process holds it";
+    log = open();
+    std::string waiting;
+    for (const FoundEntry& one : recoverAll(*log)) {
+      waiting += one.isReleased ? "" : one.bytes + "(" + one.preamble + ") ";
+      log->release(one.entry);
+    }
+    EXPECT_EQ(waiting, "old(older) waits(context) behind(context) ");
+    log->settle(10);
+    log->prepare();
+    EXPECT_EQ(namesIn(path()).size(), 2U) << "a lock and a segment";
+    EXPECT_TRUE(!fs::exists(hidden) || namesIn(hidden).empty());
+  }
 }
 
 TEST_F(LinuxAppendLogTest, TouchesNothingBeforeRecoveryAndThenOnlyForThisUser) {
@@ -167,10 +203,15 @@ TEST_F(LinuxAppendLogTest, ThreadsAppendWhileOthersPrepareReadAndRelease) {
     });
   }
   std::thread background([&] {
-    while (running > 0) {
+    for (int round = 1; running > 0; ++round) {
       log->prepare();
       log->flush();
+      if (round % 20 == 0) {
+        std::filesystem::remove_all(path());
+      }
     }
+    log->prepare();
+    takeOutboxLines();
   });
   std::size_t next = 0;
   while (next < kThreads * kEach) {
@@ -294,8 +335,9 @@ TEST_F(LinuxAppendLogTest, LeavesToALaterStartWhatItMayNotOpen) {
   const auto verdict = testing::runUnprivileged([&] {
     log = open();
     const bool isPart = recoverAll(*log).size() == 1;
-    const bool isTold = takeOutboxLines() == std::vector<std::string>{"0 Records of an earlier process cannot be "
-                                                                      "read: Permission denied"};
+    const bool isTold = takeOutboxLines() == std::vector<std::string>{
+                                                 "0 Records of an earlier process cannot be "
+                                                 "read: Permission denied"};
     const bool isAhead = log->append("a").value().sequence > 1'000'000;
     return (isPart ? 0 : 1) + (isTold ? 0 : 2) + (isAhead ? 0 : 4);
   });

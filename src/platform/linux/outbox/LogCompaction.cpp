@@ -3,25 +3,24 @@
 #include <cerrno>
 #include <memory>
 #include <string>
-#include <vector>
 
 #include "platform/linux/outbox/LogRecovery.h"
 
 namespace kesu {
 namespace {
 
-constexpr std::size_t kMostCompacted = kManySegments / 2;
-
-/// The log that the entries are moved to: the process's own.
+/// The log that entries are moved to.
 class CompactedLog {
  public:
-  explicit CompactedLog(LogDirectory& directory) : directory_(directory) {}
+  CompactedLog(LogDirectory& directory, std::size_t most, const std::function<std::uint32_t()>& newId,
+               MovedEntries& moved)
+      : directory_(directory), most_(most), newId_(newId), moved_(moved), error_(directory.beginTakenLog(id_)) {}
 
   /// Copies an entry. After a failure, which finish() returns, it does nothing.
   void add(const AppendLog::Found& found) {
-    const bool isSame = !files_.empty() && preamble_ == found.preamble;
+    const bool isSame = isBegun() && preamble_ == found.preamble;
     const std::size_t bytes = entryBytes(found.bytes.size()) + (isSame ? 0 : entryBytes(found.preamble.size()));
-    const bool isFull = files_.empty() || bytes > kSegmentBytes - files_.back()->position();
+    const bool isFull = !isBegun() || bytes > kSegmentBytes - moved_.segments.back().file->position();
     if (error_ != 0 || (isFull && !startSegment(found.entry.sequence))) {
       return;
     }
@@ -32,90 +31,86 @@ class CompactedLog {
     append(EntryKind::Entry, found);
   }
 
-  /// Waits until the disk has it all. `next` is the first number that was not given yet. Returns an error.
-  int finish(AppendLog::Sequence next) {
-    if (error_ == 0) {
-      create(next);  // Stays empty: it keeps the numbers of entries that are gone from being given again.
-    }
-    for (const auto& file : files_) {
-      error_ = error_ != 0 ? error_ : file->flush();
+  /// Waits until the disk has it all. Returns an error.
+  int finish() {
+    for (const HeldSegment& segment : moved_.segments) {
+      error_ = error_ != 0 ? error_ : segment.file->flush();
     }
     return error_ != 0 ? error_ : directory_.flush();
   }
 
   void remove() {
-    for (const auto& file : files_) {
-      directory_.removeSegment(file->name());
+    for (const HeldSegment& segment : moved_.segments) {
+      directory_.removeSegment(segment.file->name());
     }
+    moved_ = {};
   }
 
  private:
+  bool isBegun() const { return !moved_.segments.empty(); }
+
   bool startSegment(AppendLog::Sequence first) {
     preamble_.clear();
-    if (files_.size() == kMostCompacted) {
+    if (moved_.segments.size() == most_) {
       error_ = EFBIG;
+      return false;
+    }
+    const std::uint32_t number = newId_();
+    if (auto file = directory_.createSegment({id_, number, first})) {
+      moved_.segments.push_back({number, std::move(file)});
     } else {
-      create(first);
+      error_ = errno;
     }
     return error_ == 0;
   }
 
-  void create(AppendLog::Sequence first) {
-    if (auto file = directory_.createSegment(static_cast<std::uint32_t>(files_.size() + 1), first)) {
-      files_.push_back(std::move(file));
-    } else {
-      error_ = errno;
-    }
-  }
-
   void append(EntryKind kind, const AppendLog::Found& found) {
     const std::string_view bytes = kind == EntryKind::Entry ? found.bytes : found.preamble;
-    SegmentFile& file = *files_.back();
+    const HeldSegment& segment = moved_.segments.back();
     errno = EFBIG;
-    if (error_ == 0 && (!file.hasRoom(bytes.size()) ||
-                        !file.append(makeEntryHeader(kind, found.entry.sequence, bytes, found.isReleased), bytes))) {
-      error_ = errno;
+    const bool hasRoom = error_ == 0 && segment.file->hasRoom(bytes.size());
+    const auto offset = hasRoom ? segment.file->append(
+                                      makeEntryHeader(kind, found.entry.sequence, bytes, found.isReleased), bytes)
+                                : std::nullopt;
+    if (!offset) {
+      error_ = error_ != 0 ? error_ : errno;
+    } else if (kind == EntryKind::Entry && !found.isReleased) {
+      moved_.places.push_back({found.entry, {found.entry.sequence, segment.id, *offset}});
     }
   }
 
   LogDirectory& directory_;
-  std::vector<std::shared_ptr<SegmentFile>> files_;
+  const std::size_t most_;
+  const std::function<std::uint32_t()>& newId_;
+  MovedEntries& moved_;
   std::string preamble_;
+  std::uint64_t id_ = 0;
   int error_ = 0;
 };
 
 }  // namespace
 
-void compactLogs(LogDirectory& directory, AppendLog::Sequence last) {
-  std::vector<SegmentName> found;
-  if (directory.findSegments(found) != 0 || found.size() <= kManySegments || directory.beginLog() != 0) {
-    return;
-  }
+int moveEntries(LogDirectory& directory, const std::vector<HeldSegment>& from, AppendLog::Sequence settled,
+                std::size_t most, const std::function<std::uint32_t()>& newId, MovedEntries& moved) {
   LogRecovery recovery;
-  std::vector<SegmentName> moved;
-  for (const SegmentName& name : found) {
-    SegmentHeader header;
-    if (auto file = directory.openSegment(name, header)) {
-      recovery.add(0, std::move(file), header);
-      moved.push_back(name);
+  for (const HeldSegment& segment : from) {
+    auto file = segment.file->again();
+    if (!file) {
+      return errno;
     }
+    recovery.add(segment.id, std::move(file));
   }
-  CompactedLog compacted(directory);
-  const int error = recovery.run([&](const AppendLog::Found& entry) {
-    if (!entry.isReleased || entry.entry.sequence > last) {
+  CompactedLog compacted(directory, most, newId, moved);
+  int error = recovery.run([&](const AppendLog::Found& entry) {
+    if (!entry.isReleased || entry.entry.sequence > settled) {
       compacted.add(entry);
     }
   });
-  if (error != 0 || compacted.finish(recovery.highest() + 1) != 0) {
+  error = error != 0 ? error : compacted.finish();
+  if (error != 0) {
     compacted.remove();
-    return;
   }
-  for (const SegmentName& name : moved) {
-    directory.removeSegment(name);
-  }
-  // Before any copy is released: a name that came back later would bring back what was delivered.
-  directory.flush();
-  directory.leaveOwnLog();
+  return error;
 }
 
 }  // namespace kesu

@@ -66,6 +66,8 @@ std::optional<SegmentName> parseName(std::string_view file) {
              : std::nullopt;
 }
 
+constexpr std::uint64_t kLogIdStep = 0x10000;
+
 // Distinct for each process and start; one that is taken already is noticed by its lock file.
 std::uint64_t newLogId() {
   timespec now{};
@@ -73,7 +75,7 @@ std::uint64_t newLogId() {
   const auto nanoseconds =
       static_cast<std::uint64_t>(now.tv_sec) * 1'000'000'000U + static_cast<std::uint64_t>(now.tv_nsec);
   // Sorts by time, up to the lower bits: among equal numbers the older log comes first.
-  return (nanoseconds & ~std::uint64_t{0xFFFF}) | (static_cast<std::uint64_t>(::getpid()) & 0xFFFFU);
+  return (nanoseconds & ~(kLogIdStep - 1)) | (static_cast<std::uint64_t>(::getpid()) & (kLogIdStep - 1));
 }
 
 // Whether opening failed because there is no regular file of that name.
@@ -101,17 +103,27 @@ int LogDirectory::open() {
   return fd_ ? 0 : errno;
 }
 
-bool LogDirectory::isElsewhere() const {
+bool LogDirectory::isGone() const {
   struct stat opened {};
   struct stat present {};
-  return fd_ && ::fstat(fd_.get(), &opened) == 0 && ::stat(path_.c_str(), &present) == 0 &&
-         (opened.st_dev != present.st_dev || opened.st_ino != present.st_ino);
+  if (!fd_ || ::fstat(fd_.get(), &opened) != 0) {
+    return false;
+  }
+  if (::stat(path_.c_str(), &present) != 0) {
+    return errno == ENOENT || errno == ENOTDIR;
+  }
+  const auto isDeleted = [](const UniqueFd& lock) { return lock && !isLinked(lock.get()); };
+  return opened.st_dev != present.st_dev || opened.st_ino != present.st_ino || isDeleted(ownLock_) ||
+         std::any_of(taken_.begin(), taken_.end(), [&](const auto& log) { return isDeleted(log.second); });
 }
 
-int LogDirectory::beginLogElsewhere() {
-  leaveOwnLog();
-  fd_ = UniqueFd();
-  return beginLog();
+void LogDirectory::swap(LogDirectory& other) noexcept {
+  std::swap(fd_, other.fd_);
+  std::swap(ownId_, other.ownId_);
+  std::swap(ownLock_, other.ownLock_);
+  taken_.swap(other.taken_);
+  isDirty_.store(other.isDirty_.exchange(isDirty_.load(std::memory_order_relaxed), std::memory_order_relaxed),
+                 std::memory_order_release);
 }
 
 template <typename Visit>
@@ -176,7 +188,7 @@ int LogDirectory::findSegments(std::vector<SegmentName>& names) const {
   return error;
 }
 
-std::shared_ptr<SegmentFile> LogDirectory::openSegment(const SegmentName& name, SegmentHeader& header) {
+std::shared_ptr<SegmentFile> LogDirectory::openSegment(const SegmentName& name) {
   UniqueFd fd(::openat(fd_.get(), segmentName(name).c_str(), kOpenFlags));
   if (!fd) {
     errno = isNoFile(errno) ? 0 : errno;
@@ -199,8 +211,19 @@ std::shared_ptr<SegmentFile> LogDirectory::openSegment(const SegmentName& name, 
     errno = 0;
     return nullptr;
   }
-  header = *parsed;
-  return std::make_shared<SegmentFile>(std::move(fd), name);
+  return std::make_shared<SegmentFile>(std::move(fd), *parsed);
+}
+
+UniqueFd LogDirectory::lockNew(std::uint64_t& id) const {
+  UniqueFd held;
+  for (int attempt = 0; attempt < kLogAttempts && !held; ++attempt) {
+    id = newLogId() + static_cast<std::uint64_t>(attempt) * kLogIdStep;
+    held = lock(id, O_EXCL);
+    if (!held && errno != EEXIST && errno != EAGAIN) {
+      break;
+    }
+  }
+  return held;
 }
 
 int LogDirectory::beginLog() {
@@ -210,27 +233,26 @@ int LogDirectory::beginLog() {
   if (const int error = open()) {
     return error;
   }
-  for (int attempt = 0; attempt < kLogAttempts; ++attempt) {
-    const std::uint64_t id = newLogId();
-    if (UniqueFd held = lock(id, O_EXCL)) {
-      ownId_ = id;
-      ownLock_ = std::move(held);
-      return 0;
-    }
-    if (errno != EEXIST && errno != EAGAIN) {
-      break;
-    }
-  }
-  return errno;
+  ownLock_ = lockNew(ownId_);
+  return ownLock_ ? 0 : errno;
 }
 
-std::shared_ptr<SegmentFile> LogDirectory::createSegment(std::uint32_t number, AppendLog::Sequence first) {
-  const SegmentName name{ownId_, number};
+int LogDirectory::beginTakenLog(std::uint64_t& id) {
+  UniqueFd held = lockNew(id);
+  const int error = held ? 0 : errno;
+  if (held) {
+    taken_[id] = std::move(held);
+  }
+  return error;
+}
+
+std::shared_ptr<SegmentFile> LogDirectory::createSegment(const SegmentHeader& header) {
+  const SegmentName name{header.logId, header.number};
   UniqueFd fd(::openat(fd_.get(), segmentName(name).c_str(), kOpenFlags | O_CREAT | O_EXCL, kLogFileMode));
   if (!fd) {
     return nullptr;
   }
-  std::shared_ptr<SegmentFile> file = SegmentFile::create(std::move(fd), name, first, access_);
+  std::shared_ptr<SegmentFile> file = SegmentFile::create(std::move(fd), header, access_);
   if (!file) {
     const int error = errno;
     removeSegment(name);
@@ -255,6 +277,11 @@ void LogDirectory::keepLogs(const std::set<std::uint64_t>& logs) {
       log = taken_.erase(log);
     }
   }
+}
+
+void LogDirectory::leave() {
+  taken_[ownId_] = std::move(ownLock_);
+  keepLogs({});
 }
 
 int LogDirectory::flush() {

@@ -36,23 +36,35 @@ class LogDirectory {
 
   /// Opens one of them. Null with errno on failure; errno is 0 where it is none: a link, a FIFO, a file with another
   /// header. Removes a file that its owner had no time to begin.
-  std::shared_ptr<SegmentFile> openSegment(const SegmentName& name, SegmentHeader& header);
+  std::shared_ptr<SegmentFile> openSegment(const SegmentName& name);
 
   /// Gives this process a log of its own, unless it has one. Opens the directory where that failed before. Returns an
   /// error.
   int beginLog();
 
-  /// Whether the path leads to another directory now: a file system was mounted over the home.
-  bool isElsewhere() const;
+  /// The own log, once it was begun.
+  std::uint64_t ownId() const { return ownId_; }
 
-  /// Begins a log in that one. The segments of the former log stay open; its names are left behind. Returns an error.
-  int beginLogElsewhere();
+  /// Begins one more log, counted among those taken over. Returns an error.
+  int beginTakenLog(std::uint64_t& id);
 
-  /// Creates a segment of the own log. Null with errno on failure.
-  std::shared_ptr<SegmentFile> createSegment(std::uint32_t number, AppendLog::Sequence first);
+  /// Whether this process has the log.
+  bool holds(std::uint64_t logId) const { return (ownLock_ && ownId_ == logId) || taken_.contains(logId); }
 
-  /// Counts the own log among those taken over; the next beginLog() begins another.
-  void leaveOwnLog() { taken_[ownId_] = std::move(ownLock_); }
+  /// Whether what is made here is not where the next start looks for it: the directory or a lock was deleted, or a file
+  /// system was mounted over the home.
+  bool isGone() const;
+
+  /// The directory that the path leads to now. Touches nothing yet.
+  LogDirectory another() const { return {path_, access_}; }
+
+  void swap(LogDirectory& other) noexcept;
+
+  /// Removes and unlocks all logs, the own one included. Their segments were removed before.
+  void leave();
+
+  /// Creates a segment of a log that this process has. Null with errno on failure.
+  std::shared_ptr<SegmentFile> createSegment(const SegmentHeader& header);
 
   void removeSegment(const SegmentName& name);
 
@@ -69,6 +81,9 @@ class LogDirectory {
 
   /// Locks a log; empty when another process holds it, with errno.
   UniqueFd lock(std::uint64_t logId, int flags) const;
+
+  /// Locks a new log. Empty with errno on failure.
+  UniqueFd lockNew(std::uint64_t& id) const;
 
   const std::string path_;
   const SegmentAccess access_;

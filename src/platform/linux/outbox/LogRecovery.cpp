@@ -1,30 +1,36 @@
 #include "platform/linux/outbox/LogRecovery.h"
 
 #include <algorithm>
+#include <set>
 #include <utility>
 
 namespace kesu {
 
-void LogRecovery::add(std::uint32_t id, std::shared_ptr<SegmentFile> file, const SegmentHeader& header) {
-  logs_[header.logId].segments.push_back({id, std::move(file), header.firstSequence});
-  highest_ = std::max(highest_, header.firstSequence - 1);
+void LogRecovery::add(std::uint32_t id, std::shared_ptr<SegmentFile> file) {
+  highest_ = std::max(highest_, file->header().firstSequence - 1);
+  logs_[file->header().logId].segments.push_back({id, std::move(file)});
 }
 
 int LogRecovery::run(const Visit& visit) {
   int result = 0;
+  const auto keep = [&result](int error) { result = error != 0 ? error : result; };
   while (!logs_.empty()) {
     const auto next = std::min_element(logs_.begin(), logs_.end(), [](const auto& left, const auto& right) {
       return left.second.sequence() < right.second.sequence();
     });
     Log& log = next->second;
-    int error = log.item ? visitItem(log, visit) : 0;
-    result = error != 0 ? error : result;
-    error = advance(log);
-    result = error != 0 ? error : result;
+    if (!equals_.empty() && log.sequence() != equals_.front().item.sequence) {
+      keep(visitEquals(visit));
+    }
+    if (log.item) {
+      hold(log);
+    }
+    keep(advance(log));
     if (log.at == log.segments.size()) {
       logs_.erase(next);
     }
   }
+  keep(visitEquals(visit));
   return result;
 }
 
@@ -50,29 +56,39 @@ int LogRecovery::advance(Log& log) {
   return error;
 }
 
-bool LogRecovery::isCopy(const SegmentReader::Item& item) {
-  if (item.sequence != latest_) {
-    latest_ = item.sequence;
-    latestWaiting_.clear();
-  }
-  if (item.isReleased) {
-    return false;
-  }
-  const bool isKnown = std::find(latestWaiting_.begin(), latestWaiting_.end(), item.checksum) != latestWaiting_.end();
-  latestWaiting_.push_back(item.checksum);
-  return isKnown;
+void LogRecovery::hold(const Log& log) {
+  const Segment& segment = log.segments[log.at];
+  segment.file->count(log.item->sequence, log.item->isReleased() || log.item->isCopy());
+  equals_.push_back({segment, *log.item, log.preamble, std::string(log.item->bytes)});
 }
 
-int LogRecovery::visitItem(const Log& log, const Visit& visit) {
-  const SegmentReader::Item& item = *log.item;
-  const Segment& segment = log.segments[log.at];
-  highest_ = std::max(highest_, item.sequence);
-  segment.file->count(item.sequence, item.isReleased);
-  if (isCopy(item)) {
-    return segment.file->release(item.offset);
+int LogRecovery::visitEquals(const Visit& visit) {
+  int result = 0;
+  std::set<std::uint64_t> released;
+  std::set<std::uint64_t> visited;
+  for (const Held& held : equals_) {
+    if (held.item.isReleased()) {
+      released.insert(held.item.checksum);
+    }
   }
-  visit({{item.sequence, segment.id, item.offset}, item.isReleased, log.preamble, item.bytes});
-  return 0;
+  for (const auto& [segment, item, preamble, bytes] : equals_) {
+    highest_ = std::max(highest_, item.sequence);
+    if (item.isCopy()) {
+      continue;
+    }
+    const bool isFirst = visited.insert(item.checksum).second;
+    const bool isReleased = released.contains(item.checksum);
+    int error = 0;
+    if (!item.isReleased() && (isReleased || !isFirst)) {
+      error = isReleased ? segment.file->release(item.offset) : segment.file->markCopy(item.offset);
+    }
+    if (isFirst) {
+      visit({{item.sequence, segment.id, item.offset}, isReleased, preamble, bytes});
+    }
+    result = error != 0 ? error : result;
+  }
+  equals_.clear();
+  return result;
 }
 
 }  // namespace kesu

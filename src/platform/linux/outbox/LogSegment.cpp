@@ -134,7 +134,7 @@ std::optional<SegmentReader::Item> SegmentReader::next() {
                     static_cast<std::uint32_t>(offset_),
                     header->sequence,
                     header->checksum,
-                    header->mark == kReleasedMark,
+                    header->mark,
                     segment_.substr(offset_ + sizeof(EntryHeader), header->length())};
     offset_ += entryBytes(header->length());
     const bool isGood = isWhole(*header, item.bytes) && item.sequence >= next_ && item.sequence <= AppendLog::kHighestSequence;

@@ -41,7 +41,7 @@ enum class EntryKind : std::uint32_t {
 /// What each entry begins with, as it lies in the file. Entries lie at multiples of eight bytes.
 struct EntryHeader {
   std::uint32_t kindAndLength = 0;  ///< Zero: the segment ends here. Written last: it makes the entry visible.
-  std::uint32_t mark = 0;           ///< kReleasedMark, or anything else: not released.
+  std::uint32_t mark = 0;           ///< kReleasedMark, kCopyMark, or anything else: it waits.
   std::uint64_t sequence = 0;
   std::uint64_t checksum = 0;  ///< Of everything but the mark, which changes in place.
 
@@ -50,7 +50,9 @@ struct EntryHeader {
 };
 static_assert(sizeof(EntryHeader) == 24 && offsetof(EntryHeader, sequence) == 8);
 
-constexpr std::uint32_t kReleasedMark = 0x454E4F44;  // "DONE" on the machines we know: a help in a hex dump.
+// "DONE" and "COPY" on the machines we know: a help in a hex dump.
+constexpr std::uint32_t kReleasedMark = 0x454E4F44;
+constexpr std::uint32_t kCopyMark = 0x59504F43;  // Another copy of the entry counts.
 
 /// Bytes that an entry of `length` bytes takes in a segment.
 constexpr std::uint32_t entryBytes(std::size_t length) {
@@ -76,8 +78,11 @@ class SegmentReader {
     std::uint32_t offset = 0;
     AppendLog::Sequence sequence = 0;
     std::uint64_t checksum = 0;
-    bool isReleased = false;
+    std::uint32_t mark = 0;
     std::string_view bytes;
+
+    bool isReleased() const { return mark == kReleasedMark; }
+    bool isCopy() const { return mark == kCopyMark; }
   };
 
   /// `segment` is the whole file, which must outlive the reader. Without a valid header there are no entries.

@@ -42,7 +42,7 @@ std::string contentOf(const std::string& segment) {
     const std::string text(item->bytes);
     content += item->kind == EntryKind::Preamble
                    ? "(" + text + ") "
-                   : std::to_string(item->sequence) + text + (item->isReleased ? "- " : " ");
+                   : std::to_string(item->sequence) + text + (item->isReleased() ? "- " : " ");
   }
   return content;
 }

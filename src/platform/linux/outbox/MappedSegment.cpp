@@ -80,9 +80,9 @@ EntryHeader MappedSegment::read(std::uint32_t offset, std::string& bytes) const 
   return header;
 }
 
-bool MappedSegment::markReleased(std::uint32_t offset) {
-  auto mark = atomicAt<std::uint32_t>(base_ + offset + offsetof(EntryHeader, mark));
-  return mark.exchange(kReleasedMark, std::memory_order_relaxed) != kReleasedMark;
+bool MappedSegment::mark(std::uint32_t offset, std::uint32_t mark) {
+  auto present = atomicAt<std::uint32_t>(base_ + offset + offsetof(EntryHeader, mark));
+  return present.exchange(mark, std::memory_order_relaxed) != mark;
 }
 
 void MappedSegment::touch(std::uint32_t from, std::uint32_t to) {

@@ -28,7 +28,7 @@ class MappedSegment {
   EntryHeader read(std::uint32_t offset, std::string& bytes) const;
 
   /// Sets the mark. Returns false when it was set before. Any thread.
-  bool markReleased(std::uint32_t offset);
+  bool mark(std::uint32_t offset, std::uint32_t mark);
 
   /// Makes the pages from `from` to `to` present and writable, so that appends to them raise no page fault. May wait
   /// for the disk. Any thread.

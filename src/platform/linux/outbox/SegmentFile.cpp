@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <linux/magic.h>
+#include <sys/stat.h>
 #include <sys/uio.h>
 #include <sys/vfs.h>
 #include <unistd.h>
@@ -55,6 +56,10 @@ int writeAt(int fd, std::uint32_t offset, const char* bytes, std::size_t count) 
   return 0;
 }
 
+constexpr std::uint32_t markAt(std::uint32_t offset) {
+  return static_cast<std::uint32_t>(offset + offsetof(EntryHeader, mark));
+}
+
 constexpr decltype(statfs::f_type) kXfsMagic = 0x58465342;  // Older headers lack it.
 
 // Whether blocks that are allocated are written in place for ever. File systems that write elsewhere may find the disk
@@ -92,13 +97,17 @@ int allocate(int fd) {
 
 }  // namespace
 
-std::shared_ptr<SegmentFile> SegmentFile::create(UniqueFd fd, const SegmentName& name, AppendLog::Sequence first,
-                                                 SegmentAccess access) {
-  const SegmentHeaderBytes header = encodeSegmentHeader({name.logId, name.number, first});
+bool isLinked(int fd) {
+  struct stat facts {};
+  return ::fstat(fd, &facts) == 0 && facts.st_nlink > 0;
+}
+
+std::shared_ptr<SegmentFile> SegmentFile::create(UniqueFd fd, const SegmentHeader& header, SegmentAccess access) {
+  const SegmentHeaderBytes start = encodeSegmentHeader(header);
   const bool isMapped =
       access == SegmentAccess::Mapped || (access == SegmentAccess::WhereSafe && writesInPlace(fd.get()));
   int error = isMapped ? allocate(fd.get()) : 0;
-  error = error != 0 ? error : writeAt(fd.get(), 0, header.data(), header.size());
+  error = error != 0 ? error : writeAt(fd.get(), 0, start.data(), start.size());
   if (error != 0) {
     errno = error;
     return nullptr;
@@ -107,13 +116,22 @@ std::shared_ptr<SegmentFile> SegmentFile::create(UniqueFd fd, const SegmentName&
   if (isMapped && !mapping) {
     return nullptr;
   }
-  auto file = std::make_shared<SegmentFile>(std::move(fd), name);
-  file->last_ = first - 1;
+  auto file = std::make_shared<SegmentFile>(std::move(fd), header);
+  file->last_ = header.firstSequence - 1;
   file->isDirty_ = true;  // Its numbers must not be given again, even if it stays empty.
   file->writing_ = mapping.get();
   const MutexLock lock(file->mutex_);
   file->mapping_ = std::move(mapping);
   return file;
+}
+
+std::shared_ptr<SegmentFile> SegmentFile::again() const {
+  UniqueFd fd(::fcntl(fd_.get(), F_DUPFD_CLOEXEC, 0));
+  return fd ? std::make_shared<SegmentFile>(std::move(fd), header_) : nullptr;
+}
+
+bool SegmentFile::hasName() const {
+  return isLinked(fd_.get());
 }
 
 std::optional<std::uint32_t> SegmentFile::append(const EntryHeader& header, std::string_view bytes) {
@@ -176,20 +194,33 @@ int SegmentFile::read(std::uint32_t offset, std::string& bytes) const {
   return isWhole(header, bytes) ? 0 : EBADMSG;
 }
 
-int SegmentFile::release(std::uint32_t offset) {
+// A store into the mapping is seen here at once.
+int SegmentFile::readMark(std::uint32_t offset, std::uint32_t& mark) const {
+  char bytes[sizeof(mark)];
+  const int error = readExactly(fd_.get(), markAt(offset), bytes, sizeof(bytes));
+  std::memcpy(&mark, bytes, error == 0 ? sizeof(mark) : 0);
+  return error;
+}
+
+bool SegmentFile::isReleased(std::uint32_t offset) const {
+  std::uint32_t mark = 0;
+  return readMark(offset, mark) == 0 && mark == kReleasedMark;
+}
+
+int SegmentFile::mark(std::uint32_t offset, std::uint32_t mark) {
   bool isFirst = false;
   if (const auto mapped = mapping()) {
-    isFirst = mapped->markReleased(offset);
+    isFirst = mapped->mark(offset, mark);
   } else {
-    const auto start = static_cast<std::uint32_t>(offset + offsetof(EntryHeader, mark));
-    char mark[sizeof(kReleasedMark)];
-    char released[sizeof(kReleasedMark)];
-    std::memcpy(released, &kReleasedMark, sizeof(released));
-    if (const int error = readExactly(fd_.get(), start, mark, sizeof(mark))) {
+    const MutexLock lock(mutex_);  // Of two threads one is the first.
+    std::uint32_t former = 0;
+    if (const int error = readMark(offset, former)) {
       return error;
     }
-    isFirst = std::memcmp(mark, released, sizeof(mark)) != 0;
-    if (const int error = isFirst ? writeAt(fd_.get(), start, released, sizeof(released)) : 0) {
+    isFirst = former != mark;
+    char bytes[sizeof(mark)];
+    std::memcpy(bytes, &mark, sizeof(mark));
+    if (const int error = isFirst ? writeAt(fd_.get(), markAt(offset), bytes, sizeof(bytes)) : 0) {
       return error;
     }
   }

@@ -23,6 +23,9 @@ struct SegmentName {
   friend auto operator<=>(const SegmentName&, const SegmentName&) = default;
 };
 
+/// Whether an open file was not deleted.
+bool isLinked(int fd);
+
 /// How segments that this process appends to are written.
 enum class SegmentAccess {
   WhereSafe,   ///< Mapped on file systems that keep allocated blocks where they are, else by system calls.
@@ -36,13 +39,19 @@ enum class SegmentAccess {
 class SegmentFile {
  public:
   /// Opens a segment of an earlier process.
-  SegmentFile(UniqueFd fd, const SegmentName& name) : name_(name), fd_(std::move(fd)) {}
+  SegmentFile(UniqueFd fd, const SegmentHeader& header) : header_(header), fd_(std::move(fd)) {}
 
   /// Makes `fd`, an empty file, a segment to append to. Null with errno on failure.
-  static std::shared_ptr<SegmentFile> create(UniqueFd fd, const SegmentName& name, AppendLog::Sequence first,
-                                             SegmentAccess access);
+  static std::shared_ptr<SegmentFile> create(UniqueFd fd, const SegmentHeader& header, SegmentAccess access);
 
-  const SegmentName& name() const { return name_; }
+  /// Opens the same file once more, to read it with counts of its own. Null with errno on failure.
+  std::shared_ptr<SegmentFile> again() const;
+
+  const SegmentHeader& header() const { return header_; }
+  SegmentName name() const { return {header_.logId, header_.number}; }
+
+  /// Whether the file was not deleted.
+  bool hasName() const;
 
   /// Appending; serialised by the owner, and only until unmap(). An entry for which there is room; returns its offset,
   /// or nothing with errno when the disk does not take it.
@@ -67,8 +76,12 @@ class SegmentFile {
   /// Reads one entry. Returns an error; EBADMSG for an entry that is damaged.
   int read(std::uint32_t offset, std::string& bytes) const;
 
-  /// Marks an entry as released, once. Returns an error.
-  int release(std::uint32_t offset);
+  /// Marks an entry that waits, once. Returns an error.
+  int release(std::uint32_t offset) { return mark(offset, kReleasedMark); }
+  int markCopy(std::uint32_t offset) { return mark(offset, kCopyMark); }
+
+  /// Whether it is marked. False when that cannot be read.
+  bool isReleased(std::uint32_t offset) const;
 
   /// Makes the pages between `from`, where the next entry will lie, and `to` ready for appends. May wait for the disk.
   /// One thread at a time.
@@ -85,8 +98,10 @@ class SegmentFile {
 
  private:
   std::shared_ptr<MappedSegment> mapping() const;
+  int mark(std::uint32_t offset, std::uint32_t mark);
+  int readMark(std::uint32_t offset, std::uint32_t& mark) const;
 
-  const SegmentName name_;
+  const SegmentHeader header_;
   const UniqueFd fd_;
   mutable Mutex mutex_;
   std::shared_ptr<MappedSegment> mapping_ KESU_GUARDED_BY(mutex_);
