@@ -88,7 +88,7 @@ TEST_F(MessageDirectoryTest, SaysWhyAFileIsSkipped) {
   EXPECT_EQ(reading.messages.front().header, (Dictionary{{"mid", "m"}, {"cid", "c"}, {"title", Null()}}));
 }
 
-std::string contentOf(const std::string& path) {
+std::string wholeFile(const std::string& path) {
   std::ifstream file(path);
   return {std::istreambuf_iterator<char>(file), {}};
 }
@@ -96,7 +96,7 @@ std::string contentOf(const std::string& path) {
 // docs/messages.md is all that an author of messages has.
 TEST_F(MessageDirectoryTest, ReadsTheExamplesAsTheDocumentPrintsThem) {
   const std::string examples = KESU_EXAMPLE_MESSAGES;
-  const std::string document = contentOf(examples + "/../../docs/messages.md");
+  const std::string document = wholeFile(examples + "/../../docs/messages.md");
   const std::string fence = "```json\n";
   std::size_t printed = 0;
   for (std::size_t at = document.find(fence); at != std::string::npos; at = document.find(fence, at)) {
@@ -105,7 +105,7 @@ TEST_F(MessageDirectoryTest, ReadsTheExamplesAsTheDocumentPrintsThem) {
                      document.substr(at, document.find("```", at) - at));
   }
   for (const char* picture : {"night-train.jpg", "sunrise.jpg", "arcade.jpg"}) {
-    directory_.write(picture, contentOf(examples + "/" + picture));
+    directory_.write(picture, wholeFile(examples + "/" + picture));
   }
   const MessageReading fromDocument = read();
   const MessageReading fromFiles = MessageDirectory(examples, "https://h:1").read();
