@@ -15,8 +15,6 @@
 namespace kesu {
 namespace {
 
-constexpr int kWarning = 2;
-
 // What prepare() keeps ready: some 800 records. A segment with less room needs a successor.
 constexpr std::uint32_t kAheadBytes = 256 * 1024;
 
@@ -254,7 +252,7 @@ int LinuxAppendLog::followHome() {
     warnings_.failed(OutboxWarnings::Kind::Room, error);
   } else {
     former.leave();
-    serviceLog(kWarning, "Files of the outbox were removed or hidden. What waits is written again.");
+    serviceLog(0, "Files of the outbox were removed or hidden. What waits is written again.");
   }
   return 0;
 }
