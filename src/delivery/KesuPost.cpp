@@ -4,6 +4,7 @@
 
 #include "delivery/CollectorRequest.h"
 #include "foundation/Describe.h"
+#include "records/RecordKeys.h"
 #include "records/Versions.h"
 #include "support/KesuPriorityLogger.h"
 
