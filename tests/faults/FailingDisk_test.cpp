@@ -209,5 +209,27 @@ TEST_F(FailingDisk, LosesNothingOfAnEarlierRun) {
   }
 }
 
+// A disk that many others use. The time only tells that from a wait: it is half of what one sync takes.
+TEST_F(FailingDisk, MakesNoHostWaitForASyncOfTheWorker) {
+  constexpr int kSecondsOfASync = 40;
+  const testing::TemporaryDirectory home;
+  NumberedCollector collector;
+  collector.setMode(NumberedCollector::Mode::Hanging);
+  const std::string trace = scratch / "trace";
+  std::vector<std::string> slow = preloaded(home.path(), {}, trace);
+  slow.push_back("KESU_FAULT_SLOW=" + std::to_string(kSecondsOfASync));
+  HostProcess host(home.path(), collector.url(),
+                   {"launch", "screen=Home", "post=1,100", "background", "turns=300", "foreground", "gone=Home",
+                    "event=Play", "post=101,100", "end"},
+                   slow);
+  EXPECT_TRUE(host.waitForLine("end", kSecondsOfASync / 2));
+  EXPECT_EQ(host.wait(kSecondsOfASync / 2), 0);
+  std::ifstream calls(trace);
+  const std::string text{std::istreambuf_iterator<char>(calls), {}};
+  EXPECT_NE(text.find("fdatasync"), std::string::npos) << "nothing was slow";
+  collector.setMode(NumberedCollector::Mode::Up);
+  expectDelivered(home.path(), collector, numbersFrom(1, 200), 201);
+}
+
 }  // namespace
 }  // namespace kesu

@@ -4,6 +4,7 @@
 //   KESU_FAULT_CALL    number of the call that fails, from 1 on; 0: none
 //   KESU_FAULT_ERROR   ENOSPC, EIO, EROFS, EMFILE, EACCES, EINTR, ENOMEM, ENOLCK, or SHORT: half of the bytes
 //   KESU_FAULT_LASTS   1: from that call on, each one that can return the error fails
+//   KESU_FAULT_SLOW    seconds for which a sync of any thread but the main one takes
 //   KESU_FAULT_TRACE   a file to which each call is appended: number, name, "!" where it failed, path, possible errors
 #include <dirent.h>
 #include <dlfcn.h>
@@ -21,6 +22,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <initializer_list>
 
 namespace {
@@ -51,6 +53,7 @@ struct Plan {
   long call = std::getenv("KESU_FAULT_CALL") != nullptr ? std::atol(std::getenv("KESU_FAULT_CALL")) : 0;
   int error = numberOf(std::getenv("KESU_FAULT_ERROR"));
   bool lasts = std::getenv("KESU_FAULT_LASTS") != nullptr;
+  long slow = std::getenv("KESU_FAULT_SLOW") != nullptr ? std::atol(std::getenv("KESU_FAULT_SLOW")) : 0;
   int trace = -1;
 
   Plan() {
@@ -126,6 +129,16 @@ int faultOf(const char* name, int descriptor, std::initializer_list<int> possibl
 
 int faultAt(const char* name, int directory, const char* path, std::initializer_list<int> possible) {
   return path[0] == '/' || directory == AT_FDCWD ? faultOf(name, path, possible) : faultOf(name, directory, possible);
+}
+
+/// The same for a call that waits for the disk.
+int faultOfSync(const char* name, int descriptor) {
+  const int fault = faultOf(name, descriptor, {ENOSPC, EIO, EINTR});
+  if (plan().slow > 0 && ::gettid() != ::getpid() && isInHome(DescriptorPath(descriptor).text)) {
+    const timespec time{plan().slow, 0};
+    ::nanosleep(&time, nullptr);
+  }
+  return fault;
 }
 
 template <typename Function>
@@ -204,10 +217,10 @@ mode_t modeArgument(int flags, std::va_list arguments) {
     return transferred(#name, descriptor, count, isWrite,                                \
                        [&](std::size_t part) { return real(descriptor, bytes, part); }); \
   }
-#define KESU_SYNC(name)                                                                                 \
-  extern "C" int name(int descriptor) {                                                                 \
-    static auto* const real = next<int(int)>(#name);                                                    \
-    return checked(faultOf(#name, descriptor, {ENOSPC, EIO, EINTR}), [&] { return real(descriptor); }); \
+#define KESU_SYNC(name, ...)                                                          \
+  extern "C" int name(int descriptor) __VA_ARGS__ {                                   \
+    static auto* const real = next<int(int)>(#name);                                  \
+    return checked(faultOfSync(#name, descriptor), [&] { return real(descriptor); }); \
   }
 #define KESU_FALLOCATE(name, Offset)                                    \
   extern "C" int name(int descriptor, Offset offset, Offset length) {   \
@@ -254,6 +267,7 @@ KESU_TRANSFER(pwrite, true, const void*, off_t)
 KESU_TRANSFER(pwrite64, true, const void*, off64_t)
 KESU_SYNC(fsync)
 KESU_SYNC(fdatasync)
+KESU_SYNC(syncfs, noexcept)
 KESU_FALLOCATE(posix_fallocate, off_t)
 KESU_FALLOCATE(posix_fallocate64, off64_t)
 KESU_TRUNCATE(ftruncate, off_t)
