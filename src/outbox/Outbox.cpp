@@ -306,6 +306,9 @@ void Outbox::handOver(bool isThorough) {
     }
   }
   handOver_.run(newest, isThorough);
+  if (!isEnding()) {  // Asked again: an end does not wait for a slow disk, and its home may be gone by now.
+    log_.prepare();
+  }
 }
 
 }  // namespace kesu

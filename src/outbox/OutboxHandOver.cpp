@@ -22,7 +22,6 @@ void OutboxHandOver::run(AppendLog::Sequence newest, bool isThorough) {
   if (isFlushable) {
     log_.flush();
   }
-  log_.prepare();
 }
 
 void OutboxHandOver::runAtEnd() {
