@@ -39,6 +39,7 @@ std::vector<std::string> takeOutboxLines() {
 }
 
 using testing::FoundEntry;
+using testing::joined;
 using testing::namesIn;
 using testing::numberedText;
 using testing::recoverAll;
@@ -345,6 +346,24 @@ TEST_F(LinuxAppendLogTest, LeavesToALaterStartWhatItMayNotOpen) {
   fs::permissions(segment, fs::perms::owner_all);
   log = open();
   EXPECT_EQ(recoverAll(*log).size(), 5U);
+}
+
+TEST_F(LinuxAppendLogTest, ARemovedHomeIsNotMadeAgainByTheRunThatUsesIt) {
+  const std::string home = directory_ / "home";
+  auto log = std::make_unique<LinuxAppendLog>(home + "/Outbox");
+  recoverAll(*log);
+  log->append("before");
+  std::filesystem::remove_all(home);
+  log->prepare();
+  EXPECT_FALSE(std::filesystem::exists(home));
+  EXPECT_FALSE(log->append("a"));
+  EXPECT_EQ(takeOutboxLines().size(), 1U) << "not kept";
+  std::filesystem::create_directory(home);
+  log->prepare();
+  EXPECT_EQ(takeOutboxLines().size(), 1U) << "written again";
+  EXPECT_TRUE(log->append("behind"));
+  log = std::make_unique<LinuxAppendLog>(home + "/Outbox");
+  EXPECT_EQ(joined(recoverAll(*log)), "before behind ");
 }
 
 TEST_F(LinuxAppendLogTest, WithoutADirectoryNothingIsKept) {

@@ -96,6 +96,9 @@ int LogDirectory::open() {
   if (path_.empty()) {
     return ENOENT;
   }
+  if (!makesHome_ && ::mkdir(path_.c_str(), S_IRWXU) != 0 && errno != EEXIST) {
+    return errno;
+  }
   if (const int error = makePrivateDirectory(path_)) {
     return error;
   }

@@ -22,7 +22,8 @@ namespace kesu {
 class LogDirectory {
  public:
   /// Nothing is touched yet. With an empty path every operation fails. `access` is for what createSegment() makes.
-  LogDirectory(std::string path, SegmentAccess access) : path_(std::move(path)), access_(access) {}
+  LogDirectory(std::string path, SegmentAccess access, bool makesHome = true)
+      : path_(std::move(path)), access_(access), makesHome_(makesHome) {}
 
   /// Makes and opens the directory. Returns an error.
   int open();
@@ -55,8 +56,9 @@ class LogDirectory {
   /// system was mounted over the home.
   bool isGone() const;
 
-  /// The directory that the path leads to now. Touches nothing yet.
-  LogDirectory another() const { return {path_, access_}; }
+  /// The directory that the path leads to now, which open() makes only where those above exist: a home that was removed
+  /// is not made again. Touches nothing yet.
+  LogDirectory another() const { return {path_, access_, false}; }
 
   void swap(LogDirectory& other) noexcept;
 
@@ -87,6 +89,7 @@ class LogDirectory {
 
   const std::string path_;
   const SegmentAccess access_;
+  const bool makesHome_;
   UniqueFd fd_;
   std::uint64_t ownId_ = 0;
   UniqueFd ownLock_;
