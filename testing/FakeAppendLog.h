@@ -31,6 +31,11 @@ class FakeAppendLog final : public AppendLog {
     isOpen_ = true;
   }
 
+  void continueBehind(Sequence sequence) override {
+    const MutexLock lock(mutex_);
+    last_ = std::max(last_, sequence);
+  }
+
   std::optional<Entry> append(std::string_view bytes, bool isReleased = false) override {
     const MutexLock lock(mutex_);
     if (!isOpen_ || isRefusing_ || bytes.size() > kLongestEntry) {

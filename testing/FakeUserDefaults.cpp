@@ -65,14 +65,22 @@ void FakeUserDefaults::apply(std::span<const DefaultsChange> changes) {
       put(change.key, change.value);
     } else if (change.kind == DefaultsChange::Kind::Append) {
       grow(change.key, change.suffix);
+    } else if (change.kind == DefaultsChange::Kind::Raise) {
+      raise(std::string(change.key), change.value);
     }
   }
 }
 
-void FakeUserDefaults::grow(std::string_view key, std::string_view suffix) {
-  if (!isLoaded_) {
-    grown_[std::string(key)].append(suffix);
+void FakeUserDefaults::raise(const std::string& key, const Value& value) {
+  raised_.insert(key);
+  const auto present = values_.find(key);
+  if (present == values_.end() || present->second.integerValue() < value.integerValue()) {
+    put(key, value);
   }
+}
+
+void FakeUserDefaults::grow(std::string_view key, std::string_view suffix) {
+  grown_[std::string(key)].append(suffix);
   Value& value = values_[std::string(key)];
   std::string grown = value.text() != nullptr ? *value.text() : std::string();
   value = Value(grown.append(suffix));
@@ -126,6 +134,12 @@ void FakeUserDefaults::showDisk() {
     isLoaded_ = true;
     Values meanwhile = std::exchange(values_, onDisk_);
     values_.merge(meanwhile);
+    for (const std::string& key : raised_) {
+      const auto kept = meanwhile.find(key);  // Which the disk has as well.
+      if (kept != meanwhile.end()) {
+        raise(key, kept->second);
+      }
+    }
     for (const auto& [key, text] : std::exchange(grown_, {})) {
       if (!text.empty() && onDisk_.contains(key)) {
         grow(key, text);
@@ -136,6 +150,17 @@ void FakeUserDefaults::showDisk() {
   for (const std::function<void()>& done : waiting) {
     done();
   }
+}
+
+void FakeUserDefaults::mount(const Dictionary& disk) {
+  {
+    const MutexLock lock(mutex_);
+    onDisk_.clear();
+    for (const auto& [key, value] : disk) {
+      onDisk_.insert_or_assign(std::string(key), value);
+    }
+  }
+  showDisk();
 }
 
 bool FakeUserDefaults::checkpoint() {
@@ -156,6 +181,8 @@ Dictionary FakeUserDefaults::keptOnDisk() {
 void FakeUserDefaults::loseUnsynchronized() {
   const MutexLock lock(mutex_);
   values_ = onDisk_;
+  grown_.clear();
+  raised_.clear();
 }
 
 int FakeUserDefaults::synchronizeCount() {

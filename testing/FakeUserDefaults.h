@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <map>
+#include <set>
 #include <span>
 #include <vector>
 
@@ -51,6 +52,9 @@ class FakeUserDefaults final : public UserDefaults {
   /// Makes the disk readable again, which loads the values.
   void showDisk();
 
+  /// Has another disk take the place of the present one, as a home does that is mounted late.
+  void mount(const Dictionary& disk);
+
   /// Makes synchronize() fail and write nothing from now on (true), or work again (false).
   void refuseWrites(bool refuse);
 
@@ -60,6 +64,7 @@ class FakeUserDefaults final : public UserDefaults {
   void put(std::string_view key, const Value& value) KESU_REQUIRES(mutex_);
   void grow(std::string_view key, std::string_view suffix) KESU_REQUIRES(mutex_);
   void erase(std::string_view key) KESU_REQUIRES(mutex_);
+  void raise(const std::string& key, const Value& value) KESU_REQUIRES(mutex_);
 
   Mutex mutex_;
   Values values_ KESU_GUARDED_BY(mutex_);
@@ -69,7 +74,8 @@ class FakeUserDefaults final : public UserDefaults {
   bool refusesWrites_ KESU_GUARDED_BY(mutex_) = false;
   bool isLoaded_ KESU_GUARDED_BY(mutex_) = true;
   std::map<std::string, std::string, std::less<>> grown_
-      KESU_GUARDED_BY(mutex_);  // What was appended while not loaded.
+      KESU_GUARDED_BY(mutex_);  // What this process has appended.
+  std::set<std::string> raised_ KESU_GUARDED_BY(mutex_);
   std::vector<std::function<void()>> waiting_ KESU_GUARDED_BY(mutex_);
 };
 

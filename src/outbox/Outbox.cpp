@@ -53,17 +53,15 @@ void Outbox::openLocked(Consequences& then) {
   const auto recovered = [this](const AppendLog::Entry& entry, const Dictionary& context) KESU_REQUIRES(mutex_) {
     queue_.add({{entry, true, &context}, nullptr});
   };
-  if (!journal_.recover(recovered)) {
-    // On the background queue: the thread that reads the file may be in here.
-    defaults_.whenLoaded([this] { background_.post([this] { applyLate(); }); });
-  }
+  journal_.recover(recovered);
+  then.awaitsDefaults = !journal_.isCaughtUp();
   planDelivery(then);
   planHandOver();
 }
 
-void Outbox::applyLate() {
+void Outbox::catchUp() {
   const MutexLock lock(mutex_);
-  journal_.applyLate();
+  journal_.catchUp();
   planHandOver();
 }
 
@@ -157,6 +155,9 @@ void Outbox::planDelivery(Consequences& then) {
 
 // Without the lock: while the process ends, the queue runs its tasks inside post().
 void Outbox::carryOut(const Consequences& then) {
+  if (then.awaitsDefaults) {
+    defaults_.whenLoaded([this] { catchUp(); });
+  }
   if (then.prepares) {
     background_.post([this] { prepare(); });
   }
@@ -300,14 +301,19 @@ void Outbox::handOver(bool isThorough) {
   {
     const MutexLock lock(mutex_);
     isHandOverPlanned_ = false;
-    newest = journal_.newest();
+    newest = journal_.newestMade();
     if (isEnding_) {  // finishEnd() does what there is time for.
       return;
     }
   }
   handOver_.run(newest, isThorough);
-  if (!isEnding()) {  // Asked again: an end does not wait for a slow disk, and its home may be gone by now.
-    log_.prepare();
+  if (isEnding()) {  // Asked again: an end does not wait for a slow disk, and its home may be gone by now.
+    return;
+  }
+  log_.prepare();
+  const MutexLock lock(mutex_);
+  if (journal_.isCaughtUp()) {  // The user defaults may have followed their home.
+    journal_.catchUp();
   }
 }
 

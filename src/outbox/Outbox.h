@@ -108,6 +108,7 @@ class Outbox {
  private:
   /// What follows from a step once the lock is released.
   struct Consequences {
+    bool awaitsDefaults = false;
     bool delivers = false;
     bool prepares = false;
     bool synchronizes = false;
@@ -119,7 +120,7 @@ class Outbox {
   void planDelivery(Consequences& then) KESU_REQUIRES(mutex_);
   void planHandOver() KESU_REQUIRES(mutex_);
   void carryOut(const Consequences& then);
-  void applyLate();
+  void catchUp();
   void prepare();
   void deliverWaiting();
   bool deliverNext();

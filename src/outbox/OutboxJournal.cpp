@@ -7,21 +7,23 @@
 
 namespace kesu {
 
-bool OutboxJournal::recover(const Recovered& recovered) {
+void OutboxJournal::recover(const Recovered& recovered) {
   const bool isKnown = defaults_.isLoaded();
   const auto last = isKnown ? std::optional(lastMade()) : std::nullopt;
   newest_ = last.value_or(0);
   log_.recover(last, [&](const AppendLog::Found& found) { recoverEntry(found, recovered); });
   if (isKnown) {
-    applyLate();
+    catchUp();
   }
-  return isKnown;
 }
 
 AppendLog::Sequence OutboxJournal::lastMade() {
-  // Damage must not use up the numbers.
   constexpr auto kMost = static_cast<std::int64_t>(AppendLog::kHighestSequence / 2);
-  const std::int64_t number = std::clamp<std::int64_t>(defaults_.integer(kLastLoggedChangeDefault), 0, kMost);
+  const std::int64_t found = defaults_.integer(kLastLoggedChangeDefault);
+  const std::int64_t number = std::clamp<std::int64_t>(found, 0, kMost);
+  if (number != found) {  // Damage must not use up the numbers.
+    defaults_.set(kLastLoggedChangeDefault, number);
+  }
   return static_cast<AppendLog::Sequence>(number);
 }
 
@@ -40,10 +42,10 @@ void OutboxJournal::recoverEntry(const AppendLog::Found& found, const Recovered&
   }
 }
 
-void OutboxJournal::applyLate() {
+void OutboxJournal::catchUp() {
   const AppendLog::Sequence made = lastMade();
-  const AppendLog::Sequence newest = newest_;
-  for (const Unapplied& entry : unapplied_) {
+  isCaughtUp_ = true;
+  for (const Unapplied& entry : std::exchange(unapplied_, {})) {
     if (entry.entry.sequence > made) {
       DefaultsChanges changes;
       for (const OutboxEntry::Change& change : entry.changes) {
@@ -53,11 +55,12 @@ void OutboxJournal::applyLate() {
       apply(changes, entry.entry);
     }
   }
-  unapplied_.clear();
-  newest_ = newest;
-  // What this process has logged meanwhile is made already.
-  if (newest > made) {
-    defaults_.set(kLastLoggedChangeDefault, static_cast<std::int64_t>(newest));
+  newest_ = std::max(newest_, made);
+  log_.continueBehind(newest_);
+  if (newest_ > made) {  // What this process has logged is made already.
+    const DefaultsChange raise[] = {
+        DefaultsChange::raise(kLastLoggedChangeDefault, static_cast<std::int64_t>(newest_))};
+    defaults_.apply(raise);
   }
 }
 
@@ -102,8 +105,8 @@ void OutboxJournal::apply(std::span<const DefaultsChange> changes, const std::op
     return;
   }
   step_.assign(changes.begin(), changes.end());
-  if (entry) {
-    step_.push_back(DefaultsChange::set(kLastLoggedChangeDefault, static_cast<std::int64_t>(entry->sequence)));
+  if (entry && isCaughtUp_) {
+    step_.push_back(DefaultsChange::raise(kLastLoggedChangeDefault, static_cast<std::int64_t>(entry->sequence)));
   }
   defaults_.apply(step_);
   step_.clear();

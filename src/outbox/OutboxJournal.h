@@ -30,12 +30,14 @@ class OutboxJournal {
 
   OutboxJournal(AppendLog& log, UserDefaults& defaults) : log_(log), defaults_(defaults) {}
 
-  /// Applies the changes of former processes, and passes on their records, oldest first. Returns false when the user
-  /// defaults were not read yet, which say what is applied already: applyLate() follows then.
-  bool recover(const Recovered& recovered);
+  /// Applies the changes of former processes, and passes on their records, oldest first. As long as the user defaults
+  /// were not read, which say what is applied already, the changes wait for catchUp().
+  void recover(const Recovered& recovered);
 
-  /// Applies the changes of former processes that the user defaults do not contain.
-  void applyLate();
+  /// Applies the changes of former processes that the user defaults do not contain. From then on they contain what is
+  /// newest. Call it once they were read, and now and then: a file that takes the place of theirs, as that of a home does
+  /// which is mounted late, may know greater numbers, and those of this process continue behind.
+  void catchUp();
 
   /// Sets what a later process needs to complete the records of this one.
   void setContext(const Dictionary& context);
@@ -49,8 +51,11 @@ class OutboxJournal {
   /// The same for changes without a record. Returns whether they are logged.
   bool append(std::span<const DefaultsChange> changes);
 
-  /// The number of the newest entry.
-  AppendLog::Sequence newest() const { return newest_; }
+  /// Whether catchUp() was called.
+  bool isCaughtUp() const { return isCaughtUp_; }
+
+  /// The newest entry whose changes, and those of all before it, are in the user defaults; 0 before catchUp().
+  AppendLog::Sequence newestMade() const { return isCaughtUp_ ? newest_ : 0; }
 
  private:
   /// Changes of a former process.
@@ -66,7 +71,8 @@ class OutboxJournal {
 
   AppendLog& log_;
   UserDefaults& defaults_;
-  AppendLog::Sequence newest_ = 0;
+  AppendLog::Sequence newest_ = 0;  // Entry, or number in the user defaults.
+  bool isCaughtUp_ = false;
   std::vector<Unapplied> unapplied_;
   std::string preamble_;             // Of the entries that are being recovered.
   std::deque<Dictionary> contexts_;  // Each is referred to by records.

@@ -214,6 +214,56 @@ TEST_F(OutboxTest, AppliesOnceWhatWasLoggedWhenTheUserDefaultsAreReadLate) {
   EXPECT_EQ(platform.defaults.text("~ef"), "acbd");
 }
 
+TEST_F(OutboxTest, MakesEachChangeOnceBehindAHomeThatIsMountedLate) {
+  for (const std::int64_t made : {1, 65}) {
+    SCOPED_TRACE(made);
+    dieAndBegin();
+    platform.defaults.set("~ef", "");
+    append("a");
+    append("b");
+    platform.background.runDelayed();
+    platform.defaults.mount({{"~logged", made}, {"~ef", "x"}});
+    append("c");  // Before anybody has noticed.
+    platform.background.runDelayed();
+    dieAndBegin();
+    append("d");
+    EXPECT_GT(platform.defaults.integer("~logged"), made);
+    dieAndBegin();
+    EXPECT_EQ(platform.defaults.text("~ef"), "xabcd");
+  }
+}
+
+/// Makes the user defaults readable in the middle of a hand-over.
+class FilesThatShowTheDisk final : public EntryFiles {
+ public:
+  explicit FilesThatShowTheDisk(testing::FakeUserDefaults& defaults) : defaults_(defaults) {}
+  bool flush() override {
+    defaults_.showDisk();
+    return true;
+  }
+  bool areFlushed() const override { return true; }
+
+ private:
+  testing::FakeUserDefaults& defaults_;
+};
+
+TEST_F(OutboxTest, LosesAndRepeatsNothingThatWasLoggedWhenItDiesBehindALateRead) {
+  append("a");
+  platform.background.runDelayed();
+  append("b");
+  die();
+  platform.defaults.hideDisk();
+  begin();
+  FilesThatShowTheDisk files(platform.defaults);
+  outbox->setEntryFiles(files);
+  outbox->open();
+  append("c");
+  outbox->handOverSoon();
+  platform.background.runAll();
+  dieAndBegin();
+  EXPECT_EQ(platform.defaults.text("~ef"), "acb");
+}
+
 TEST_F(OutboxTest, KeepsTheLogWhileTheUserDefaultsCannotBeWritten) {
   platform.defaults.refuseWrites(true);
   append("a");

@@ -53,6 +53,9 @@ class KESU_API AppendLog {
   /// may block for the disk. `visit` may release(), and call nothing else.
   virtual void recover(std::optional<Sequence> last, const std::function<void(const Found&)>& visit) = 0;
 
+  /// Gives no entry a number up to and including `sequence` from now on.
+  virtual void continueBehind(Sequence sequence) = 0;
+
   /// Appends an entry. Costs a copy; touches the disk only where prepare() was late. Returns nothing when the entry is
   /// not kept: it is too long, there is no room, no disk or no home directory, or this is a forked child. `isReleased`
   /// appends an entry that is released from the beginning, for what only a later recover() has to see.

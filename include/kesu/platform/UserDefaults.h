@@ -19,18 +19,20 @@ struct DefaultsChange {
     Set,     ///< As set().
     Append,  ///< Appends the suffix to the text under the key, which starts empty and replaces a value of another kind.
              ///< The cost does not depend on the length of the text.
-    Remove   ///< As remove().
+    Remove,  ///< As remove().
+    Raise    ///< Stores an integer, unless a greater one is there or comes from a file that is joined later.
   };
 
   static DefaultsChange set(std::string_view key, Value value) { return {Kind::Set, key, std::move(value), {}}; }
   static DefaultsChange append(std::string_view key, std::string_view suffix) {
     return {Kind::Append, key, {}, suffix};
   }
+  static DefaultsChange raise(std::string_view key, std::int64_t value) { return {Kind::Raise, key, value, {}}; }
   static DefaultsChange remove(std::string_view key) { return {Kind::Remove, key, {}, {}}; }
 
   Kind kind = Kind::Set;
   std::string_view key;
-  Value value;              ///< Of Kind::Set.
+  Value value;              ///< Of Kind::Set and Kind::Raise.
   std::string_view suffix;  ///< Of Kind::Append.
 };
 
@@ -81,7 +83,8 @@ class KESU_API UserDefaults {
   virtual bool isLoaded() = 0;
 
   /// Calls `done` once, when isLoaded() has become true: inside this call, or later on the thread whose operation read
-  /// the file, without a lock. Never calls it when that does not happen.
+  /// the file, without a lock and before anything is written to it: changes made in there are in one transaction with
+  /// those that were made before the file was read. Never calls it when that does not happen.
   virtual void whenLoaded(std::function<void()> done) = 0;
 
   // Shorthands over get().

@@ -69,6 +69,9 @@ void DefaultsCache::apply(std::span<const DefaultsChange> changes) {
       case DefaultsChange::Kind::Remove:
         erase(change.key);
         break;
+      case DefaultsChange::Kind::Raise:
+        raise(change.key, change.value);
+        break;
     }
   }
 }
@@ -119,6 +122,14 @@ void DefaultsCache::erase(std::string_view key) {
   const auto slot = entries_.find(key);
   if (slot != entries_.end() && slot->second.isPresent) {
     clear(key, slot);
+  }
+}
+
+void DefaultsCache::raise(std::string_view key, const Value& value) {
+  const auto slot = entries_.find(key);
+  if (slot == entries_.end() || !slot->second.isPresent || !slot->second.isAtLeast(value)) {
+    put(key, value, std::string());
+    entries_.find(key)->second.isRaised = true;
   }
 }
 

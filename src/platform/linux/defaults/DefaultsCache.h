@@ -99,6 +99,7 @@ class DefaultsCache {
   bool putInParts(std::string_view key, Value value) KESU_REQUIRES(mutex_);
   void grow(std::string_view key, std::string_view suffix) KESU_REQUIRES(mutex_);
   void erase(std::string_view key) KESU_REQUIRES(mutex_);
+  void raise(std::string_view key, const Value& value) KESU_REQUIRES(mutex_);
   const DefaultsEntry* find(std::string_view key) const KESU_REQUIRES(mutex_);
   Entries::iterator findText(std::string_view key) KESU_REQUIRES(mutex_);
   Entries::iterator clear(std::string_view key, Entries::iterator found) KESU_REQUIRES(mutex_);

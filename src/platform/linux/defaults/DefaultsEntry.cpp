@@ -31,8 +31,13 @@ bool DefaultsEntry::equals(const Value& other) const {
   return !isUnread && (isText ? otherText != nullptr && *otherText == text : isSame(value, other));
 }
 
+bool DefaultsEntry::isAtLeast(const Value& other) const {
+  const std::int64_t* number = value.integer();
+  return number != nullptr && (other.integer() == nullptr || *number >= *other.integer());
+}
+
 void DefaultsEntry::empty() {
-  isPresent = isUnread = isText = false;
+  isPresent = isUnread = isText = isRaised = false;
   value = Value();
   std::string().swap(text);  // With its room: a flow may have been long.
   list.clear();
@@ -50,7 +55,11 @@ void DefaultsEntry::fill(Value saved) {
 }
 
 void DefaultsEntry::moveOnto(DefaultsEntry saved) {
+  if (isRaised && isAtLeast(saved.value)) {
+    return;
+  }
   if (grownSize == 0) {
+    saved.isRaised = isRaised;
     *this = std::move(saved);
   } else if (saved.isText) {
     text.replace(0, text.size() - grownSize, saved.text);

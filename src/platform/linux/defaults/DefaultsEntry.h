@@ -25,6 +25,7 @@ struct DefaultsEntry {
   bool isPresent = false;  ///< False: removed, and kept only until the file was written.
   bool isUnread = false;   ///< The value, an array or dictionary, is in the file only. Nothing is unsaved then.
   bool isText = false;
+  bool isRaised = false;  ///< An integer that only grows, also when a file is joined.
   Value value;       ///< Unless it is a text or unread.
   std::string text;  ///< A text that grows in place.
   std::string list;  ///< The property list of `value` until it is saved, when it is a dictionary or a short array.
@@ -38,6 +39,9 @@ struct DefaultsEntry {
 
   /// Whether the value is equal, so that nothing is to be written.
   bool equals(const Value& other) const;
+
+  /// Whether it is an integer, and not below the other one.
+  bool isAtLeast(const Value& other) const;
 
   /// Drops everything but `unsaved`.
   void empty();

@@ -49,7 +49,7 @@ void DefaultsFile::whenLoaded(std::function<void()> done) {
     const MutexLock lock(mutex_);
     waiting_.push_back(std::move(done));
   }
-  report();
+  tell();
 }
 
 void DefaultsFile::open() {
@@ -153,7 +153,15 @@ bool DefaultsFile::write(bool& wantsCheckpoint) {
     if (std::chrono::steady_clock::now() >= lookAgainAt_) {
       lookAgain();
     }
-    if (store_->isOpen()) {
+    reports = hasNews();
+  }
+  if (reports) {  // What follows from the values that were read is in the same transaction as what they are joined with.
+    report();
+    tell();
+  }
+  {
+    const MutexLock lock(mutex_);
+    if (store_->isOpen() && waiting_.empty() && tellers_ == 0) {
       StoreStatus status = writePending();
       if (status == StoreStatus::Stale) {
         status = writePending();  // An array that another process has written since: now all of it, not parts.
@@ -266,20 +274,30 @@ bool DefaultsFile::hasNews() const {
 
 void DefaultsFile::report() {
   std::vector<std::string> lines;
-  std::vector<std::function<void()>> waiting;
   {
     const MutexLock lock(mutex_);
     lines = warnings_.takeLines();
-    if (isLoaded()) {
-      waiting.swap(waiting_);
-    }
   }
   for (const std::string& line : lines) {
     serviceLog(kWarning, line);
   }
+}
+
+void DefaultsFile::tell() {
+  std::vector<std::function<void()>> waiting;
+  {
+    const MutexLock lock(mutex_);
+    if (!isLoaded() || waiting_.empty()) {
+      return;
+    }
+    waiting.swap(waiting_);
+    ++tellers_;
+  }
   for (const std::function<void()>& done : waiting) {
     done();
   }
+  const MutexLock lock(mutex_);
+  --tellers_;
 }
 
 }  // namespace kesu

@@ -61,14 +61,14 @@ class DefaultsFile {
   /// Whether the cache has the values of earlier runs, or there are none. Locks nothing.
   bool isLoaded() const { return isLoaded_.load(std::memory_order_acquire); }
 
-  /// Calls `done` once isLoaded() is true: now, or in the report() after the operation that made it true.
+  /// Calls `done` once isLoaded() is true: now, or in the tell() after the operation that made it true.
   void whenLoaded(std::function<void()> done);
 
   /// Reads a value into the cache that was left in the file, if it was.
   void readOnce(std::string_view key);
 
-  /// Writes what the cache has and the file has not. Returns whether it could; `wantsCheckpoint` is set when the
-  /// journal has grown enough.
+  /// Writes what the cache has and the file has not, not before those who wait for the values were called. Returns
+  /// whether it could; `wantsCheckpoint` is set when the journal has grown enough.
   bool write(bool& wantsCheckpoint);
 
   /// Begins a checkpoint, after another look for the file. `checkpointer` is closed when it is on a former file.
@@ -83,8 +83,11 @@ class DefaultsFile {
   /// is worth another pass.
   bool finishCheckpoint(const Checkpoint& checkpoint, bool isMoved, DefaultsCheckpointer& checkpointer);
 
-  /// Logs what went wrong, and calls those who wait for the values if they were loaded. Call it without a mutex locked.
+  /// Logs what went wrong. Call it without the mutex of a log sink locked.
   void report();
+
+  /// Calls those who wait for the values if they were loaded. Call it without a mutex locked.
+  void tell();
 
  private:
   using Warning = DefaultsWarnings::Kind;
@@ -114,6 +117,7 @@ class DefaultsFile {
   DefaultsCache::Newer newer_ KESU_GUARDED_BY(mutex_) = DefaultsCache::Newer::File;
   std::chrono::steady_clock::time_point lookAgainAt_ KESU_GUARDED_BY(mutex_);
   std::vector<std::function<void()>> waiting_ KESU_GUARDED_BY(mutex_);
+  int tellers_ KESU_GUARDED_BY(mutex_) = 0;  // Threads that call those who waited: nothing is written meanwhile.
   std::uint64_t generation_ KESU_GUARDED_BY(mutex_) = 0;
   std::uint64_t checkpointedGeneration_ KESU_GUARDED_BY(mutex_) = 0;
   std::int64_t askAtJournalBytes_ KESU_GUARDED_BY(mutex_) = 0;

@@ -106,6 +106,7 @@ bool LinuxUserDefaults::checkpoint() {
     }
   }
   file_.report();
+  file_.tell();
   return isMoved;
 }
 

@@ -94,6 +94,11 @@ class UserDefaultsContractTest : public ::testing::TestWithParam<DefaultsImpleme
       case '-':
         defaults().remove(key);
         break;
+      case 'r': {
+        const DefaultsChange raise[] = {DefaultsChange::raise(key, 5)};
+        defaults().apply(raise);
+        break;
+      }
       case 'i':
         defaults().set(key, 5);
         break;
@@ -279,6 +284,10 @@ TEST_P(UserDefaultsContractTest, WhatWasWrittenBeforeTheFileWasReadIsJoinedWithI
       {Value("old"), {"+a", "-", "+b"}, Value("oldb")},
       {Value("old"), {"+"}, Value("old")},
       {Value(7), {"i"}, Value(7)},
+      {Value(7), {"r"}, Value(7)},
+      {Value(3), {"r"}, Value(5)},
+      {Value("old"), {"r"}, Value(5)},
+      {nil, {"r"}, Value(5)},
       {Value(7), {"+a"}, Value("a")},
       {Value(Array(100, "old")), {"=new"}, Value(Array(100, "old"))},
       {Value(Dictionary{{"a", 1}}), {"+a"}, Value("a")},

@@ -78,6 +78,13 @@ void LinuxAppendLog::recover(std::optional<Sequence> last, const std::function<v
   isRunningLow_.store(allSegments().size() > kManySegments, std::memory_order_relaxed);  // For compact().
 }
 
+void LinuxAppendLog::continueBehind(Sequence sequence) {
+  if (!isInForkedChild()) {
+    const MutexLock lock(mutex_);
+    next_ = next_ == 0 ? 0 : std::max(next_, sequence + 1);
+  }
+}
+
 std::optional<AppendLog::Entry> LinuxAppendLog::append(std::string_view bytes, bool isReleased) {
   if (isInForkedChild() || bytes.size() > kLongestEntry) {
     return std::nullopt;

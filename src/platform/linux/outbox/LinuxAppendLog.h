@@ -36,6 +36,7 @@ class LinuxAppendLog final : public AppendLog {
       : directory_(std::move(directory), access) {}
 
   void recover(std::optional<Sequence> last, const std::function<void(const Found&)>& visit) override;
+  void continueBehind(Sequence sequence) override;
   std::optional<Entry> append(std::string_view bytes, bool isReleased = false) override;
   void setPreamble(std::string_view bytes) override;
   bool read(const Entry& entry, std::string& bytes) override;
