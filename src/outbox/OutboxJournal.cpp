@@ -30,8 +30,7 @@ AppendLog::Sequence OutboxJournal::lastMade() {
 void OutboxJournal::recoverEntry(const AppendLog::Found& found, const Recovered& recovered) {
   auto entry = readEntry(found.bytes);
   if (!entry) {
-    log_.release(found.entry);  // Of a version that writes entries this one cannot read, or damaged.
-    return;
+    return;  // It is whole, as its checksum says: a later version wrote it, which may be installed again.
   }
   if (!entry->changes.empty()) {
     unapplied_.push_back({found.entry, std::move(entry->changes)});

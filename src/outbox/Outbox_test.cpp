@@ -111,6 +111,14 @@ TEST_F(OutboxTest, FindsAgainWhatItLogsBehindADamagedNumber) {
   EXPECT_EQ(platform.defaults.text("~ef"), "ab");
 }
 
+TEST_F(OutboxTest, LeavesAloneWhatALaterVersionHasLogged) {
+  add(1);
+  platform.outbox.append("\x02 which this version cannot read");
+  dieAndBegin();
+  EXPECT_EQ(handedOut(), "1");
+  EXPECT_EQ(platform.outbox.openCount(), 2U);
+}
+
 TEST_F(OutboxTest, TakesARecordAndItsChangesInOneStep) {
   append("flow");
   outbox->addBuilt({}, [this](Dictionary& entries, DefaultsChanges& changes) {
