@@ -6,7 +6,6 @@
 #include <kesu/platform/Random.h>
 #include <kesu/platform/UserDefaults.h>
 
-#include <cstddef>
 #include <functional>
 #include <optional>
 #include <span>
@@ -96,9 +95,6 @@ class Outbox {
 
   /// Sets the files that must be on the disk before the log is. Not owned. Once, before anything else.
   void setEntryFiles(EntryFiles& files) { handOver_.setEntryFiles(files); }
-
-  /// Counts the records that wait for delivery or are under way, without those that are parked.
-  std::size_t pendingCount();
 
   /// Whether beginEnd() was called.
   bool isEnding();

@@ -64,11 +64,11 @@ void OutboxJournal::catchUp() {
 }
 
 const Dictionary& OutboxJournal::contextOf(std::string_view preamble) {
-  if (contexts_.empty() || preamble != preamble_) {
-    preamble_ = preamble;
-    contexts_.push_back(readDictionary(preamble).value_or(Dictionary()));
+  auto context = contexts_.find(preamble);
+  if (context == contexts_.end()) {
+    context = contexts_.emplace(preamble, readDictionary(preamble).value_or(Dictionary())).first;
   }
-  return contexts_.back();
+  return context->second;
 }
 
 void OutboxJournal::setContext(const Dictionary& context) {

@@ -3,8 +3,8 @@
 #include <kesu/platform/AppendLog.h>
 #include <kesu/platform/UserDefaults.h>
 
-#include <deque>
 #include <functional>
+#include <map>
 #include <optional>
 #include <span>
 #include <string>
@@ -74,8 +74,7 @@ class OutboxJournal {
   AppendLog::Sequence newest_ = 0;  // Entry, or number in the user defaults.
   bool isCaughtUp_ = false;
   std::vector<Unapplied> unapplied_;
-  std::string preamble_;             // Of the entries that are being recovered.
-  std::deque<Dictionary> contexts_;  // Each is referred to by records.
+  std::map<std::string, Dictionary, std::less<>> contexts_;  // By preamble. Records refer to them.
   // These keep their room: no allocation per entry.
   std::string bytes_;
   DefaultsChanges step_;

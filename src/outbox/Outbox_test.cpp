@@ -141,7 +141,6 @@ TEST_F(OutboxTest, KeepsInMemoryWhatTheLogDoesNotTake) {
   outbox->park(deliveries[0].ticket);
   outbox->retryParked();
   EXPECT_EQ(handedOut(), "1") << "nothing has it any more";
-  EXPECT_EQ(outbox->pendingCount(), 0U);
 }
 
 TEST_F(OutboxTest, HasAWindowOfRecordsUnderWay) {
@@ -161,7 +160,6 @@ TEST_F(OutboxTest, HasAWindowOfRecordsUnderWay) {
   add(-1);
   platform.settle();
   EXPECT_EQ(deliveries.size(), kMost + kDone) << "one for each that is done with or parked";
-  EXPECT_EQ(outbox->pendingCount(), 2 * kMost + 1 - kDone);
 }
 
 TEST_F(OutboxTest, OnlyLogsOnceTheEndHasBegun) {
@@ -183,8 +181,7 @@ TEST_F(OutboxTest, HandsOutOnThePostingThreadOnceTheWorkerIsGone) {
   add(1);
   EXPECT_EQ(handedOut(), "1");
   outbox->finish(deliveries[0].ticket);
-  outbox->retryParked();
-  EXPECT_EQ(outbox->pendingCount(), 0U);
+  EXPECT_FALSE(outbox->retryParked());
 }
 
 TEST_F(OutboxTest, HandsOutAtTheEndWhatIsNotLoggedEvenBehindAFullWindow) {
