@@ -1,5 +1,6 @@
 # One object library per row of tools/layers.txt but those of tools/, named kesu_<folder> with "/" written as "_".
-# KESU_ALL_OBJECTS is what libkesu is made of; KESU_REACH_<folder> lists the folders whose objects a test of <folder> needs.
+# KESU_CORE_OBJECTS is what libkesu is made of beside KESU_LINKED_DRAWING or KESU_LOADED_DRAWING, of which it takes one: what
+# draws, or what loads it. KESU_REACH_<folder> lists the folders whose objects a test of <folder> needs.
 
 file(STRINGS ${CMAKE_SOURCE_DIR}/tools/layers.txt KESU_LAYER_ROWS REGEX "^[^#<].*:")
 list(FILTER KESU_LAYER_ROWS EXCLUDE REGEX "^tools/")
@@ -20,7 +21,10 @@ set(KESU_LIBRARY_WARNINGS $<$<CXX_COMPILER_ID:Clang>:-Wexit-time-destructors>)
 
 macro(kesu_add_layers)
   set(KESU_FOLDERS)
-  set(KESU_ALL_OBJECTS)
+  set(KESU_CORE_OBJECTS)
+  if(NOT KESU_DRAWING)
+    list(FILTER KESU_LAYER_ROWS EXCLUDE REGEX "^drawing_cairo:")
+  endif()
   foreach(row IN LISTS KESU_LAYER_ROWS)
     string(REGEX MATCH "^([^:]+):(.*)$" ignored "${row}")
     set(folder ${CMAKE_MATCH_1})
@@ -40,8 +44,17 @@ macro(kesu_add_layers)
       else()
         target_compile_options(kesu_${name} PRIVATE ${KESU_SMALL_OPTIONS})
       endif()
+      if(folder STREQUAL drawing_cairo)
+        set(KESU_LINKED_DRAWING $<TARGET_OBJECTS:kesu_${name}>)
+      elseif(folder STREQUAL platform/linux/drawing)
+        set(KESU_LOADED_DRAWING $<TARGET_OBJECTS:kesu_${name}>)
+        target_compile_definitions(kesu_${name} PRIVATE
+          KESU_DRAWING_LIBRARY="${CMAKE_SHARED_LIBRARY_PREFIX}kesu-drawing${CMAKE_SHARED_LIBRARY_SUFFIX}.${PROJECT_VERSION_MAJOR}")
+        continue()  # Tests have what draws linked in.
+      else()
+        list(APPEND KESU_CORE_OBJECTS $<TARGET_OBJECTS:kesu_${name}>)
+      endif()
       list(APPEND KESU_FOLDERS ${folder})
-      list(APPEND KESU_ALL_OBJECTS $<TARGET_OBJECTS:kesu_${name}>)
       set(KESU_REACH_${folder} ${folder})
       foreach(used IN LISTS uses)
         list(APPEND KESU_REACH_${folder} ${KESU_REACH_${used}})

@@ -3,33 +3,62 @@
 #include <atomic>
 
 #include "drawing/FrameLayers.h"
+#include "foundation/Mutex.h"
 
 namespace kesu {
 namespace {
 
-/// Initialised at the first use: texts may be measured by other initialisers, before main().
-std::atomic<DrawingModule*>& current() {
-  static std::atomic<DrawingModule*> module{linkedDrawingModule()};
-  return module;
+struct State {
+  std::atomic<const DrawingSource*> source{&drawingSource()};
+  std::atomic<DrawingModule*> module{nullptr};
+  std::atomic<bool> isFound{false};  // Or known to be missing.
+  Mutex finding;
+};
+
+// Made at the first use, which may be before main(), and never destroyed.
+State& state() {
+  static auto& shared = *new State;
+  return shared;
 }
 
 }  // namespace
 
 DrawingModule* drawingModule() {
-  return current().load(std::memory_order_acquire);
+  State& now = state();
+  return now.source.load()->isLinked ? loadDrawingModule() : now.module.load(std::memory_order_acquire);
 }
 
-DrawingModule* replaceDrawingModule(DrawingModule* module) {
-  return current().exchange(module, std::memory_order_acq_rel);
+DrawingModule* loadDrawingModule() {
+  State& now = state();
+  if (!now.isFound.load(std::memory_order_acquire)) {
+    const MutexLock lock(now.finding);
+    if (!now.isFound.load(std::memory_order_relaxed)) {
+      now.module.store(now.source.load()->find(), std::memory_order_release);
+      now.isFound.store(true, std::memory_order_release);
+    }
+  }
+  return now.module.load(std::memory_order_acquire);
+}
+
+bool awaitsDrawingModule() {
+  return !state().source.load()->isLinked && !state().isFound.load(std::memory_order_acquire);
+}
+
+const DrawingSource* replaceDrawingSource(const DrawingSource* source) {
+  State& now = state();
+  const MutexLock lock(now.finding);
+  now.isFound.store(false);
+  now.module.store(nullptr);
+  return now.source.exchange(source);
 }
 
 DecodedImage decodeImage(std::string_view bytes, const ImageLimits& limits) {
-  DrawingModule* module = drawingModule();
+  DrawingModule* module = loadDrawingModule();
   return module != nullptr ? module->decode(bytes, limits) : DecodedImage{};
 }
 
 std::optional<std::string> encodePng(const Image& image) {
-  DrawingModule* module = drawingModule();
+  DrawingModule* module = loadDrawingModule();
   return module != nullptr ? module->encodePng(image) : std::nullopt;
 }
 
@@ -39,7 +68,7 @@ ImagePtr scaledImage(const Image& image, int width, int height) {
 }
 
 void prepareFonts() {
-  if (DrawingModule* module = drawingModule()) {
+  if (DrawingModule* module = loadDrawingModule()) {
     module->prepareFonts();
   }
 }

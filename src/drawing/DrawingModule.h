@@ -1,5 +1,6 @@
 #pragma once
 
+#include <kesu/Export.h>
 #include <kesu/graphics/Frame.h>
 
 #include <memory>
@@ -52,13 +53,30 @@ class DrawingModule {
   DrawingModule& operator=(const DrawingModule&) = default;
 };
 
-/// Returns the module; null without one. Any thread.
+/// How a program comes by its module.
+struct DrawingSource {
+  DrawingModule* (*find)();  ///< Returns null without a module. Called once, by any thread.
+  bool isLinked;             ///< find() takes no time: what draws is a part of the program, not a library to be loaded.
+};
+
+/// Returns the source of this program. Defined by drawing_cairo where that is linked in, else by
+/// platform/linux/drawing.
+const DrawingSource& drawingSource();
+
+/// The entry of drawing_cairo as a library of its own. Returns null if it was built from another version.
+extern "C" KESU_API DrawingModule* kesu_drawing_module(const char* version);
+
+/// Returns the module; null without one, and until it is loaded. Any thread.
 DrawingModule* drawingModule();
 
-/// Replaces the module, null for none, and returns the one before. For tests.
-DrawingModule* replaceDrawingModule(DrawingModule* module);
+/// Loads the module unless that was done, and returns it; null without one. Any thread but the main one: the first
+/// call takes some 10 ms, concurrent ones wait for it.
+DrawingModule* loadDrawingModule();
 
-/// Returns the module that this program is linked with. Defined by whoever provides it.
-DrawingModule* linkedDrawingModule();
+/// Returns whether there may be a module that is not loaded yet. Any thread.
+bool awaitsDrawingModule();
+
+/// Replaces where the module comes from, and returns what it was. What was loaded is forgotten. For tests.
+const DrawingSource* replaceDrawingSource(const DrawingSource* source);
 
 }  // namespace kesu

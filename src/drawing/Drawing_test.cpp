@@ -56,7 +56,11 @@ TEST(ImageScaling, RefusesSizesThatNoPictureHas) {
 }
 
 TEST(DrawingModule, IsNotNeededByItsCallers) {
-  DrawingModule* const module = replaceDrawingModule(nullptr);
+  static constexpr DrawingSource kNothing{[]() -> DrawingModule* { return nullptr; }, false};
+  const DrawingSource* const linked = replaceDrawingSource(&kNothing);
+  EXPECT_TRUE(awaitsDrawingModule());
+  EXPECT_EQ(decodeImage("GIF89a").status, ImageStatus::UnknownKind);
+  EXPECT_FALSE(awaitsDrawingModule());
   const TextLayout text("text", {}, {});
   std::uint32_t pixel = 0x12345678;
   FrameLayer layer;
@@ -73,10 +77,10 @@ TEST(DrawingModule, IsNotNeededByItsCallers) {
   EXPECT_EQ(pixel, 0x12345678U);
   EXPECT_FALSE(encodePng(everyOpacity()));
   EXPECT_EQ(scaledImage(everyOpacity(), 1, 1), nullptr);
-  EXPECT_EQ(decodeImage("GIF89a").status, ImageStatus::UnknownKind);
-  replaceDrawingModule(module);
+  replaceDrawingSource(linked);
   makeCanvas({&pixel, 1, 1, 1})->drawText(text, {}, Color::white());  // Typeset while there was none.
   EXPECT_EQ(decodeImage("GIF89a").status, ImageStatus::Damaged);
+  EXPECT_EQ(kesu_drawing_module("0.0"), nullptr);
 }
 
 TEST(DataUrl, CarriesBytes) {

@@ -43,7 +43,8 @@ struct DecodedImage {
 /// their first bytes. Errors in the coded pixels that a library recovers from do not count as damage, a missing end
 /// does.
 ///
-/// Any thread, but slow (up to a second for the largest): never the main one. Never throws.
+/// Any thread, but slow (up to a second for the largest) and loads the drawing module: never the main one. Never
+/// throws.
 DecodedImage decodeImage(std::string_view bytes, const ImageLimits& limits = {});
 
 /// Encodes a picture as a PNG file, fast rather than small (compression level 1, SUB filter). Any thread, but slow:

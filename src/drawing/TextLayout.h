@@ -22,9 +22,9 @@ struct TextStyle {
   friend bool operator==(const TextStyle&, const TextStyle&) = default;
 };
 
-/// Loads the fonts: about 15 ms, more than half a second while the system's caches are cold. Any thread, best a worker;
-/// concurrent calls wait. Called implicitly by everything below. Without any font, texts have sizes and show boxes;
-/// without a drawing module, they have none and fonts are never ready.
+/// Loads the drawing module and the fonts: about 25 ms, more than half a second while the system's caches are cold. Any
+/// thread, best a worker; concurrent calls wait. Fonts are loaded implicitly by everything below. Without any font,
+/// texts have sizes and show boxes; without a drawing module, they have none and fonts are never ready.
 void prepareFonts();
 
 /// Whether fonts are loaded. Any thread.

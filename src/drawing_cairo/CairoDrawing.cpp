@@ -1,3 +1,4 @@
+#include <kesu/Version.h>
 #include <kesu/graphics/Frame.h>
 
 #include <memory>
@@ -71,9 +72,14 @@ void CairoDrawing::releaseCaches() {
 
 }  // namespace
 
-DrawingModule* linkedDrawingModule() {
+DrawingModule* kesu_drawing_module(const char* version) {
   static CairoDrawing module;
-  return &module;
+  return version == std::string_view(KESU_VERSION) ? &module : nullptr;
+}
+
+const DrawingSource& drawingSource() {
+  static constexpr DrawingSource kSource{[] { return kesu_drawing_module(KESU_VERSION); }, true};
+  return kSource;
 }
 
 }  // namespace kesu

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "drawing/TextLayout.h"
+#include "drawing/DrawingModule.h"
 #include "foundation/Objects.h"
 #include "message_ui/MessageLog.h"
 #include "message_ui/MessagePaging.h"
@@ -90,10 +90,15 @@ void MessageSession::receiveBody(const Object& body) {
 
 // Always on a later turn of the main loop: the caller may be a button of the very bars that `ready` replaces.
 void MessageSession::deliver(Step ready) {
-  auto step = [made = generations_.advance(), ready = std::move(ready)] {
-    if (made.isCurrent()) {
-      ready();
+  auto step = [this, made = generations_.advance(), ready = std::move(ready)] {
+    if (!made.isCurrent()) {
+      return;
     }
+    if (drawingModule() == nullptr) {  // A popup without a picture would only take the remote's presses.
+      close();
+      return;
+    }
+    ready();
   };
   MainLoop& loop = platform_.mainLoop;  // The worker's task must not use a session that may be destroyed.
   if (areFontsReady()) {

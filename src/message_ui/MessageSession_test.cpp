@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "drawing/TextLayout.h"
+#include "drawing/DrawingModule.h"
 #include "foundation/Objects.h"
 #include "message_ui/MessagePaging.h"
 #include "testing/MessageScreen.h"
@@ -54,6 +54,15 @@ TEST_F(MessageSessionTest, FetchesTheFirstMessage) {
   EXPECT_EQ(session.model()->title, "First");
   EXPECT_EQ(textOf(session.headerValue("cid")), "c-a");
   EXPECT_FALSE(session.headerValue("missing"));
+}
+
+TEST_F(MessageSessionTest, ClosesWhereNothingDraws) {
+  static constexpr DrawingSource kNothing{[]() -> DrawingModule* { return nullptr; }, false};
+  const DrawingSource* const linked = replaceDrawingSource(&kNothing);
+  openWith({"a"});
+  replaceDrawingSource(linked);
+  EXPECT_EQ(ready, 0);
+  EXPECT_FALSE(session.isOpen());
 }
 
 TEST_F(MessageSessionTest, IsReadyWithoutAnyMessage) {

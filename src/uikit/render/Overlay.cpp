@@ -103,7 +103,7 @@ bool Overlay::State::differs() const {
   const bool isDrawn = drawn == keyWindowNumber();
   const bool isOther = !isDrawn && (drawn != 0 || (window != nullptr && !window->subviews().empty()));
   return isSizeNew || isOther || (window != nullptr && ViewDrawing::changeCount(*window) != drawnChanges && isDrawn) ||
-         Animator::shared().isRunning();
+         Animator::shared().isRunning() || renderer.lacksModule();
 }
 
 Point Overlay::State::toPoints(double x, double y) const {

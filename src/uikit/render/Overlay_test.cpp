@@ -6,7 +6,9 @@
 #include <memory>
 #include <optional>
 
+#include "drawing/DrawingModule.h"
 #include "testing/FontRelease.h"
+#include "testing/ScopedPlatform.h"
 #include "uikit/Animator.h"
 #include "uikit/KeyWindow.h"
 
@@ -65,6 +67,24 @@ TEST_F(OverlayTest, ForwardsPressesTapsAndSwipesToTheWindow) {
   EXPECT_EQ(activations_, 2);
   EXPECT_TRUE(overlay_.swipe(SwipeDirection::Left));
   EXPECT_FALSE(overlay_.accessibilityTree().empty());
+}
+
+TEST_F(OverlayTest, ShowsViewsOnceWhatDrawsThemIsLoaded) {
+  static const DrawingSource* linked = nullptr;
+  static constexpr DrawingSource kLate{[] { return linked->find(); }, false};
+  linked = replaceDrawingSource(&kLate);
+  testing::ScopedPlatform platform;
+  showButton();
+  button_->setTitle("Title");
+  EXPECT_TRUE(overlay_.layers(0.1).empty());
+  EXPECT_EQ(overlay_.flatten(0.1).pixels[0], 0U);
+  EXPECT_TRUE(overlay_.needsFrame());
+  platform.imageWorker.runAll();
+  EXPECT_TRUE(overlay_.needsFrame());
+  EXPECT_EQ(overlay_.flatten(0.2).pixels[0], 0xFF000000U);
+  EXPECT_FALSE(overlay_.layers(0.2).empty());
+  EXPECT_FALSE(overlay_.needsFrame());
+  replaceDrawingSource(linked);
 }
 
 TEST_F(OverlayTest, RequestsOneFrameUntilItIsDrawn) {

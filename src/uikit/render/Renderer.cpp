@@ -1,5 +1,7 @@
 #include "uikit/render/Renderer.h"
 
+#include <kesu/platform/Platform.h>
+
 #include <algorithm>
 #include <cmath>
 #include <unordered_map>
@@ -9,9 +11,8 @@
 #include <malloc.h>
 #endif
 
-#include "drawing/Canvas.h"
+#include "drawing/DrawingModule.h"
 #include "drawing/FrameLayers.h"
-#include "drawing/TextLayout.h"
 #include "uikit/ViewDrawing.h"
 #include "uikit/render/Compositor.h"
 #include "uikit/render/Picture.h"
@@ -100,6 +101,7 @@ struct Renderer::State {
   void addPicture(View& view, const Surroundings& inside, Entry& entry);
   void push(FrameLayer layer, const Rect& clip, Entry& entry);
   Entry& entryOf(View& view);
+  void waitForModule();
   void releaseAll();
   void releaseWhenDone(const Window& window);
 
@@ -112,12 +114,15 @@ struct Renderer::State {
   double scale = 1.0;
   Rect screen;
   bool holdsMemory = false;
+  bool isModuleRequested = false;
+  bool lacksModule = false;  // The last frame shows nothing for want of what draws it.
 };
 
 const std::vector<FrameLayer>& Renderer::State::build(Window& window, int pixelWidth, int pixelHeight,
                                                       FrameKind frameKind) {
   ++frame;
   kind = frameKind;
+  lacksModule = false;
   layers.clear();
   scale = pixelHeight / kScreenHeight;
   screen = {0.0, 0.0, static_cast<double>(pixelWidth), static_cast<double>(pixelHeight)};
@@ -127,9 +132,23 @@ const std::vector<FrameLayer>& Renderer::State::build(Window& window, int pixelW
     addLayer(window, inside);
     addInner(window, inside);
   }
+  waitForModule();
   std::erase_if(entries, [&](const auto& item) { return item.second.lastFrame != frame; });
   holdsMemory = holdsMemory || !layers.empty();
   return layers;
+}
+
+// Loading takes too long for a frame. Nothing is shown until then, rather than views without their texts.
+void Renderer::State::waitForModule() {
+  const bool awaits = awaitsDrawingModule();
+  lacksModule = awaits && (lacksModule || (kind != FrameKind::Layers && !layers.empty()));
+  if (!lacksModule) {
+    return;
+  }
+  layers.clear();
+  if (!std::exchange(isModuleRequested, true)) {
+    Platform::current().imageWorker.post([] { loadDrawingModule(); });
+  }
 }
 
 void Renderer::State::addView(View& view, const Surroundings& around) {
@@ -198,6 +217,10 @@ void Renderer::State::addPicture(View& view, const Surroundings& inside, Entry& 
     extent = extent.intersected(placement.fromScreen(screen));
   }
   if (extent.isEmpty()) {
+    return;
+  }
+  if (awaitsDrawingModule()) {  // The view keeps its damage.
+    lacksModule = true;
     return;
   }
   Picture& picture = entry.picture;
@@ -274,6 +297,10 @@ const std::vector<FrameLayer>& Renderer::layers(Window& window, int pixelWidth, 
   return state_->layers;
 }
 
+bool Renderer::lacksModule() const {
+  return state_->lacksModule;
+}
+
 const FlatFrame& Renderer::flatten(Window& window, int pixelWidth, int pixelHeight) {
   const FlatFrame& frame = state_->compositor.compose(state_->build(window, pixelWidth, pixelHeight, FrameKind::Flat),
                                                       pixelWidth, pixelHeight);
@@ -301,9 +328,11 @@ ImagePtr viewToImage(const View& view) {
   const int columns = static_cast<int>(width);
   const int rows = static_cast<int>(height);
   std::vector<std::uint32_t> pixels(static_cast<std::size_t>(columns) * static_cast<std::size_t>(rows));
-  if (const auto canvas = makeCanvas({pixels.data(), columns, rows, columns})) {
-    paintView(*canvas, view, PaintScope::Everything);
+  const auto canvas = makeCanvas({pixels.data(), columns, rows, columns});
+  if (canvas == nullptr) {
+    return nullptr;
   }
+  paintView(*canvas, view, PaintScope::Everything);
   return std::make_shared<const Image>(columns, rows, std::move(pixels));
 }
 

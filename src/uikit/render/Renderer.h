@@ -24,6 +24,9 @@ class Renderer {
   /// Returns the layers of the window at this size of the screen. Releases all memory when there are no more.
   const std::vector<FrameLayer>& layers(Window& window, int pixelWidth, int pixelHeight);
 
+  /// Returns whether the last frame shows nothing because what draws it is still being loaded.
+  bool lacksModule() const;
+
   /// Returns them composed into one picture. Both may be used in turn; each has the damage since its own last frame.
   const FlatFrame& flatten(Window& window, int pixelWidth, int pixelHeight);
 
@@ -36,7 +39,7 @@ class Renderer {
 };
 
 /// Returns a picture of a view with all that is in it, one pixel per point, transparent where nothing is drawn. Null
-/// for a view without size or larger than any screen. Main thread.
+/// for a view without size or larger than any screen, and until the drawing module is loaded. Main thread.
 ImagePtr viewToImage(const View& view);
 
 }  // namespace kesu
