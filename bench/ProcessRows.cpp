@@ -19,32 +19,43 @@ namespace {
 
 constexpr int kStarts = 25;
 
-/// What bench/start/main.cpp prints: microseconds inside Kesu::initialize and until the launch is over; memory in kB.
+/// What bench/start/main.cpp prints: microseconds inside Kesu::initialize and until the launch is over; memory in kB;
+/// how many shared libraries it has loaded.
 struct Started {
   double initializeMicroseconds = 0.0;
   double memoryKilobytes = 0.0;
   double launchMicroseconds = 0.0;
   double launchedKilobytes = 0.0;
+  double libraries = 0.0;
+  double drawMilliseconds = 0.0;
+  double linkSeconds = 0.0;  ///< From the start of the process to main().
   double processSeconds = 0.0;
 };
 
-Started startProgram(const char* program, const std::string& home, int waitMilliseconds) {
+Started startProgram(const char* program, const std::string& home, int waitMilliseconds, bool draws = false) {
   Started started;
-  const ChildResult result = runProgram({program, home, std::to_string(waitMilliseconds)});
+  std::vector<std::string> command{program, home, std::to_string(waitMilliseconds)};
+  if (draws) {
+    command.emplace_back("text");
+  }
+  const ChildResult result = runProgram(command);
+  double mainAt = 0.0;
   std::istringstream(result.output) >> started.initializeMicroseconds >> started.memoryKilobytes >>
-      started.launchMicroseconds >> started.launchedKilobytes;
+      started.launchMicroseconds >> started.launchedKilobytes >> mainAt >> started.libraries >>
+      started.drawMilliseconds;
+  started.linkSeconds = mainAt - result.startedAt;
   started.processSeconds = result.endedAt - result.startedAt;
   return started;
 }
 
 /// Medians over many starts: each in a new home directory, or all in one that has been used before.
-Started usualStart(const char* program, bool firstEver, int waitMilliseconds = 0) {
+Started usualStart(const char* program, bool firstEver, int waitMilliseconds = 0, bool draws = false) {
   const Scratch shared;
-  startProgram(program, shared.path(), waitMilliseconds);
+  startProgram(program, shared.path(), waitMilliseconds, draws);
   std::vector<Started> all;
   for (int round = 0; round < kStarts; ++round) {
     const Scratch fresh;
-    all.push_back(startProgram(program, firstEver ? fresh.path() : shared.path(), waitMilliseconds));
+    all.push_back(startProgram(program, firstEver ? fresh.path() : shared.path(), waitMilliseconds, draws));
   }
   const auto medianOf = [&all](double Started::*field) {
     std::vector<double> values;
@@ -53,9 +64,21 @@ Started usualStart(const char* program, bool firstEver, int waitMilliseconds = 0
     }
     return median(values);
   };
-  return {medianOf(&Started::initializeMicroseconds), medianOf(&Started::memoryKilobytes),
-          medianOf(&Started::launchMicroseconds), medianOf(&Started::launchedKilobytes),
-          medianOf(&Started::processSeconds)};
+  Started usual;
+  for (const auto field : {&Started::initializeMicroseconds, &Started::memoryKilobytes, &Started::launchMicroseconds,
+                           &Started::launchedKilobytes, &Started::libraries, &Started::drawMilliseconds,
+                           &Started::linkSeconds, &Started::processSeconds}) {
+    usual.*field = medianOf(field);
+  }
+  return usual;
+}
+
+double strippedMegabytes(const char* library) {
+  const Scratch directory;
+  const std::string stripped = directory / "library.so";
+  runProgram({"strip", "--strip-unneeded", "-o", stripped, library});
+  std::error_code missing;
+  return static_cast<double>(std::filesystem::file_size(stripped, missing)) / 1e6;
 }
 
 /// How often threads of this process have gone to sleep so far.
@@ -83,15 +106,22 @@ void measureStart(Figures& figures) {
   figures.add(Figure("Kesu::initialize, first ever", first.initializeMicroseconds / 1e3, "ms").atMost(10.0));
   figures.add(Figure("whole process that initialises and ends", warm.processSeconds * 1e3, "ms")
                   .compared("the same without library", bare.processSeconds * 1e3));
+  const Started libraries = usualStart(KESU_BENCH_START_LIBRARIES, false);
+  figures.add(Figure("from the start of the process to main()", warm.linkSeconds * 1e3, "ms")
+                  .compared("the system's libraries alone", libraries.linkSeconds * 1e3)
+                  .ratioAtMost(1.1));
+  figures.add(Figure("shared libraries loaded, no message", warm.libraries, "libraries")
+                  .compared("the system's libraries alone", libraries.libraries));
+  figures.add(Figure("first frame with a text, with the loading of what draws",
+                     usualStart(KESU_BENCH_START, false, 0, true).drawMilliseconds, "ms"));
 }
 
 void measureSize(Figures& figures) {
-  const Scratch directory;
-  const std::string stripped = directory / "libkesu.so";
-  runProgram({"strip", "--strip-unneeded", "-o", stripped, KESU_BENCH_LIBRARY});
-  std::error_code missing;
-  const double bytes = static_cast<double>(std::filesystem::file_size(stripped, missing));
-  figures.add(Figure("libkesu.so, stripped", bytes / 1e6, "MB").atMost(1.5));
+  const double core = strippedMegabytes(KESU_BENCH_LIBRARY);
+  const double drawing = strippedMegabytes(KESU_BENCH_DRAWING_LIBRARY);
+  figures.add(Figure("libkesu.so, stripped", core, "MB"));
+  figures.add(Figure("libkesu-drawing.so, stripped", drawing, "MB"));
+  figures.add(Figure("both together", core + drawing, "MB").atMost(1.1));
   const ChildResult foreign = runProgram(
       {"sh", "-c",
        "nm -DC --defined-only \"$0\" | grep -vE ' ((vtable|typeinfo|typeinfo name|guard variable) for )?kesu::' | "
