@@ -276,6 +276,11 @@ bool Outbox::beginEnd() {
   return !queue_.hasUnlogged();
 }
 
+std::size_t Outbox::pendingCount() {
+  const MutexLock lock(mutex_);
+  return queue_.pendingCount();
+}
+
 bool Outbox::isEnding() {
   const MutexLock lock(mutex_);
   return isEnding_;

@@ -6,6 +6,7 @@
 #include <kesu/platform/Random.h>
 #include <kesu/platform/UserDefaults.h>
 
+#include <cstddef>
 #include <functional>
 #include <optional>
 #include <span>
@@ -95,6 +96,10 @@ class Outbox {
 
   /// Sets the files that must be on the disk before the log is. Not owned. Once, before anything else.
   void setEntryFiles(EntryFiles& files) { handOver_.setEntryFiles(files); }
+
+  /// Counts the records that wait for delivery or are under way, without those that are parked. For the benchmark,
+  /// which waits for them.
+  std::size_t pendingCount();
 
   /// Whether beginEnd() was called.
   bool isEnding();

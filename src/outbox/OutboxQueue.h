@@ -58,6 +58,9 @@ class OutboxQueue {
   /// From now on only what is not logged is handed out: the rest is left to the next process.
   void stop() { isStopped_ = true; }
 
+  /// Counts the records that wait or are under way.
+  std::size_t pendingCount() const { return waiting_.size() + inFlight_; }
+
   /// Whether a record waits that is not logged.
   bool hasUnlogged() const;
 
