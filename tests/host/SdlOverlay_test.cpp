@@ -7,6 +7,7 @@
 
 #include <array>
 #include <optional>
+#include <thread>
 
 namespace kesu::host {
 namespace {
@@ -23,6 +24,16 @@ struct Free {
 
 class SdlOverlayTest : public ::testing::Test {
  protected:
+  // What draws is loaded with the first frame that has anything in it, on a thread.
+  static void SetUpTestSuite() {
+    Window screen;
+    screen.addSubview(std::make_shared<Button>(Rect{0.0, 0.0, 10.0, 10.0}));
+    screen.makeKeyAndVisible();
+    Overlay overlay;
+    while (overlay.layers(0.0).empty()) {
+      std::this_thread::yield();
+    }
+  }
   SdlOverlayTest() { window.makeKeyAndVisible(); }
 
   /// A dialog with three buttons beside each other, from (200, 200) on, 200 x 100 points each.
