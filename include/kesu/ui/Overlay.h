@@ -53,8 +53,8 @@ class KESU_API Overlay {
 
   /// Returns the next frame as layers from the back to the front; empty while nothing is shown. Advances animations to
   /// `nowSeconds`, any monotonic clock, and runs the callbacks of those that end. The layers and their pixels are valid
-  /// until the next call of layers(), flatten() or snapshot() and owned by the overlay. What draws is loaded on a thread
-  /// with the first frame that shows anything: frames are empty until then, while needsFrame() stays true.
+  /// until the next call of layers(), flatten() or snapshot() and owned by the overlay. What draws is loaded on a
+  /// thread with the first frame that shows anything: frames are empty until then, while needsFrame() stays true.
   const std::vector<FrameLayer>& layers(double nowSeconds);
   /// Returns the next frame as one picture, valid as long as layers() are. Both may be used in turn: each has the
   /// damage since its own last frame.
