@@ -42,7 +42,6 @@ inline const Zone kUtc = {0, {}};
 inline const Zone kBerlin = {3600, {{at(2017, 3, 26, 1), 7200}, {at(2017, 10, 29, 1), 3600}}};
 inline const Zone kLordHowe = {39600, {{at(2017, 4, 1, 15), 37800}, {at(2017, 9, 30, 15, 30), 39600}}};
 inline const Zone kKathmandu = {20700, {}};
-inline const Zone kHonolulu = {-36000, {}};
 
 /// A calendar on a platform of doubles, in a zone of choice.
 class CalendarTest : public ::testing::Test {

@@ -21,9 +21,6 @@ namespace kesu::testing {
 inline const ScreenKey kMain = {"Main", "0x1"};
 inline const ScreenKey kMenu = {"Menu", "0x2"};
 
-/// The keys of the common columns of a record in their order, before those that its kind adds.
-inline const std::string kColumns = "kak ~v kaid ace ase msg_id ldt rv av ov ";
-
 /// The screen flow of a process that crashes and restarts.
 class FlowTest : public ::testing::Test {
  protected:
@@ -104,7 +101,6 @@ class ManagerTest : public FlowTest {
   void launch() { notify(kApplicationDidFinishLaunchingNotification); }
   void enterBackground() { notify(kApplicationDidEnterBackgroundNotification); }
   void enterForeground() { notify(kApplicationWillEnterForegroundNotification); }
-  void terminate() { notify(kApplicationWillTerminateNotification); }
   void appear(const ScreenKey& screen) { library->manager.stateChanges().screenChanged(kStateAppeared, screen); }
   void disappear(const ScreenKey& screen) { library->manager.stateChanges().screenChanged(kStateDisappeared, screen); }
   void notify(std::string_view name) { platform.notifications.post(name); }

@@ -160,7 +160,7 @@ class SimulatedYear : public testing::SdkFixture, public ::testing::WithParamInt
       killProcess();
     } else if (chance(0.15)) {
       killProcess();
-    } else {
+    } else if (!chance(0.05)) {  // Else the next resume comes without it.
       both([] { Application::shared().didEnterBackground(); }, [this] { model.enterBackground(); });
     }
   }

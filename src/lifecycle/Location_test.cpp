@@ -31,14 +31,5 @@ TEST_F(LocationTest, DestroysItsManagerAfterAnUpdate) {
   EXPECT_EQ(calls, 2);
 }
 
-TEST_F(LocationTest, KeepsTheLastPositionWithoutItsSigns) {
-  location.didUpdateLocations({{1.0, 2.0, 3.0}, {-52.5, -13.25, -7.0}});
-  const auto position = location.fetched();
-  ASSERT_TRUE(position);
-  EXPECT_EQ(position->latitude, 52.5);
-  EXPECT_EQ(position->longitude, 13.25);
-  EXPECT_EQ(position->altitude, 7.0);
-}
-
 }  // namespace
 }  // namespace kesu

@@ -7,38 +7,10 @@
 namespace kesu {
 namespace {
 
-using testing::kColumns;
 using testing::keysOf;
 using testing::kMain;
 using testing::kMenu;
 using StateChangesTest = testing::ManagerTest;
-
-TEST_F(StateChangesTest, WritesTheKeysOfEachStateInTheirOrder) {
-  initialize();
-  const struct {
-    std::function<void()> change;
-    std::string keys;
-    const char* state;
-    const char* detail;
-  } rows[] = {{[this] { launch(); }, "~ns ~ld bl bs ~o umem ~r ~u", "l", "Foreground Inactive"},
-              {[this] { appear(kMain); }, "~ns ~sd bl bs ~o umem ~r", "a", "Main"},
-              {[this] { disappear(kMain); }, "~ns ~sd bl bs ~o umem ~r", "d", "Main"},
-              {[this] { enterBackground(); }, "~sf ~ns bl bs ~o umem ~r", "b", nullptr},
-              {[this] { enterForeground(); }, "~ns bl bs ~o umem ~r", "r", nullptr},
-              {[this] { terminate(); }, "~ns ~tf bl bs ~o umem ~r", "t", "from foreground"}};
-  for (const auto& row : rows) {
-    row.change();
-    const Dictionary record = takeLast("s");
-    EXPECT_EQ(keysOf(record), kColumns + row.keys);
-    EXPECT_EQ(*record.find("~ns"), Value(row.state));
-    const Value* detail = record.find(row.state == std::string("l")   ? "~ld"
-                                      : row.state == std::string("t") ? "~tf"
-                                                                      : "~sd");
-    EXPECT_EQ(detail != nullptr ? *detail : Value(), Value(row.detail));
-    EXPECT_EQ(*record.find("bl"), Value("unmonitored"));
-    EXPECT_EQ(*record.find("umem"), Value("1073741824"));
-  }
-}
 
 TEST_F(StateChangesTest, NamesTheWirelessNetworkWhenKnown) {
   initialize();
@@ -69,21 +41,6 @@ TEST_F(StateChangesTest, PostsWithoutContextBeforeInitialisation) {
   EXPECT_FALSE(platform.defaults.contains("t-secondsSince1970")) << "the first launch still owes its traits";
 }
 
-TEST_F(StateChangesTest, PostsTheActivationsThatAreDueAfterTheState) {
-  initialize();
-  launch();
-  takeRecords();
-  enterForeground();
-  EXPECT_EQ(takeDestinations(), "s") << "nothing is due";
-  platform.clock.advance(3600.0);
-  enterForeground();
-  const auto records = takeRecords();
-  ASSERT_EQ(records.size(), 2U);
-  EXPECT_EQ(records[1].first, "t");
-  EXPECT_EQ(keysOf(records[1].second), "~a:LR3 ~lh ~h kak ~v kaid ace ase msg_id prd ldt rv av ov");
-  EXPECT_EQ(platform.defaults.real("t-secondsSince1970"), platform.clock.now());
-}
-
 TEST_F(StateChangesTest, ReportsWhatIsDueOnceWhereverTheProcessDies) {
   initialize();
   launch();
@@ -103,37 +60,6 @@ TEST_F(StateChangesTest, ReportsWhatIsDueOnceWhereverTheProcessDies) {
   dieAndBegin();
   enterForeground();
   EXPECT_EQ(takeDestinations(), "s") << "the log had it";
-}
-
-TEST_F(StateChangesTest, PostsNoActivationsForScreens) {
-  initialize();
-  launch();
-  takeRecords();
-  platform.clock.advance(3600.0);
-  appear(kMain);
-  EXPECT_EQ(takeDestinations(), "s");
-}
-
-TEST_F(StateChangesTest, PostsTheUsageOfTheSessionAtItsEnd) {
-  initialize();
-  launch();
-  appear(kMain);
-  platform.clock.advance(400.0);
-  takeRecords();
-  enterBackground();
-  EXPECT_TRUE(keysOf(takeLast("t")).starts_with("~a:u5mo3D ~a:u5mo5D "));
-}
-
-TEST_F(StateChangesTest, KeepsTheOrderOfTheCalls) {
-  initialize();
-  appear(kMain);
-  enterBackground();
-  terminate();
-  std::string states;
-  for (const auto& [table, body] : takeRecords()) {
-    states += table == "s" ? *body.findText("~ns") : "";
-  }
-  EXPECT_EQ(states, "abt");
 }
 
 TEST_F(StateChangesTest, TracksAScreenThatAppearsBeforeTheWorkerGetsToTheLaunch) {

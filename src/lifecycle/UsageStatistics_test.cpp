@@ -32,61 +32,9 @@ class StatisticsTest : public testing::CalendarTest {
       platform.defaults.set(flag, true);
     }
   }
-  void forgetEverything() {
-    for (const std::string& key : platform.defaults.keys()) {
-      platform.defaults.remove(key);
-    }
-  }
 
   UsageStatistics usage{platform.defaults, platform.clock, calendar};
 };
-
-TEST_F(StatisticsTest, CountsPendingSecondsUpToThreefold) {
-  const struct {
-    double seconds;
-    const char* flags;
-    int today;
-  } rows[] = {
-      {99.9, "", 297},
-      {100.0, "~a:u5mo7D", 300},
-      {299.0, "~a:u5mo5D ~a:u5mo7D ~a:u10mo7D", 897},
-      {300.0, "~a:u5mo3D ~a:u5mo5D ~a:u10mo5D ~a:u5mo7D ~a:u10mo7D ~a:u15mo7D", 900},
-      {600.0, "~a:u5mo3D ~a:u10mo3D ~a:u5mo5D ~a:u10mo5D ~a:u15mo5D ~a:u5mo7D ~a:u10mo7D ~a:u15mo7D ~a:u30mo7D", 1800}};
-  for (const auto& row : rows) {
-    forgetEverything();
-    EXPECT_EQ(use(row.seconds), row.flags) << row.seconds;
-    EXPECT_EQ(stored(), (Dictionary{{"20170315", row.today}}));
-    EXPECT_EQ(platform.defaults.boolean("appExceeds7dayUsage"), row.seconds == 600.0);
-    EXPECT_FALSE(platform.defaults.boolean("appExceeds5dayUsage"));
-    fill();
-    EXPECT_EQ(fill(), "") << "each flag is sent once";
-    EXPECT_EQ(stored(), (Dictionary{{"20170315", row.today}})) << "and no second counted again";
-  }
-}
-
-TEST_F(StatisticsTest, AddsUpTheDaysOfEachWindow) {
-  const std::pair<const char*, const char*> rows[] = {{"20170316", ""},
-                                                      {"20170313", "~a:u5mo3D ~a:u5mo5D ~a:u5mo7D"},
-                                                      {"20170312", "~a:u5mo5D ~a:u5mo7D"},
-                                                      {"20170311", "~a:u5mo5D ~a:u5mo7D"},
-                                                      {"20170310", "~a:u5mo7D"},
-                                                      {"20170309", "~a:u5mo7D"},
-                                                      {"20170308", ""}};
-  for (const auto& [day, flags] : rows) {
-    forgetEverything();
-    seed({{day, 300}});
-    EXPECT_EQ(use(0.5), flags) << day;
-  }
-}
-
-TEST_F(StatisticsTest, LeavesAWindowAloneOnceItsFlagsAreSent) {
-  sendAll({"~a:u5mo3D", "~a:u10mo3D", "~a:u15mo3D", "~a:u30mo3D"});
-  use(10.0);
-  EXPECT_EQ(stored(), (Dictionary{{"20170315", 20}})) << "counted for two windows only";
-  sendAll({"appExceeds3dayUsage", "appExceeds5dayUsage", "appExceeds7dayUsage"});
-  EXPECT_EQ(use(890.0), "~a:u15m");
-  EXPECT_EQ(stored(), (Dictionary{{"20170315", 20}}));
-}
 
 TEST_F(StatisticsTest, RaisesTheFlagsOfTheTotal) {
   sendAll({"appExceeds3dayUsage", "appExceeds5dayUsage", "appExceeds7dayUsage"});
