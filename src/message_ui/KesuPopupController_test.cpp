@@ -101,18 +101,6 @@ TEST_F(PopupTest, SlidesInFromBelowWithinThreeTenths) {
   EXPECT_TRUE(popup->popupView().isUserInteractionEnabled());
 }
 
-TEST_F(PopupTest, SlidesOutAndThenLeavesTheWindow) {
-  present();
-  popup->dismissPopupControllerAnimated(true, [this](bool flag) { completions.push_back(flag); });
-  pass(0.15);
-  EXPECT_TRUE(isUp());
-  pass(0.16);
-  EXPECT_FALSE(isUp());
-  EXPECT_EQ(popup->popupView().center(), (Point{960.0, 1080.0 + 150.0}));
-  EXPECT_EQ(popup->contentView().alpha(), 0.0);
-  EXPECT_EQ(completions, (std::vector<bool>{true, true}));
-}
-
 TEST_F(PopupTest, ClosesOnceForTheUserThoughItDismissesTwice) {
   int removed = 0;
   popup->setRemovalHandler([&] { ++removed; });

@@ -58,14 +58,6 @@ TEST_F(MessageBarsTest, DressesArrowsAsAgreed) {
   }
 }
 
-TEST_F(MessageBarsTest, CountsMessages) {
-  EXPECT_EQ(counter()->text(), "Showing 2 of 3 in-app messages");
-  EXPECT_EQ(counter()->font(), (Font{"HelveticaNeue-Regular", 18.0}));
-  EXPECT_EQ(counter()->textColor(), Color::redColor());
-  EXPECT_EQ(counter()->minimumScaleFactor(), 0.85);
-  EXPECT_EQ(counter()->frame().x, 165.0);
-}
-
 TEST_F(MessageBarsTest, ShowsNeitherButtonsNorArrowsForASingleMessage) {
   bars.show({nullptr, 0, 1, Color::white(), {}, {}});
   EXPECT_EQ(counter()->text(), "Showing 1 of 1 in-app messages");

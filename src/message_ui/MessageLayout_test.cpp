@@ -2,11 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <limits>
 #include <string>
-
-#include "drawing/TextLayout.h"
 
 namespace kesu {
 namespace {
@@ -106,14 +103,6 @@ TEST(MessageLayout, KnowsWhatTheCardCutsOffAButton) {
   EXPECT_EQ(uncutPart({8.0, 2.0, 564.0, 74.0}, 580.0, 1.25), (Rect{50.0, 0.0, 464.0, 74.0})) << "at both ends";
   EXPECT_EQ(uncutPart({0.0, 2.0, 200.0, 74.0}, 580.0, 1.25), (Rect{20.0, 0.0, 180.0, 74.0})) << "at the left one";
   EXPECT_EQ(uncutPart({190.0, 2.0, 200.0, 74.0}, 580.0, 1.25), (Rect{0.0, 0.0, 200.0, 74.0})) << "nothing";
-}
-
-TEST(MessageLayout, MeasuresTexts) {
-  EXPECT_EQ(heightForText({}, messageFont(), 557.0), 0.0);
-  EXPECT_EQ(heightForText("text", {}, 557.0), 0.0);
-  const double one = heightForText("text", messageFont(), 557.0);
-  EXPECT_EQ(one, std::ceil(heightOfText("text", messageFont(), 557.0)) + 1.0);
-  EXPECT_GT(heightForText("text\ntext", messageFont(), 557.0), one);
 }
 
 TEST(MessageLayout, KeepsTextsLegible) {

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "drawing/DrawingModule.h"
-#include "foundation/Objects.h"
 #include "message_ui/MessagePaging.h"
 #include "testing/MessageScreen.h"
 #include "testing/ScopedPlatform.h"
@@ -43,19 +42,6 @@ class MessageSessionTest : public ::testing::Test {
   int ready = 0;
 };
 
-TEST_F(MessageSessionTest, FetchesTheFirstMessage) {
-  open();
-  EXPECT_TRUE(session.isOpen());
-  EXPECT_EQ(session.index(), -1);
-  ASSERT_TRUE(answer("newUnFetched/", headersReply({"a", "b"})));
-  EXPECT_EQ(ready, 0);
-  ASSERT_TRUE(answer("getmessage/", bodyReply("First", "Text")));
-  EXPECT_EQ(ready, 1);
-  EXPECT_EQ(session.model()->title, "First");
-  EXPECT_EQ(textOf(session.headerValue("cid")), "c-a");
-  EXPECT_FALSE(session.headerValue("missing"));
-}
-
 TEST_F(MessageSessionTest, ClosesWhereNothingDraws) {
   static constexpr DrawingSource kNothing{[]() -> DrawingModule* { return nullptr; }, false};
   const DrawingSource* const linked = replaceDrawingSource(&kNothing);
@@ -63,26 +49,6 @@ TEST_F(MessageSessionTest, ClosesWhereNothingDraws) {
   replaceDrawingSource(linked);
   EXPECT_EQ(ready, 0);
   EXPECT_FALSE(session.isOpen());
-}
-
-TEST_F(MessageSessionTest, IsReadyWithoutAnyMessage) {
-  open();
-  ASSERT_TRUE(answer("newUnFetched/", headersReply({})));
-  EXPECT_EQ(ready, 1);
-  EXPECT_EQ(session.model(), nullptr);
-  EXPECT_TRUE(session.isOpen());
-}
-
-TEST_F(MessageSessionTest, PagesToTheEnd) {
-  openWith({"a", "b"});
-  const auto first = session.model();
-  EXPECT_TRUE(session.page(kNextTag, [this] { ++ready; }));
-  EXPECT_EQ(session.model(), first) << "until the reply";
-  ASSERT_TRUE(answer("getmessage/", bodyReply("Second", "Text")));
-  EXPECT_EQ(ready, 2);
-  EXPECT_EQ(session.model()->title, "Second");
-  EXPECT_FALSE(session.page(kNextTag, [] { FAIL(); }));
-  EXPECT_EQ(session.index(), 1);
 }
 
 TEST_F(MessageSessionTest, DropsRepliesThatAPageAClosingOrAnOpeningOvertakes) {
@@ -118,14 +84,6 @@ TEST_F(MessageSessionTest, SaysWhetherItSurvivesAHook) {
   EXPECT_TRUE(session.isOpen());
   EXPECT_THROW(session.survives([] { throw std::runtime_error("from the host"); }), std::runtime_error);
   EXPECT_FALSE(session.isOpen());
-}
-
-TEST_F(MessageSessionTest, ClosesWhenEveryHeaderIsRefused) {
-  session.setFilter([](const Dictionary&) { return false; });
-  open();
-  ASSERT_TRUE(answer("newUnFetched/", headersReply({"a"})));
-  EXPECT_FALSE(session.isOpen());
-  EXPECT_EQ(ready, 0);
 }
 
 }  // namespace
