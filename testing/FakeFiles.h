@@ -14,7 +14,7 @@ namespace kesu::testing {
 /// Entries are listed in the order in which they were made; a file that is written again keeps its place. The
 /// directories are "/home/Documents", "/home/Library/Caches" and "/home/Library/Preferences" and do not exist until
 /// something is written into them.
-class FakeFiles final : public Files {
+class FakeFiles : public Files {
  public:
   std::string documentsDirectory() override { return "/home/Documents"; }
   std::string cachesDirectory() override { return "/home/Library/Caches"; }

@@ -6,8 +6,6 @@
 #include <string>
 #include <utility>
 
-#include "testing/MutatedReplies.h"
-
 namespace kesu {
 namespace {
 
@@ -103,19 +101,6 @@ TEST(InAppTemplateData, HasDefaultColoursWhenAsked) {
   EXPECT_EQ(model.templateData->messageColor(), Color::white());
   EXPECT_EQ(model.templateData->canvasColor(), Color::white());
   expectButton(*model.templateData, {0, "A", "a://", Color::white(), kButtonBlue});
-}
-
-TEST(InAppTemplateData, SurvivesMutatedTemplates) {
-  testing::forEachMutation(kTemplate, [](const std::string& mutated) {
-    const InAppModel model = message("", mutated);
-    for (std::size_t i = 0; i <= model.templateData->buttonCount(); ++i) {
-      static_cast<void>(model.templateData->buttonTitleAtIndex(i));
-      static_cast<void>(model.templateData->buttonActionAtIndex(i));
-      static_cast<void>(model.templateData->buttonTitleColorAtIndex(i));
-      ASSERT_TRUE(i == model.templateData->buttonCount() || model.templateData->buttonBackgroundAtIndex(i) ||
-                  !model.templateData->buttons().empty());
-    }
-  });
 }
 
 }  // namespace

@@ -7,7 +7,6 @@
 #include "records/DefaultsKeys.h"
 #include "support/KesuPriorityLogger.h"
 #include "testing/DeliverAsTaken.h"
-#include "testing/MutatedReplies.h"
 #include "testing/ScopedPlatform.h"
 
 namespace kesu {
@@ -370,32 +369,6 @@ TEST_F(InboxTest, WarnsOfTheSumOfItsKeys) {
   inbox.kesu_getMessageHeadersForType(Type::Unread, {});
   answer(text(Dictionary{{"metadatalist", headers(80, 1000)}}));
   EXPECT_EQ(platform.log.takeLines().size(), 1U);
-}
-
-// Each parser gets damaged replies; what comes of them is one of the described outcomes, and the next good reply works.
-TEST_F(InboxTest, SurvivesMutatedReplies) {
-  KesuPriorityLogger::sharedLogger().setLogLevel(0);
-  const std::string count = R"({"count":12,"x":[1,"y"]})";
-  const std::string list = R"([{"mid":"1","cid":"c","n":null,"d":{"e":[1,2.5]}},{"mid":"2\u00e9"}])";
-  const std::pair<std::string, std::function<void()>> parsers[] = {
-      {count, [&] { inbox.kesu_countNewUnFetched(listenToCount()); }},
-      {R"({"metadatalist":)" + list + "}", [&] { inbox.kesu_getMessageHeadersForType(Type::All, listen()); }},
-      {R"({"payloadlist":)" + list + "}", [&] { inbox.kesu_getMessagesForType(Type::Unread, listen()); }},
-      {list.substr(1, list.size() - 2), [&] { inbox.kesu_getMessageWithContentID("", "m", listen()); }}};
-  for (const auto& parser : parsers) {
-    int left = testing::kMutations;
-    testing::forEachMutation(parser.first, [&](const std::string& damaged) {
-      if (left-- % 100 == 0) {
-        platform.defaults.remove(kHeadersDefault);
-        platform.defaults.remove(kReadMessagesDefault);
-      }
-      parser.second();
-      const bool hasReceipt = platform.http.request(platform.http.requestCount() - 1).headers.front().first == "t";
-      platform.http.answer(platform.http.requestCount() - (hasReceipt ? 2 : 1), 200, damaged);
-      platform.settle();
-      ASSERT_EQ(takeTold().size(), 1U) << damaged;
-    });
-  }
 }
 
 }  // namespace
