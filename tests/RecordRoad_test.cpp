@@ -111,11 +111,11 @@ TEST_F(RecordRoadTest, GivesEachScreenThatTheUserSeesItsTime) {
 
 TEST_F(RecordRoadTest, PostsExplicitActivationsAsTraits) {
   platform.defaults.set("push_mid_key", "m1");
-  KesuExplicitActivation::post({{"how", "remote"}});
+  KesuExplicitActivation::post({{"how", "remote"}, {"~a:Activation", "0"}});
   platform.settle();
   ASSERT_EQ(destinations(), "t");
   const Dictionary record = lastBody();
-  EXPECT_EQ(text(record, "~a:Activation"), "1");
+  EXPECT_EQ(text(record, "~a:Activation") + text(record, "how"), "1remote");
   EXPECT_EQ(text(record, "mid"), "m1");
   EXPECT_EQ(text(record, "prd"), "x86_64");
   EXPECT_EQ(text(record, "lrg"), "<absent>");

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 #include <kesu/events/KesuCustomEvent.h>
 #include <kesu/events/KesuEvent.h>
-#include <kesu/events/KesuExplicitActivation.h>
 #include <kesu/foundation/Exception.h>
 
 #include <limits>
@@ -101,14 +100,6 @@ TEST_F(EventTest, MeasuresElapsedSeconds) {
   }
   KesuPriorityLogger::sharedLogger().setLogLevel(0);
   EXPECT_EQ(poster.posted.size(), 5U);
-}
-
-TEST_F(EventTest, MarksExplicitActivations) {
-  KesuExplicitActivation::post();
-  KesuExplicitActivation::post({{"~a:Activation", "0"}, {"k", "v"}});
-  ASSERT_EQ(poster.posted.size(), 2U);
-  EXPECT_EQ(poster.posted[0], (std::pair<char, Dictionary>{'t', {{"~a:Activation", "1"}}}));
-  EXPECT_EQ(poster.posted[1].second, (Dictionary{{"~a:Activation", "1"}, {"k", "v"}}));
 }
 
 }  // namespace

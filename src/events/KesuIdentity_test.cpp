@@ -111,16 +111,6 @@ class VersionTest : public IdentityTest {
   KesuVersionChangeEvent versions{platform.defaults, platform.background, metrics, platform.bundle};
 };
 
-TEST_F(VersionTest, ReportsEachChangeOnce) {
-  EXPECT_EQ(launch({{"CFBundleShortVersionString", "1.0"}}), "") << "a first launch";
-  EXPECT_EQ(remembered("Kesu.AppVersionChanged") + " " + remembered("Kesu.OSVersionChanged"), "1.0 12");
-  EXPECT_EQ(launch({{"CFBundleShortVersionString", "1.1"}}), "Kesu.AppVersionChanged 1.0>1.1");
-  EXPECT_EQ(poster.flow, (std::vector<std::string>{"Kesu.AppVersionChanged"}));
-  EXPECT_EQ(launch({{"CFBundleShortVersionString", "1.1"}}), "");
-  platform.device.systemVersionText = "13";
-  EXPECT_EQ(launch({{"CFBundleShortVersionString", "1.1"}}), "Kesu.OSVersionChanged 12>13");
-}
-
 TEST_F(VersionTest, ForgetsAVersionThatIsGone) {
   launch({{"CFBundleShortVersionString", "1.0"}});
   EXPECT_EQ(launch({}), "Kesu.AppVersionChanged 1.0>");
