@@ -1,13 +1,10 @@
 #include <gtest/gtest.h>
 #include <kesu/platform/Platform.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdlib>
 #include <filesystem>
-#include <thread>
 
-#include "platform/OrderlyEnd.h"
 #include "testing/ManualClock.h"
 #include "testing/ManualMainLoop.h"
 #include "testing/RawConnection.h"
@@ -35,37 +32,22 @@ void postRecord(int port, int number) {
   });
 }
 
-/// How a process comes to call exit().
+/// How a process comes to call exit() in a task of the library, which then cannot be waited for.
 struct Ending {
   const char* name;
   void (*end)();
 };
 
-[[noreturn]] void waitForEver() {
-  for (;;) {
-    ::pause();
-  }
-}
-
-const Ending kEndings[] = {{"OfMain", [] { std::exit(0); }},
-                           {"AfterOrderlyEnd",
-                            [] {
-                              endOrderly(Platform::current());
-                              std::exit(0);
-                            }},
-                           {"InMainLoopTask",
+const Ending kEndings[] = {{"InMainLoopTask",
                             [] {
                               MainLoop::shared().post([] { std::exit(0); });
                               MainLoop::shared().run();
                             }},
-                           {"InBackgroundTask",
-                            [] {
+                           {"InBackgroundTask", [] {
                               Platform::current().background.post([] { std::exit(0); });
-                              waitForEver();
-                            }},
-                           {"OnAnotherThread", [] {
-                              std::thread([] { std::exit(0); }).detach();
-                              waitForEver();
+                              for (;;) {
+                                ::pause();
+                              }
                             }}};
 
 class ProcessEndDeathTest : public ::testing::TestWithParam<Ending> {
@@ -95,37 +77,6 @@ TEST_P(ProcessEndDeathTest, StoresEveryRecordThatHasNoReply) {
 
 INSTANTIATE_TEST_SUITE_P(Exit, ProcessEndDeathTest, ::testing::ValuesIn(kEndings),
                          [](const auto& instance) { return std::string(instance.param.name); });
-
-TEST(LinuxPlatformDeathTest, ForkedChildLeavesRecordsToItsParent) {
-  const testing::TemporaryDirectory home;
-  const auto run = [&home] {
-    static const pid_t parent = ::getpid();
-    // Runs after the library's handler and before a leak checker's: what the parent's threads own looks lost in a
-    // child.
-    std::atexit([] {
-      if (::getpid() != parent) {
-        ::_exit(0);
-      }
-    });
-    PlatformOptions options;
-    options.homeDirectory = home.path();
-    installLinuxPlatform(options);
-    const testing::SilentServer server;
-    postRecord(server.port(), 1);
-    Platform::current().background.drain(10.0);
-    const pid_t child = ::fork();
-    if (child == 0) {
-      postRecord(9, 2);
-      std::exit(0);
-    }
-    int status = -1;
-    ::waitpid(child, &status, 0);
-    std::exit(status == 0 && !fs::exists(home / "Documents") ? 0 : 1);
-  };
-  EXPECT_EXIT(run(), ::testing::ExitedWithCode(0), "");
-  EXPECT_TRUE(fs::exists(home / "Documents/1"));
-  EXPECT_FALSE(fs::exists(home / "Documents/2"));
-}
 
 TEST(LinuxPlatformDeathTest, TakesTheHostsSettingsOnce) {
   const auto run = [] {

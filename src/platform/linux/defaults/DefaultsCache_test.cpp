@@ -35,16 +35,6 @@ class DefaultsCacheTest : public ::testing::Test {
   DefaultsCache::Batch batch_;
 };
 
-TEST_F(DefaultsCacheTest, CollectsOnlyWhatTheFileDoesNotHave) {
-  cache_.set("a", 1);
-  append("flow", "x");
-  EXPECT_EQ(write(true), (std::map<std::string, Kind>{{"a", Kind::Put}, {"flow", Kind::Put}}));
-  EXPECT_FALSE(cache_.hasUnsaved());
-  cache_.set("a", 1);
-  append("flow", "y");
-  EXPECT_EQ(write(true), (std::map<std::string, Kind>{{"flow", Kind::Append}}));
-}
-
 TEST_F(DefaultsCacheTest, GivesBackWhatCouldNotBeWritten) {
   append("flow", "a");
   write(true);

@@ -211,18 +211,6 @@ TEST_F(DefaultsReaderTest, AFileThatIsSpoiledBeforeTheFirstGetCostsOnlyWhatWasNo
   EXPECT_EQ(readerWarnings().size(), 1U);
 }
 
-TEST_F(DefaultsReaderTest, AForkedChildLeavesTheFileOfItsParentAlone) {
-  EXPECT_TRUE(defaults_->contains("long"));
-  const auto verdict = testing::runInChild([&] {
-    const bool read = defaults_->get("long").has_value();
-    const bool changed = defaults_->set("long", numbers(70));
-    defaults_.reset();
-    return (read ? 1 : 0) + (changed ? 2 : 0);
-  });
-  EXPECT_EQ(verdict, 0);
-  EXPECT_EQ(longArray(), numbers(100));
-}
-
 TEST_F(DefaultsReaderTest, ThreadsMayAllComeFirst) {
   for (int round = 0; round < 10; ++round) {
     std::vector<std::thread> threads;

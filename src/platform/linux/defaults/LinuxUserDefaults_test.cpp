@@ -141,23 +141,6 @@ TEST_F(LinuxUserDefaultsTest, WritesNothingForAValueThatIsThereAlready) {
   }
 }
 
-TEST_F(LinuxUserDefaultsTest, WritesWhatIsNewInALongArrayOnly) {
-  Array list(5000, "an element with some text in it");
-  open()->set("list", list);
-  const auto defaults = open();
-  defaults->set("list", list);
-  EXPECT_TRUE(defaults->synchronize());
-  const off_t whole = sizeOf(directory_ / (kName + "-wal"));
-  for (int i = 0; i < 10; ++i) {
-    list[static_cast<std::size_t>(i) * 400] = i;
-    list.push_back(i);
-    defaults->set("list", list);
-    EXPECT_TRUE(defaults->synchronize());
-  }
-  EXPECT_LT(sizeOf(directory_ / (kName + "-wal")) - whole, whole / 2);
-  EXPECT_EQ(open()->get("list"), Value(list));
-}
-
 TEST_F(LinuxUserDefaultsTest, ALongArrayOfTwoProcessesIsNeverMixed) {
   open()->synchronize();
   const auto first = open();

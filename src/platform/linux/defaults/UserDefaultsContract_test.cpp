@@ -376,16 +376,6 @@ TEST_P(UserDefaultsContractTest, ASynchronizeOfAnotherThreadWritesChangesTogethe
   }
 }
 
-TEST_P(UserDefaultsContractTest, ListsTheKeysThatHaveAValue) {
-  defaults().set("b", 1);
-  testing::appendText(defaults(), "a", "x");
-  defaults().set("gone", 1);
-  defaults().remove("gone");
-  EXPECT_EQ(sortedKeys(), (std::vector<std::string>{"a", "b"}));
-  synchronizeAndRestart();
-  EXPECT_EQ(sortedKeys(), (std::vector<std::string>{"a", "b"}));
-}
-
 TEST_P(UserDefaultsContractTest, WhatWasNotSynchronizedIsLostAtRestart) {
   defaults().set("kept", 1);
   EXPECT_TRUE(defaults().synchronize());
@@ -395,26 +385,6 @@ TEST_P(UserDefaultsContractTest, WhatWasNotSynchronizedIsLostAtRestart) {
   restart();
   EXPECT_EQ(defaults().integer("kept"), 1);
   EXPECT_EQ(defaults().get("lost"), std::nullopt);
-}
-
-TEST_P(UserDefaultsContractTest, ALongTextGrownInManyStepsIsWholeAfterRestart) {
-  std::string whole;
-  for (int i = 0; i < 3000; ++i) {
-    const std::string step = std::to_string(i) + ",";
-    whole += step;
-    testing::appendText(defaults(), "flow", step);
-    if (i % 3 == 0) {
-      EXPECT_TRUE(defaults().synchronize());
-    }
-    if (i % 1000 == 999) {
-      defaults().checkpoint();
-    }
-  }
-  synchronizeAndRestart();
-  EXPECT_EQ(defaults().text("flow"), whole);
-  testing::appendText(defaults(), "flow", "end");
-  synchronizeAndRestart();
-  EXPECT_EQ(defaults().text("flow"), whole + "end");
 }
 
 }  // namespace

@@ -93,7 +93,6 @@ TEST_P(HttpClientContract, CompletesEachRequestOnceOnTheMainLoop) {
 }
 
 TEST_P(HttpClientContract, CompletionMaySendAgain) {
-  HttpReply second;
   client_.send(harness_->answered(), [&](HttpReply) { exchange_.send(harness_->answered()); });
   harness_->letAnswersCome();
   while (exchange_.completed() == 0) {

@@ -1,18 +1,12 @@
 #include "platform/linux/http/HttpEngine.h"
 
 #include <gtest/gtest.h>
-#include <netinet/in.h>
-#include <poll.h>
-#include <sys/socket.h>
-#include <unistd.h>
-
-#include <atomic>
-#include <thread>
 
 #include "platform/linux/base/LinuxMainLoop.h"
 #include "platform/linux/http/LinuxHttpClient.h"
 #include "testing/HttpExchange.h"
 #include "testing/LoopbackServer.h"
+#include "testing/RawConnection.h"
 
 namespace kesu {
 namespace {
@@ -97,65 +91,16 @@ TEST_F(HttpEngineTest, AnImpatientRequestFailsOnlyItself) {
   EXPECT_EQ(exchange.reply(2).status, 200);
 }
 
-/// Accepts connections and answers each with the beginning of a TLS handshake that never ends.
-class DrippingHandshake {
- public:
-  DrippingHandshake() : listener_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    auto* const generic = reinterpret_cast<sockaddr*>(&address);
-    socklen_t size = sizeof address;
-    EXPECT_EQ(::bind(listener_, generic, size), 0);
-    EXPECT_EQ(::listen(listener_, 16), 0);
-    EXPECT_EQ(::getsockname(listener_, generic, &size), 0);
-    port_ = ntohs(address.sin_port);
-    thread_ = std::thread([this] { drip(); });
-  }
-  ~DrippingHandshake() {
-    stopping_ = true;
-    thread_.join();
-    ::close(listener_);
-  }
-
-  DrippingHandshake(const DrippingHandshake&) = delete;
-  DrippingHandshake& operator=(const DrippingHandshake&) = delete;
-
-  std::string url() const { return "https://127.0.0.1:" + std::to_string(port_) + "/"; }
-
- private:
-  void drip() {
-    std::vector<int> accepted;
-    while (!stopping_) {
-      pollfd wanted{listener_, POLLIN, 0};
-      if (::poll(&wanted, 1, 10) == 1) {
-        accepted.push_back(::accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC));
-        ::send(accepted.back(), "\x16\x03\x03\x40\x00\x02\x00\x3f\xfc", 9, MSG_NOSIGNAL);
-      }
-      for (const int socket : accepted) {
-        ::send(socket, "", 1, MSG_NOSIGNAL);
-      }
-    }
-    for (const int socket : accepted) {
-      ::close(socket);
-    }
-  }
-
-  const int listener_;
-  int port_ = 0;
-  std::atomic<bool> stopping_{false};
-  std::thread thread_;
-};
-
-TEST_F(HttpEngineTest, AHandshakeThatDripsEndsWithTheConnectTimeoutOrTheDeadline) {
-  const DrippingHandshake dripping;
+TEST_F(HttpEngineTest, AnEndlessHandshakeEndsWithTheConnectTimeoutOrTheDeadline) {
+  const testing::SilentServer silent;
+  const std::string url = "https://127.0.0.1:" + std::to_string(silent.port()) + "/";
   LinuxHttpClientOptions options;
   options.connectTimeoutSeconds = 0.4;
   LinuxHttpClient client(loop_, options);
   HttpExchange exchange(client, loop_);
-  exchange.send(post(dripping.url(), 0.1));
-  exchange.send(post(dripping.url(), 100));
-  exchange.send(post(dripping.url(), 100));
+  exchange.send(post(url, 0.1));
+  exchange.send(post(url, 100));
+  exchange.send(post(url, 100));
   ASSERT_TRUE(exchange.awaitAll());
   EXPECT_EQ(exchange.reply(0).error, HttpError::TimedOut);
   EXPECT_EQ(exchange.reply(1).error, HttpError::CannotConnect);

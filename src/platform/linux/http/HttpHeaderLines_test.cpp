@@ -16,13 +16,6 @@ HttpRequest requestWith(Headers headers, std::string body = {}) {
   return request;
 }
 
-TEST(HttpHeaderLines, KeepsOrderAndTakesBackWhatLibcurlWouldAdd) {
-  EXPECT_EQ(httpHeaderLines(requestWith({{"b", "1"}, {"a", "2"}})),
-            (Lines{"b: 1", "a: 2", "Expect:", "Accept:", "Content-Type:"}));
-  EXPECT_EQ(httpHeaderLines(requestWith({{"accept", "*/*"}, {"content-type", "x"}})),
-            (Lines{"accept: */*", "content-type: x", "Expect:"}));
-}
-
 TEST(HttpHeaderLines, CannotBeUsedToInjectHeaders) {
   using namespace std::string_literals;
   struct Case {

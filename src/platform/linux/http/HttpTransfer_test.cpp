@@ -82,6 +82,7 @@ TEST_F(HttpTransferTest, RedirectsWithLongBodiesAreFollowedAllTheSame) {
   request.ignoresBody = true;
   EXPECT_EQ(exchange_.fetch(std::move(request)).status, 200);
   EXPECT_EQ(server_.requests().back().path, "/there");
+  EXPECT_EQ(server_.requests().back().body, "{}");
 }
 
 TEST_F(HttpTransferTest, ARequestReachesTheServerTwiceAtMost) {
