@@ -73,8 +73,7 @@ class FakeUserDefaults final : public UserDefaults {
   int checkpointCount_ KESU_GUARDED_BY(mutex_) = 0;
   bool refusesWrites_ KESU_GUARDED_BY(mutex_) = false;
   bool isLoaded_ KESU_GUARDED_BY(mutex_) = true;
-  std::map<std::string, std::string, std::less<>> grown_
-      KESU_GUARDED_BY(mutex_);  // What this process has appended.
+  std::map<std::string, std::string, std::less<>> grown_ KESU_GUARDED_BY(mutex_);  // What this process has appended.
   std::set<std::string> raised_ KESU_GUARDED_BY(mutex_);
   std::vector<std::function<void()>> waiting_ KESU_GUARDED_BY(mutex_);
 };

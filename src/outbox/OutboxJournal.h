@@ -35,8 +35,8 @@ class OutboxJournal {
   void recover(const Recovered& recovered);
 
   /// Applies the changes of former processes that the user defaults do not contain. From then on they contain what is
-  /// newest. Call it once they were read, and now and then: a file that takes the place of theirs, as that of a home does
-  /// which is mounted late, may know greater numbers, and those of this process continue behind.
+  /// newest. Call it once they were read, and now and then: a file that takes the place of theirs, as that of a home
+  /// does which is mounted late, may know greater numbers, and those of this process continue behind.
   void catchUp();
 
   /// Sets what a later process needs to complete the records of this one.

@@ -26,10 +26,10 @@ struct DefaultsEntry {
   bool isUnread = false;   ///< The value, an array or dictionary, is in the file only. Nothing is unsaved then.
   bool isText = false;
   bool isRaised = false;  ///< An integer that only grows, also when a file is joined.
-  Value value;       ///< Unless it is a text or unread.
-  std::string text;  ///< A text that grows in place.
-  std::string list;  ///< The property list of `value` until it is saved, when it is a dictionary or a short array.
-  ArrayParts parts;  ///< Of a long array: the parts that are not saved.
+  Value value;            ///< Unless it is a text or unread.
+  std::string text;       ///< A text that grows in place.
+  std::string list;       ///< The property list of `value` until it is saved, when it is a dictionary or a short array.
+  ArrayParts parts;       ///< Of a long array: the parts that are not saved.
   Unsaved unsaved = Unsaved::Nothing;
   std::size_t savedSize = 0;
   std::size_t grownSize = 0;  ///< Bytes at the end of the text that were appended by this process.

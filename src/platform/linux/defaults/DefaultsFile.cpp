@@ -155,7 +155,7 @@ bool DefaultsFile::write(bool& wantsCheckpoint) {
     }
     reports = hasNews();
   }
-  if (reports) {  // What follows from the values that were read is in the same transaction as what they are joined with.
+  if (reports) {  // What follows from the values that were read is written in the same transaction.
     report();
     tell();
   }
