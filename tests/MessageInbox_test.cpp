@@ -123,6 +123,7 @@ TEST_F(MessagesOverTlsTest, ServesEveryRequest) {
                                             [&] { Kesu::getMessageBodyWithCampaignID("c", "m", listen()); },
                                             [&] { KesuPersonalizationIntelligence::getTags(listen()); },
                                             [&] {
+                                              EXPECT_TRUE(platform.settle());  // The worker reads the bundle as well.
                                               platform.bundle.dictionary.set("devmode", "TRUE");
                                               Kesu::countNewUnFetched(listenForCount());
                                             }};
