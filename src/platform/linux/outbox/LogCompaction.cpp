@@ -69,9 +69,9 @@ class CompactedLog {
     const HeldSegment& segment = moved_.segments.back();
     errno = EFBIG;
     const bool hasRoom = error_ == 0 && segment.file->hasRoom(bytes.size());
-    const auto offset = hasRoom ? segment.file->append(
-                                      makeEntryHeader(kind, found.entry.sequence, bytes, found.isReleased), bytes)
-                                : std::nullopt;
+    const auto offset =
+        hasRoom ? segment.file->append(makeEntryHeader(kind, found.entry.sequence, bytes, found.isReleased), bytes)
+                : std::nullopt;
     if (!offset) {
       error_ = error_ != 0 ? error_ : errno;
     } else if (kind == EntryKind::Entry && !found.isReleased) {

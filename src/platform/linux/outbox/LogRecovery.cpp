@@ -8,7 +8,8 @@ namespace kesu {
 
 void LogRecovery::add(std::uint32_t id, std::shared_ptr<SegmentFile> file) {
   highest_ = std::max(highest_, file->header().firstSequence - 1);
-  logs_[file->header().logId].segments.push_back({id, std::move(file)});
+  Log& log = logs_[file->header().logId];
+  log.segments.push_back({id, std::move(file)});
 }
 
 int LogRecovery::run(const Visit& visit) {

@@ -16,9 +16,9 @@
 namespace kesu {
 
 /// Reads the logs of earlier processes as one: entries in the order of their numbers, those of the older log first
-/// where numbers are equal. Copies of one entry, which moving leaves behind when the process ends on the way, have equal
-/// numbers and checksums: it is visited once, as released if any copy is, and copies that wait are marked as such. Reads
-/// one segment per log at a time. Confined to one thread.
+/// where numbers are equal. Copies of one entry, which moving leaves behind when the process ends on the way, have
+/// equal numbers and checksums: it is visited once, as released if any copy is, and copies that wait are marked as
+/// such. Reads one segment per log at a time. Confined to one thread.
 class LogRecovery {
  public:
   using Visit = std::function<void(const AppendLog::Found&)>;
@@ -48,9 +48,7 @@ class LogRecovery {
     std::string preamble;
 
     /// A lower bound of the number of the next entry.
-    AppendLog::Sequence sequence() const {
-      return item ? item->sequence : segments[at].file->header().firstSequence;
-    }
+    AppendLog::Sequence sequence() const { return item ? item->sequence : segments[at].file->header().firstSequence; }
   };
 
   /// An entry that was read.

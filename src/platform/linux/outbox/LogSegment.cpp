@@ -130,14 +130,12 @@ std::optional<SegmentReader::Item> SegmentReader::next() {
     if (!header || offset_ + sizeof(EntryHeader) + header->length() > segment_.size()) {
       break;
     }
-    const Item item{header->kind(),
-                    static_cast<std::uint32_t>(offset_),
-                    header->sequence,
-                    header->checksum,
-                    header->mark,
-                    segment_.substr(offset_ + sizeof(EntryHeader), header->length())};
+    const Item item{header->kind(),   static_cast<std::uint32_t>(offset_),
+                    header->sequence, header->checksum,
+                    header->mark,     segment_.substr(offset_ + sizeof(EntryHeader), header->length())};
     offset_ += entryBytes(header->length());
-    const bool isGood = isWhole(*header, item.bytes) && item.sequence >= next_ && item.sequence <= AppendLog::kHighestSequence;
+    const bool isGood =
+        isWhole(*header, item.bytes) && item.sequence >= next_ && item.sequence <= AppendLog::kHighestSequence;
     if (item.kind == EntryKind::Preamble) {
       isPreambleLost_ = !isGood;
     }
